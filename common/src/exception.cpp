@@ -1,0 +1,5 @@
+#include <kel/exception.h>
+
+kel_exception::kel_exception(const std::string& message, bool, bool) : message_(message) {}
+
+const char* kel_exception::what() const noexcept { return message_.what(); }

@@ -1,0 +1,267 @@
+#include <kel/diag.h>
+
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using Diag::DiagStorage;
+using Diag::MessageType;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+DiagStorage Message(MessageType type, std::string text) {
+  return DiagStorage({}, type, std::move(text), {});
+}
+
+/// A service of its own for each test: none can leave its handler to another.
+class DiagServiceTest : public testing::Test {
+ protected:
+  void Post(const std::string& text) { service_.PostImpl(Message(MessageType::kInfo, text)); }
+
+  Diag::DiagService::Handler Recorder(std::vector<std::string>& texts) {
+    return [&texts](const DiagStorage& message) { texts.push_back(message.text()); };
+  }
+
+  Diag::DiagService service_;
+};
+
+TEST(DiagStorage, MessageType_Values_AreThoseOfTheSuite) {
+  EXPECT_THAT((std::vector<int>{static_cast<int>(MessageType::kInfo),
+                                static_cast<int>(MessageType::kWarning),
+                                static_cast<int>(MessageType::kError)}),
+              ElementsAre(0, 1, 2));
+}
+
+TEST(DiagStorage, Construct_FourParts_GivesThemBack) {
+  const char identifier[] = "DB-7";
+  const char second[] = "details";
+  const DiagStorage message({4, identifier}, MessageType::kWarning, "low on pins", {7, second});
+  EXPECT_EQ(message.identifier().data, identifier);
+  EXPECT_EQ(message.identifier().size, 4u);
+  EXPECT_EQ(message.type(), MessageType::kWarning);
+  EXPECT_EQ(message.text(), "low on pins");
+  EXPECT_EQ(message.second().data, second);
+  EXPECT_EQ(message.second().size, 7u);
+}
+
+TEST(DiagStorage, Construct_Text_IsTakenOverNotCopied) {
+  std::string text(100, 'x');
+  const char* const storage = text.data();
+  const DiagStorage message({}, MessageType::kInfo, std::move(text), {});
+  EXPECT_EQ(message.text().data(), storage);
+}
+
+TEST(DiagService, GlobalInst_CalledInSeveralThreads_IsOneObject) {
+  const Diag::DiagService* other = nullptr;
+  std::thread([&other] { other = &Diag::GlobalInst(); }).join();
+  EXPECT_EQ(other, &Diag::GlobalInst());
+}
+
+TEST_F(DiagServiceTest, PostImpl_NoHandler_WritesOneLineWithSeverityToStandardError) {
+  const std::vector<std::pair<MessageType, std::string>> cases = {
+      {MessageType::kInfo, "info: 100 % of {} – größer\n"},
+      {MessageType::kWarning, "warning: 100 % of {} – größer\n"},
+      {MessageType::kError, "error: 100 % of {} – größer\n"},
+  };
+  for (const auto& [type, line] : cases) {
+    SCOPED_TRACE(line);
+    testing::internal::CaptureStderr();
+    service_.PostImpl(Message(type, "100 % of {} – größer"));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), line);
+  }
+}
+
+TEST_F(DiagServiceTest, PostImpl_NoHandler_WritesNothingToStandardOutput) {
+  testing::internal::CaptureStderr();
+  testing::internal::CaptureStdout();
+  Post("low on pins");
+  const std::string written = testing::internal::GetCapturedStdout();
+  testing::internal::GetCapturedStderr();
+  EXPECT_EQ(written, "");
+}
+
+TEST_F(DiagServiceTest, PostImpl_Handler_GetsTheMessageItself) {
+  const DiagStorage message = Message(MessageType::kError, "low on pins");
+  std::vector<const DiagStorage*> received;
+  service_.SetHandler([&received](const DiagStorage& posted) { received.push_back(&posted); });
+  service_.PostImpl(message);
+  EXPECT_THAT(received, ElementsAre(&message));
+}
+
+TEST_F(DiagServiceTest, PostImpl_Handler_TakesThePlaceOfTheConsole) {
+  std::vector<std::string> texts;
+  service_.SetHandler(Recorder(texts));
+  testing::internal::CaptureStderr();
+  Post("low on pins");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(DiagServiceTest, SetHandler_FirstCall_ReturnsEmptyHandler) {
+  EXPECT_FALSE(service_.SetHandler([](const DiagStorage&) {}));
+}
+
+TEST_F(DiagServiceTest, SetHandler_HandlerSetBefore_ReturnsIt) {
+  std::vector<std::string> texts;
+  service_.SetHandler(Recorder(texts));
+  const auto former = service_.SetHandler({});
+  ASSERT_TRUE(former);
+  former(Message(MessageType::kInfo, "given back"));
+  EXPECT_THAT(texts, ElementsAre("given back"));
+}
+
+TEST_F(DiagServiceTest, SetHandler_Replaced_OnlyTheNewHandlerIsCalled) {
+  std::vector<std::string> first;
+  std::vector<std::string> second;
+  service_.SetHandler(Recorder(first));
+  service_.SetHandler(Recorder(second));
+  Post("low on pins");
+  EXPECT_THAT(first, IsEmpty());
+  EXPECT_THAT(second, ElementsAre("low on pins"));
+}
+
+TEST_F(DiagServiceTest, SetHandler_Empty_RestoresTheConsole) {
+  service_.SetHandler([](const DiagStorage&) {});
+  service_.SetHandler({});
+  testing::internal::CaptureStderr();
+  Post("low on pins");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "info: low on pins\n");
+}
+
+TEST_F(DiagServiceTest, SetHandler_FormerHandlerSetAgain_IsCalledAgain) {
+  std::vector<std::string> texts;
+  service_.SetHandler(Recorder(texts));
+  service_.SetHandler(service_.SetHandler({}));
+  Post("low on pins");
+  EXPECT_THAT(texts, ElementsAre("low on pins"));
+}
+
+TEST_F(DiagServiceTest, PostImpl_HandlerThrows_ReachesTheCaller) {
+  service_.SetHandler([](const DiagStorage&) { throw std::runtime_error("log is full"); });
+  EXPECT_THROW(Post("low on pins"), std::runtime_error);
+}
+
+TEST_F(DiagServiceTest, PostImpl_AfterHandlerThrew_CallsTheHandlerAgain) {
+  int calls = 0;
+  service_.SetHandler([&calls](const DiagStorage&) {
+    if (++calls == 1) throw std::runtime_error("log is full");
+  });
+  EXPECT_ANY_THROW(Post("first"));
+  Post("second");
+  EXPECT_EQ(calls, 2);
+}
+
+TEST_F(DiagServiceTest, SetHandler_AfterHandlerThrew_ReplacesIt) {
+  std::vector<std::string> texts;
+  service_.SetHandler([](const DiagStorage&) { throw std::runtime_error("log is full"); });
+  EXPECT_ANY_THROW(Post("first"));
+  service_.SetHandler(Recorder(texts));
+  Post("second");
+  EXPECT_THAT(texts, ElementsAre("second"));
+}
+
+TEST_F(DiagServiceTest, PostImpl_HandlerReplacesItself_NextMessageGoesToTheReplacement) {
+  std::vector<std::string> first;
+  std::vector<std::string> second;
+  service_.SetHandler([&](const DiagStorage& message) {
+    service_.SetHandler(Recorder(second));
+    first.push_back(message.text());  // The handler is still whole after its replacement.
+  });
+  Post("one");
+  Post("two");
+  EXPECT_THAT(first, ElementsAre("one"));
+  EXPECT_THAT(second, ElementsAre("two"));
+}
+
+TEST_F(DiagServiceTest, PostImpl_HandlerPostsItself_BothMessagesArrive) {
+  std::vector<std::string> texts;
+  service_.SetHandler([&](const DiagStorage& message) {
+    texts.push_back(message.text());
+    if (message.text() == "outer") Post("inner");
+  });
+  Post("outer");
+  EXPECT_THAT(texts, ElementsAre("outer", "inner"));
+}
+
+constexpr int kThreads = 8;
+constexpr int kPostsPerThread = 200;
+
+std::string TextOf(int thread, int post) {
+  return "thread " + std::to_string(thread) + " post " + std::to_string(post);
+}
+
+void PostFromAllThreads(Diag::DiagService& service) {
+  std::vector<std::thread> threads;
+  for (int thread = 0; thread < kThreads; ++thread) {
+    threads.emplace_back([&service, thread] {
+      for (int post = 0; post < kPostsPerThread; ++post) {
+        service.PostImpl(Message(MessageType::kInfo, TextOf(thread, post)));
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
+
+std::vector<std::string> Sorted(std::vector<std::string> texts) {
+  std::sort(texts.begin(), texts.end());
+  return texts;
+}
+
+std::vector<std::string> AllTextsSorted() {
+  std::vector<std::string> texts;
+  for (int thread = 0; thread < kThreads; ++thread) {
+    for (int post = 0; post < kPostsPerThread; ++post) texts.push_back(TextOf(thread, post));
+  }
+  return Sorted(std::move(texts));
+}
+
+TEST_F(DiagServiceTest, PostImpl_EightThreadsWithHandler_EveryMessageArrivesOnce) {
+  std::mutex mutex;
+  std::vector<std::string> texts;
+  service_.SetHandler([&](const DiagStorage& message) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    texts.push_back(message.text());
+  });
+  PostFromAllThreads(service_);
+  EXPECT_EQ(Sorted(texts), AllTextsSorted());
+}
+
+TEST_F(DiagServiceTest, PostImpl_EightThreadsOnTheConsole_LinesAreNotMixed) {
+  testing::internal::CaptureStderr();
+  PostFromAllThreads(service_);
+  std::istringstream written(testing::internal::GetCapturedStderr());
+  std::vector<std::string> texts;
+  for (std::string line; std::getline(written, line);) {
+    texts.push_back(line.substr(line.find(' ') + 1));
+  }
+  EXPECT_EQ(Sorted(texts), AllTextsSorted());
+}
+
+TEST_F(DiagServiceTest, SetHandler_WhileOtherThreadsPost_EveryMessageReachesOneHandler) {
+  std::atomic<int> first{0};
+  std::atomic<int> second{0};
+  const auto count_in = [](std::atomic<int>& count) {
+    return [&count](const DiagStorage&) { ++count; };
+  };
+  service_.SetHandler(count_in(first));
+  std::thread changer([&] {
+    for (int i = 0; i < kPostsPerThread; ++i) {
+      service_.SetHandler(i % 2 == 0 ? count_in(second) : count_in(first));
+    }
+  });
+  PostFromAllThreads(service_);
+  changer.join();
+  EXPECT_EQ(first + second, kThreads * kPostsPerThread);
+}
+
+}  // namespace

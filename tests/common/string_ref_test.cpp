@@ -1,0 +1,38 @@
+#include <kel/string_ref.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <type_traits>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Ref = Kel::BasicStringRef<char>;
+
+static_assert(std::is_standard_layout_v<Ref>, "its layout is shared with the rest of the suite");
+static_assert(std::is_trivially_copyable_v<Ref>, "it is passed by value everywhere");
+static_assert(std::is_same_v<decltype(Ref::size), std::uint64_t>);
+static_assert(std::is_same_v<decltype(Ref::data), const char*>);
+
+TEST(StringRef, DefaultConstruct_Size_IsZero) { EXPECT_EQ(Ref().size, 0u); }
+
+TEST(StringRef, DefaultConstruct_Data_PointsAtEmptyText) { EXPECT_STREQ(Ref().data, ""); }
+
+TEST(StringRef, Layout_Members_AreSizeThenData) {
+  EXPECT_LT(offsetof(Ref, size), offsetof(Ref, data));
+}
+
+TEST(StringRef, Construct_PartOfText_RefersToThatPart) {
+  const char text[] = "clock_tree";
+  const Ref part{5, text};
+  EXPECT_EQ(std::string(part.data, part.size), "clock");
+}
+
+TEST(StringRef, Construct_Text_IsNotCopied) {
+  const std::string text = "clock_tree";
+  EXPECT_EQ((Ref{text.size(), text.data()}.data), text.data());
+}
+
+}  // namespace
