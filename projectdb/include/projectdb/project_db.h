@@ -62,14 +62,113 @@ class KelProjectDatabase {
   void CleanProjectDatabase();
   /// @}
 
-  /// @name Flow processes
+  /// @name Flow processes and parameter maps
+  /// Each process keeps named maps of parameters. A value that is no ProcType is refused: with
+  /// null, false, "" or an empty optional.
   /// @{
 
   /// Takes no lock. @return null if there is no such process
   FlowProcess* GetFlowProcess(ProcType type) const;
 
+  /// Takes no lock; the pointer holds until the process gets another map.
+  /// @return null if there is no such process or map
+  ParameterMap* FindFlowProcessParameterMap(ProcType type, std::string map_name) const;
+
+  /// Finds the map or creates it empty; takes no lock.
+  /// @return null if there is no such process or it has 32768 other maps
+  ParameterMap* AddFlowProcessParameterMap(ProcType type, std::string map_name);
+
+  /// Stores a parameter under a key. A parameter of type e_noarg must have an empty value, any
+  /// other a non-empty one, and a stored parameter never changes its type.
+  /// @return false, with nothing changed, if the parameter is refused
+  static bool InsertOrAssignParameterToMap(ParameterMap& map, const std::string& key,
+                                           const Parameter& parameter);
+
   /// Takes no lock. @param name zero-terminated; the name of the process's element in the file
   void SetFlowProcessName(ProcType type, const char* name);
+
+  void SetFlowProcessExecutableName(ProcType type, const std::string& name);
+  std::string GetFlowProcessExecutableName(ProcType type) const;
+
+  /// Stores a parameter in the named map, which is created if it is missing, even if the
+  /// parameter is then refused.
+  bool AddFlowProcessParameter(ProcType type, std::string map_name, const Parameter& parameter);
+  bool AddFlowProcessParameter(ProcType type, std::string map_name, const std::string& name,
+                               const std::string& value, ParameterType value_type);
+
+  /// Stores each parameter that is not refused.
+  /// @return false only if there is no such process
+  bool AddFlowProcessParameterList(ProcType type, std::string map_name,
+                                   const std::vector<Parameter>& parameters);
+
+  /// Appends the map's parameters in no particular order.
+  void GetFlowProcessParameterList(ProcType type, std::string map_name,
+                                   std::vector<Parameter>& parameters) const;
+  std::optional<Parameter> GetFlowProcessParameter(ProcType type, std::string map_name,
+                                                   const std::string& name) const;
+  std::string GetFlowProcessParameterValue(ProcType type, std::string map_name,
+                                           const std::string& name) const;
+  /// @}
+
+  /// @name Synthesis
+  /// The general operations with the process and the map fixed.
+  /// @{
+  std::string GetSynthesisExecutableName() const;
+  void SetSynthesisExecutableName(const std::string& name);
+  bool AddSynthesisParameter(const Parameter& parameter);
+  bool AddSynthesisParameter(const std::string& name, const std::string& value, ParameterType type);
+  bool AddSynthesisParameterList(const std::vector<Parameter>& parameters);
+  void GetSynthesisParameterList(std::vector<Parameter>& parameters) const;
+  std::string GetSynthesisParameterValue(const std::string& name) const;
+
+  bool AddSynthesisVerilogDefineParameter(const Parameter& parameter);
+  /// The parameter has no type (kNoParameterType) and needs a value.
+  bool AddSynthesisVerilogDefineParameter(const std::string& name, const std::string& value);
+  bool AddSynthesisVerilogDefineParameterList(const std::vector<Parameter>& parameters);
+  void GetSynthesisVerilogDefineParameterList(std::vector<Parameter>& parameters) const;
+  std::string GetSynthesisVerilogDefineParameterValue(const std::string& name) const;
+
+  bool AddSynthesisVerilogMacro(const Parameter& parameter);
+  /// The macro has no type (kNoParameterType) and needs a value.
+  bool AddSynthesisVerilogMacro(const std::string& name, const std::string& value);
+  bool AddSynthesisVerilogMacroList(const std::vector<Parameter>& parameters);
+  void GetSynthesisVerilogMacroList(std::vector<Parameter>& parameters) const;
+  std::string GetSynthesisVerilogMacroValue(const std::string& name) const;
+  /// @}
+
+  /// @name Place and route
+  /// @{
+  std::string GetPlaceAndRouteExecutableName() const;
+  void SetPlaceAndRouteExecutableName(const std::string& name);
+  bool AddPlaceAndRouteParameter(const Parameter& parameter);
+  bool AddPlaceAndRouteParameter(const std::string& name, const std::string& value,
+                                 ParameterType type);
+  bool AddPlaceAndRouteParameterList(const std::vector<Parameter>& parameters);
+  void GetPlaceAndRouteParameterList(std::vector<Parameter>& parameters) const;
+  std::optional<Parameter> GetPlaceAndRouteParameter(const std::string& name) const;
+  std::string GetPlaceAndRouteParameterValue(const std::string& name) const;
+  /// @}
+
+  /// @name Bitstream generation
+  /// @{
+  std::string GetBitstreamGenerateExecutableName() const;
+  void SetBitstreamGenerateExecutableName(const std::string& name);
+  bool AddBitstreamGenerateParameter(const Parameter& parameter);
+  bool AddBitstreamGenerateParameter(const std::string& name, const std::string& value,
+                                     ParameterType type);
+  bool AddBitstreamGenerateParameterList(const std::vector<Parameter>& parameters);
+  void GetBitstreamGenerateParameterList(std::vector<Parameter>& parameters) const;
+  std::string GetBitstreamGenerateParameterValue(const std::string& name) const;
+  /// @}
+
+  /// @name Debugger
+  /// @{
+  bool AddDebuggerParameter(const Parameter& parameter);
+  bool AddDebuggerParameter(const std::string& name, const std::string& value, ParameterType type);
+  bool AddDebuggerParameterList(const std::vector<Parameter>& parameters);
+  void GetDebuggerParameterList(std::vector<Parameter>& parameters) const;
+  std::optional<Parameter> GetDebuggerParameter(const std::string& name) const;
+  std::string GetDebuggerParameterValue(const std::string& name) const;
   /// @}
 
   /// @name Parameter types as text

@@ -1,6 +1,43 @@
+#include <limits>
+#include <utility>
+
+#include "model_names.h"
 #include "project_db/project_data.h"
 
 namespace projectdb {
+namespace {
+
+// A map's position is kept in a signed 16-bit index.
+constexpr std::size_t kMaximumMaps =
+    static_cast<std::size_t>(std::numeric_limits<std::int16_t>::max()) + 1;
+
+ParameterMap* FindMap(FlowProcess& process, const std::string& name) {
+  const auto entry = process.parameter_map_index.find(name);
+  if (entry == process.parameter_map_index.end()) return nullptr;
+  const auto position = static_cast<std::size_t>(entry->second);
+  return position < process.parameter_maps.size() ? &process.parameter_maps[position] : nullptr;
+}
+
+ParameterMap* AddMap(FlowProcess& process, std::string name) {
+  const std::size_t position = process.parameter_maps.size();
+  if (position >= kMaximumMaps) return nullptr;
+  process.parameter_maps.emplace_back();
+  try {
+    process.parameter_map_index.insert_or_assign(std::move(name),
+                                                 static_cast<std::int16_t>(position));
+  } catch (...) {
+    process.parameter_maps.pop_back();
+    throw;
+  }
+  return &process.parameter_maps.back();
+}
+
+// A switch carries no value, every other parameter has one.
+bool HasValueForItsType(const Parameter& parameter) {
+  return parameter.value.empty() == (parameter.type == e_noarg);
+}
+
+}  // namespace
 
 FlowProcess* KelProjectDatabase::GetFlowProcess(ProcType type) const {
   const auto position = static_cast<std::size_t>(type);
@@ -8,9 +45,100 @@ FlowProcess* KelProjectDatabase::GetFlowProcess(ProcType type) const {
   return &data_->flow_processes[position];
 }
 
+// By value like every map name of the interface.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
+ParameterMap* KelProjectDatabase::FindFlowProcessParameterMap(ProcType type,
+                                                              std::string map_name) const {
+  FlowProcess* process = GetFlowProcess(type);
+  return process ? FindMap(*process, map_name) : nullptr;
+}
+
+ParameterMap* KelProjectDatabase::AddFlowProcessParameterMap(ProcType type, std::string map_name) {
+  FlowProcess* process = GetFlowProcess(type);
+  if (!process) return nullptr;
+  ParameterMap* map = FindMap(*process, map_name);
+  return map ? map : AddMap(*process, std::move(map_name));
+}
+
+bool KelProjectDatabase::InsertOrAssignParameterToMap(ParameterMap& map, const std::string& key,
+                                                      const Parameter& parameter) {
+  if (!HasValueForItsType(parameter)) return false;
+  const auto [entry, inserted] = map.try_emplace(key, parameter);
+  if (inserted) return true;
+  Parameter& stored = entry->second;
+  if (stored.type != parameter.type) return false;
+  // Copied first: running out of memory must not leave the new name with the old value.
+  Parameter copy = parameter;
+  stored = std::move(copy);
+  return true;
+}
+
 void KelProjectDatabase::SetFlowProcessName(ProcType type, const char* name) {
   FlowProcess* process = GetFlowProcess(type);
   if (process && name) process->name = name;
+}
+
+void KelProjectDatabase::SetFlowProcessExecutableName(ProcType type, const std::string& name) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (FlowProcess* process = GetFlowProcess(type)) process->tool_name = name;
+}
+
+std::string KelProjectDatabase::GetFlowProcessExecutableName(ProcType type) const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const FlowProcess* process = GetFlowProcess(type);
+  return process ? process->tool_name : std::string();
+}
+
+bool KelProjectDatabase::AddFlowProcessParameter(ProcType type, std::string map_name,
+                                                 const Parameter& parameter) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  ParameterMap* map = AddFlowProcessParameterMap(type, std::move(map_name));
+  return map && InsertOrAssignParameterToMap(*map, parameter.name, parameter);
+}
+
+bool KelProjectDatabase::AddFlowProcessParameter(ProcType type, std::string map_name,
+                                                 const std::string& name, const std::string& value,
+                                                 ParameterType value_type) {
+  return AddFlowProcessParameter(type, std::move(map_name), Parameter(name, value, value_type));
+}
+
+bool KelProjectDatabase::AddFlowProcessParameterList(ProcType type, std::string map_name,
+                                                     const std::vector<Parameter>& parameters) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  ParameterMap* map = AddFlowProcessParameterMap(type, std::move(map_name));
+  if (!map) return false;
+  for (const Parameter& parameter : parameters) {
+    InsertOrAssignParameterToMap(*map, parameter.name, parameter);
+  }
+  return true;
+}
+
+void KelProjectDatabase::GetFlowProcessParameterList(ProcType type, std::string map_name,
+                                                     std::vector<Parameter>& parameters) const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const ParameterMap* map = FindFlowProcessParameterMap(type, std::move(map_name));
+  if (!map) return;
+  parameters.reserve(map->size());
+  for (const auto& [name, parameter] : *map) parameters.push_back(parameter);
+}
+
+std::optional<Parameter> KelProjectDatabase::GetFlowProcessParameter(
+    ProcType type, std::string map_name, const std::string& name) const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const ParameterMap* map = FindFlowProcessParameterMap(type, std::move(map_name));
+  if (!map) return std::nullopt;
+  const auto entry = map->find(name);
+  if (entry == map->end()) return std::nullopt;
+  return entry->second;
+}
+
+std::string KelProjectDatabase::GetFlowProcessParameterValue(ProcType type, std::string map_name,
+                                                             const std::string& name) const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const ParameterMap* map = FindFlowProcessParameterMap(type, std::move(map_name));
+  if (!map) return {};
+  const auto entry = map->find(name);
+  return entry == map->end() ? std::string() : entry->second.value;
 }
 
 }  // namespace projectdb
