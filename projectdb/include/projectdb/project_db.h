@@ -62,6 +62,46 @@ class KelProjectDatabase {
   void CleanProjectDatabase();
   /// @}
 
+  /// @name Project properties
+  /// Getters return a copy; setters store any text as it is.
+  /// @{
+  std::string GetProjectName() const;
+  void SetProjectName(const std::string& name);
+  std::string GetProjectCurrentPath() const;  ///< The project's directory.
+  void SetProjectCurrentPath(const std::string& path);
+  std::string GetProjectSoftwareVersion() const;  ///< Version that wrote the project.
+  void SetProjectSoftwareVersion(const std::string& version);
+  std::string GetProjectLastModifyTime() const;  ///< Text for display.
+  std::string GetDeviceFamily() const;
+  void SetDeviceFamily(const std::string& family);
+  std::string GetDeviceModel() const;
+  void SetDeviceModel(const std::string& device);
+  std::string GetDeviceTimingModel() const;
+  void SetDeviceTimingModel(const std::string& timing_model);
+  std::string GetDesignTopModuleName() const;
+  void SetDesignTopModuleName(const std::string& top_module);
+  std::string GetDesignTopVHDLArchitecture() const;
+  void SetDesignTopVHDLArchitecture(const std::string& architecture);
+  std::string GetInterfaceConstraint() const;  ///< As stored, not resolved.
+  /// @}
+
+  /// @name Project info attributes
+  /// Free texts by name, kept as attributes of the project file's root. "name", "sw_version" and
+  /// "last_change_date" stand for the project's name, software version and last change time.
+  /// @{
+
+  /// Stores an attribute; a namespace declaration or an "xsi" attribute is dropped. Takes no lock.
+  /// @return false only without a project
+  bool InsertOrAssignProjectAttribute(const std::string& name, const std::string& value);
+
+  /// InsertOrAssignProjectAttribute under the lock.
+  bool AddProjectInfoAttribute(const std::string& name, const std::string& value);
+
+  /// @param value receives the attribute's text; untouched if there is none
+  /// @return whether there is such an attribute
+  bool GetProjectInfoAttribute(const std::string& name, std::string& value) const;
+  /// @}
+
   /// @name Flow processes and parameter maps
   /// Each process keeps named maps of parameters. A value that is no ProcType is refused: with
   /// null, false, "" or an empty optional.
@@ -183,6 +223,11 @@ class KelProjectDatabase {
 
  private:
   struct ProjectData;
+
+  template <typename... Members>
+  std::string GetProperty(Members... members) const;
+  template <typename... Members>
+  void SetProperty(const std::string& text, Members... members);
 
   mutable std::mutex mutex_;
   std::unique_ptr<ProjectData> data_;

@@ -1,0 +1,58 @@
+#include <utility>
+
+#include "model_names.h"
+#include "project_db/project_data.h"
+
+namespace projectdb {
+namespace {
+
+// A namespace declaration or schema-instance attribute: "xmlns", "xsi" or a name so prefixed.
+bool IsForXmlItself(const std::string& name) {
+  const std::string prefix = name.substr(0, name.find(':'));
+  return prefix == "xmlns" || prefix == "xsi";
+}
+
+// The field that a reserved name stands for; null for any other name.
+template <typename Data>
+auto* ReservedField(Data& data, const std::string& name) {
+  if (name == kProjectName.narrow) return &data.project_name;
+  if (name == kSoftwareVersion.narrow) return &data.software_version;
+  if (name == kLastModifyTime.narrow) return &data.last_modify_time;
+  return static_cast<decltype(&data.project_name)>(nullptr);
+}
+
+}  // namespace
+
+bool KelProjectDatabase::InsertOrAssignProjectAttribute(const std::string& name,
+                                                        const std::string& value) {
+  if (!data_) return false;
+  if (IsForXmlItself(name)) return true;
+  if (std::string* field = ReservedField(*data_, name)) {
+    *field = value;
+  } else {
+    data_->info_attributes.insert_or_assign(name, value);
+  }
+  return true;
+}
+
+bool KelProjectDatabase::AddProjectInfoAttribute(const std::string& name,
+                                                 const std::string& value) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return InsertOrAssignProjectAttribute(name, value);
+}
+
+bool KelProjectDatabase::GetProjectInfoAttribute(const std::string& name,
+                                                 std::string& value) const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!data_) return false;
+  if (const std::string* field = ReservedField(std::as_const(*data_), name)) {
+    value = *field;
+    return true;
+  }
+  const auto attribute = data_->info_attributes.find(name);
+  if (attribute == data_->info_attributes.end()) return false;
+  value = attribute->second;
+  return true;
+}
+
+}  // namespace projectdb
