@@ -10,6 +10,12 @@
 
 #include <projectdb/records.h>
 
+// Xerces-C 3.2; callers that write DOM elements themselves include its headers.
+namespace xercesc_3_2 {
+class DOMElement;
+}
+namespace xercesc = xercesc_3_2;
+
 namespace projectdb {
 
 /// Holds one FPGA design project in memory and moves it to and from a project XML file.
@@ -221,6 +227,23 @@ class KelProjectDatabase {
   static ParameterType getParameterTypeFromStr(const std::string& text);
   /// @}
 
+  /// @name Project file
+  /// @{
+
+  /// Reads a project file into the object. A project that is there is kept: single values are
+  /// overwritten, lists appended to, parameters inserted or assigned. The project's directory
+  /// becomes that of the file.
+  ///
+  /// @param xml_file path of the project file, which must end in ".xml"
+  /// @param schema_file path of the XML schema, or "": then a local schema that the file itself
+  ///        names is used, if there is one
+  /// @return false if the file is missing or malformed, with an error message and the project
+  ///         untouched; false, with all else loaded, if it has elements outside the format
+  /// @exception std::runtime_error if the XML library fails; the project is untouched
+  bool LoadProjectData(const std::string& xml_file, const std::string& schema_file);
+
+  /// @}
+
  private:
   struct ProjectData;
 
@@ -228,6 +251,21 @@ class KelProjectDatabase {
   std::string GetProperty(Members... members) const;
   template <typename... Members>
   void SetProperty(const std::string& text, Members... members);
+
+  bool LoadProjectDocument(const xercesc::DOMElement* root);
+
+  bool LoadProjectInfoAttributes(const char* ns, const xercesc::DOMElement* root);
+  bool LoadProjectInfo(const char* ns, const xercesc::DOMElement* elem);
+  bool UpdateDeviceInfo(DeviceInfo& device_info, const char* ns, const xercesc::DOMElement* elem);
+  bool UpdateDesignInfo(DesignInfo& design_info, const char* ns, const xercesc::DOMElement* elem);
+  bool UpdateConstraintInfo(DesignConstraint& constraint, const char* ns,
+                            const xercesc::DOMElement* elem);
+  bool UpdateISFInfo(DesignISF& isf, const char* ns, const xercesc::DOMElement* elem);
+  bool UpdateIPInfo(IPInfo& ip_info, const char* ns, const xercesc::DOMElement* elem);
+  void UpdateFileListInfo(std::vector<DesignFile>& files, const char* tag, const char* ns,
+                          const xercesc::DOMElement* elem);
+  bool SetUpFlowProcess(ProcType type, const char* tag, const char* ns,
+                        const xercesc::DOMElement* elem);
 
   mutable std::mutex mutex_;
   std::unique_ptr<ProjectData> data_;

@@ -1,0 +1,105 @@
+#include "xml/dom.h"
+
+#include <fmt/format.h>
+#include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/dom/DOMException.hpp>
+#include <xercesc/util/XMLString.hpp>
+#include <xercesc/util/XMLUni.hpp>
+
+#include "xml/errors.h"
+#include "xml/file_uri.h"
+
+namespace projectdb::xml {
+namespace {
+
+using xercesc::DOMElement;
+
+// Not recursive: the nesting is as deep as the file says.
+const DOMElement* NextInDocumentOrder(const DOMElement* element, const DOMElement* root) {
+  if (const DOMElement* child = element->getFirstElementChild()) return child;
+  while (element != root) {
+    if (const DOMElement* sibling = element->getNextElementSibling()) return sibling;
+    element = static_cast<const DOMElement*>(element->getParentNode());
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+std::vector<const DOMElement*> DescendantElements(const DOMElement* root,
+                                                  std::u16string_view namespace_uri,
+                                                  std::u16string_view local_name) {
+  std::vector<const DOMElement*> found;
+  const DOMElement* element = root;
+  while ((element = NextInDocumentOrder(element, root)) != nullptr) {
+    const XMLCh* uri = element->getNamespaceURI();
+    if (uri && uri == namespace_uri && element->getLocalName() == local_name) {
+      found.push_back(element);
+    }
+  }
+  return found;
+}
+
+bool HasLocalName(const DOMElement* element, const Name& name) {
+  return xercesc::XMLString::equals(element->getLocalName(), name.wide);
+}
+
+std::string GetDOMAttributeString(Transcoder& transcoder, const DOMElement* element,
+                                  const Name& name) {
+  return transcoder.ToUtf8(element->getAttribute(name.wide));
+}
+
+std::u16string ElementWriter::ElementName(const char* tag) {
+  return tag ? transcoder_.ToElementName(tag) : std::u16string();
+}
+
+DOMElement* ElementWriter::AddChildDOMElement(DOMElement* parent, const XMLCh* tag) {
+  if (!parent || !tag || !*tag) return nullptr;
+  xercesc::DOMDocument* document = parent->getOwnerDocument();
+  if (!document) return nullptr;
+  try {
+    DOMElement* child = document->createElementNS(namespace_uri_, tag);
+    if (namespace_uri_ && prefix_) child->setPrefix(prefix_);
+    parent->appendChild(child);
+    return child;
+  } catch (const xercesc::DOMException&) {
+    return nullptr;  // A namespace and prefix that do not go together.
+  }
+}
+
+void ElementWriter::SetDOMElementAttribute(DOMElement* element, const Name& name,
+                                           std::string_view value) {
+  if (element) element->setAttribute(name.wide, transcoder_.ToXml(value).c_str());
+}
+
+void ElementWriter::SetQualifiedAttribute(DOMElement* element, std::string_view name,
+                                          std::string_view value) {
+  const std::size_t colon = name.find(':');
+  const bool has_prefix = colon != std::string_view::npos;
+  const std::string_view prefix = has_prefix ? name.substr(0, colon) : "";
+  if ((has_prefix && !IsName(prefix)) || !IsName(has_prefix ? name.substr(colon + 1) : name)) {
+    throw Failure(fmt::format("{:?} cannot be the name of an attribute", name));
+  }
+  const std::u16string qualified_name = transcoder_.ToXml(name);
+  const std::u16string uri = has_prefix ? NamespaceOfPrefix(prefix) : std::u16string();
+  element->setAttributeNS(has_prefix ? uri.c_str() : nullptr, qualified_name.c_str(),
+                          transcoder_.ToXml(value).c_str());
+}
+
+bool ElementWriter::IsName(std::string_view text) { return IsNCName(transcoder_.ToXml(text)); }
+
+std::u16string ElementWriter::NamespaceOfPrefix(std::string_view prefix) {
+  const std::u16string text = transcoder_.ToXml(prefix);
+  if (text == u"xml") return xercesc::XMLUni::fgXMLURIName;
+  if (prefix_ && text == prefix_) return namespace_uri_;
+  return namespace_uri_ + (u"/prefix/" + transcoder_.ToXml(EscapeForUri(prefix)));
+}
+
+bool ElementWriter::AddChildDOMElementWithAttribute(DOMElement* parent, const XMLCh* tag,
+                                                    const Name& attribute, std::string_view value) {
+  DOMElement* child = AddChildDOMElement(parent, tag);
+  SetDOMElementAttribute(child, attribute, value);
+  return child != nullptr;
+}
+
+}  // namespace projectdb::xml

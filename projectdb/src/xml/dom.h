@@ -1,0 +1,94 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <xercesc/dom/DOMElement.hpp>
+
+#include "name.h"
+#include "xml/text.h"
+
+/// Reading and making DOM elements.
+namespace projectdb::xml {
+
+/// The element children of an element, in document order, for a range-based loop.
+class ChildElements {
+ public:
+  class Iterator {
+   public:
+    explicit Iterator(const xercesc::DOMElement* element) : element_(element) {}
+    const xercesc::DOMElement* operator*() const { return element_; }
+    Iterator& operator++() {
+      element_ = element_->getNextElementSibling();
+      return *this;
+    }
+    bool operator!=(const Iterator& other) const { return element_ != other.element_; }
+
+   private:
+    const xercesc::DOMElement* element_;
+  };
+
+  explicit ChildElements(const xercesc::DOMElement* parent) : parent_(parent) {}
+  Iterator begin() const { return Iterator(parent_->getFirstElementChild()); }
+  Iterator end() const { return Iterator(nullptr); }
+
+ private:
+  const xercesc::DOMElement* parent_;
+};
+
+/// The elements of one name at any depth below an element, in document order.
+std::vector<const xercesc::DOMElement*> DescendantElements(const xercesc::DOMElement* root,
+                                                           std::u16string_view namespace_uri,
+                                                           std::u16string_view local_name);
+
+/// Whether this is the element's local name.
+bool HasLocalName(const xercesc::DOMElement* element, const Name& name);
+
+/// The text of an attribute; "" if it is absent.
+std::string GetDOMAttributeString(Transcoder& transcoder, const xercesc::DOMElement* element,
+                                  const Name& name);
+
+/// Makes elements of one namespace and prefix, and their attributes.
+class ElementWriter {
+ public:
+  /// @param namespace_uri may be null
+  /// @param prefix may be null; not used without a namespace
+  ElementWriter(const XMLCh* namespace_uri, const XMLCh* prefix)
+      : namespace_uri_(namespace_uri), prefix_(prefix) {}
+
+  /// The form in which a tag is handed to AddChildDOMElement; null gives the empty tag.
+  /// @exception Failure if the tag is not a name without colon
+  std::u16string ElementName(const char* tag);
+
+  /// Appends a child element.
+  /// @return null if the parent or the tag is null or empty, or if there can be no such element
+  xercesc::DOMElement* AddChildDOMElement(xercesc::DOMElement* parent, const XMLCh* tag);
+
+  /// Sets an attribute without namespace; does nothing if the element is null.
+  /// @exception Failure if XML cannot carry the value
+  void SetDOMElementAttribute(xercesc::DOMElement* element, const Name& name,
+                              std::string_view value);
+
+  /// Sets an attribute whose name may have a prefix. The document must declare every prefix, so
+  /// each is given a namespace of its own, derived from the writer's.
+  /// @exception Failure if the name is neither a name without colon nor two joined by one, or if
+  ///            XML cannot carry the value
+  void SetQualifiedAttribute(xercesc::DOMElement* element, std::string_view name,
+                             std::string_view value);
+
+  /// Appends a child element with one attribute.
+  /// @return whether there is such an element now
+  bool AddChildDOMElementWithAttribute(xercesc::DOMElement* parent, const XMLCh* tag,
+                                       const Name& attribute, std::string_view value);
+
+ private:
+  bool IsName(std::string_view text);
+  std::u16string NamespaceOfPrefix(std::string_view prefix);
+
+  const XMLCh* namespace_uri_;
+  const XMLCh* prefix_;
+  Transcoder transcoder_;
+};
+
+}  // namespace projectdb::xml

@@ -1,0 +1,45 @@
+#include "xml/parser_settings.h"
+
+#include <xercesc/dom/DOMConfiguration.hpp>
+#include <xercesc/dom/DOMImplementation.hpp>
+#include <xercesc/dom/DOMImplementationRegistry.hpp>
+#include <xercesc/framework/Wrapper4InputSource.hpp>
+
+namespace projectdb::xml {
+
+using xercesc::XMLUni;
+
+void Set(xercesc::DOMLSParser& parser, const XMLCh* parameter, bool value) {
+  xercesc::DOMConfiguration& configuration = *parser.getDomConfig();
+  if (configuration.canSetParameter(parameter, value)) {
+    configuration.setParameter(parameter, value);
+  }
+}
+
+Owned<xercesc::DOMLSParser> CreateParser(xercesc::DOMErrorHandler& error_handler) {
+  xercesc::DOMImplementation* implementation =
+      xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS");
+  Owned<xercesc::DOMLSParser> parser(
+      implementation->createLSParser(xercesc::DOMImplementationLS::MODE_SYNCHRONOUS, nullptr));
+  Set(*parser, XMLUni::fgDOMComments, false);
+  Set(*parser, XMLUni::fgDOMDatatypeNormalization, true);
+  Set(*parser, XMLUni::fgDOMEntities, false);
+  Set(*parser, XMLUni::fgDOMNamespaces, true);
+  Set(*parser, XMLUni::fgDOMElementContentWhitespace, false);
+  Set(*parser, XMLUni::fgDOMValidate, true);
+  Set(*parser, XMLUni::fgXercesSchema, true);
+  Set(*parser, XMLUni::fgXercesSchemaFullChecking, false);
+  Set(*parser, XMLUni::fgXercesUserAdoptsDOMDocument, true);
+  // A document type declaration could make a small file expand without bound or read other files.
+  Set(*parser, XMLUni::fgDOMDisallowDoctype, true);
+  parser->getDomConfig()->setParameter(XMLUni::fgDOMErrorHandler, &error_handler);
+  return parser;
+}
+
+Owned<xercesc::DOMDocument> Parse(xercesc::DOMLSParser& parser, const xercesc::InputSource& input) {
+  // The wrapper wants a pointer that it could adopt; it is told not to.
+  const xercesc::Wrapper4InputSource source(const_cast<xercesc::InputSource*>(&input), false);
+  return Owned<xercesc::DOMDocument>(parser.parse(&source));
+}
+
+}  // namespace projectdb::xml

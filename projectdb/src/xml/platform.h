@@ -1,0 +1,16 @@
+#pragma once
+
+/// The XML library counts its initialisations but does not guard the count; these two may be
+/// called from any thread. Each initialisation keeps the library usable until its termination.
+namespace projectdb::xml {
+
+/// Initialises the XML library with its default locale.
+void InitializeWithDefaultLocale();
+
+/// @param initialize what does the work
+/// @exception std::runtime_error "Failed to initialize …"
+void InitializeXMLPlatform(void (*initialize)() = InitializeWithDefaultLocale);
+
+void TerminateXMLPlatform();
+
+}  // namespace projectdb::xml

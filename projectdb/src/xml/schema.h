@@ -1,0 +1,32 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include <xercesc/sax/InputSource.hpp>
+#include <xercesc/util/XMLEntityResolver.hpp>
+
+namespace projectdb::xml {
+
+/// Finds the schema documents that a parse needs, given, hinted or included: local files only.
+/// One with a document type declaration is refused, since such a declaration can make a small
+/// file expand without bound or read other files; so is one that is not well-formed.
+class SchemaSource : public xercesc::XMLEntityResolver {
+ public:
+  /// @param path of the schema that the caller gives
+  /// @return null if it cannot be read or is refused
+  std::unique_ptr<xercesc::InputSource> Open(const std::filesystem::path& path);
+
+  /// The parser's question for a hinted or included schema. Never null: that would make the parser
+  /// look for the document itself, on the network too.
+  xercesc::InputSource* resolveEntity(xercesc::XMLResourceIdentifier* identifier) override;
+
+  /// Whether a document was refused.
+  bool refused() const { return refused_; }
+
+ private:
+  bool refused_ = false;
+};
+
+}  // namespace projectdb::xml

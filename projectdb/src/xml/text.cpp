@@ -1,0 +1,87 @@
+#include "xml/text.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLChar.hpp>
+#include <xercesc/util/XMLString.hpp>
+#include <xercesc/util/XMLUni.hpp>
+
+#include "xml/errors.h"
+
+namespace projectdb::xml {
+namespace {
+
+// The transcoder never sees more than it is given; the size only sets up its own tables.
+constexpr XMLSize_t kBlockSize = 1024;
+
+bool IsSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
+
+// Transcoded text has surrogates in pairs only, and XML carries every character beyond 16 bits.
+bool IsForbidden(char16_t unit) {
+  return !IsSurrogate(unit) && !xercesc::XMLChar1_0::isXMLChar(unit);
+}
+
+}  // namespace
+
+Transcoder::Transcoder()
+    : transcoder_(xercesc::XMLUni::fgUTF8EncodingString, kBlockSize,
+                  xercesc::XMLPlatformUtils::fgMemoryManager) {}
+
+void Transcoder::Transcode(std::string_view text) {
+  // A character takes no more 16-bit units than it has bytes.
+  xml_text_.resize(text.size());
+  sizes_.resize(text.size());
+  XMLSize_t bytes_read = 0;
+  XMLSize_t length = 0;
+  try {
+    length = transcoder_.transcodeFrom(reinterpret_cast<const XMLByte*>(text.data()), text.size(),
+                                       xml_text_.data(), xml_text_.size(), bytes_read,
+                                       reinterpret_cast<unsigned char*>(sizes_.data()));
+  } catch (const xercesc::XMLException&) {
+    bytes_read = 0;
+  }
+  if (bytes_read != text.size()) throw Failure(fmt::format("the text {:?} is not UTF-8", text));
+  xml_text_.resize(length);
+}
+
+const std::u16string& Transcoder::ToXml(std::string_view text) {
+  Transcode(text);
+  const auto forbidden = std::find_if(xml_text_.begin(), xml_text_.end(), IsForbidden);
+  if (forbidden != xml_text_.end()) {
+    throw Failure(fmt::format("the text {:?} has the character U+{:04X}, which XML cannot carry",
+                              text, static_cast<unsigned>(*forbidden)));
+  }
+  return xml_text_;
+}
+
+std::u16string Transcoder::ToElementName(std::string_view name) {
+  Transcode(name);
+  if (!IsNCName(xml_text_)) {
+    throw Failure(fmt::format("{:?} cannot be the name of an element", name));
+  }
+  return xml_text_;
+}
+
+std::string Transcoder::ToUtf8(const XMLCh* text) {
+  const XMLSize_t length = xercesc::XMLString::stringLen(text);
+  // A 16-bit unit takes at most three bytes, a pair of them four.
+  std::string result(length * 3, '\0');
+  XMLSize_t units_read = 0;
+  const XMLSize_t size =
+      length == 0 ? 0
+                  : transcoder_.transcodeTo(text, length, reinterpret_cast<XMLByte*>(result.data()),
+                                            result.size(), units_read,
+                                            xercesc::XMLTranscoder::UnRep_RepChar);
+  result.resize(size);
+  return result;
+}
+
+std::string TranscodeXMLString(const XMLCh* text) { return Transcoder().ToUtf8(text); }
+
+bool IsNCName(std::u16string_view text) {
+  return xercesc::XMLChar1_0::isValidNCName(text.data(), text.size());
+}
+
+}  // namespace projectdb::xml
