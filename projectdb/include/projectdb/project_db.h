@@ -242,6 +242,51 @@ class KelProjectDatabase {
   /// @exception std::runtime_error if the XML library fails; the project is untouched
   bool LoadProjectData(const std::string& xml_file, const std::string& schema_file);
 
+  /// Writes the project to a file, stamped with this library's version and the local time; does
+  /// nothing without a project. What is written can be loaded again.
+  ///
+  /// @exception std::runtime_error "Failed writing XML file …" if the project holds text that no
+  ///            XML file can hold (an existing file is then untouched) or if the file could not be
+  ///            written whole
+  /// @exception xercesc::IOException if the file cannot be opened
+  void ExportProjectData(const std::string& path) const;
+  /// @}
+
+  /// @name Writers of DOM elements
+  /// Each appends one element to its parent, with the namespace URI and, if that is given, the
+  /// prefix. They take no lock and need the XML platform to be initialised by the caller.
+  /// @return false if the parent is null or the element cannot be created
+  /// @exception std::runtime_error if a text cannot stand in an XML document
+  /// @{
+  bool AppendDeviceInfoToDOMElement(xercesc::DOMElement* parent, DeviceInfo& device_info,
+                                    const char16_t* namespace_uri, const char16_t* prefix) const;
+  bool AppendDesignInfoToDOMElement(xercesc::DOMElement* parent, DesignInfo& design_info,
+                                    const char16_t* namespace_uri, const char16_t* prefix) const;
+  bool AppendDesignConstraintToDOMElement(xercesc::DOMElement* parent, DesignConstraint& constraint,
+                                          const char16_t* namespace_uri,
+                                          const char16_t* prefix) const;
+  bool AppendISFToDOMElement(xercesc::DOMElement* parent, DesignISF& isf,
+                             const char16_t* namespace_uri, const char16_t* prefix) const;
+  bool AppendDesignFileListToDOMElement(xercesc::DOMElement* parent, const char* list_tag,
+                                        const char* item_tag, std::vector<DesignFile>& files,
+                                        const char16_t* namespace_uri,
+                                        const char16_t* prefix) const;
+  bool AppendDesignFileToDOMElement(xercesc::DOMElement* parent, const char* tag, DesignFile& file,
+                                    const char16_t* namespace_uri, const char16_t* prefix) const;
+  bool AppendIPInfoToDOMElement(xercesc::DOMElement* parent, IPInfo& ip_info,
+                                const char16_t* namespace_uri, const char16_t* prefix) const;
+  bool AppendIPInstanceToDOMElement(xercesc::DOMElement* parent, const char* tag, IP& ip,
+                                    const char16_t* namespace_uri, const char16_t* prefix) const;
+  bool AppendIPSrcFileToDOMElement(xercesc::DOMElement* parent, const char* tag, IPSrcFile& file,
+                                   const char16_t* namespace_uri, const char16_t* prefix) const;
+  bool AppendProcessParameterToDOMElement(xercesc::DOMElement* parent, const Parameter& parameter,
+                                          const char* tag, const char16_t* namespace_uri,
+                                          const char16_t* prefix) const;
+  bool AppendFlowProcessToDOMElement(xercesc::DOMElement* parent, const FlowProcess& process,
+                                     const char16_t* namespace_uri, const char16_t* prefix) const;
+  bool AppendSynthesisProcessToDOMElement(xercesc::DOMElement* parent, SynthesisProcess& process,
+                                          const char16_t* namespace_uri,
+                                          const char16_t* prefix) const;
   /// @}
 
  private:
@@ -253,6 +298,7 @@ class KelProjectDatabase {
   void SetProperty(const std::string& text, Members... members);
 
   bool LoadProjectDocument(const xercesc::DOMElement* root);
+  bool AppendProjectToRoot(xercesc::DOMElement* root) const;
 
   bool LoadProjectInfoAttributes(const char* ns, const xercesc::DOMElement* root);
   bool LoadProjectInfo(const char* ns, const xercesc::DOMElement* elem);

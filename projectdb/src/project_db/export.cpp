@@ -1,0 +1,111 @@
+#include <string>
+#include <unordered_map>
+
+#include <fmt/format.h>
+#include <kel/version.h>
+#include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/dom/DOMImplementation.hpp>
+#include <xercesc/dom/DOMImplementationRegistry.hpp>
+#include <xercesc/validators/schema/SchemaSymbols.hpp>
+
+#include "format.h"
+#include "local_time.h"
+#include "project_db/project_data.h"
+#include "xml/dom.h"
+#include "xml/errors.h"
+#include "xml/owned.h"
+#include "xml/platform.h"
+#include "xml/writer.h"
+
+namespace projectdb {
+namespace {
+
+using xercesc::DOMElement;
+
+xml::Owned<xercesc::DOMDocument> CreateProjectDocument(xercesc::DOMImplementation& core) {
+  xml::Owned<xercesc::DOMDocument> document(
+      core.createDocument(format::kNamespace.wide, format::kProject.wide, nullptr));
+  DOMElement* root = document->getDocumentElement();
+  root->setPrefix(format::kPrefix.wide);
+  const std::u16string location =
+      std::u16string(format::kNamespace.wide) + u" " + format::kSchemaFile.wide;
+  root->setAttributeNS(xercesc::SchemaSymbols::fgURI_XSI, format::kSchemaLocation.wide,
+                       location.c_str());
+  return document;
+}
+
+void SetRootAttributes(DOMElement* root, const std::string& project_name,
+                       const std::unordered_map<std::string, std::string>& info_attributes) {
+  xml::ElementWriter writer(format::kNamespace.wide, format::kPrefix.wide);
+  writer.SetDOMElementAttribute(root, kProjectName, project_name);
+  for (const auto& [name, value] : info_attributes) {
+    writer.SetQualifiedAttribute(root, name, value);
+  }
+  // The writing library's stamps, not those that the project came with.
+  writer.SetDOMElementAttribute(root, kSoftwareVersion, KEL_VERSION_NO);
+  writer.SetDOMElementAttribute(root, kLastModifyTime, GetLocalTimeString());
+}
+
+// A parameter under a key that is not its name would come back under another key.
+void RequireKeysToBeNames(const FlowProcess& process) {
+  for (const ParameterMap& map : process.parameter_maps) {
+    for (const auto& [key, parameter] : map) {
+      if (key != parameter.name) {
+        throw xml::Failure(
+            fmt::format("the parameter {:?} is stored under the name {:?}", parameter.name, key));
+      }
+    }
+  }
+}
+
+}  // namespace
+
+void KelProjectDatabase::ExportProjectData(const std::string& path) const {
+  if (!IsProjectDatabaseExist()) return;
+  // Terminated after success only: an exception of the XML library needs the library to be read.
+  xml::InitializeXMLPlatform();
+  xercesc::DOMImplementation* core =
+      xercesc::DOMImplementationRegistry::getDOMImplementation(u"Core");
+  if (!core) return;
+  xml::Owned<xercesc::DOMDocument> document;
+  const bool has_project = xml::WithPrefixedErrors("Failed writing XML file " + path + ": ", [&] {
+    document = CreateProjectDocument(*core);
+    return AppendProjectToRoot(document->getDocumentElement());
+  });
+  if (has_project) xml::WriteDOMDocumentToFile(path, document.get());
+  document.reset();
+  xml::TerminateXMLPlatform();
+}
+
+bool KelProjectDatabase::AppendProjectToRoot(DOMElement* root) const {
+  const char16_t* const ns = format::kNamespace.wide;
+  const char16_t* const prefix = format::kPrefix.wide;
+  const std::lock_guard<std::mutex> lock(mutex_);
+  // Another thread may have cleaned the project away in the meantime.
+  if (!data_) return false;
+  SetRootAttributes(root, data_->project_name, data_->info_attributes);
+  AppendDeviceInfoToDOMElement(root, data_->device_info, ns, prefix);
+  AppendDesignInfoToDOMElement(root, data_->design_info, ns, prefix);
+  AppendDesignConstraintToDOMElement(root, data_->design_constraint, ns, prefix);
+  AppendISFToDOMElement(root, data_->design_isf, ns, prefix);
+  AppendDesignFileListToDOMElement(root, format::kSimInfo.narrow, format::kSimFile.narrow,
+                                   data_->sim_files, ns, prefix);
+  AppendDesignFileListToDOMElement(root, format::kMiscInfo.narrow, format::kMiscFile.narrow,
+                                   data_->misc_files, ns, prefix);
+  AppendIPInfoToDOMElement(root, data_->ip_info, ns, prefix);
+  for (std::size_t type = 0; type < data_->flow_processes.size(); ++type) {
+    const FlowProcess& process = data_->flow_processes[type];
+    RequireKeysToBeNames(process);
+    if (process.name.empty()) {
+      // An element needs a name; without one the process's parameters would be lost.
+      FlowProcess named = process;
+      named.name = kProcessNames[type].narrow;
+      AppendFlowProcessToDOMElement(root, named, ns, prefix);
+    } else {
+      AppendFlowProcessToDOMElement(root, process, ns, prefix);
+    }
+  }
+  return true;
+}
+
+}  // namespace projectdb

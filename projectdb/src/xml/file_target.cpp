@@ -1,0 +1,62 @@
+#include "xml/file_target.h"
+
+#include <cerrno>
+#include <system_error>
+
+#include <fmt/format.h>
+#include <xercesc/util/IOException.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLExceptMsgs.hpp>
+
+#include "xml/errors.h"
+#include "xml/text.h"
+
+namespace projectdb::xml {
+namespace {
+
+// One write for each piece that the serializer hands over would cost more than the serializer.
+constexpr std::size_t kBufferSize = std::size_t{1} << 18U;
+
+std::FILE* OpenFile(const std::string& path) {
+  // Beyond a zero the system would not see the name, and write another file.
+  const bool is_name = path.find('\0') == std::string::npos;
+  return is_name ? std::fopen(path.c_str(), "wb") : nullptr;
+}
+
+// The path as message text; one that is no text is shown with escapes.
+std::u16string Printable(const std::string& path) {
+  Transcoder transcoder;
+  try {
+    return transcoder.ToXml(path);
+  } catch (const Failure&) {
+    return transcoder.ToXml(fmt::format("{:?}", path));
+  }
+}
+
+}  // namespace
+
+FileTarget::FileTarget(const std::string& path)
+    : buffer_(kBufferSize, '\0'), file_(OpenFile(path)) {
+  if (!file_) {
+    ThrowXMLwithMemMgr1(xercesc::IOException, xercesc::XMLExcepts::File_CouldNotOpenFile,
+                        Printable(path).c_str(), xercesc::XMLPlatformUtils::fgMemoryManager);
+  }
+  std::setvbuf(file_.get(), buffer_.data(), _IOFBF, buffer_.size());
+}
+
+void FileTarget::NoteError(bool succeeded) {
+  if (!succeeded && error_ == 0) error_ = errno;
+}
+
+void FileTarget::writeChars(const XMLByte* bytes, XMLSize_t count, xercesc::XMLFormatter*) {
+  if (error_ == 0) NoteError(std::fwrite(bytes, 1, count, file_.get()) == count);
+}
+
+void FileTarget::flush() {}
+
+void FileTarget::Close() {
+  NoteError(std::fclose(file_.release()) == 0);
+  if (error_ != 0) throw Failure(std::generic_category().message(error_));
+}
+
+}  // namespace projectdb::xml

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include <xercesc/framework/XMLFormatter.hpp>
+
+namespace projectdb::xml {
+
+/// A file that a document is written to. Unlike the XML library's own, it does not lose a failure:
+/// what could not be written or flushed makes Close throw.
+class FileTarget : public xercesc::XMLFormatTarget {
+ public:
+  /// Creates or truncates the file.
+  /// @param path native path
+  /// @exception xercesc::IOException if the file cannot be opened
+  explicit FileTarget(const std::string& path);
+
+  void writeChars(const XMLByte* bytes, XMLSize_t count, xercesc::XMLFormatter*) override;
+  void flush() override;
+
+  /// Writes what is left and closes the file.
+  /// @exception Failure with the system's reason if anything was not written
+  void Close();
+
+ private:
+  struct CloseFile {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+  };
+
+  void NoteError(bool succeeded);
+
+  std::string buffer_;
+  std::unique_ptr<std::FILE, CloseFile> file_;
+  int error_ = 0;  // The first failure's errno.
+};
+
+}  // namespace projectdb::xml
