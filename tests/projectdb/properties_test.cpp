@@ -125,4 +125,10 @@ TEST_F(ReadOnlyPropertyTest, GetInterfaceConstraint_EmptyProject_IsEmpty) {
   EXPECT_EQ(database_.GetInterfaceConstraint(), "");
 }
 
+TEST_F(ReadOnlyPropertyTest, GetInterfaceConstraint_ConstraintSet_IsNotResolved) {
+  database_.SetProjectCurrentPath("/work/proj");
+  ASSERT_TRUE(database_.SetInterfaceConstraint("io/pins.interface.csv"));
+  EXPECT_EQ(database_.GetInterfaceConstraint(), "io/pins.interface.csv");
+}
+
 }  // namespace

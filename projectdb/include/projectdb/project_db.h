@@ -108,6 +108,51 @@ class KelProjectDatabase {
   bool GetProjectInfoAttribute(const std::string& name, std::string& value) const;
   /// @}
 
+  /// @name Design file lists
+  /// Names are stored as they are given, duplicates included; the getters of path lists give them
+  /// resolved against the project's directory, as absolute paths without lexical normalisation.
+  /// A name or directory that is not UTF-8 makes a path getter throw std::range_error with the
+  /// names before it appended.
+  /// @{
+  void AddDesignRTLFile(const std::string& name, const std::string& version,
+                        const std::string& library);
+  void AddDesignRTLFile(std::vector<DesignFile>& files);  ///< Copies the records.
+
+  /// The file's library is "default".
+  void AddSimulationTestBenchFile(const std::string& name, const std::string& version);
+  void AddSimulationTestBenchFile(std::vector<DesignFile>& files);  ///< Copies the records.
+
+  /// The file's library is "default", its version empty.
+  void AddMiscellaneousFile(const std::string& name);
+  void AddMiscellaneousFile(std::vector<std::string>& names);
+
+  /// Adds a timing constraint file unless its name is empty, is that of an existing directory or
+  /// has another extension than SDC_FILE_EXT.
+  /// @return whether it was added
+  /// @exception std::filesystem::filesystem_error if the path's status cannot be read
+  bool AddTimingConstraintFile(const std::string& name);
+
+  /// Adds those names that the single form would add; after an exception those before it are kept.
+  /// @return whether any was added
+  bool AddTimingConstraintFile(const std::vector<std::string>& names);
+
+  /// Stores the interface constraint file if its name ends in INTERFACE_FILE_EXT after a stem.
+  /// @return false, with nothing changed, if it does not
+  bool SetInterfaceConstraint(const std::string& name);
+
+  void GetDesignFileList(std::vector<DesignFile>& files) const;
+  void GetSimulationTestBenchFileList(std::vector<std::string>& paths) const;
+  void GetMiscellaneousFileList(std::vector<std::string>& paths) const;
+  void GetTimingConstraintFileList(std::vector<std::string>& paths) const;
+
+  /// The source files of all IP instances, each resolved against the directory that holds the
+  /// instance's path.
+  void GetIpSrcFileList(std::vector<std::string>& paths) const;
+
+  /// The IP instances as stored, names not resolved.
+  void GetIpInstanceList(std::vector<IP>& instances) const;
+  /// @}
+
   /// @name Flow processes and parameter maps
   /// Each process keeps named maps of parameters. A value that is no ProcType is refused: with
   /// null, false, "" or an empty optional.

@@ -1,0 +1,21 @@
+#include "paths.h"
+
+#include "utf8.h"
+
+namespace projectdb::paths {
+
+std::filesystem::path FromUtf8(const std::string& name) {
+  utf8::RequireValid(name);
+  return std::filesystem::u8path(name);
+}
+
+std::filesystem::path ResolveProjectPath(const std::filesystem::path& base,
+                                         const std::string& name) {
+  std::filesystem::path path = FromUtf8(name);
+  if (path.is_absolute()) return path;
+  path = base / path;
+  // std::filesystem::absolute refuses the empty path.
+  return path.empty() ? std::filesystem::current_path() : std::filesystem::absolute(path);
+}
+
+}  // namespace projectdb::paths

@@ -1,0 +1,173 @@
+#include <filesystem>
+#include <iterator>
+#include <utility>
+
+#include "paths.h"
+#include "project_db/project_data.h"
+
+namespace projectdb {
+namespace {
+
+constexpr char kDefaultLibrary[] = "default";
+
+// Copies first and then moves in: an append that fails leaves the list as it was.
+template <typename Record>
+void AppendAll(std::vector<Record>& list, std::vector<Record> records) {
+  list.insert(list.end(), std::make_move_iterator(records.begin()),
+              std::make_move_iterator(records.end()));
+}
+
+bool IsTimingConstraintFile(const std::string& name) {
+  if (name.empty()) return false;
+  const std::filesystem::path path = std::filesystem::u8path(name);
+  if (std::filesystem::is_directory(std::filesystem::status(path))) return false;
+  return path.extension().u8string() == KelProjectDatabase::SDC_FILE_EXT;
+}
+
+// The last two extensions together, such as ".interface.csv".
+std::string CompoundExtension(std::filesystem::path path) {
+  std::string compound;
+  for (int i = 0; i < 2 && path.has_extension(); ++i) {
+    compound.insert(0, path.extension().u8string());
+    path.replace_extension();
+  }
+  return compound;
+}
+
+const std::string& StoredName(const std::string& name) { return name; }
+const std::string& StoredName(const DesignFile& file) { return file.name; }
+const std::string& StoredName(const IPSrcFile& file) { return file.name; }
+const std::string& StoredName(const IP& ip) { return ip.path; }
+
+// Calls deliver(entry, path) with the path of each entry, resolved against the directory.
+template <typename Entry, typename Deliver>
+void ForEachResolved(const std::string& directory, const std::vector<Entry>& entries,
+                     Deliver deliver) {
+  if (entries.empty()) return;
+  const std::filesystem::path base = paths::FromUtf8(directory);
+  for (const Entry& entry : entries) {
+    deliver(entry, paths::ResolveProjectPath(base, StoredName(entry)));
+  }
+}
+
+template <typename Entry>
+void AppendResolved(const std::string& directory, const std::vector<Entry>& entries,
+                    std::vector<std::string>& paths) {
+  ForEachResolved(directory, entries, [&paths](const Entry&, const std::filesystem::path& path) {
+    paths.push_back(path.u8string());
+  });
+}
+
+}  // namespace
+
+void KelProjectDatabase::AddDesignRTLFile(const std::string& name, const std::string& version,
+                                          const std::string& library) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (data_) data_->design_info.design_files.emplace_back(name, version, library);
+}
+
+void KelProjectDatabase::AddDesignRTLFile(std::vector<DesignFile>& files) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (data_) AppendAll(data_->design_info.design_files, files);
+}
+
+void KelProjectDatabase::AddSimulationTestBenchFile(const std::string& name,
+                                                    const std::string& version) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (data_) data_->sim_files.emplace_back(name, version, kDefaultLibrary);
+}
+
+void KelProjectDatabase::AddSimulationTestBenchFile(std::vector<DesignFile>& files) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (data_) AppendAll(data_->sim_files, files);
+}
+
+void KelProjectDatabase::AddMiscellaneousFile(const std::string& name) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (data_) data_->misc_files.emplace_back(name, "", kDefaultLibrary);
+}
+
+void KelProjectDatabase::AddMiscellaneousFile(std::vector<std::string>& names) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!data_) return;
+  std::vector<DesignFile> files;
+  files.reserve(names.size());
+  for (const std::string& name : names) files.emplace_back(name, "", kDefaultLibrary);
+  AppendAll(data_->misc_files, std::move(files));
+}
+
+bool KelProjectDatabase::AddTimingConstraintFile(const std::string& name) {
+  if (!IsTimingConstraintFile(name)) return false;
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!data_) return false;
+  data_->design_constraint.sdc_files.push_back(name);
+  return true;
+}
+
+bool KelProjectDatabase::AddTimingConstraintFile(const std::vector<std::string>& names) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!data_) return false;
+  std::vector<std::string>& files = data_->design_constraint.sdc_files;
+  const std::size_t count_before = files.size();
+  for (const std::string& name : names) {
+    if (IsTimingConstraintFile(name)) files.push_back(name);
+  }
+  return files.size() > count_before;
+}
+
+bool KelProjectDatabase::SetInterfaceConstraint(const std::string& name) {
+  if (CompoundExtension(std::filesystem::u8path(name)) != INTERFACE_FILE_EXT) return false;
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!data_) return false;
+  data_->design_constraint.inter_file = name;
+  return true;
+}
+
+void KelProjectDatabase::GetDesignFileList(std::vector<DesignFile>& files) const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!data_) return;
+  const std::vector<DesignFile>& stored = data_->design_info.design_files;
+  files.reserve(stored.size());
+  ForEachResolved(data_->current_path, stored,
+                  [&files](const DesignFile& file, const std::filesystem::path& path) {
+                    files.emplace_back(path.u8string(), file.version, file.library);
+                  });
+}
+
+void KelProjectDatabase::GetSimulationTestBenchFileList(std::vector<std::string>& paths) const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!data_) return;
+  paths.reserve(data_->sim_files.size());
+  AppendResolved(data_->current_path, data_->sim_files, paths);
+}
+
+void KelProjectDatabase::GetMiscellaneousFileList(std::vector<std::string>& paths) const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!data_) return;
+  paths.reserve(data_->misc_files.size());
+  AppendResolved(data_->current_path, data_->misc_files, paths);
+}
+
+void KelProjectDatabase::GetTimingConstraintFileList(std::vector<std::string>& paths) const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!data_) return;
+  paths.reserve(data_->design_constraint.sdc_files.size());
+  AppendResolved(data_->current_path, data_->design_constraint.sdc_files, paths);
+}
+
+void KelProjectDatabase::GetIpSrcFileList(std::vector<std::string>& paths) const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!data_) return;
+  ForEachResolved(data_->current_path, data_->ip_info.ips,
+                  [&paths](const IP& ip, const std::filesystem::path& path) {
+                    AppendResolved(path.parent_path().u8string(), ip.src_files, paths);
+                  });
+}
+
+void KelProjectDatabase::GetIpInstanceList(std::vector<IP>& instances) const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!data_) return;
+  instances.insert(instances.end(), data_->ip_info.ips.begin(), data_->ip_info.ips.end());
+}
+
+}  // namespace projectdb
