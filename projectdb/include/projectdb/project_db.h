@@ -272,6 +272,21 @@ class KelProjectDatabase {
   static ParameterType getParameterTypeFromStr(const std::string& text);
   /// @}
 
+  /// @name Thread counts
+  /// @{
+
+  /// Reads a thread count of at most 65535 from ASCII digits; takes no lock.
+  /// @param default_num returned for a text that is empty, not a number, zero or too large
+  /// @exception kel_exception if default_num is 0
+  static std::uint64_t ParseMaxThreads(std::string_view text, std::uint64_t default_num);
+
+  /// ParseMaxThreads of the parameter "max_threads" of synthesis.
+  std::uint64_t GetSynthesisMaxThreads(std::uint64_t default_num) const;
+
+  /// ParseMaxThreads of the parameter "max_threads" of place and route.
+  std::uint64_t GetPnRMaxThreads(std::uint64_t default_num) const;
+  /// @}
+
   /// @name Project file
   /// @{
 
