@@ -27,7 +27,8 @@ namespace projectdb {
 ///
 /// Threads: one object may be used from several threads. Every operation takes the object's lock
 /// for its whole run, except loading and exporting, which hold it only while they touch the
-/// project, and those marked "takes no lock", which the caller must guard. A failing lock throws
+/// project, the tests of a file's name before a single one is stored, and those marked "takes no
+/// lock", which the caller must guard. A failing lock throws
 /// std::system_error with nothing changed.
 ///
 /// Ownership: getters give copies. Only GetFlowProcess, FindFlowProcessParameterMap and
@@ -170,7 +171,7 @@ class KelProjectDatabase {
   ParameterMap* AddFlowProcessParameterMap(ProcType type, std::string map_name);
 
   /// Stores a parameter under a key. A parameter of type e_noarg must have an empty value, any
-  /// other a non-empty one, and a stored parameter never changes its type.
+  /// other a non-empty one, and a stored parameter never changes its type. Takes no lock.
   /// @return false, with nothing changed, if the parameter is refused
   static bool InsertOrAssignParameterToMap(ParameterMap& map, const std::string& key,
                                            const Parameter& parameter);
@@ -306,8 +307,9 @@ class KelProjectDatabase {
   /// nothing without a project. What is written can be loaded again.
   ///
   /// @exception std::runtime_error "Failed writing XML file …" if the project holds text that no
-  ///            XML file can hold (an existing file is then untouched) or if the file could not be
-  ///            written whole
+  ///            XML file can hold, a process under another's name or a parameter that would not be
+  ///            read again (an existing file is then untouched), or if the file could not be
+  ///            written whole; "Failed to initialize …" if the XML library cannot be used
   /// @exception xercesc::IOException if the file cannot be opened
   void ExportProjectData(const std::string& path) const;
   /// @}

@@ -1,6 +1,7 @@
 #include "format.h"
 #include "project_db/project_data.h"
 #include "xml/dom.h"
+#include "xml/errors.h"
 
 namespace projectdb {
 namespace {
@@ -8,53 +9,73 @@ namespace {
 using xercesc::DOMElement;
 using xml::ElementWriter;
 
-bool AppendDesignFile(ElementWriter& writer, DOMElement* parent, const XMLCh* tag,
-                      const DesignFile& file) {
-  DOMElement* element = writer.AddChildDOMElement(parent, tag);
-  writer.SetDOMElementAttribute(element, format::kName, file.name);
-  writer.SetDOMElementAttribute(element, format::kVersion, file.version);
-  writer.SetDOMElementAttribute(element, format::kLibrary, file.library);
-  return element != nullptr;
+// The caller's tag; empty, so that no element is made, if it or the parent is null.
+std::u16string TagOf(ElementWriter& writer, const DOMElement* parent, const char* tag) {
+  return parent && tag ? writer.ElementName(tag) : std::u16string();
 }
 
-bool AppendIPSrcFile(ElementWriter& writer, DOMElement* parent, const XMLCh* tag,
-                     const IPSrcFile& file) {
-  DOMElement* element = writer.AddChildDOMElement(parent, tag);
-  writer.SetDOMElementAttribute(element, format::kName, file.name);
-  return element != nullptr;
-}
-
-bool AppendIPInstance(ElementWriter& writer, DOMElement* parent, const XMLCh* tag, const IP& ip) {
-  DOMElement* element = writer.AddChildDOMElement(parent, tag);
-  writer.SetDOMElementAttribute(element, format::kInstanceName, ip.instance_name);
-  writer.SetDOMElementAttribute(element, format::kPath, ip.path);
+// Appends an element and fills it; one that cannot be filled is taken out again.
+template <typename Fill>
+bool AppendElement(ElementWriter& writer, DOMElement* parent, const XMLCh* tag, Fill fill) {
+  DOMElement* element = xml::WithBadAlloc([&] { return writer.AddChildDOMElement(parent, tag); });
   if (!element) return false;
-  for (const IPSrcFile& file : ip.src_files) {
-    AppendIPSrcFile(writer, element, format::kIpSrcFile.wide, file);
+  try {
+    xml::WithBadAlloc([&] { fill(element); });
+  } catch (...) {
+    parent->removeChild(element)->release();
+    throw;
   }
   return true;
 }
 
-bool AppendParameter(ElementWriter& writer, DOMElement* parent, const XMLCh* tag,
-                     const Parameter& parameter) {
-  DOMElement* element = writer.AddChildDOMElement(parent, tag);
-  writer.SetDOMElementAttribute(element, format::kName, parameter.name);
-  writer.SetDOMElementAttribute(element, format::kValue, parameter.value);
-  if (parameter.type != kNoParameterType) {
-    writer.SetDOMElementAttribute(element, format::kValueType,
-                                  KelProjectDatabase::getParameterTypeStr(parameter.type));
-  }
-  return element != nullptr;
+bool AppendDesignFile(ElementWriter& writer, DOMElement* parent, const XMLCh* tag,
+                      const DesignFile& file) {
+  return AppendElement(writer, parent, tag, [&](DOMElement* element) {
+    writer.SetDOMElementAttribute(element, format::kName, file.name);
+    writer.SetDOMElementAttribute(element, format::kVersion, file.version);
+    writer.SetDOMElementAttribute(element, format::kLibrary, file.library);
+  });
 }
 
-DOMElement* AppendProcess(ElementWriter& writer, DOMElement* parent, const std::string& name,
-                          const std::string& tool_name) {
-  if (name.empty()) return nullptr;
-  DOMElement* element = writer.AddChildDOMElement(parent, writer.ElementName(name.c_str()).c_str());
-  if (!tool_name.empty()) {
-    writer.SetDOMElementAttribute(element, format::kToolName, tool_name);
-  }
-  return element;
+bool AppendNamedElement(ElementWriter& writer, DOMElement* parent, const XMLCh* tag,
+                        const std::string& name) {
+  return writer.AddChildDOMElementWithAttribute(parent, tag, format::kName, name);
+}
+
+bool AppendIPInstance(ElementWriter& writer, DOMElement* parent, const XMLCh* tag, const IP& ip) {
+  return AppendElement(writer, parent, tag, [&](DOMElement* element) {
+    writer.SetDOMElementAttribute(element, format::kInstanceName, ip.instance_name);
+    writer.SetDOMElementAttribute(element, format::kPath, ip.path);
+    for (const IPSrcFile& file : ip.src_files) {
+      AppendNamedElement(writer, element, format::kIpSrcFile.wide, file.name);
+    }
+  });
+}
+
+bool AppendParameter(ElementWriter& writer, DOMElement* parent, const XMLCh* tag,
+                     const Parameter& parameter) {
+  return AppendElement(writer, parent, tag, [&](DOMElement* element) {
+    writer.SetDOMElementAttribute(element, format::kName, parameter.name);
+    writer.SetDOMElementAttribute(element, format::kValue, parameter.value);
+    if (parameter.type != kNoParameterType) {
+      writer.SetDOMElementAttribute(element, format::kValueType,
+                                    KelProjectDatabase::getParameterTypeStr(parameter.type));
+    }
+  });
+}
+
+// Appends the element of a flow process and calls fill(element) for its parameters.
+template <typename Fill>
+bool AppendProcess(ElementWriter& writer, DOMElement* parent, const std::string& name,
+                   const std::string& tool_name, Fill fill) {
+  if (!parent || name.empty()) return false;
+  const std::u16string tag = writer.ElementName(name);
+  return AppendElement(writer, parent, tag.c_str(), [&](DOMElement* element) {
+    if (!tool_name.empty()) {
+      writer.SetDOMElementAttribute(element, format::kToolName, tool_name);
+    }
+    fill(element);
+  });
 }
 
 void AppendParameters(ElementWriter& writer, DOMElement* process, const Name& tag,
@@ -70,33 +91,29 @@ bool KelProjectDatabase::AppendDeviceInfoToDOMElement(DOMElement* parent, Device
                                                       const char16_t* namespace_uri,
                                                       const char16_t* prefix) const {
   ElementWriter writer(namespace_uri, prefix);
-  DOMElement* section = writer.AddChildDOMElement(parent, format::kDeviceInfo.wide);
-  if (!section) return false;
-  const auto append = [&](const Name& tag, const std::string& name) {
-    writer.AddChildDOMElementWithAttribute(section, tag.wide, format::kName, name);
-  };
-  append(format::kFamily, device_info.family);
-  append(format::kDevice, device_info.device);
-  append(format::kTimingModel, device_info.timing_model);
-  return true;
+  return AppendElement(writer, parent, format::kDeviceInfo.wide, [&](DOMElement* section) {
+    const auto append = [&](const Name& tag, const std::string& name) {
+      AppendNamedElement(writer, section, tag.wide, name);
+    };
+    append(format::kFamily, device_info.family);
+    append(format::kDevice, device_info.device);
+    append(format::kTimingModel, device_info.timing_model);
+  });
 }
 
 bool KelProjectDatabase::AppendDesignInfoToDOMElement(DOMElement* parent, DesignInfo& design_info,
                                                       const char16_t* namespace_uri,
                                                       const char16_t* prefix) const {
   ElementWriter writer(namespace_uri, prefix);
-  DOMElement* section = writer.AddChildDOMElement(parent, format::kDesignInfo.wide);
-  if (!section) return false;
-  writer.SetDOMElementAttribute(section, format::kDefVeriVersion, design_info.def_veri_version);
-  writer.SetDOMElementAttribute(section, format::kDefVhdlVersion, design_info.def_vhdl_version);
-  writer.AddChildDOMElementWithAttribute(section, format::kTopModule.wide, format::kName,
-                                         design_info.top_module);
-  for (const DesignFile& file : design_info.design_files) {
-    AppendDesignFile(writer, section, format::kDesignFile.wide, file);
-  }
-  writer.AddChildDOMElementWithAttribute(section, format::kTopVhdlArch.wide, format::kName,
-                                         design_info.top_vhdl_arch);
-  return true;
+  return AppendElement(writer, parent, format::kDesignInfo.wide, [&](DOMElement* section) {
+    writer.SetDOMElementAttribute(section, format::kDefVeriVersion, design_info.def_veri_version);
+    writer.SetDOMElementAttribute(section, format::kDefVhdlVersion, design_info.def_vhdl_version);
+    AppendNamedElement(writer, section, format::kTopModule.wide, design_info.top_module);
+    for (const DesignFile& file : design_info.design_files) {
+      AppendDesignFile(writer, section, format::kDesignFile.wide, file);
+    }
+    AppendNamedElement(writer, section, format::kTopVhdlArch.wide, design_info.top_vhdl_arch);
+  });
 }
 
 bool KelProjectDatabase::AppendDesignConstraintToDOMElement(DOMElement* parent,
@@ -104,26 +121,23 @@ bool KelProjectDatabase::AppendDesignConstraintToDOMElement(DOMElement* parent,
                                                             const char16_t* namespace_uri,
                                                             const char16_t* prefix) const {
   ElementWriter writer(namespace_uri, prefix);
-  DOMElement* section = writer.AddChildDOMElement(parent, format::kConstraintInfo.wide);
-  if (!section) return false;
-  for (const std::string& name : constraint.sdc_files) {
-    writer.AddChildDOMElementWithAttribute(section, format::kSdcFile.wide, format::kName, name);
-  }
-  writer.AddChildDOMElementWithAttribute(section, format::kInterFile.wide, format::kName,
-                                         constraint.inter_file);
-  return true;
+  return AppendElement(writer, parent, format::kConstraintInfo.wide, [&](DOMElement* section) {
+    for (const std::string& name : constraint.sdc_files) {
+      AppendNamedElement(writer, section, format::kSdcFile.wide, name);
+    }
+    AppendNamedElement(writer, section, format::kInterFile.wide, constraint.inter_file);
+  });
 }
 
 bool KelProjectDatabase::AppendISFToDOMElement(DOMElement* parent, DesignISF& isf,
                                                const char16_t* namespace_uri,
                                                const char16_t* prefix) const {
   ElementWriter writer(namespace_uri, prefix);
-  DOMElement* section = writer.AddChildDOMElement(parent, format::kIsfInfo.wide);
-  if (!section) return false;
-  for (const std::string& name : isf.isf_files) {
-    writer.AddChildDOMElementWithAttribute(section, format::kIsfFile.wide, format::kName, name);
-  }
-  return true;
+  return AppendElement(writer, parent, format::kIsfInfo.wide, [&](DOMElement* section) {
+    for (const std::string& name : isf.isf_files) {
+      AppendNamedElement(writer, section, format::kIsfFile.wide, name);
+    }
+  });
 }
 
 bool KelProjectDatabase::AppendDesignFileListToDOMElement(DOMElement* parent, const char* list_tag,
@@ -132,11 +146,11 @@ bool KelProjectDatabase::AppendDesignFileListToDOMElement(DOMElement* parent, co
                                                           const char16_t* namespace_uri,
                                                           const char16_t* prefix) const {
   ElementWriter writer(namespace_uri, prefix);
-  DOMElement* section = writer.AddChildDOMElement(parent, writer.ElementName(list_tag).c_str());
-  if (!section) return false;
-  const std::u16string item = writer.ElementName(item_tag);
-  for (const DesignFile& file : files) AppendDesignFile(writer, section, item.c_str(), file);
-  return true;
+  const std::u16string list = TagOf(writer, parent, list_tag);
+  const std::u16string item = TagOf(writer, parent, item_tag);
+  return AppendElement(writer, parent, list.c_str(), [&](DOMElement* section) {
+    for (const DesignFile& file : files) AppendDesignFile(writer, section, item.c_str(), file);
+  });
 }
 
 bool KelProjectDatabase::AppendDesignFileToDOMElement(DOMElement* parent, const char* tag,
@@ -144,31 +158,30 @@ bool KelProjectDatabase::AppendDesignFileToDOMElement(DOMElement* parent, const 
                                                       const char16_t* namespace_uri,
                                                       const char16_t* prefix) const {
   ElementWriter writer(namespace_uri, prefix);
-  return AppendDesignFile(writer, parent, writer.ElementName(tag).c_str(), file);
+  return AppendDesignFile(writer, parent, TagOf(writer, parent, tag).c_str(), file);
 }
 
 bool KelProjectDatabase::AppendIPInfoToDOMElement(DOMElement* parent, IPInfo& ip_info,
                                                   const char16_t* namespace_uri,
                                                   const char16_t* prefix) const {
   ElementWriter writer(namespace_uri, prefix);
-  DOMElement* section = writer.AddChildDOMElement(parent, format::kIpInfo.wide);
-  if (!section) return false;
-  for (const IP& ip : ip_info.ips) AppendIPInstance(writer, section, format::kIp.wide, ip);
-  return true;
+  return AppendElement(writer, parent, format::kIpInfo.wide, [&](DOMElement* section) {
+    for (const IP& ip : ip_info.ips) AppendIPInstance(writer, section, format::kIp.wide, ip);
+  });
 }
 
 bool KelProjectDatabase::AppendIPInstanceToDOMElement(DOMElement* parent, const char* tag, IP& ip,
                                                       const char16_t* namespace_uri,
                                                       const char16_t* prefix) const {
   ElementWriter writer(namespace_uri, prefix);
-  return AppendIPInstance(writer, parent, writer.ElementName(tag).c_str(), ip);
+  return AppendIPInstance(writer, parent, TagOf(writer, parent, tag).c_str(), ip);
 }
 
 bool KelProjectDatabase::AppendIPSrcFileToDOMElement(DOMElement* parent, const char* tag,
                                                      IPSrcFile& file, const char16_t* namespace_uri,
                                                      const char16_t* prefix) const {
   ElementWriter writer(namespace_uri, prefix);
-  return AppendIPSrcFile(writer, parent, writer.ElementName(tag).c_str(), file);
+  return AppendNamedElement(writer, parent, TagOf(writer, parent, tag).c_str(), file.name);
 }
 
 bool KelProjectDatabase::AppendProcessParameterToDOMElement(DOMElement* parent,
@@ -177,7 +190,7 @@ bool KelProjectDatabase::AppendProcessParameterToDOMElement(DOMElement* parent,
                                                             const char16_t* namespace_uri,
                                                             const char16_t* prefix) const {
   ElementWriter writer(namespace_uri, prefix);
-  return AppendParameter(writer, parent, writer.ElementName(tag).c_str(), parameter);
+  return AppendParameter(writer, parent, TagOf(writer, parent, tag).c_str(), parameter);
 }
 
 bool KelProjectDatabase::AppendFlowProcessToDOMElement(DOMElement* parent,
@@ -185,17 +198,16 @@ bool KelProjectDatabase::AppendFlowProcessToDOMElement(DOMElement* parent,
                                                        const char16_t* namespace_uri,
                                                        const char16_t* prefix) const {
   ElementWriter writer(namespace_uri, prefix);
-  DOMElement* element = AppendProcess(writer, parent, process.name, process.tool_name);
-  if (!element) return false;
-  for (const auto& [map_name, position] : process.parameter_map_index) {
-    const auto map = static_cast<std::size_t>(position);
-    if (map >= process.parameter_maps.size()) continue;
-    const std::u16string tag = writer.ElementName(map_name.c_str());
-    for (const auto& [name, parameter] : process.parameter_maps[map]) {
-      AppendParameter(writer, element, tag.c_str(), parameter);
+  return AppendProcess(writer, parent, process.name, process.tool_name, [&](DOMElement* element) {
+    for (const auto& [map_name, position] : process.parameter_map_index) {
+      const auto map = static_cast<std::size_t>(position);
+      if (map >= process.parameter_maps.size()) continue;
+      const std::u16string tag = writer.ElementName(map_name);
+      for (const auto& [name, parameter] : process.parameter_maps[map]) {
+        AppendParameter(writer, element, tag.c_str(), parameter);
+      }
     }
-  }
-  return true;
+  });
 }
 
 bool KelProjectDatabase::AppendSynthesisProcessToDOMElement(DOMElement* parent,
@@ -203,12 +215,11 @@ bool KelProjectDatabase::AppendSynthesisProcessToDOMElement(DOMElement* parent,
                                                             const char16_t* namespace_uri,
                                                             const char16_t* prefix) const {
   ElementWriter writer(namespace_uri, prefix);
-  DOMElement* element = AppendProcess(writer, parent, process.name, process.tool_name);
-  if (!element) return false;
-  AppendParameters(writer, element, kParameterMap, process.params);
-  AppendParameters(writer, element, kDefineMap, process.dyn_params);
-  AppendParameters(writer, element, kMacroMap, process.def_macros);
-  return true;
+  return AppendProcess(writer, parent, process.name, process.tool_name, [&](DOMElement* element) {
+    AppendParameters(writer, element, kParameterMap, process.params);
+    AppendParameters(writer, element, kDefineMap, process.dyn_params);
+    AppendParameters(writer, element, kMacroMap, process.def_macros);
+  });
 }
 
 }  // namespace projectdb

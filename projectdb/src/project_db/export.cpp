@@ -10,6 +10,7 @@
 
 #include "format.h"
 #include "local_time.h"
+#include "parameter_rules.h"
 #include "project_db/project_data.h"
 #include "xml/dom.h"
 #include "xml/errors.h"
@@ -46,13 +47,31 @@ void SetRootAttributes(DOMElement* root, const std::string& project_name,
   writer.SetDOMElementAttribute(root, kLastModifyTime, GetLocalTimeString());
 }
 
-// A parameter under a key that is not its name would come back under another key.
-void RequireKeysToBeNames(const FlowProcess& process) {
+void RequireWritten(bool written) {
+  if (!written) throw xml::Failure("an element cannot be created");
+}
+
+// A process under the name of another would be read as that other.
+void RequireOwnName(const FlowProcess& process, std::size_t type) {
+  for (std::size_t other = 0; other < kProcessNames.size(); ++other) {
+    if (other != type && process.name == kProcessNames[other].narrow) {
+      throw xml::Failure(fmt::format("the flow process {:?} is named {:?}",
+                                     kProcessNames[type].narrow, process.name));
+    }
+  }
+}
+
+// What a caller changed through a pointer into a map may be something that no load would give back.
+void RequireLoadableParameters(const FlowProcess& process) {
   for (const ParameterMap& map : process.parameter_maps) {
     for (const auto& [key, parameter] : map) {
       if (key != parameter.name) {
         throw xml::Failure(
             fmt::format("the parameter {:?} is stored under the name {:?}", parameter.name, key));
+      }
+      if (!HasValueForItsType(parameter)) {
+        throw xml::Failure(fmt::format(
+            "the parameter {:?} has a value that does not go with its type", parameter.name));
       }
     }
   }
@@ -84,25 +103,26 @@ bool KelProjectDatabase::AppendProjectToRoot(DOMElement* root) const {
   // Another thread may have cleaned the project away in the meantime.
   if (!data_) return false;
   SetRootAttributes(root, data_->project_name, data_->info_attributes);
-  AppendDeviceInfoToDOMElement(root, data_->device_info, ns, prefix);
-  AppendDesignInfoToDOMElement(root, data_->design_info, ns, prefix);
-  AppendDesignConstraintToDOMElement(root, data_->design_constraint, ns, prefix);
-  AppendISFToDOMElement(root, data_->design_isf, ns, prefix);
-  AppendDesignFileListToDOMElement(root, format::kSimInfo.narrow, format::kSimFile.narrow,
-                                   data_->sim_files, ns, prefix);
-  AppendDesignFileListToDOMElement(root, format::kMiscInfo.narrow, format::kMiscFile.narrow,
-                                   data_->misc_files, ns, prefix);
-  AppendIPInfoToDOMElement(root, data_->ip_info, ns, prefix);
+  RequireWritten(AppendDeviceInfoToDOMElement(root, data_->device_info, ns, prefix));
+  RequireWritten(AppendDesignInfoToDOMElement(root, data_->design_info, ns, prefix));
+  RequireWritten(AppendDesignConstraintToDOMElement(root, data_->design_constraint, ns, prefix));
+  RequireWritten(AppendISFToDOMElement(root, data_->design_isf, ns, prefix));
+  RequireWritten(AppendDesignFileListToDOMElement(
+      root, format::kSimInfo.narrow, format::kSimFile.narrow, data_->sim_files, ns, prefix));
+  RequireWritten(AppendDesignFileListToDOMElement(
+      root, format::kMiscInfo.narrow, format::kMiscFile.narrow, data_->misc_files, ns, prefix));
+  RequireWritten(AppendIPInfoToDOMElement(root, data_->ip_info, ns, prefix));
   for (std::size_t type = 0; type < data_->flow_processes.size(); ++type) {
     const FlowProcess& process = data_->flow_processes[type];
-    RequireKeysToBeNames(process);
+    RequireOwnName(process, type);
+    RequireLoadableParameters(process);
     if (process.name.empty()) {
       // An element needs a name; without one the process's parameters would be lost.
       FlowProcess named = process;
       named.name = kProcessNames[type].narrow;
-      AppendFlowProcessToDOMElement(root, named, ns, prefix);
+      RequireWritten(AppendFlowProcessToDOMElement(root, named, ns, prefix));
     } else {
-      AppendFlowProcessToDOMElement(root, process, ns, prefix);
+      RequireWritten(AppendFlowProcessToDOMElement(root, process, ns, prefix));
     }
   }
   return true;

@@ -1,7 +1,7 @@
 #include <limits>
 #include <utility>
 
-#include "model_names.h"
+#include "parameter_rules.h"
 #include "project_db/project_data.h"
 
 namespace projectdb {
@@ -30,11 +30,6 @@ ParameterMap* AddMap(FlowProcess& process, std::string name) {
     throw;
   }
   return &process.parameter_maps.back();
-}
-
-// A switch carries no value, every other parameter has one.
-bool HasValueForItsType(const Parameter& parameter) {
-  return parameter.value.empty() == (parameter.type == e_noarg);
 }
 
 }  // namespace

@@ -49,10 +49,6 @@ std::string GetDOMAttributeString(Transcoder& transcoder, const DOMElement* elem
   return transcoder.ToUtf8(element->getAttribute(name.wide));
 }
 
-std::u16string ElementWriter::ElementName(const char* tag) {
-  return tag ? transcoder_.ToElementName(tag) : std::u16string();
-}
-
 DOMElement* ElementWriter::AddChildDOMElement(DOMElement* parent, const XMLCh* tag) {
   if (!parent || !tag || !*tag) return nullptr;
   xercesc::DOMDocument* document = parent->getOwnerDocument();
@@ -97,8 +93,10 @@ std::u16string ElementWriter::NamespaceOfPrefix(std::string_view prefix) {
 
 bool ElementWriter::AddChildDOMElementWithAttribute(DOMElement* parent, const XMLCh* tag,
                                                     const Name& attribute, std::string_view value) {
+  if (!parent) return false;
+  const XMLCh* text = transcoder_.ToXml(value).c_str();
   DOMElement* child = AddChildDOMElement(parent, tag);
-  SetDOMElementAttribute(child, attribute, value);
+  if (child) child->setAttribute(attribute.wide, text);
   return child != nullptr;
 }
 

@@ -57,9 +57,9 @@ class ElementWriter {
   ElementWriter(const XMLCh* namespace_uri, const XMLCh* prefix)
       : namespace_uri_(namespace_uri), prefix_(prefix) {}
 
-  /// The form in which a tag is handed to AddChildDOMElement; null gives the empty tag.
+  /// The form in which a tag is handed to AddChildDOMElement.
   /// @exception Failure if the tag is not a name without colon
-  std::u16string ElementName(const char* tag);
+  std::u16string ElementName(std::string_view tag) { return transcoder_.ToElementName(tag); }
 
   /// Appends a child element.
   /// @return null if the parent or the tag is null or empty, or if there can be no such element
@@ -77,8 +77,9 @@ class ElementWriter {
   void SetQualifiedAttribute(xercesc::DOMElement* element, std::string_view name,
                              std::string_view value);
 
-  /// Appends a child element with one attribute.
+  /// Appends a child element with one attribute, or nothing.
   /// @return whether there is such an element now
+  /// @exception Failure if XML cannot carry the value
   bool AddChildDOMElementWithAttribute(xercesc::DOMElement* parent, const XMLCh* tag,
                                        const Name& attribute, std::string_view value);
 
