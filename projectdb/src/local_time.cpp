@@ -14,6 +14,8 @@ namespace {
 
 std::string Format(const std::tm& time, const std::locale& locale) {
   std::ostringstream out;
+  // Streams swallow exceptions otherwise, and running out of memory would give an empty text.
+  out.exceptions(std::ios::badbit);
   out.imbue(locale);
   out << std::put_time(&time, "%a %b %d %Y %X");
   return out.str();
@@ -25,15 +27,25 @@ bool HasControlCharacter(const std::string& text) {
                      [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; });
 }
 
+// The two code points U+FFFE and U+FFFF are no characters, and no project file can hold them.
+bool HasNoncharacter(const std::string& text) {
+  return text.find("\xEF\xBF\xBE") != std::string::npos ||
+         text.find("\xEF\xBF\xBF") != std::string::npos;
+}
+
+bool CanBeStored(const std::string& text) {
+  return utf8::IsValid(text) && !HasControlCharacter(text) && !HasNoncharacter(text);
+}
+
 }  // namespace
 
 std::string GetLocalTimeString() {
   const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
   std::tm local{};
+  tzset();  // localtime_r alone need not notice that the time zone was changed.
   localtime_r(&now, &local);
-  std::string text = Format(local, std::locale());
-  if (utf8::IsValid(text) && !HasControlCharacter(text)) return text;
-  return Format(local, std::locale::classic());
+  const std::string text = Format(local, std::locale());
+  return CanBeStored(text) ? text : Format(local, std::locale::classic());
 }
 
 }  // namespace projectdb

@@ -29,10 +29,17 @@ bool FacetAccepts(std::string_view text) {
   return true;
 }
 
+// The facet lets halves of surrogate pairs pass that each have an encoding of their own.
+bool HasEncodedSurrogate(std::string_view text) {
+  const auto is_one = [](char first, char second) { return first == '\xED' && second >= '\xA0'; };
+  return std::adjacent_find(text.begin(), text.end(), is_one) != text.end();
+}
+
 }  // namespace
 
 bool IsValid(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), IsAscii) || FacetAccepts(text);
+  return std::all_of(text.begin(), text.end(), IsAscii) ||
+         (FacetAccepts(text) && !HasEncodedSurrogate(text));
 }
 
 void RequireValid(std::string_view text) {

@@ -10,6 +10,7 @@
 #include "messages.h"
 #include "project_db/project_data.h"
 #include "xml/dom.h"
+#include "xml/errors.h"
 #include "xml/parser.h"
 #include "xml/platform.h"
 
@@ -99,7 +100,8 @@ bool KelProjectDatabase::LoadProjectData(const std::string& xml_file,
     messages::Post(messages::MsgProjectFileMalformed(xml_file));
     return false;
   }
-  const bool result = LoadProjectDocument(document->getDocumentElement());
+  const bool result =
+      xml::WithBadAlloc([&] { return LoadProjectDocument(document->getDocumentElement()); });
   SetProjectCurrentPath(directory);
   document.reset();
   xml::TerminateXMLPlatform();

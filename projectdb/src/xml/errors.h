@@ -1,9 +1,11 @@
 #pragma once
 
+#include <new>
 #include <stdexcept>
 #include <string>
 
 #include <xercesc/dom/DOMException.hpp>
+#include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/XMLException.hpp>
 
 #include "xml/text.h"
@@ -16,12 +18,23 @@ class Failure : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// Runs the action and gives its result. Memory that the XML library cannot get is std::bad_alloc
+/// outside it, as everywhere.
+template <typename Action>
+auto WithBadAlloc(Action action) {
+  try {
+    return action();
+  } catch (const xercesc::OutOfMemoryException&) {
+    throw std::bad_alloc();
+  }
+}
+
 /// Runs the action and gives its result. A Failure or an exception of the XML library leaves as
 /// std::runtime_error with the text prefix + reason + "\n"; any other exception as it is.
 template <typename Action>
 auto WithPrefixedErrors(const std::string& prefix, Action action) {
   try {
-    return action();
+    return WithBadAlloc(action);
   } catch (const Failure& failure) {
     throw std::runtime_error(prefix + failure.what() + "\n");
   } catch (const xercesc::XMLException& exception) {

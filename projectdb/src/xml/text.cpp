@@ -23,11 +23,20 @@ bool IsForbidden(char16_t unit) {
   return !IsSurrogate(unit) && !xercesc::XMLChar1_0::isXMLChar(unit);
 }
 
+// The transcoder takes these for the start of a character beyond the last one.
+bool HasByteBeyondUnicode(std::string_view text) {
+  return std::any_of(text.begin(), text.end(),
+                     [](char c) { return static_cast<unsigned char>(c) > 0xF4; });
+}
+
 }  // namespace
 
-Transcoder::Transcoder()
+Transcoder::Transcoder() try
     : transcoder_(xercesc::XMLUni::fgUTF8EncodingString, kBlockSize,
-                  xercesc::XMLPlatformUtils::fgMemoryManager) {}
+                  xercesc::XMLPlatformUtils::fgMemoryManager) {
+} catch (const xercesc::OutOfMemoryException&) {
+  throw std::bad_alloc();
+}
 
 void Transcoder::Transcode(std::string_view text) {
   // A character takes no more 16-bit units than it has bytes.
@@ -42,7 +51,10 @@ void Transcoder::Transcode(std::string_view text) {
   } catch (const xercesc::XMLException&) {
     bytes_read = 0;
   }
-  if (bytes_read != text.size()) throw Failure(fmt::format("the text {:?} is not UTF-8", text));
+  const bool has_characters_beyond_ascii = length != text.size();
+  if (bytes_read != text.size() || (has_characters_beyond_ascii && HasByteBeyondUnicode(text))) {
+    throw Failure(fmt::format("the text {:?} is not UTF-8", text));
+  }
   xml_text_.resize(length);
 }
 
