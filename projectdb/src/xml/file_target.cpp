@@ -1,6 +1,7 @@
 #include "xml/file_target.h"
 
 #include <cerrno>
+#include <ctime>
 #include <system_error>
 
 #include <fmt/format.h>
@@ -33,7 +34,27 @@ std::u16string Printable(const std::string& path) {
   }
 }
 
+sigset_t SizeSignal() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGXFSZ);
+  return signals;
+}
+
 }  // namespace
+
+FileTarget::SizeSignalBlock::SizeSignalBlock() {
+  const sigset_t size_signal = SizeSignal();
+  pthread_sigmask(SIG_BLOCK, &size_signal, &former_mask_);
+}
+
+FileTarget::SizeSignalBlock::~SizeSignalBlock() {
+  const sigset_t size_signal = SizeSignal();
+  const std::timespec at_once{};
+  while (sigtimedwait(&size_signal, nullptr, &at_once) > 0) {
+  }
+  pthread_sigmask(SIG_SETMASK, &former_mask_, nullptr);
+}
 
 FileTarget::FileTarget(const std::string& path)
     : buffer_(kBufferSize, '\0'), file_(OpenFile(path)) {

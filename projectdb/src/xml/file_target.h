@@ -1,5 +1,6 @@
 #pragma once
 
+#include <csignal>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -9,7 +10,7 @@
 namespace projectdb::xml {
 
 /// A file that a document is written to. Unlike the XML library's own, it does not lose a failure:
-/// what could not be written or flushed makes Close throw.
+/// what could not be written or flushed makes Close throw. Made and destroyed by one thread.
 class FileTarget : public xercesc::XMLFormatTarget {
  public:
   /// Creates or truncates the file.
@@ -29,8 +30,21 @@ class FileTarget : public xercesc::XMLFormatTarget {
     void operator()(std::FILE* file) const { std::fclose(file); }
   };
 
+  /// Keeps a write beyond the process's file-size limit from ending the process: it fails instead.
+  class SizeSignalBlock {
+   public:
+    SizeSignalBlock();
+    ~SizeSignalBlock();
+    SizeSignalBlock(const SizeSignalBlock&) = delete;
+    SizeSignalBlock& operator=(const SizeSignalBlock&) = delete;
+
+   private:
+    sigset_t former_mask_;
+  };
+
   void NoteError(bool succeeded);
 
+  SizeSignalBlock size_signal_block_;  // First, so that it outlives the file.
   std::string buffer_;
   std::unique_ptr<std::FILE, CloseFile> file_;
   int error_ = 0;  // The first failure's errno.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <system_error>
 
 namespace projectdb::xml {
 namespace {
@@ -73,7 +74,11 @@ std::string EscapeForUri(std::string_view text) {
 }
 
 std::string FileUri(const std::filesystem::path& path) {
-  return "file://" + EscapeForUri(std::filesystem::absolute(path).u8string());
+  const std::filesystem::path absolute = std::filesystem::absolute(path);
+  std::error_code error;
+  std::filesystem::path directory = std::filesystem::canonical(absolute.parent_path(), error);
+  if (error) directory = absolute.parent_path();
+  return "file://" + EscapeForUri((directory / absolute.filename()).u8string());
 }
 
 std::optional<std::filesystem::path> LocalPath(std::string_view reference,

@@ -11,7 +11,8 @@ namespace projectdb::xml {
 /// The text with everything escaped that cannot stand in the path of a URI.
 std::string EscapeForUri(std::string_view text);
 
-/// The "file" URI of a path, made absolute, with everything outside ASCII escaped.
+/// The "file" URI of a path, made absolute, with everything outside ASCII escaped. However a
+/// directory is spelled, its files have one URI: the parser knows by it which it has read already.
 std::string FileUri(const std::filesystem::path& path);
 
 /// The local path that a URI reference names.

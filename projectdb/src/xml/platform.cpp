@@ -16,7 +16,14 @@ std::mutex& PlatformMutex() {
 
 }  // namespace
 
-void InitializeWithDefaultLocale() { xercesc::XMLPlatformUtils::Initialize(); }
+void InitializeWithDefaultLocale() {
+  // The library counts a failed initialisation like a successful one and would skip the next.
+  static bool has_failed = false;
+  if (has_failed) throw Failure("after an earlier failure");
+  has_failed = true;
+  xercesc::XMLPlatformUtils::Initialize();
+  has_failed = false;
+}
 
 void InitializeXMLPlatform(void (*initialize)()) {
   const std::lock_guard<std::mutex> lock(PlatformMutex());
