@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <mutex>
 #include <sstream>
 #include <stdexcept>
@@ -57,9 +58,9 @@ TEST(DiagStorage, Construct_FourParts_GivesThemBack) {
 
 TEST(DiagStorage, Construct_Text_IsTakenOverNotCopied) {
   std::string text(100, 'x');
-  const char* const storage = text.data();
+  const auto storage = reinterpret_cast<std::uintptr_t>(text.data());
   const DiagStorage message({}, MessageType::kInfo, std::move(text), {});
-  EXPECT_EQ(message.text().data(), storage);
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(message.text().data()), storage);
 }
 
 TEST(DiagService, GlobalInst_CalledInSeveralThreads_IsOneObject) {
@@ -194,16 +195,21 @@ TEST_F(DiagServiceTest, PostImpl_HandlerPostsItself_BothMessagesArrive) {
 }
 
 constexpr int kThreads = 8;
-constexpr int kPostsPerThread = 200;
+constexpr int kPostsPerThread = 500;
 
 std::string TextOf(int thread, int post) {
   return "thread " + std::to_string(thread) + " post " + std::to_string(post);
 }
 
+/// The threads begin together.
 void PostFromAllThreads(Diag::DiagService& service) {
+  std::atomic<int> waiting{kThreads};
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   for (int thread = 0; thread < kThreads; ++thread) {
-    threads.emplace_back([&service, thread] {
+    threads.emplace_back([&service, &waiting, thread] {
+      --waiting;
+      while (waiting > 0) std::this_thread::yield();
       for (int post = 0; post < kPostsPerThread; ++post) {
         service.PostImpl(Message(MessageType::kInfo, TextOf(thread, post)));
       }

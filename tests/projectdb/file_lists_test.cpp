@@ -33,6 +33,7 @@ using Row = std::tuple<std::string, std::string, std::string>;
 
 std::vector<Row> RowsOf(const std::vector<DesignFile>& files) {
   std::vector<Row> rows;
+  rows.reserve(files.size());
   for (const DesignFile& file : files) rows.emplace_back(file.name, file.version, file.library);
   return rows;
 }
@@ -230,12 +231,18 @@ TEST_P(PathListTest, Get_CalledTwice_DeliversTheSame) {
 
 TEST_P(PathListTest, Get_ProjectDirectoryIsNoUtf8_ThrowsRangeErrorAndAppendsNothing) {
   Add("src/top.sdc");
-  for (const char* directory : {"/work/\xFF", "/work/\xC3", "\xE6\x9C/proj", "/\xC0\xAF"}) {
+  for (const char* directory :
+       {"/work/\xFF", "/work/\xC3", "\xE6\x9C/proj", "/\xC0\xAF", "/\xED\xA0\x80"}) {
     database_.SetProjectCurrentPath(directory);
     Strings names = {"former"};
     EXPECT_THROW(GetParam().append_to(database_, names), std::range_error);
     EXPECT_THAT(names, ElementsAre("former"));
   }
+}
+
+TEST_P(PathListTest, Get_ProjectDirectoryIsNoUtf8AndListEmpty_LeavesTheVector) {
+  database_.SetProjectCurrentPath("/work/\xFF");
+  EXPECT_THAT(List(), IsEmpty());
 }
 
 TEST_P(PathListTest, Get_NameIsNoUtf8_ThrowsRangeErrorWithTheEntriesBeforeItAppended) {

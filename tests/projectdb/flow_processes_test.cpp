@@ -56,6 +56,7 @@ Row RowOf(const Parameter& parameter) { return {parameter.name, parameter.value,
 
 std::vector<Row> RowsOf(const std::vector<Parameter>& parameters) {
   std::vector<Row> rows;
+  rows.reserve(parameters.size());
   for (const Parameter& parameter : parameters) rows.push_back(RowOf(parameter));
   return rows;
 }

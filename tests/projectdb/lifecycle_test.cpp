@@ -359,14 +359,16 @@ TEST(TimeStamp, CreateNewProjectDatabase_AnyTimeZone_IsTheLocalTimeOfTheCall) {
   }
 }
 
-/// Writes every part of a time as one and the same text.
+/// Writes every part of a time as one and the same text or, if that is empty, as the letter that
+/// stands for the part.
 class FixedTimePut : public std::time_put<char> {
  public:
   explicit FixedTimePut(std::string text) : text_(std::move(text)) {}
 
  protected:
-  iter_type do_put(iter_type out, std::ios_base&, char, const std::tm*, char, char) const override {
-    for (const char c : text_) *out++ = c;
+  iter_type do_put(iter_type out, std::ios_base&, char, const std::tm*, char part,
+                   char) const override {
+    for (const char c : text_.empty() ? std::string(1, part) : text_) *out++ = c;
     return out;
   }
 
@@ -374,7 +376,7 @@ class FixedTimePut : public std::time_put<char> {
   std::string text_;
 };
 
-/// Gives the process a global locale whose times are written as a fixed text.
+/// Gives the process a global locale that writes times so.
 class TimeTextLocale {
  public:
   explicit TimeTextLocale(const std::string& text)
@@ -386,6 +388,11 @@ class TimeTextLocale {
  private:
   std::locale former_;
 };
+
+TEST(TimeStamp, CreateNewProjectDatabase_AnyLocale_AsksForTheFormatsParts) {
+  const TimeTextLocale locale("");
+  EXPECT_EQ(NewTimeStamp(), "a b d Y X");
+}
 
 TEST(TimeStamp, CreateNewProjectDatabase_LocaleGivesUtf8Text_KeepsIt) {
   const std::pair<const char*, const char*> cases[] = {
@@ -404,11 +411,11 @@ TEST(TimeStamp, CreateNewProjectDatabase_LocaleGivesUtf8Text_KeepsIt) {
 
 TEST(TimeStamp, CreateNewProjectDatabase_LocaleGivesOtherText_IsWrittenInTheClassicLocale) {
   const char* const cases[] = {
-      "\xFB",  // One byte of an 8-bit encoding.
-      "s\xE1"
-      "bado",            // The same inside a word.
+      "\xFB",            // One byte of an 8-bit encoding.
+      "m\xE1jus",        // The same inside a word.
       "\xE6\x9C",        // A character that breaks off.
       "\xC0\xAF",        // A character in a longer form than it needs.
+      "\xED\xA0\x80",    // Half of a pair of UTF-16, which is no character.
       "\x1B$B7n\x1B(B",  // An encoding that shifts with escapes.
   };
   for (const char* const part : cases) {

@@ -1,0 +1,597 @@
+#include <algorithm>
+#include <cstdlib>
+#include <functional>
+#include <initializer_list>
+#include <memory>
+#include <new>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <projectdb/project_db.h>
+
+#include "support/files.h"
+#include "support/message_recorder.h"
+#include "support/project_snapshot.h"
+#include "support/temporary_directory.h"
+
+namespace {
+
+/// Allocations of this thread that still succeed before one fails; negative: none fails.
+thread_local long allocations_before_failure = -1;
+
+bool ThisAllocationFails() {
+  return allocations_before_failure >= 0 && allocations_before_failure-- == 0;
+}
+
+}  // namespace
+
+// The array and the non-throwing forms come down to these.
+void* operator new(std::size_t size) {
+  void* const memory = ThisAllocationFails() ? nullptr : std::malloc(size == 0 ? 1 : size);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+
+namespace {
+
+using namespace projectdb;
+using test_support::MessageRecorder;
+using test_support::ProjectSnapshot;
+using test_support::TemporaryDirectory;
+
+using Db = KelProjectDatabase;
+using Operation = std::function<void(Db&)>;
+
+constexpr ProcType kProcesses[] = {e_synthesis, e_place_and_route, e_bitstream_generation,
+                                   e_debugger};
+
+enum class Outcome { kCompleted, kOutOfMemory, kFailureSwallowed };
+
+/// Runs an operation of which one allocation fails, the first being number 0. An operation that
+/// needs fewer allocations completes.
+Outcome RunWithFailure(long failing_allocation, const Operation& operation, Db& database) {
+  bool threw = false;
+  allocations_before_failure = failing_allocation;
+  try {
+    operation(database);
+  } catch (const std::bad_alloc&) {
+    threw = true;
+  }
+  const bool failed = allocations_before_failure < 0;
+  allocations_before_failure = -1;
+  if (!failed) return Outcome::kCompleted;
+  return threw ? Outcome::kOutOfMemory : Outcome::kFailureSwallowed;
+}
+
+/// Runs an operation again and again, each time on a new object and with a later allocation
+/// failing, until it completes. The check sees each object afterwards.
+void WalkAllocations(const Operation& prepare, const Operation& operation,
+                     const std::function<void(Db&, Outcome)>& check) {
+  for (long number = 0;; ++number) {
+    SCOPED_TRACE(testing::Message() << "allocation " << number << " fails");
+    Db database;
+    prepare(database);
+    const Outcome outcome = RunWithFailure(number, operation, database);
+    EXPECT_TRUE(outcome != Outcome::kFailureSwallowed) << "the operation hid the failure";
+    check(database, outcome);
+    if (outcome == Outcome::kCompleted) {
+      EXPECT_GT(number, 0) << "the operation needs no memory: nothing was tested";
+      return;
+    }
+  }
+}
+
+void Nothing(Db&) {}
+
+bool HasProcesses(const Db& database) { return database.GetFlowProcess(e_synthesis) != nullptr; }
+
+// --- setting up and creating ---
+
+TEST(OutOfMemory, SetupProjectDatabase_AnyAllocationFails_LeavesNoProjectOrABlockWithoutProcesses) {
+  int blocks_without_processes = 0;
+  WalkAllocations(
+      Nothing, [](Db& database) { database.SetupProjectDatabase(); },
+      [&](Db& database, Outcome outcome) {
+        if (outcome == Outcome::kCompleted) {
+          EXPECT_TRUE(HasProcesses(database));
+          return;
+        }
+        EXPECT_FALSE(HasProcesses(database));
+        if (database.IsProjectDatabaseExist()) ++blocks_without_processes;
+      });
+  EXPECT_GT(blocks_without_processes, 0);
+}
+
+TEST(OutOfMemory, CreateNewProjectDatabase_AnyAllocationFails_ThrowsAndLeavesTheObjectUsable) {
+  const std::string name = "a project with a name of some length";
+  WalkAllocations(
+      Nothing, [&name](Db& database) { database.CreateNewProjectDatabase(name); },
+      [](Db& database, Outcome) {
+        // Each of these would wait for ever if the lock were still held.
+        database.CleanProjectDatabase();
+        EXPECT_FALSE(database.IsProjectDatabaseExist());
+        EXPECT_TRUE(database.CreateNewProjectDatabase("next"));
+        EXPECT_EQ(database.GetProjectName(), "next");
+        EXPECT_TRUE(HasProcesses(database));
+      });
+}
+
+TEST(OutOfMemory, CreateNewProjectDatabase_RefusalRunsOutOfMemory_LeavesTheProject) {
+  const MessageRecorder recorder;
+  const auto create = [](Db& database) { database.CreateNewProjectDatabase("first"); };
+  WalkAllocations(
+      create, [](Db& database) { database.CreateNewProjectDatabase("second"); },
+      [](Db& database, Outcome) { EXPECT_EQ(database.GetProjectName(), "first"); });
+}
+
+TEST(OutOfMemory, CleanProjectDatabase_NoMemoryLeft_StillDiscardsTheProject) {
+  Db database;
+  ASSERT_TRUE(database.CreateNewProjectDatabase("blinker"));
+  EXPECT_EQ(RunWithFailure(
+                0, [](Db& db) { db.CleanProjectDatabase(); }, database),
+            Outcome::kCompleted);
+  EXPECT_FALSE(database.IsProjectDatabaseExist());
+}
+
+// --- changing a project ---
+
+/// An operation, with the smaller steps that it may stop between; an operation without steps is
+/// done wholly or not at all.
+struct Change {
+  const char* name;
+  Operation operation;
+  std::vector<Operation> steps;
+};
+
+std::string Long(const std::string& text) { return text + std::string(60, '_'); }
+
+void FillProject(Db& database) {
+  database.CreateNewProjectDatabase(Long("blinker"));
+  database.SetProjectCurrentPath("/work/proj");
+  database.SetInterfaceConstraint("former.interface.csv");
+  database.AddDesignRTLFile(Long("former"), Long("v2001"), Long("work"));
+  database.AddSimulationTestBenchFile(Long("former"), Long("v2001"));
+  database.AddMiscellaneousFile(Long("former"));
+  database.AddTimingConstraintFile(Long("former") + ".sdc");
+  database.AddProjectInfoAttribute("owner", "lab 3");
+  database.AddSynthesisParameter("effort", "high", e_option);
+  database.AddSynthesisParameter("quiet", "", e_noarg);
+  database.AddSynthesisParameter(Long("former"), Long("value"), e_string);
+}
+
+ProjectSnapshot Snapshot(const Db& database) {
+  return test_support::TakeSnapshot(database, {"owner", Long("new owner")}).WithoutStamps();
+}
+
+/// The texts are made before memory gets scarce, not by the operation that they are handed to.
+struct Samples {
+  std::string name = Long(Long("name"));
+  std::string version = Long("version");
+  std::string library = Long("library");
+  std::string map = Long("map");
+  std::string owner = Long("new owner");
+  std::string first_sdc = Long("first") + ".sdc";
+  std::string second_sdc = Long("second") + ".sdc";
+  std::vector<std::string> sdc_files = {first_sdc, "b.txt", second_sdc};
+  std::string interface_file = Long("pins") + ".interface.csv";
+  std::vector<DesignFile> files = {{Long("a"), Long("b"), Long("c")},
+                                   {Long("d"), Long("e"), Long("f")},
+                                   {Long("g"), Long("h"), Long("i")}};
+  std::vector<std::string> names = {Long("a"), Long("b"), Long("c")};
+  Parameter parameter{Long("parameter"), Long("value"), e_string};
+  Parameter effort{"effort", Long("value"), e_option};
+  Parameter renamed{Long("renamed"), Long("value"), e_option};
+  std::string effort_key = "effort";
+  std::string param = "param";
+};
+
+std::vector<Change> Setters() {
+  const auto samples = std::make_shared<Samples>();
+  const std::pair<const char*, void (Db::*)(const std::string&)> setters[] = {
+      {"SetProjectName", &Db::SetProjectName},
+      {"SetProjectCurrentPath", &Db::SetProjectCurrentPath},
+      {"SetDeviceFamily", &Db::SetDeviceFamily},
+      {"SetDeviceModel", &Db::SetDeviceModel},
+      {"SetDeviceTimingModel", &Db::SetDeviceTimingModel},
+      {"SetDesignTopModuleName", &Db::SetDesignTopModuleName},
+      {"SetDesignTopVHDLArchitecture", &Db::SetDesignTopVHDLArchitecture},
+      {"SetSynthesisExecutableName", &Db::SetSynthesisExecutableName},
+  };
+  std::vector<Change> changes;
+  for (const auto& [name, setter] : setters) {
+    changes.push_back(
+        {name, [samples, set = setter](Db& database) { (database.*set)(samples->name); }, {}});
+  }
+  changes.push_back(
+      {"SetInterfaceConstraint",
+       [samples](Db& database) { database.SetInterfaceConstraint(samples->interface_file); },
+       {}});
+  changes.push_back(
+      {"SetFlowProcessName",
+       [samples](Db& database) { database.SetFlowProcessName(e_debugger, samples->name.c_str()); },
+       {}});
+  return changes;
+}
+
+std::vector<Change> FileAdders() {
+  const auto s = std::make_shared<Samples>();
+  return {
+      {"AddDesignRTLFile",
+       [s](Db& database) { database.AddDesignRTLFile(s->name, s->version, s->library); },
+       {}},
+      {"AddDesignRTLFileVector", [s](Db& database) { database.AddDesignRTLFile(s->files); }, {}},
+      {"AddSimulationTestBenchFile",
+       [s](Db& database) { database.AddSimulationTestBenchFile(s->name, s->version); },
+       {}},
+      {"AddSimulationTestBenchFileVector",
+       [s](Db& database) { database.AddSimulationTestBenchFile(s->files); },
+       {}},
+      {"AddMiscellaneousFile", [s](Db& database) { database.AddMiscellaneousFile(s->name); }, {}},
+      {"AddMiscellaneousFileVector",
+       [s](Db& database) { database.AddMiscellaneousFile(s->names); },
+       {}},
+      {"AddTimingConstraintFile",
+       [s](Db& database) { database.AddTimingConstraintFile(s->first_sdc); },
+       {}},
+      {"AddTimingConstraintFileVector",
+       [s](Db& database) { database.AddTimingConstraintFile(s->sdc_files); },
+       {[s](Db& database) { database.AddTimingConstraintFile(s->first_sdc); },
+        [s](Db& database) { database.AddTimingConstraintFile(s->second_sdc); }}},
+  };
+}
+
+std::vector<Change> ParameterAndAttributeAdders() {
+  const auto s = std::make_shared<Samples>();
+  const auto add_list = [s](Db& database) {
+    database.AddFlowProcessParameterList(e_synthesis, s->param, {s->parameter, s->effort});
+  };
+  return {
+      {"AddFlowProcessParameter",
+       [s](Db& database) { database.AddFlowProcessParameter(e_synthesis, "param", s->parameter); },
+       {}},
+      {"AddFlowProcessParameterInNewMap",
+       [s](Db& database) { database.AddFlowProcessParameter(e_debugger, s->map, s->parameter); },
+       {}},
+      {"AddFlowProcessParameterAgain",
+       [s](Db& database) { database.AddFlowProcessParameter(e_synthesis, "param", s->effort); },
+       {}},
+      {"AddFlowProcessParameterByParts",
+       [s](Db& database) {
+         database.AddFlowProcessParameter(e_debugger, s->map, s->name, s->version, e_string);
+       },
+       {}},
+      {"AddFlowProcessParameterList",
+       add_list,
+       {[s](Db& database) { database.AddFlowProcessParameter(e_synthesis, "param", s->parameter); },
+        [s](Db& database) { database.AddFlowProcessParameter(e_synthesis, "param", s->effort); }}},
+      {"AddProjectInfoAttribute",
+       [s](Db& database) { database.AddProjectInfoAttribute(s->owner, s->name); },
+       {}},
+      {"AddProjectInfoAttributeAgain",
+       [s](Db& database) { database.AddProjectInfoAttribute("owner", s->name); },
+       {}},
+      {"AddProjectInfoAttributeNamedName",
+       [s](Db& database) { database.AddProjectInfoAttribute("name", s->name); },
+       {}},
+  };
+}
+
+class ChangeTest : public testing::TestWithParam<Change> {
+ protected:
+  /// The project before the change and after each of its steps.
+  static std::vector<ProjectSnapshot> States() {
+    Db database;
+    FillProject(database);
+    std::vector<ProjectSnapshot> states = {Snapshot(database)};
+    std::vector<Operation> steps = GetParam().steps;
+    if (steps.empty()) steps = {GetParam().operation};
+    for (const Operation& step : steps) {
+      step(database);
+      states.push_back(Snapshot(database));
+    }
+    return states;
+  }
+};
+
+TEST_P(ChangeTest, AnyAllocationFails_LeavesTheProjectBeforeOrAfterAStep) {
+  const std::vector<ProjectSnapshot> states = States();
+  ASSERT_FALSE(states.front() == states.back()) << "the change changes nothing";
+  WalkAllocations(FillProject, GetParam().operation, [&](Db& database, Outcome outcome) {
+    const ProjectSnapshot found = Snapshot(database);
+    if (outcome == Outcome::kCompleted) {
+      EXPECT_EQ(found, states.back());
+    } else {
+      EXPECT_NE(std::find(states.begin(), states.end(), found), states.end()) << found;
+    }
+  });
+}
+
+TEST_P(ChangeTest, AnyAllocationFails_SucceedsWhenTriedAgain) {
+  const std::vector<ProjectSnapshot> states = States();
+  WalkAllocations(FillProject, GetParam().operation, [&](Db& database, Outcome outcome) {
+    const ProjectSnapshot found = Snapshot(database);  // Waits for ever if the lock is still held.
+    if (outcome == Outcome::kCompleted || !(found == states.front())) return;
+    GetParam().operation(database);
+    EXPECT_EQ(Snapshot(database), states.back());
+  });
+}
+
+std::string NameOf(const testing::TestParamInfo<Change>& param_info) {
+  return param_info.param.name;
+}
+
+void PrintTo(const Change& change, std::ostream* out) { *out << change.name; }
+
+INSTANTIATE_TEST_SUITE_P(Setters, ChangeTest, testing::ValuesIn(Setters()), NameOf);
+INSTANTIATE_TEST_SUITE_P(FileLists, ChangeTest, testing::ValuesIn(FileAdders()), NameOf);
+INSTANTIATE_TEST_SUITE_P(ParametersAndAttributes, ChangeTest,
+                         testing::ValuesIn(ParameterAndAttributeAdders()), NameOf);
+
+TEST(OutOfMemory, AddFlowProcessParameterMap_AnyAllocationFails_AddsTheMapWhollyOrNotAtAll) {
+  WalkAllocations(
+      FillProject,
+      [](Db& database) {
+        database.AddFlowProcessParameterMap(e_synthesis, "a map with a name of some length");
+      },
+      [](Db& database, Outcome outcome) {
+        const FlowProcess& process = *database.GetFlowProcess(e_synthesis);
+        const std::size_t count = outcome == Outcome::kCompleted ? 2 : 1;
+        EXPECT_EQ(process.parameter_maps.size(), count);
+        EXPECT_EQ(process.parameter_map_index.size(), count);
+        // The next map is still found at its own position.
+        database.AddFlowProcessParameter(e_synthesis, "next", "a", "1", e_string);
+        EXPECT_EQ(database.GetFlowProcessParameterValue(e_synthesis, "next", "a"), "1");
+        EXPECT_EQ(database.GetSynthesisParameterValue("effort"), "high");
+      });
+}
+
+TEST(OutOfMemory, InsertOrAssignParameterToMap_AssignmentFails_NameAndValueStayTogether) {
+  const Samples samples;
+  WalkAllocations(
+      FillProject,
+      [&samples](Db& database) {
+        ParameterMap* map = database.GetFlowProcess(e_synthesis)->parameter_maps.data();
+        Db::InsertOrAssignParameterToMap(*map, samples.effort_key, samples.renamed);
+      },
+      [&samples](Db& database, Outcome outcome) {
+        const auto stored = database.GetFlowProcessParameter(e_synthesis, "param", "effort");
+        ASSERT_TRUE(stored);
+        const bool is_new = outcome == Outcome::kCompleted;
+        EXPECT_EQ(stored->name, is_new ? samples.renamed.name : "effort");
+        EXPECT_EQ(stored->value, is_new ? samples.renamed.value : "high");
+      });
+}
+
+/// Getters that give a text or fill a vector.
+TEST(OutOfMemory, Getters_AnyAllocationFails_LeaveTheProjectAndTheLock) {
+  const std::string former = Long("former");
+  const std::pair<const char*, Operation> getters[] = {
+      {"GetProjectName", [](Db& database) { database.GetProjectName(); }},
+      {"GetDesignFileList",
+       [](Db& database) {
+         std::vector<DesignFile> files;
+         database.GetDesignFileList(files);
+       }},
+      {"GetMiscellaneousFileList",
+       [](Db& database) {
+         std::vector<std::string> names;
+         database.GetMiscellaneousFileList(names);
+       }},
+      {"GetSynthesisParameterList",
+       [](Db& database) {
+         std::vector<Parameter> parameters;
+         database.GetSynthesisParameterList(parameters);
+       }},
+      {"GetFlowProcessParameter",
+       [&former](Db& database) { database.GetFlowProcessParameter(e_synthesis, "param", former); }},
+  };
+  Db untouched;
+  FillProject(untouched);
+  const ProjectSnapshot expected = Snapshot(untouched);
+  for (const auto& [name, getter] : getters) {
+    SCOPED_TRACE(name);
+    WalkAllocations(FillProject, getter,
+                    [&](Db& database, Outcome) { EXPECT_EQ(Snapshot(database), expected); });
+  }
+}
+
+// --- a block without processes ---
+
+/// An object whose project has no flow processes, for memory ran out when they were made.
+class BlockWithoutProcesses : public testing::Test {
+ protected:
+  void SetUp() override {
+    const Operation set_up = [](Db& database) { database.SetupProjectDatabase(); };
+    for (long number = 0; database_ == nullptr; ++number) {
+      auto database = std::make_unique<Db>();
+      ASSERT_EQ(RunWithFailure(number, set_up, *database), Outcome::kOutOfMemory);
+      if (database->IsProjectDatabaseExist()) database_ = std::move(database);
+    }
+    ASSERT_FALSE(HasProcesses(*database_));
+  }
+
+  std::unique_ptr<Db> database_;
+};
+
+TEST_F(BlockWithoutProcesses, SetupProjectDatabase_BlockExists_ReturnsFalseAndAddsNoProcesses) {
+  EXPECT_FALSE(database_->SetupProjectDatabase());
+  EXPECT_FALSE(HasProcesses(*database_));
+}
+
+TEST_F(BlockWithoutProcesses, CreateNewProjectDatabase_BlockExists_IsRefusedWithItsMessage) {
+  const MessageRecorder recorder;
+  EXPECT_FALSE(database_->CreateNewProjectDatabase("blinker"));
+  EXPECT_EQ(recorder.messages(),
+            (std::vector<MessageRecorder::Message>{
+                {Diag::MessageType::kError,
+                 "Project database has already existed. Fail to create new project"}}));
+}
+
+TEST_F(BlockWithoutProcesses, CleanThenCreate_BlockExists_GivesAWholeProject) {
+  database_->CleanProjectDatabase();
+  EXPECT_TRUE(database_->CreateNewProjectDatabase("blinker"));
+  for (const ProcType type : kProcesses) EXPECT_NE(database_->GetFlowProcess(type), nullptr);
+}
+
+TEST_F(BlockWithoutProcesses, FlowProcessPointers_EachType_AreNull) {
+  for (const ProcType type : kProcesses) {
+    EXPECT_EQ(database_->GetFlowProcess(type), nullptr);
+    EXPECT_EQ(database_->FindFlowProcessParameterMap(type, "param"), nullptr);
+    EXPECT_EQ(database_->AddFlowProcessParameterMap(type, "param"), nullptr);
+  }
+}
+
+TEST_F(BlockWithoutProcesses, FlowProcessAdders_EachType_ReturnFalse) {
+  const Parameter parameter("a", "1", e_string);
+  for (const ProcType type : kProcesses) {
+    EXPECT_FALSE(database_->AddFlowProcessParameter(type, "param", parameter));
+    EXPECT_FALSE(database_->AddFlowProcessParameter(type, "param", "a", "1", e_string));
+    EXPECT_FALSE(database_->AddFlowProcessParameterList(type, "param", {parameter}));
+    EXPECT_FALSE(database_->AddFlowProcessParameterList(type, "param", {}));
+  }
+}
+
+TEST_F(BlockWithoutProcesses, FlowProcessNames_EachType_AreNotSet) {
+  for (const ProcType type : kProcesses) {
+    database_->SetFlowProcessName(type, "step");
+    database_->SetFlowProcessExecutableName(type, "tool");
+    EXPECT_EQ(database_->GetFlowProcess(type), nullptr);
+    EXPECT_EQ(database_->GetFlowProcessExecutableName(type), "");
+  }
+}
+
+TEST_F(BlockWithoutProcesses, FlowProcessGetters_EachType_GiveNothing) {
+  for (const ProcType type : kProcesses) {
+    std::vector<Parameter> parameters = {{"former", "1", e_string}};
+    database_->GetFlowProcessParameterList(type, "param", parameters);
+    EXPECT_EQ(parameters.size(), 1u);
+    EXPECT_FALSE(database_->GetFlowProcessParameter(type, "param", "a"));
+    EXPECT_EQ(database_->GetFlowProcessParameterValue(type, "param", "a"), "");
+  }
+}
+
+TEST_F(BlockWithoutProcesses, FlowProcessOperations_EachType_PostNothing) {
+  const MessageRecorder recorder;
+  for (const ProcType type : kProcesses) {
+    database_->SetFlowProcessExecutableName(type, "tool");
+    database_->AddFlowProcessParameter(type, "param", "a", "1", e_string);
+    database_->GetFlowProcessParameterValue(type, "param", "a");
+  }
+  EXPECT_TRUE(recorder.messages().empty());
+}
+
+TEST_F(BlockWithoutProcesses, ToolNames_EachTool_AreNotSet) {
+  constexpr std::pair<void (Db::*)(const std::string&), std::string (Db::*)() const> kTools[] = {
+      {&Db::SetSynthesisExecutableName, &Db::GetSynthesisExecutableName},
+      {&Db::SetPlaceAndRouteExecutableName, &Db::GetPlaceAndRouteExecutableName},
+      {&Db::SetBitstreamGenerateExecutableName, &Db::GetBitstreamGenerateExecutableName},
+  };
+  for (const auto& [set, get] : kTools) {
+    (*database_.*set)("tool");
+    EXPECT_EQ((*database_.*get)(), "");
+  }
+}
+
+TEST_F(BlockWithoutProcesses, ToolParameterAdders_EachTool_ReturnFalse) {
+  using AddParameter = bool (Db::*)(const Parameter&);
+  using AddTyped = bool (Db::*)(const std::string&, const std::string&, ParameterType);
+  using AddUntyped = bool (Db::*)(const std::string&, const std::string&);
+  using AddList = bool (Db::*)(const std::vector<Parameter>&);
+  for (const AddParameter add : std::initializer_list<AddParameter>{
+           &Db::AddSynthesisParameter, &Db::AddSynthesisVerilogDefineParameter,
+           &Db::AddSynthesisVerilogMacro, &Db::AddPlaceAndRouteParameter,
+           &Db::AddBitstreamGenerateParameter, &Db::AddDebuggerParameter}) {
+    EXPECT_FALSE((*database_.*add)({"a", "1", e_string}));
+  }
+  for (const AddTyped add : std::initializer_list<AddTyped>{
+           &Db::AddSynthesisParameter, &Db::AddPlaceAndRouteParameter,
+           &Db::AddBitstreamGenerateParameter, &Db::AddDebuggerParameter}) {
+    EXPECT_FALSE((*database_.*add)("a", "1", e_string));
+  }
+  for (const AddUntyped add : std::initializer_list<AddUntyped>{
+           &Db::AddSynthesisVerilogDefineParameter, &Db::AddSynthesisVerilogMacro}) {
+    EXPECT_FALSE((*database_.*add)("a", "1"));
+  }
+  for (const AddList add :
+       {&Db::AddSynthesisParameterList, &Db::AddSynthesisVerilogDefineParameterList,
+        &Db::AddSynthesisVerilogMacroList, &Db::AddPlaceAndRouteParameterList,
+        &Db::AddBitstreamGenerateParameterList, &Db::AddDebuggerParameterList}) {
+    EXPECT_FALSE((*database_.*add)({{"a", "1", e_string}}));
+  }
+}
+
+TEST_F(BlockWithoutProcesses, ToolParameterGetters_EachTool_GiveNothing) {
+  for (const auto get :
+       {&Db::GetSynthesisParameterList, &Db::GetSynthesisVerilogDefineParameterList,
+        &Db::GetSynthesisVerilogMacroList, &Db::GetPlaceAndRouteParameterList,
+        &Db::GetBitstreamGenerateParameterList, &Db::GetDebuggerParameterList}) {
+    std::vector<Parameter> parameters = {{"former", "1", e_string}};
+    (*database_.*get)(parameters);
+    EXPECT_EQ(parameters.size(), 1u);
+  }
+  for (const auto get :
+       {&Db::GetSynthesisParameterValue, &Db::GetSynthesisVerilogDefineParameterValue,
+        &Db::GetSynthesisVerilogMacroValue, &Db::GetPlaceAndRouteParameterValue,
+        &Db::GetBitstreamGenerateParameterValue, &Db::GetDebuggerParameterValue}) {
+    EXPECT_EQ((*database_.*get)("a"), "");
+  }
+  for (const auto get : {&Db::GetPlaceAndRouteParameter, &Db::GetDebuggerParameter}) {
+    EXPECT_FALSE((*database_.*get)("a"));
+  }
+}
+
+TEST_F(BlockWithoutProcesses, ThreadCounts_BothTools_AreTheDefault) {
+  EXPECT_EQ(database_->GetSynthesisMaxThreads(3), 3u);
+  EXPECT_EQ(database_->GetPnRMaxThreads(3), 3u);
+}
+
+TEST_F(BlockWithoutProcesses, OtherParts_SetAndRead_WorkAsInAnyProject) {
+  database_->SetProjectName("blinker");
+  database_->SetDeviceModel("Q8R40");
+  database_->SetProjectCurrentPath("/work/proj");
+  database_->AddDesignRTLFile("top.v", "v2001", "work");
+  EXPECT_TRUE(database_->AddTimingConstraintFile("clk.sdc"));
+  EXPECT_TRUE(database_->SetInterfaceConstraint("pins.interface.csv"));
+  EXPECT_TRUE(database_->AddProjectInfoAttribute("owner", "lab 3"));
+
+  const ProjectSnapshot snapshot = test_support::TakeSnapshot(*database_, {"owner"});
+  EXPECT_EQ(snapshot.name, "blinker");
+  EXPECT_EQ(snapshot.properties.at("device"), "Q8R40");
+  EXPECT_EQ(snapshot.properties.at("inter_file"), "pins.interface.csv");
+  EXPECT_EQ(snapshot.design_files,
+            (std::vector<std::vector<std::string>>{{"/work/proj/top.v", "v2001", "work"}}));
+  EXPECT_EQ(snapshot.file_lists.at("sdc"), (std::vector<std::string>{"/work/proj/clk.sdc"}));
+  EXPECT_EQ(snapshot.attributes.at("owner"), "lab 3");
+}
+
+TEST_F(BlockWithoutProcesses, ExportProjectData_BlockExists_WritesAFileThatLoads) {
+  const TemporaryDirectory directory;
+  database_->SetProjectName("blinker");
+  database_->ExportProjectData(directory / "out.xml");
+  const MessageRecorder recorder;
+  Db loaded;
+  EXPECT_TRUE(loaded.LoadProjectData(directory / "out.xml", ""));
+  EXPECT_EQ(loaded.GetProjectName(), "blinker");
+}
+
+TEST_F(BlockWithoutProcesses, LoadProjectData_FileWithProcess_ReturnsFalseAndLoadsTheRest) {
+  const TemporaryDirectory directory;
+  test_support::WriteFile(
+      directory / "in.xml",
+      "<kel:project xmlns:kel=\"http://schema.kel.example/wdp_proj\">"
+      "<kel:synthesis tool_name=\"syn\"><kel:param name=\"a\" value=\"1\" value_type=\"e_string\"/>"
+      "</kel:synthesis>"
+      "<kel:device_info><kel:device name=\"Q8R40\"/></kel:device_info></kel:project>");
+  const MessageRecorder recorder;
+  EXPECT_FALSE(database_->LoadProjectData(directory / "in.xml", ""));
+  EXPECT_EQ(database_->GetDeviceModel(), "Q8R40");
+  EXPECT_FALSE(HasProcesses(*database_));
+}
+
+}  // namespace

@@ -1,0 +1,193 @@
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <xercesc/util/IOException.hpp>
+
+#include "support/files.h"
+#include "support/temporary_directory.h"
+#include "support/xml_platform.h"
+#include "support/xml_tree.h"
+#include "xml/errors.h"
+#include "xml/file_target.h"
+
+namespace {
+
+using projectdb::xml::Failure;
+using projectdb::xml::FileTarget;
+using test_support::ReadFile;
+using test_support::Utf8;
+using test_support::WriteFile;
+using testing::HasSubstr;
+
+using namespace std::string_literals;
+
+void Write(FileTarget& target, const std::string& bytes) {
+  target.writeChars(reinterpret_cast<const XMLByte*>(bytes.data()), bytes.size(), nullptr);
+}
+
+class FileTargets : public testing::Test {
+ protected:
+  const test_support::XmlPlatform platform_;
+  const test_support::TemporaryDirectory directory_;
+  const std::string path_ = directory_ / "file";
+};
+
+TEST_F(FileTargets, Construction_CreatesTheFile) {
+  const FileTarget target(path_);
+  EXPECT_TRUE(std::filesystem::exists(path_));
+}
+
+TEST_F(FileTargets, Construction_EmptiesAFileThatIsThere) {
+  WriteFile(path_, "former");
+  const FileTarget target(path_);
+  EXPECT_EQ(ReadFile(path_), "");
+}
+
+TEST_F(FileTargets, Close_NothingWritten_LeavesAnEmptyFile) {
+  FileTarget target(path_);
+  target.Close();
+  EXPECT_EQ(ReadFile(path_), "");
+}
+
+TEST_F(FileTargets, Close_FileHasAllPiecesInOrder) {
+  FileTarget target(path_);
+  Write(target, "one ");
+  Write(target, "");
+  Write(target, "two");
+  target.Close();
+  EXPECT_EQ(ReadFile(path_), "one two");
+}
+
+TEST_F(FileTargets, Close_AnyBytes_AreWrittenAsTheyAre) {
+  std::string bytes;
+  for (int i = 0; i < 256; ++i) bytes += static_cast<char>(i);
+  bytes += "\r\n\n\r"s;
+  FileTarget target(path_);
+  Write(target, bytes);
+  target.Close();
+  EXPECT_EQ(ReadFile(path_), bytes);
+}
+
+TEST_F(FileTargets, Close_MoreThanAnyBufferHolds_IsWhole) {
+  std::string bytes;
+  FileTarget target(path_);
+  for (int i = 0; i < 200000; ++i) {
+    const std::string piece = std::to_string(i) + "\n";
+    bytes += piece;
+    Write(target, piece);
+  }
+  target.Close();
+  EXPECT_TRUE(ReadFile(path_) == bytes);
+}
+
+TEST_F(FileTargets, Close_OneLargePiece_IsWhole) {
+  const std::string bytes(3000000, 'x');
+  FileTarget target(path_);
+  Write(target, bytes);
+  target.Close();
+  EXPECT_TRUE(ReadFile(path_) == bytes);
+}
+
+TEST_F(FileTargets, Flush_BetweenPieces_ChangesNothingInTheFile) {
+  FileTarget target(path_);
+  target.flush();
+  Write(target, "one ");
+  target.flush();
+  Write(target, "two");
+  target.flush();
+  target.Close();
+  EXPECT_EQ(ReadFile(path_), "one two");
+}
+
+TEST_F(FileTargets, Destruction_WithoutClose_ClosesTheFile) {
+  for (int i = 0; i < 5000; ++i) {  // More than a process may have open.
+    FileTarget target(path_);
+    Write(target, "x");
+  }
+  EXPECT_TRUE(std::filesystem::exists(path_));
+}
+
+// Files that cannot be opened.
+
+TEST_F(FileTargets, Construction_CannotOpen_Throws) {
+  EXPECT_THROW(FileTarget(directory_ / "missing/file"), xercesc::IOException);
+  EXPECT_THROW(FileTarget(directory_.path().string()), xercesc::IOException);
+  EXPECT_THROW(FileTarget(""), xercesc::IOException);
+}
+
+TEST_F(FileTargets, Construction_NulInThePath_ThrowsAndCreatesNoFile) {
+  EXPECT_THROW(FileTarget(path_ + "\0.xml"s), xercesc::IOException);
+  EXPECT_FALSE(std::filesystem::exists(path_));
+}
+
+/// The message of the exception that opening a file ends in.
+std::string OpenError(const std::string& path) {
+  try {
+    const FileTarget target(path);
+  } catch (const xercesc::IOException& exception) {
+    return Utf8(exception.getMessage());
+  }
+  return {};
+}
+
+TEST_F(FileTargets, Construction_CannotOpen_ExceptionTellsThePath) {
+  EXPECT_THAT(OpenError(directory_ / "missing/gr\xC3\xBCn"), HasSubstr("missing/gr\xC3\xBCn"));
+}
+
+TEST_F(FileTargets, Construction_PathThatIsNotUtf8_ExceptionTellsItWithEscapes) {
+  EXPECT_THAT(OpenError(directory_ / "missing/gr\xFCn"), HasSubstr("missing/gr\\xfcn"));
+}
+
+TEST_F(FileTargets, Construction_PathWithAControlCharacter_ExceptionTellsItWithEscapes) {
+  EXPECT_THAT(OpenError(directory_ / "missing/a\x01"), HasSubstr("missing/a\\x01"));
+}
+
+// Files that take no more.
+
+class FullFileTarget : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (!std::filesystem::is_character_file("/dev/full")) GTEST_SKIP() << "no /dev/full";
+    target_ = std::make_unique<FileTarget>("/dev/full");
+  }
+
+  std::string CloseError() {
+    try {
+      target_->Close();
+    } catch (const Failure& failure) {
+      return failure.what();
+    }
+    return {};
+  }
+
+  const test_support::XmlPlatform platform_;
+  std::unique_ptr<FileTarget> target_;
+};
+
+TEST_F(FullFileTarget, Close_NothingWritten_IsNoError) { EXPECT_EQ(CloseError(), ""); }
+
+TEST_F(FullFileTarget, Close_FailedAtTheEnd_ThrowsTheReason) {
+  Write(*target_, "x");
+  EXPECT_EQ(CloseError(), "No space left on device");
+}
+
+TEST_F(FullFileTarget, Close_FailedWhileWriting_ThrowsTheReason) {
+  Write(*target_, std::string(1000000, 'x'));
+  Write(*target_, "more");
+  EXPECT_EQ(CloseError(), "No space left on device");
+}
+
+TEST_F(FullFileTarget, WriteChars_Fails_DoesNotThrowYet) {
+  EXPECT_NO_THROW(Write(*target_, std::string(1000000, 'x')));
+}
+
+TEST_F(FullFileTarget, Destruction_WithoutClose_DoesNotThrow) {
+  Write(*target_, std::string(1000000, 'x'));
+  EXPECT_NO_THROW(target_.reset());
+}
+
+}  // namespace

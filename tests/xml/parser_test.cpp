@@ -1,0 +1,235 @@
+#include "xml/parser.h"
+
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <typeinfo>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <xercesc/dom/DOMElement.hpp>
+#include <xercesc/dom/DOMException.hpp>
+#include <xercesc/dom/DOMNodeList.hpp>
+#include <xercesc/util/OutOfMemoryException.hpp>
+#include <xercesc/util/RuntimeException.hpp>
+
+#include "support/files.h"
+#include "support/project_loading.h"
+#include "support/temporary_directory.h"
+#include "support/xml_platform.h"
+#include "xml/errors.h"
+#include "xml/text.h"
+
+namespace {
+
+using namespace projectdb::xml;
+using namespace test_support;
+
+// ---- What becomes of the exceptions of the XML library
+
+/// What leaves a call as std::runtime_error; "" if nothing does.
+template <typename Call>
+std::string RuntimeErrorOf(Call call) {
+  try {
+    call();
+  } catch (const std::runtime_error& error) {
+    EXPECT_EQ(typeid(error), typeid(std::runtime_error));
+    return error.what();
+  }
+  return {};
+}
+
+class XmlErrors : public testing::Test {
+ protected:
+  [[noreturn]] static void ThrowXmlException() {
+    ThrowXML(xercesc::RuntimeException, xercesc::XMLExcepts::Val_InvalidElemId);
+  }
+
+  [[noreturn]] static void ThrowDomException() {
+    throw xercesc::DOMException(xercesc::DOMException::NOT_FOUND_ERR);
+  }
+
+  /// The text that the XML library itself gives to what a call throws.
+  template <typename Exception>
+  static std::string ReasonOf(void (*call)()) {
+    try {
+      call();
+    } catch (const Exception& exception) {
+      return TranscodeXMLString(exception.getMessage());
+    }
+    return {};
+  }
+
+  XmlPlatform platform_;
+};
+
+TEST_F(XmlErrors, WithPrefixedErrors_NoException_GivesTheResult) {
+  EXPECT_EQ(WithPrefixedErrors("P ", [] { return 42; }), 42);
+}
+
+TEST_F(XmlErrors, WithPrefixedErrors_Failure_ThrowsPrefixReasonAndLineEnd) {
+  EXPECT_EQ(RuntimeErrorOf([] { WithPrefixedErrors("P ", [] { throw Failure("why {}"); }); }),
+            "P why {}\n");
+}
+
+TEST_F(XmlErrors, WithPrefixedErrors_XmlException_ThrowsPrefixReasonAndLineEnd) {
+  const std::string reason = ReasonOf<xercesc::XMLException>(ThrowXmlException);
+  ASSERT_NE(reason, "");
+  EXPECT_EQ(RuntimeErrorOf([] { WithPrefixedErrors("P ", ThrowXmlException); }),
+            "P " + reason + "\n");
+}
+
+TEST_F(XmlErrors, WithPrefixedErrors_DomException_ThrowsPrefixReasonAndLineEnd) {
+  const std::string reason = ReasonOf<xercesc::DOMException>(ThrowDomException);
+  ASSERT_NE(reason, "");
+  EXPECT_EQ(RuntimeErrorOf([] { WithPrefixedErrors("P ", ThrowDomException); }),
+            "P " + reason + "\n");
+}
+
+TEST_F(XmlErrors, WithPrefixedErrors_OtherException_LeavesAsItIs) {
+  EXPECT_THROW(WithPrefixedErrors("P ", [] { throw 7; }), int);
+  EXPECT_THROW(WithPrefixedErrors("P ", [] { throw std::bad_alloc(); }), std::bad_alloc);
+}
+
+TEST_F(XmlErrors, WithPrefixedErrors_XmlLibraryOutOfMemory_ThrowsBadAlloc) {
+  EXPECT_THROW(WithPrefixedErrors("P ", [] { throw xercesc::OutOfMemoryException(); }),
+               std::bad_alloc);
+}
+
+TEST_F(XmlErrors, WithOnlyRuntimeErrors_NoException_GivesTheResult) {
+  EXPECT_EQ(WithOnlyRuntimeErrors("P ", [] { return std::string("result"); }), "result");
+}
+
+TEST_F(XmlErrors, WithOnlyRuntimeErrors_ExceptionWithReason_ThrowsPrefixReasonAndLineEnd) {
+  EXPECT_EQ(RuntimeErrorOf([] { WithOnlyRuntimeErrors("P ", [] { throw Failure("why"); }); }),
+            "P why\n");
+  EXPECT_EQ(RuntimeErrorOf([] { WithOnlyRuntimeErrors("P ", ThrowXmlException); }),
+            "P " + ReasonOf<xercesc::XMLException>(ThrowXmlException) + "\n");
+  EXPECT_EQ(RuntimeErrorOf([] { WithOnlyRuntimeErrors("P ", ThrowDomException); }),
+            "P " + ReasonOf<xercesc::DOMException>(ThrowDomException) + "\n");
+}
+
+TEST_F(XmlErrors, WithOnlyRuntimeErrors_OtherException_ThrowsUnexpectedException) {
+  const std::string unexpected = "Unexpected Exception\n";
+  EXPECT_EQ(RuntimeErrorOf([] { WithOnlyRuntimeErrors("P ", [] { throw 7; }); }), unexpected);
+  EXPECT_EQ(RuntimeErrorOf([] { WithOnlyRuntimeErrors("P ", [] { throw std::bad_alloc(); }); }),
+            unexpected);
+  EXPECT_EQ(
+      RuntimeErrorOf([] { WithOnlyRuntimeErrors("P ", [] { throw std::logic_error("x"); }); }),
+      unexpected);
+  EXPECT_EQ(RuntimeErrorOf(
+                [] { WithOnlyRuntimeErrors("P ", [] { throw xercesc::OutOfMemoryException(); }); }),
+            unexpected);
+}
+
+// ---- Parsing
+
+class XmlParser : public testing::Test {
+ protected:
+  std::string Write(const std::string& name, const std::string& bytes) const {
+    WriteFile(directory_ / name, bytes);
+    return directory_ / name;
+  }
+
+  /// The root of a project file with these bytes, parsed with a schema of those bytes.
+  Owned<xercesc::DOMDocument> Parse(const std::string& bytes,
+                                    const std::string& schema = "") const {
+    const std::string path = Write("p.xml", bytes);
+    return ParseProjectXMLFile(path, schema.empty() ? "" : Write("s.xsd", schema));
+  }
+
+  XmlPlatform platform_;
+  TemporaryDirectory directory_;
+};
+
+TEST_F(XmlParser, ParseProjectXMLFile_EmptyPath_GivesNull) {
+  EXPECT_EQ(ParseProjectXMLFile("", ""), nullptr);
+  EXPECT_EQ(ParseProjectXMLFile("", Write("s.xsd", DeviceOnlySchema())), nullptr);
+}
+
+TEST_F(XmlParser, ParseProjectXMLFile_WellFormedFile_GivesItsDocument) {
+  const auto document = Parse("<p:root xmlns:p=\"urn:p\" a=\"1\"/>");
+  ASSERT_NE(document, nullptr);
+  const xercesc::DOMElement* const root = document->getDocumentElement();
+  EXPECT_EQ(std::u16string(root->getLocalName()), u"root");
+  EXPECT_EQ(std::u16string(root->getNamespaceURI()), u"urn:p");
+  EXPECT_EQ(std::u16string(root->getAttribute(u"a")), u"1");
+}
+
+TEST_F(XmlParser, ParseProjectXMLFile_RelativePath_IsBelowTheWorkingDirectory) {
+  Write("p.xml", "<root/>");
+  const WorkingDirectory working_directory(directory_.path());
+  EXPECT_NE(ParseProjectXMLFile("p.xml", ""), nullptr);
+}
+
+TEST_F(XmlParser, ParseProjectXMLFile_FileThatCannotBeRead_GivesNull) {
+  EXPECT_EQ(ParseProjectXMLFile(directory_ / "gone.xml", ""), nullptr);
+  EXPECT_EQ(ParseProjectXMLFile(directory_.path().string(), ""), nullptr);
+}
+
+TEST_F(XmlParser, ParseProjectXMLFile_MalformedFile_GivesNull) {
+  EXPECT_EQ(Parse("<root>"), nullptr);
+  EXPECT_EQ(Parse("<!DOCTYPE root><root/>"), nullptr);
+}
+
+TEST_F(XmlParser, ParseProjectXMLFile_Schema_DecidesWhetherThereIsADocument) {
+  EXPECT_NE(Parse(ProjectXml("<device_info/>"), DeviceOnlySchema()), nullptr);
+  EXPECT_EQ(Parse(ProjectXml("<isf_info/>"), DeviceOnlySchema()), nullptr);
+}
+
+TEST_F(XmlParser, ParseProjectXMLFile_SchemaThatCannotBeUsed_GivesNull) {
+  const std::string project = Write("p.xml", ProjectXml(""));
+  EXPECT_EQ(ParseProjectXMLFile(project, directory_ / "gone.xsd"), nullptr);
+  EXPECT_EQ(ParseProjectXMLFile(project, directory_.path().string()), nullptr);
+  EXPECT_EQ(ParseProjectXMLFile(project, Write("bad.xsd", "<xs:schema")), nullptr);
+  EXPECT_EQ(ParseProjectXMLFile(project,
+                                Write("doctype.xsd", "<!DOCTYPE xs:schema>" + DeviceOnlySchema())),
+            nullptr);
+}
+
+TEST_F(XmlParser, ParseProjectXMLFile_Comments_AreNotInTheDocument) {
+  const auto document = Parse("<root><!-- c --></root>");
+  ASSERT_NE(document, nullptr);
+  EXPECT_EQ(document->getDocumentElement()->getFirstChild(), nullptr);
+}
+
+TEST_F(XmlParser, ParseProjectXMLFile_WhitespaceBetweenElementsOfASchema_IsNotInTheDocument) {
+  const auto document = Parse(ProjectXml("\n <device_info/> \n"), DeviceOnlySchema());
+  ASSERT_NE(document, nullptr);
+  EXPECT_EQ(document->getDocumentElement()->getChildNodes()->getLength(), 1u);
+}
+
+TEST_F(XmlParser, ParseProjectXMLFile_ValueWithATypeOfTheSchema_IsNormalised) {
+  const auto document =
+      Parse("<root a=\"  x   y \"/>",
+            "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\"><xs:element name=\"root\">"
+            "<xs:complexType><xs:attribute name=\"a\" type=\"xs:token\"/></xs:complexType>"
+            "</xs:element></xs:schema>");
+  ASSERT_NE(document, nullptr);
+  EXPECT_EQ(std::u16string(document->getDocumentElement()->getAttribute(u"a")), u"x y");
+}
+
+TEST_F(XmlParser, ParseProjectXMLFile_RefusedFile_PrintsNothing) {
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(Parse("<root a=\"1\" a=\"2\">"), nullptr);
+  EXPECT_EQ(Parse(ProjectXml("<isf_info/>"), DeviceOnlySchema()), nullptr);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(XmlParser, ParseProjectXMLFile_DomException_IsThrownWithPathAndReasonAndPrinted) {
+  // Versions and namespaces that do not exist pass the parser and fail in the document.
+  for (const std::string bytes : {"<?xml version=\"1.X\"?><root/>",
+                                  "<?xml version=\"1.1\"?><root xmlns:p=\"\" p:a=\"1\"/>"}) {
+    SCOPED_TRACE(bytes);
+    testing::internal::CaptureStdout();
+    const std::string error = RuntimeErrorOf([&] { Parse(bytes); });
+    EXPECT_THAT(error,
+                testing::StartsWith("Failed parsing XML file " + (directory_ / "p.xml") + ": "));
+    EXPECT_THAT(error, testing::EndsWith("\n"));
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), error + "\n");
+  }
+}
+
+}  // namespace

@@ -1,0 +1,142 @@
+#include "xml/platform.h"
+
+#include <atomic>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <xercesc/util/RuntimeException.hpp>
+
+#include <projectdb/project_db.h>
+
+#include "support/message_recorder.h"
+#include "support/project_loading.h"
+#include "support/xml_platform.h"
+#include "xml/text.h"
+
+namespace {
+
+using namespace projectdb::xml;
+using namespace test_support;
+
+[[noreturn]] void FailToInitialize() {
+  ThrowXML(xercesc::RuntimeException, xercesc::XMLExcepts::CPtr_PointerIsZero);
+}
+
+std::string InitializationError(void (*initialize)()) {
+  try {
+    InitializeXMLPlatform(initialize);
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return {};
+}
+
+/// Runs an action in eight threads, which start together. @param action gets the thread's number
+void RunInEightThreads(const std::function<void(int)>& action) {
+  constexpr int kCount = 8;
+  std::atomic<int> waiting{kCount};
+  std::vector<std::thread> threads;
+  for (int number = 0; number < kCount; ++number) {
+    threads.emplace_back([&, number] {
+      --waiting;
+      while (waiting > 0) std::this_thread::yield();
+      action(number);
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
+
+TEST(XmlPlatform, InitializeXMLPlatform_LibraryThrows_ThrowsRuntimeErrorWithTheReason) {
+  const XmlPlatform platform;
+  std::string reason;
+  try {
+    FailToInitialize();
+  } catch (const xercesc::XMLException& exception) {
+    reason = TranscodeXMLString(exception.getMessage());
+  }
+  ASSERT_NE(reason, "");
+  EXPECT_EQ(InitializationError(FailToInitialize), "Failed to initialize " + reason + "\n");
+}
+
+TEST(XmlPlatform, InitializeXMLPlatform_OtherException_LeavesAsItIs) {
+  EXPECT_THROW(InitializeXMLPlatform([] { throw std::logic_error("other"); }), std::logic_error);
+}
+
+TEST(XmlPlatform, InitializeXMLPlatform_AfterAFailure_CanBeCalledAgain) {
+  const XmlPlatform platform;
+  ASSERT_NE(InitializationError(FailToInitialize), "");
+  EXPECT_EQ(InitializationError(InitializeWithDefaultLocale), "");
+  TerminateXMLPlatform();
+}
+
+TEST(XmlPlatform, TerminateXMLPlatform_InnerOfTwo_LeavesTheLibraryUsable) {
+  const XmlPlatform outer;
+  { const XmlPlatform inner; }
+  EXPECT_EQ(TranscodeXMLString(u"größe"), "größe");
+}
+
+TEST(XmlPlatform, InitializeXMLPlatform_AfterTheLastTermination_MakesTheLibraryUsableAgain) {
+  { const XmlPlatform first; }
+  const XmlPlatform second;
+  EXPECT_EQ(TranscodeXMLString(u"größe"), "größe");
+}
+
+TEST(XmlPlatform, InitializeXMLPlatform_EightThreads_EachCanUseTheLibrary) {
+  std::atomic<int> good{0};
+  RunInEightThreads([&](int number) {
+    const std::string text = "größe " + std::to_string(number);
+    for (int i = 0; i < 200; ++i) {
+      const XmlPlatform platform;
+      Transcoder transcoder;
+      const std::u16string xml_text = transcoder.ToXml(text);
+      if (transcoder.ToUtf8(xml_text.c_str()) == text) ++good;
+    }
+  });
+  EXPECT_EQ(good, 8 * 200);
+}
+
+TEST(XmlPlatform, LoadProjectData_EightThreadsWithTheirOwnObjects_EachLoadsItsOwnFile) {
+  const MessageRecorder recorder;
+  const TemporaryDirectory directory;
+  std::atomic<int> good{0};
+  RunInEightThreads([&](int number) {
+    const std::string name = std::to_string(number);
+    const std::string path = directory / (name + ".xml");
+    WriteFile(path, ProjectXml(DeviceInfoXml("family " + name), "name=\"project " + name + "\""));
+    for (int i = 0; i < 50; ++i) {
+      projectdb::KelProjectDatabase database;
+      if (database.LoadProjectData(path, "") && database.GetProjectName() == "project " + name &&
+          database.GetDeviceFamily() == "family " + name) {
+        ++good;
+      }
+    }
+  });
+  EXPECT_EQ(good, 8 * 50);
+}
+
+TEST(XmlPlatform, LoadProjectData_EightThreadsWithSomeThatFail_EachGetsItsOwnResult) {
+  const MessageRecorder recorder;
+  const TemporaryDirectory directory;
+  const std::string schema = directory / "s.xsd";
+  WriteFile(schema, DeviceOnlySchema());
+  std::atomic<int> good{0};
+  RunInEightThreads([&](int number) {
+    const bool loads = number % 2 == 0;
+    const std::string path = directory / (std::to_string(number) + ".xml");
+    WriteFile(path, loads             ? ProjectXml(DeviceInfoXml("Orrin"))
+                    : number % 4 == 1 ? ProjectXml("<isf_info/>")
+                                      : std::string("<project>"));
+    for (int i = 0; i < 50; ++i) {
+      projectdb::KelProjectDatabase database;
+      const bool result = database.LoadProjectData(path, schema);
+      if (result == loads && database.IsProjectDatabaseExist() == loads) ++good;
+    }
+  });
+  EXPECT_EQ(good, 8 * 50);
+}
+
+}  // namespace

@@ -1,0 +1,156 @@
+#include "xml/schema.h"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <xercesc/util/BinInputStream.hpp>
+#include <xercesc/util/XMLResourceIdentifier.hpp>
+
+#include "support/denied.h"
+#include "support/files.h"
+#include "support/named_pipe.h"
+#include "support/project_loading.h"
+#include "support/temporary_directory.h"
+#include "support/xml_platform.h"
+#include "xml/file_uri.h"
+#include "xml/text.h"
+
+namespace {
+
+using namespace projectdb::xml;
+using namespace test_support;
+
+class Schema : public testing::Test {
+ protected:
+  std::string Write(const std::string& name, const std::string& bytes) const {
+    WriteFile(directory_ / name, bytes);
+    return directory_ / name;
+  }
+
+  /// The resolver's answer to a reference in a file of the directory; never null.
+  std::unique_ptr<xercesc::InputSource> Resolve(const std::string& reference) {
+    Transcoder transcoder;
+    const std::u16string system_id = transcoder.ToXml(reference);
+    const std::u16string base = transcoder.ToXml(FileUri(directory_.path() / "p.xml"));
+    xercesc::XMLResourceIdentifier identifier(xercesc::XMLResourceIdentifier::SchemaGrammar,
+                                              system_id.c_str(), nullptr, nullptr, base.c_str());
+    return std::unique_ptr<xercesc::InputSource>(source_.resolveEntity(&identifier));
+  }
+
+  /// All bytes of an input; "none" if it cannot be opened.
+  static std::string Bytes(const xercesc::InputSource& input) {
+    const std::unique_ptr<xercesc::BinInputStream> stream(input.makeStream());
+    if (!stream) return "none";
+    std::string bytes;
+    char block[64];
+    while (const XMLSize_t size =
+               stream->readBytes(reinterpret_cast<XMLByte*>(block), sizeof block)) {
+      bytes.append(block, size);
+    }
+    return bytes;
+  }
+
+  XmlPlatform platform_;
+  TemporaryDirectory directory_;
+  SchemaSource source_;
+};
+
+TEST_F(Schema, Open_WellFormedFile_GivesItsBytes) {
+  const auto input = source_.Open(Write("s.xsd", DeviceOnlySchema()));
+  ASSERT_NE(input, nullptr);
+  EXPECT_EQ(Bytes(*input), DeviceOnlySchema());
+}
+
+TEST_F(Schema, Open_WellFormedFile_CanBeReadAgain) {
+  const auto input = source_.Open(Write("s.xsd", DeviceOnlySchema()));
+  ASSERT_NE(input, nullptr);
+  EXPECT_EQ(Bytes(*input), Bytes(*input));
+}
+
+TEST_F(Schema, Open_WellFormedFile_HasItsUriAsSystemId) {
+  const auto input = source_.Open(Write("a b.xsd", DeviceOnlySchema()));
+  ASSERT_NE(input, nullptr);
+  EXPECT_EQ(TranscodeXMLString(input->getSystemId()), FileUri(directory_.path() / "a b.xsd"));
+}
+
+TEST_F(Schema, Open_WellFormedFile_IsNotRefused) {
+  source_.Open(Write("s.xsd", DeviceOnlySchema()));
+  EXPECT_FALSE(source_.refused());
+}
+
+TEST_F(Schema, Open_WhatIsNoReadableFile_GivesNullAndIsNotRefused) {
+  std::filesystem::create_directory(directory_ / "directory");
+  const NamedPipe pipe(directory_ / "pipe");
+  for (const std::string name : {"gone.xsd", "directory", "pipe", "no/such/s.xsd"}) {
+    SCOPED_TRACE(name);
+    EXPECT_TRUE(pipe.RunWith("", [&] { EXPECT_EQ(source_.Open(directory_ / name), nullptr); }));
+    EXPECT_FALSE(source_.refused());
+  }
+}
+
+TEST_F(Schema, Open_UnreadableFile_GivesNullAndIsNotRefused) {
+  const std::string path = Write("s.xsd", DeviceOnlySchema());
+  const Denied denied(path);
+  if (!denied.effective()) GTEST_SKIP() << "cannot be denied";
+  EXPECT_EQ(source_.Open(path), nullptr);
+  EXPECT_FALSE(source_.refused());
+}
+
+TEST_F(Schema, Open_Doctype_GivesNullAndIsRefused) {
+  EXPECT_EQ(source_.Open(Write("s.xsd", "<!DOCTYPE xs:schema>" + DeviceOnlySchema())), nullptr);
+  EXPECT_TRUE(source_.refused());
+}
+
+TEST_F(Schema, Open_MalformedFile_GivesNullAndIsRefused) {
+  EXPECT_EQ(source_.Open(Write("s.xsd", "<xs:schema")), nullptr);
+  EXPECT_TRUE(source_.refused());
+}
+
+TEST_F(Schema, Open_GoodFileAfterARefusedOne_GivesItAndStaysRefused) {
+  source_.Open(Write("bad.xsd", ""));
+  EXPECT_NE(source_.Open(Write("s.xsd", DeviceOnlySchema())), nullptr);
+  EXPECT_TRUE(source_.refused());
+}
+
+TEST_F(Schema, ResolveEntity_LocalReference_GivesTheFile) {
+  const std::string path = Write("s.xsd", DeviceOnlySchema());
+  for (const std::string& reference : {std::string("s.xsd"), path, "file://" + path}) {
+    SCOPED_TRACE(reference);
+    const auto input = Resolve(reference);
+    ASSERT_NE(input, nullptr);
+    EXPECT_EQ(Bytes(*input), DeviceOnlySchema());
+  }
+}
+
+TEST_F(Schema, ResolveEntity_ReferenceThatCannotBeFollowed_GivesASourceThatCannotBeOpened) {
+  const std::string path = Write("s.xsd", DeviceOnlySchema());
+  for (const std::string& reference :
+       {std::string("gone.xsd"), std::string("http://127.0.0.1/s.xsd"), "file://otherhost" + path,
+        "//127.0.0.1" + path, std::string(".")}) {
+    SCOPED_TRACE(reference);
+    const auto input = Resolve(reference);
+    ASSERT_NE(input, nullptr);
+    EXPECT_EQ(Bytes(*input), "none");
+    EXPECT_FALSE(input->getIssueFatalErrorIfNotFound());
+    EXPECT_FALSE(source_.refused());
+  }
+}
+
+TEST_F(Schema, ResolveEntity_RefusedFile_GivesASourceThatCannotBeOpened) {
+  Write("s.xsd", "<!DOCTYPE xs:schema>" + DeviceOnlySchema());
+  const auto input = Resolve("s.xsd");
+  ASSERT_NE(input, nullptr);
+  EXPECT_EQ(Bytes(*input), "none");
+  EXPECT_TRUE(source_.refused());
+}
+
+TEST_F(Schema, ResolveEntity_NoBaseAndNoReference_GivesASourceThatCannotBeOpened) {
+  xercesc::XMLResourceIdentifier identifier(xercesc::XMLResourceIdentifier::SchemaGrammar, nullptr);
+  const std::unique_ptr<xercesc::InputSource> input(source_.resolveEntity(&identifier));
+  ASSERT_NE(input, nullptr);
+  EXPECT_EQ(Bytes(*input), "none");
+}
+
+}  // namespace

@@ -1,0 +1,129 @@
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/dom/DOMElement.hpp>
+#include <xercesc/util/IOException.hpp>
+
+#include "support/dom_document.h"
+#include "support/files.h"
+#include "support/temporary_directory.h"
+#include "support/xml_tree.h"
+#include "xml/writer.h"
+
+namespace {
+
+using projectdb::xml::WriteDOMDocumentToFile;
+using test_support::ReadFile;
+using test_support::ReadXmlFile;
+using test_support::Show;
+using test_support::WorkingDirectory;
+using test_support::WriteFile;
+using testing::AllOf;
+using testing::EndsWith;
+using testing::StartsWith;
+
+class Writer : public testing::Test {
+ protected:
+  /// Writes the document. @return the text of the std::runtime_error that this ends in
+  std::string WriteError(const std::string& path) const {
+    try {
+      WriteDOMDocumentToFile(path, document_.get());
+    } catch (const std::runtime_error& error) {
+      return error.what();
+    }
+    return {};
+  }
+
+  const test_support::DomDocument document_;
+  const test_support::TemporaryDirectory directory_;
+  const std::string path_ = directory_ / "file.xml";
+};
+
+TEST_F(Writer, Document_IsWrittenWithItsElementsAndAttributes) {
+  xercesc::DOMElement* child = document_.get()->createElement(u"child");
+  child->setAttribute(u"name", u"\u00FC \U0001F600 <\"&\n");
+  document_.root()->appendChild(child);
+  WriteDOMDocumentToFile(path_, document_.get());
+  EXPECT_EQ(Show(ReadXmlFile(path_)),
+            "<root><child name=\"\xC3\xBC \xF0\x9F\x98\x80 <\"&\n\"/></root>");
+}
+
+TEST_F(Writer, Document_IsPrettyPrintedAsUtf8) {
+  document_.root()->appendChild(document_.get()->createElement(u"child"));
+  WriteDOMDocumentToFile(path_, document_.get());
+  EXPECT_THAT(ReadFile(path_), AllOf(StartsWith("<?xml version=\"1.0\" encoding=\"UTF-8\""),
+                                     EndsWith("\n<root>\n\n  <child/>\n\n</root>\n")));
+}
+
+TEST_F(Writer, Document_CanBeWrittenTwice) {
+  WriteDOMDocumentToFile(path_, document_.get());
+  WriteDOMDocumentToFile(directory_ / "second.xml", document_.get());
+  EXPECT_EQ(ReadFile(directory_ / "second.xml"), ReadFile(path_));
+}
+
+TEST_F(Writer, LongerFileThere_IsReplaced) {
+  WriteFile(path_, std::string(10000, 'x'));
+  WriteDOMDocumentToFile(path_, document_.get());
+  EXPECT_EQ(Show(ReadXmlFile(path_)), "<root/>");
+}
+
+TEST_F(Writer, NullDocument_DoesNothing) {
+  WriteDOMDocumentToFile(path_, nullptr);
+  EXPECT_FALSE(std::filesystem::exists(path_));
+}
+
+TEST_F(Writer, NullDocument_LeavesAFileThatIsThere) {
+  WriteFile(path_, "former");
+  WriteDOMDocumentToFile(path_, nullptr);
+  EXPECT_EQ(ReadFile(path_), "former");
+}
+
+TEST_F(Writer, EmptyPath_DoesNothing) {
+  const WorkingDirectory working_directory(directory_.path());
+  EXPECT_NO_THROW(WriteDOMDocumentToFile("", document_.get()));
+  EXPECT_TRUE(std::filesystem::is_empty(directory_.path()));
+}
+
+TEST_F(Writer, MissingDirectory_ThrowsTheExceptionOfTheXmlLibrary) {
+  EXPECT_THROW(WriteDOMDocumentToFile(directory_ / "missing/file.xml", document_.get()),
+               xercesc::IOException);
+}
+
+TEST_F(Writer, FullDevice_IsAnErrorWithTheReason) {
+  if (!std::filesystem::is_character_file("/dev/full")) GTEST_SKIP() << "no /dev/full";
+  EXPECT_EQ(WriteError("/dev/full"),
+            "Failed writing XML file /dev/full: No space left on device\n");
+}
+
+TEST_F(Writer, TextThatXmlCannotCarry_IsAnError) {
+  for (const char16_t* text : {u"\x01", u"a\xFFFE", u"\xFFFF"}) {
+    document_.root()->setAttribute(u"name", text);
+    EXPECT_THAT(WriteError(path_),
+                AllOf(StartsWith("Failed writing XML file " + path_ + ": "), EndsWith("\n")));
+  }
+}
+
+TEST_F(Writer, HalfOfASurrogatePair_IsAnError) {
+  const char16_t high[] = {0xD83D, 0};
+  const char16_t low[] = {0xDE00, 0};
+  const char16_t high_and_letter[] = {0xD83D, u'a', 0};
+  for (const char16_t* text : {high, low, high_and_letter}) {
+    document_.root()->setAttribute(u"name", text);
+    EXPECT_THAT(WriteError(path_), StartsWith("Failed writing XML file " + path_ + ": "));
+  }
+}
+
+TEST_F(Writer, AfterAnError_TheCorrectedDocumentIsWritten) {
+  document_.root()->setAttribute(u"name", u"\x01");
+  ASSERT_NE(WriteError(path_), "");
+  document_.root()->setAttribute(u"name", u"a");
+  WriteDOMDocumentToFile(path_, document_.get());
+  EXPECT_EQ(Show(ReadXmlFile(path_)), "<root name=\"a\"/>");
+}
+
+}  // namespace
