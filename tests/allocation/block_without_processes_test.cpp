@@ -13,6 +13,7 @@
 
 #include <projectdb/project_db.h>
 
+#include "allocation/failing_allocation.h"
 #include "support/files.h"
 #include "support/message_recorder.h"
 #include "support/project_snapshot.h"
@@ -20,72 +21,20 @@
 
 namespace {
 
-/// Allocations of this thread that still succeed before one fails; negative: none fails.
-thread_local long allocations_before_failure = -1;
-
-bool ThisAllocationFails() {
-  return allocations_before_failure >= 0 && allocations_before_failure-- == 0;
-}
-
-}  // namespace
-
-// The array and the non-throwing forms come down to these.
-void* operator new(std::size_t size) {
-  void* const memory = ThisAllocationFails() ? nullptr : std::malloc(size == 0 ? 1 : size);
-  if (memory == nullptr) throw std::bad_alloc();
-  return memory;
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-
-namespace {
-
 using namespace projectdb;
 using test_support::MessageRecorder;
+using test_support::Operation;
+using test_support::Outcome;
 using test_support::ProjectSnapshot;
+using test_support::RunWithFailure;
+using test_support::Shortage;
 using test_support::TemporaryDirectory;
+using test_support::WalkAllocations;
 
 using Db = KelProjectDatabase;
-using Operation = std::function<void(Db&)>;
 
 constexpr ProcType kProcesses[] = {e_synthesis, e_place_and_route, e_bitstream_generation,
                                    e_debugger};
-
-enum class Outcome { kCompleted, kOutOfMemory, kFailureSwallowed };
-
-/// Runs an operation of which one allocation fails, the first being number 0. An operation that
-/// needs fewer allocations completes.
-Outcome RunWithFailure(long failing_allocation, const Operation& operation, Db& database) {
-  bool threw = false;
-  allocations_before_failure = failing_allocation;
-  try {
-    operation(database);
-  } catch (const std::bad_alloc&) {
-    threw = true;
-  }
-  const bool failed = allocations_before_failure < 0;
-  allocations_before_failure = -1;
-  if (!failed) return Outcome::kCompleted;
-  return threw ? Outcome::kOutOfMemory : Outcome::kFailureSwallowed;
-}
-
-/// Runs an operation again and again, each time on a new object and with a later allocation
-/// failing, until it completes. The check sees each object afterwards.
-void WalkAllocations(const Operation& prepare, const Operation& operation,
-                     const std::function<void(Db&, Outcome)>& check) {
-  for (long number = 0;; ++number) {
-    SCOPED_TRACE(testing::Message() << "allocation " << number << " fails");
-    Db database;
-    prepare(database);
-    const Outcome outcome = RunWithFailure(number, operation, database);
-    EXPECT_TRUE(outcome != Outcome::kFailureSwallowed) << "the operation hid the failure";
-    check(database, outcome);
-    if (outcome == Outcome::kCompleted) {
-      EXPECT_GT(number, 0) << "the operation needs no memory: nothing was tested";
-      return;
-    }
-  }
-}
 
 void Nothing(Db&) {}
 
@@ -133,9 +82,10 @@ TEST(OutOfMemory, CreateNewProjectDatabase_RefusalRunsOutOfMemory_LeavesTheProje
 TEST(OutOfMemory, CleanProjectDatabase_NoMemoryLeft_StillDiscardsTheProject) {
   Db database;
   ASSERT_TRUE(database.CreateNewProjectDatabase("blinker"));
-  EXPECT_EQ(RunWithFailure(
-                0, [](Db& db) { db.CleanProjectDatabase(); }, database),
-            Outcome::kCompleted);
+  EXPECT_EQ(
+      RunWithFailure(
+          0, Shortage::kEveryFromThereOn, [](Db& db) { db.CleanProjectDatabase(); }, database),
+      Outcome::kCompleted);
   EXPECT_FALSE(database.IsProjectDatabaseExist());
 }
 
@@ -410,7 +360,8 @@ class BlockWithoutProcesses : public testing::Test {
     const Operation set_up = [](Db& database) { database.SetupProjectDatabase(); };
     for (long number = 0; database_ == nullptr; ++number) {
       auto database = std::make_unique<Db>();
-      ASSERT_EQ(RunWithFailure(number, set_up, *database), Outcome::kOutOfMemory);
+      ASSERT_EQ(RunWithFailure(number, Shortage::kOneAllocation, set_up, *database),
+                Outcome::kOutOfMemory);
       if (database->IsProjectDatabaseExist()) database_ = std::move(database);
     }
     ASSERT_FALSE(HasProcesses(*database_));

@@ -164,7 +164,6 @@ std::ostream& operator<<(std::ostream& out, const LimitedExports& exports) {
 
 LimitedExports ExportUnderLimits(const KelProjectDatabase& database, const std::string& path,
                                  const std::vector<std::size_t>& limits, std::size_t whole_size) {
-  std::signal(SIGXFSZ, SIG_IGN);
   rlimit limit{};
   getrlimit(RLIMIT_FSIZE, &limit);
   LimitedExports outcome;
@@ -223,6 +222,46 @@ TEST_F(ExportFailures, ExportProjectData_FileSizeLimitThatSuffices_IsNoError) {
   const std::size_t whole_size = WholeSize(database_, path_);
   EXPECT_EQ(LimitedExportsText(database_, path_, {whole_size, whole_size + 1}, whole_size),
             "0 failed, 2 succeeded, 0 other");
+}
+
+/// What is left of a signal in this thread.
+std::string StateOf(int signal) {
+  sigset_t blocked{};
+  sigset_t pending{};
+  pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+  sigpending(&pending);
+  return std::string(sigismember(&blocked, signal) != 0 ? "blocked" : "not blocked") +
+         (sigismember(&pending, signal) != 0 ? ", pending" : ", not pending");
+}
+
+TEST_F(ExportFailures, ExportProjectData_FileSizeLimit_LeavesItsSignalAsItWas) {
+  const std::string state = InChildProcess([&] {
+    ExportUnderLimits(database_, path_, {0}, 0);
+    return StateOf(SIGXFSZ);
+  });
+  EXPECT_EQ(state, "not blocked, not pending");
+}
+
+TEST_F(ExportFailures, ExportProjectData_FileSizeLimit_LeavesItsBlockedSignalBlocked) {
+  const std::string state = InChildProcess([&] {
+    sigset_t signals{};
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGXFSZ);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    ExportUnderLimits(database_, path_, {0}, 0);
+    return StateOf(SIGXFSZ);
+  });
+  EXPECT_EQ(state, "blocked, not pending");
+}
+
+TEST_F(ExportFailures, ExportProjectData_FileSizeLimitAndIgnoredSignal_IsAnError) {
+  const std::string outcome = InChildProcess([&] {
+    std::signal(SIGXFSZ, SIG_IGN);
+    std::ostringstream text;
+    text << ExportUnderLimits(database_, path_, {0, 100}, 0);
+    return text.str();
+  });
+  EXPECT_EQ(outcome, "2 failed, 0 succeeded, 0 other");
 }
 
 /// Mounts a file system of 1 MB that only this process sees, and exports while it has room for
@@ -474,6 +513,11 @@ TEST_F(ExportFailures, ExportProjectData_ProcessRenamedAfterAnError_IsWritten) {
   ASSERT_NE(ExportError(database_, path_), "");
   database_.SetFlowProcessName(projectdb::e_debugger, "debugger");
   EXPECT_EQ(ExportError(database_, path_), "");
+}
+
+TEST_F(ExportFailures, ExportProjectData_ProcessUnderTheNameOfAnother_IsAnError) {
+  database_.SetFlowProcessName(projectdb::e_synthesis, "debugger");
+  EXPECT_THAT(ExportError(database_, path_), IsWritingErrorFor(path_));
 }
 
 // Parameters that would not come back as they are.

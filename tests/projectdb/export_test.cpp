@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <future>
 #include <ostream>
-#include <regex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -31,7 +30,6 @@ namespace {
 
 using projectdb::DesignFile;
 using projectdb::KelProjectDatabase;
-using projectdb::Parameter;
 using projectdb::ParameterType;
 using projectdb::ProcType;
 using test_support::AllElements;
@@ -46,11 +44,11 @@ using test_support::Show;
 using test_support::ShowSortedChildren;
 using test_support::TakeSnapshot;
 using test_support::TemporaryDirectory;
+using test_support::WithoutTimeStamp;
 using test_support::WorkingDirectory;
 using test_support::WriteFile;
 using test_support::XmlElement;
 using testing::Contains;
-using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
@@ -58,10 +56,6 @@ using testing::StartsWith;
 using testing::UnorderedElementsAre;
 
 constexpr char kNamespace[] = "http://schema.kel.example/wdp_proj";
-
-std::string WithoutTimeStamp(const std::string& file) {
-  return std::regex_replace(file, std::regex("last_change_date=\"[^\"]*\""), "");
-}
 
 class Export : public testing::Test {
  protected:
@@ -198,8 +192,9 @@ TEST_F(ExportOfCompleteProject, ExportProjectData_EveryElementIsInTheProjectName
 
 TEST_F(ExportOfCompleteProject, ExportProjectData_EveryElementHasThePrefix) {
   const XmlElement root = ExportedRoot();
-  for (const XmlElement* element : AllElements(root))
+  for (const XmlElement* element : AllElements(root)) {
     EXPECT_THAT(element->name, StartsWith("kel:"));
+  }
 }
 
 TEST_F(ExportOfCompleteProject, ExportProjectData_NoAttributeButTheSchemaLocationHasAPrefix) {
@@ -645,6 +640,7 @@ TEST(ExportThreads, ExportProjectData_ManyObjectsAtOnce_EveryFileIsWhole) {
     return std::string();
   };
   std::vector<std::future<std::string>> threads;
+  threads.reserve(8);
   for (int number = 0; number < 8; ++number) {
     threads.push_back(std::async(std::launch::async, export_and_load, number));
   }

@@ -245,7 +245,7 @@ class LoadDamagedByte : public LoadRawBytes, public testing::WithParamInterface<
 
 TEST_P(LoadDamagedByte, LoadProjectData_OneByteReplaced_IsReadOrRefusedWithoutProject) {
   const std::string complete = CompleteProjectXml();
-  for (std::size_t position = 0; position < complete.size(); position += 2) {
+  for (std::size_t position = 0; position < complete.size(); ++position) {
     std::string damaged = complete;
     damaged[position] = GetParam();
     database.CleanProjectDatabase();

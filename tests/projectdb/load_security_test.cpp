@@ -206,6 +206,10 @@ TEST_F(LoadSecurity, LoadProjectData_HintThatIsNoLocalFile_LoadsAsWithoutSchema)
   EXPECT_EQ(listener_.Stop(), 0);
 }
 
+TEST_F(LoadSecurity, LoadProjectData_HintThatIsNoPair_IsRefusedAsMalformed) {
+  ExpectRefused(LoadBytes(ProjectXml("", "xsi:schemaLocation=\"wdp_proj.xsd\"")));
+}
+
 TEST_F(LoadSecurity, LoadProjectData_NetworkHintWithoutNamespace_LoadsAsWithoutSchema) {
   const std::string hint = "http://" + listener_.authority() + "/s.xsd";
   ExpectLoaded(

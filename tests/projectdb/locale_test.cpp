@@ -5,7 +5,6 @@
 #include <functional>
 #include <locale>
 #include <ostream>
-#include <regex>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -32,6 +31,7 @@ using test_support::ReadFile;
 using test_support::ReadXmlFile;
 using test_support::TakeSnapshot;
 using test_support::TemporaryDirectory;
+using test_support::WithoutTimeStamp;
 
 /// A compiled locale, and the environment that finds it.
 /// @return whether there is one now; not on a system without the sources of locales
@@ -121,10 +121,6 @@ void FillProject(KelProjectDatabase& database) {
       "e",
       kTexts);
   database.AddProjectInfoAttribute("v:\xC3\xBC", kTexts);
-}
-
-std::string WithoutTimeStamp(const std::string& file) {
-  return std::regex_replace(file, std::regex("last_change_date=\"[^\"]*\""), "");
 }
 
 template <typename Value>

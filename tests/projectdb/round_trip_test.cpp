@@ -37,8 +37,6 @@ using test_support::TakeSnapshot;
 using test_support::TemporaryDirectory;
 using test_support::WriteFile;
 using test_support::XmlElement;
-using testing::ElementsAre;
-using testing::UnorderedElementsAre;
 
 using namespace std::string_literals;
 

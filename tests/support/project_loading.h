@@ -25,6 +25,15 @@ inline std::string ProjectXml(const std::string& sections, const std::string& at
          attributes + ">" + sections + "</project>\n";
 }
 
+/// An element with the given attributes and content.
+inline std::string ElementXml(const std::string& tag, const std::string& attributes = "",
+                              const std::string& content = "") {
+  std::string element = "<";
+  element.append(tag).append(" ").append(attributes).append(">");
+  element.append(content).append("</").append(tag).append(">");
+  return element;
+}
+
 /// A schema for project files that hold "device_info" sections and nothing else.
 inline std::string DeviceOnlySchema(const std::string& declarations = "") {
   return "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\""
@@ -104,7 +113,7 @@ class Loading {
  public:
   /// Writes a file into the directory. @return its path
   std::string Write(const std::string& name, const std::string& bytes) const {
-    const std::string path = directory / name;
+    std::string path = directory / name;
     // Overwriting a file makes some file systems wait for the disk.
     std::filesystem::remove(path);
     WriteFile(path, bytes);

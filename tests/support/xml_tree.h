@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <ostream>
+#include <regex>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -52,7 +53,9 @@ inline const XmlElement& XmlElement::Child(const std::string& local_name) const 
 /// As one line of XML: local names, attributes by name, values not escaped, no text.
 inline std::string Show(const XmlElement& element) {
   std::string text = "<" + LocalName(element.name);
-  for (const auto& [name, value] : element.attributes) text += " " + name + "=\"" + value + "\"";
+  for (const auto& [name, value] : element.attributes) {
+    text.append(" ").append(name).append("=\"").append(value).append("\"");
+  }
   if (element.children.empty()) return text + "/>";
   text += ">";
   for (const XmlElement& child : element.children) text += Show(child);
@@ -119,6 +122,11 @@ inline XmlElement ReadXmlFile(const std::string& path) {
   parser.parse(xercesc::MemBufInputSource(reinterpret_cast<const XMLByte*>(bytes.data()),
                                           bytes.size(), "file"));
   return ToXmlElement(*parser.getDocument()->getDocumentElement());
+}
+
+/// The bytes of an exported file without the time that it was written at.
+inline std::string WithoutTimeStamp(const std::string& bytes) {
+  return std::regex_replace(bytes, std::regex("last_change_date=\"[^\"]*\""), "");
 }
 
 inline bool operator==(const XmlElement& a, const XmlElement& b) {

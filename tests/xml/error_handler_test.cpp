@@ -54,8 +54,9 @@ TEST_F(ErrorHandler, HandleError_EverySeverity_SetsFailedUnlessItIsAWarning) {
 TEST_F(ErrorHandler, HandleError_EverySeverity_LetsTheParserGoOn) {
   for (const bool print : {false, true}) {
     handler_.print = print;
-    for (const auto& [severity, fails, name] : kSeverities)
+    for (const auto& [severity, fails, name] : kSeverities) {
       EXPECT_TRUE(Report(severity)) << severity;
+    }
   }
 }
 

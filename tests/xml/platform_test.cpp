@@ -40,6 +40,7 @@ void RunInEightThreads(const std::function<void(int)>& action) {
   constexpr int kCount = 8;
   std::atomic<int> waiting{kCount};
   std::vector<std::thread> threads;
+  threads.reserve(kCount);
   for (int number = 0; number < kCount; ++number) {
     threads.emplace_back([&, number] {
       --waiting;

@@ -74,10 +74,6 @@ TEST_P(TextPair, TranscodeXMLString_ConvertsFromXml) {
 
 TEST_F(Text, ToUtf8_Null_IsEmpty) { EXPECT_EQ(transcoder_.ToUtf8(nullptr), ""); }
 
-TEST_F(Text, ToXml_IsZeroTerminated) {
-  EXPECT_EQ(std::u16string(transcoder_.ToXml("abc").c_str()), u"abc");
-}
-
 TEST_F(Text, ToXml_PartOfALongerText_ConvertsThePart) {
   const std::string text = "abcdef";
   EXPECT_EQ(transcoder_.ToXml(std::string_view(text).substr(1, 2)), u"bc");

@@ -7,6 +7,8 @@
 
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMElement.hpp>
+#include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/parsers/XercesDOMParser.hpp>
 #include <xercesc/util/IOException.hpp>
 
 #include "support/dom_document.h"
@@ -116,6 +118,16 @@ TEST_F(Writer, HalfOfASurrogatePair_IsAnError) {
     document_.root()->setAttribute(u"name", text);
     EXPECT_THAT(WriteError(path_), StartsWith("Failed writing XML file " + path_ + ": "));
   }
+}
+
+TEST_F(Writer, NameThatTheEncodingOfTheDocumentLacks_IsAnError) {
+  constexpr char kBytes[] = "<?xml version='1.0' encoding='US-ASCII'?><root/>";
+  xercesc::XercesDOMParser parser;
+  parser.parse(xercesc::MemBufInputSource(reinterpret_cast<const XMLByte*>(kBytes),
+                                          sizeof(kBytes) - 1, "file"));
+  xercesc::DOMDocument& document = *parser.getDocument();
+  document.getDocumentElement()->appendChild(document.createElement(u"\u00FC"));
+  EXPECT_THROW(WriteDOMDocumentToFile(path_, &document), std::runtime_error);
 }
 
 TEST_F(Writer, AfterAnError_TheCorrectedDocumentIsWritten) {

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <functional>
+
+#include <projectdb/project_db.h>
+
+/// Programs that link failing_allocation.cpp have global allocation functions that fail on demand.
+namespace test_support {
+
+/// What an operation that ran short of memory came to.
+enum class Outcome {
+  kCompleted,        ///< It needed fewer allocations; none failed.
+  kOutOfMemory,      ///< std::bad_alloc came out.
+  kOtherException,   ///< Another exception came out.
+  kFailureSwallowed  ///< It returned all the same.
+};
+
+enum class Shortage {
+  kOneAllocation,     ///< One allocation fails.
+  kEveryFromThereOn,  ///< That allocation and all that follow fail.
+};
+
+using Operation = std::function<void(projectdb::KelProjectDatabase&)>;
+
+/// Runs an operation in which the allocation of that number fails, the first being 0.
+Outcome RunWithFailure(long failing_allocation, Shortage shortage, const Operation& operation,
+                       projectdb::KelProjectDatabase& database);
+
+/// Runs an operation again and again, each time on a new object and with a later allocation
+/// failing, until it completes. The check sees each object afterwards.
+/// @return how many allocations were made to fail
+long WalkAllocations(const Operation& prepare, const Operation& operation,
+                     const std::function<void(projectdb::KelProjectDatabase&, Outcome)>& check);
+
+}  // namespace test_support
