@@ -134,8 +134,7 @@ bool PrintDifferences(const Lines& before, const Lines& after) {
   const auto print = [&only_stamps](char sign, const Lines& lines) {
     for (const std::string& line : lines) {
       std::cout << sign << line << "\n";
-      const bool is_stamp =
-          line.find("last change") == 2 || line.find("software version") == 2;
+      const bool is_stamp = line.find("last change") == 2 || line.find("software version") == 2;
       only_stamps = only_stamps && is_stamp;
     }
   };
