@@ -40,13 +40,14 @@ FlowProcess* KelProjectDatabase::GetFlowProcess(ProcType type) const {
   return &data_->flow_processes[position];
 }
 
-// By value like every map name of the interface.
-// NOLINTNEXTLINE(performance-unnecessary-value-param)
+// The map name comes by value like every map name of the interface.
+// NOLINTBEGIN(performance-unnecessary-value-param)
 ParameterMap* KelProjectDatabase::FindFlowProcessParameterMap(ProcType type,
                                                               std::string map_name) const {
   FlowProcess* process = GetFlowProcess(type);
   return process ? FindMap(*process, map_name) : nullptr;
 }
+// NOLINTEND(performance-unnecessary-value-param)
 
 ParameterMap* KelProjectDatabase::AddFlowProcessParameterMap(ProcType type, std::string map_name) {
   FlowProcess* process = GetFlowProcess(type);

@@ -1,6 +1,7 @@
 #include "xml/input.h"
 
 #include <memory>
+#include <system_error>
 #include <utility>
 
 #include <xercesc/util/BinFileInputStream.hpp>
@@ -17,6 +18,9 @@ FileInput::FileInput(const std::string& path)
       path_(path) {}
 
 xercesc::BinInputStream* FileInput::makeStream() const {
+  // A directory can be opened but not read, and the parser leaks what it began to read from.
+  std::error_code error;
+  if (std::filesystem::is_directory(std::filesystem::u8path(path_), error)) return nullptr;
   auto stream = std::make_unique<xercesc::BinFileInputStream>(path_.c_str());
   return stream->getIsOpen() ? stream.release() : nullptr;
 }
