@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+
 #include "model_names.h"
 #include "name.h"
 
@@ -23,6 +25,10 @@ inline constexpr Name kMiscInfo = "misc_info";
 inline constexpr Name kIpInfo = "ip_info";
 inline constexpr Name kPackageInfo = "package_info";  ///< Deprecated.
 inline constexpr Name kSecurity = "security";         ///< Skipped silently.
+
+/// The sections that the project is read from, besides the flow processes.
+inline constexpr std::array<Name, 7> kSections = {
+    kDeviceInfo, kDesignInfo, kConstraintInfo, kIsfInfo, kSimInfo, kMiscInfo, kIpInfo};
 
 // Children of the sections.
 inline constexpr Name kFamily = "family";

@@ -515,9 +515,13 @@ TEST_F(ExportFailures, ExportProjectData_ProcessRenamedAfterAnError_IsWritten) {
   EXPECT_EQ(ExportError(database_, path_), "");
 }
 
-TEST_F(ExportFailures, ExportProjectData_ProcessUnderTheNameOfAnother_IsAnError) {
-  database_.SetFlowProcessName(projectdb::e_synthesis, "debugger");
-  EXPECT_THAT(ExportError(database_, path_), IsWritingErrorFor(path_));
+TEST_F(ExportFailures, ExportProjectData_ProcessUnderTheNameOfAnotherOrASection_IsAnError) {
+  for (const char* name : {"debugger", "device_info", "design_info", "constraint_info", "isf_info",
+                           "sim_info", "misc_info", "ip_info"}) {
+    SCOPED_TRACE(name);
+    database_.SetFlowProcessName(projectdb::e_synthesis, name);
+    EXPECT_THAT(ExportError(database_, path_), IsWritingErrorFor(path_));
+  }
 }
 
 // Parameters that would not come back as they are.

@@ -307,9 +307,10 @@ class KelProjectDatabase {
   /// nothing without a project. What is written can be loaded again.
   ///
   /// @exception std::runtime_error "Failed writing XML file …" if the project holds text that no
-  ///            XML file can hold, a process under another's name or a parameter that would not be
-  ///            read again (an existing file is then untouched), or if the file could not be
-  ///            written whole; "Failed to initialize …" if the XML library cannot be used
+  ///            XML file can hold, a process under the name of another or of a section, or a
+  ///            parameter that would not be read again (an existing file is then untouched), or if
+  ///            the file could not be written whole; "Failed to initialize …" if the XML library
+  ///            cannot be used
   /// @exception xercesc::IOException if the file cannot be opened
   void ExportProjectData(const std::string& path) const;
   /// @}

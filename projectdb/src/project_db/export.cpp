@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <string>
 #include <unordered_map>
 
@@ -51,13 +52,14 @@ void RequireWritten(bool written) {
   if (!written) throw xml::Failure("an element cannot be created");
 }
 
-// A process under the name of another would be read as that other.
+// A process under the name of another, or of a section, would be read as that and change it.
 void RequireOwnName(const FlowProcess& process, std::size_t type) {
-  for (std::size_t other = 0; other < kProcessNames.size(); ++other) {
-    if (other != type && process.name == kProcessNames[other].narrow) {
-      throw xml::Failure(fmt::format("the flow process {:?} is named {:?}",
-                                     kProcessNames[type].narrow, process.name));
-    }
+  const auto is_its_name = [&process](const Name& name) { return process.name == name.narrow; };
+  if (is_its_name(kProcessNames[type])) return;
+  if (std::any_of(kProcessNames.begin(), kProcessNames.end(), is_its_name) ||
+      std::any_of(format::kSections.begin(), format::kSections.end(), is_its_name)) {
+    throw xml::Failure(fmt::format("the flow process {:?} is named {:?}",
+                                   kProcessNames[type].narrow, process.name));
   }
 }
 
