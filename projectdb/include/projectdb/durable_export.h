@@ -1,0 +1,38 @@
+#pragma once
+
+#include <string>
+
+namespace projectdb {
+
+class KelProjectDatabase;
+
+/// Writes the project to a file as KelProjectDatabase::ExportProjectData does, but so that the path
+/// holds the former file or the new one, whole, at every moment, whatever ends the process or the
+/// machine. On return the new file is on the disk. Does nothing if there is no project or the path
+/// is empty.
+///
+/// The project is written to a new file in the same directory, which then takes the place of the
+/// former one. Hence:
+/// - The process must be allowed to create files in the directory, to list it, and to write the
+///   former file: one that is protected against writing is not replaced.
+/// - A symbolic link at the path stays, and the file that it leads to is replaced or created. A
+///   hard link is separated from its other names.
+/// - The new file has the permission bits and the access control list of the former one, and its
+///   group and owner if the process may give them away. Where it may not give the group, the new
+///   group gets no permission that all others do not have. Other extended attributes are not kept.
+///   A file that was not there gets the permissions that any new file gets.
+/// - A process that is killed may leave a file ".kel_save_…", of no use, in the directory.
+///
+/// Threads: as ExportProjectData. Several threads and processes may save to one path; the project
+/// of the last one stays.
+///
+/// @param path native path; at a directory, a device or a pipe nothing is written
+/// @exception std::runtime_error "Failed writing XML file " + path + ": " + reason + "\n" in all
+///            cases in which ExportProjectData throws it or xercesc::IOException, and if a step of
+///            the replacement fails. The former file is then as it was, and no other file is left.
+///            Only if the last step fails, which brings the directory to the disk, the new file is
+///            in place already, and the former one may be back after a failure of the machine.
+/// @exception std::bad_alloc with the former file as it was
+void ExportProjectDataDurably(const KelProjectDatabase& database, const std::string& path);
+
+}  // namespace projectdb
