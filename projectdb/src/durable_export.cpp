@@ -13,6 +13,7 @@
 #include <unistd.h>
 #include <xercesc/util/IOException.hpp>
 
+#include "failure.h"
 #include "file_descriptor.h"
 #include "file_permissions.h"
 #include "temporary_file.h"
@@ -30,8 +31,6 @@ constexpr mode_t kAnyNewFile = 0666;
 // What it is to replace may be secret.
 constexpr mode_t kOnlyForOwner = 0600;
 
-const char kFailedWriting[] = "Failed writing XML file ";
-
 /// The file that a save puts in place.
 struct Target {
   std::filesystem::path path;         ///< Absolute, and no symbolic link.
@@ -46,7 +45,7 @@ std::optional<struct stat> FormerFile(const std::filesystem::path& path) {
     return std::nullopt;
   }
   if (S_ISDIR(status.st_mode)) ThrowSystemFailure(EISDIR);
-  if (!S_ISREG(status.st_mode)) throw xml::Failure("not a regular file");
+  if (!S_ISREG(status.st_mode)) throw Failure("not a regular file");
   // The directory alone would let the process replace what it must not write.
   files::RequireSuccess(::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS));
   return status;
@@ -77,7 +76,7 @@ Target FindTarget(const std::string& path) {
 
 // Of an error that may name the file that was written in place of the target.
 std::string ReasonOf(const std::string& error, const std::string& written_path) {
-  const std::string prefix = kFailedWriting + written_path + ": ";
+  const std::string prefix = WritingPrefix(written_path);
   const std::size_t begin = error.rfind(prefix, 0) == 0 ? prefix.size() : 0;
   const std::size_t end = error.find_last_not_of('\n');
   return error.substr(begin, end + 1 - begin);
@@ -90,9 +89,9 @@ void ExportInto(const TemporaryFile& file, const KelProjectDatabase& database) {
   } catch (const xercesc::IOException&) {
     // It does not tell the system's reason; a second try does.
     const FileDescriptor opened(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
-    throw xml::Failure("the temporary file could not be opened");
+    throw Failure("the temporary file could not be opened");
   } catch (const std::runtime_error& error) {
-    throw xml::Failure(ReasonOf(error.what(), path));
+    throw Failure(ReasonOf(error.what(), path));
   }
 }
 
@@ -113,7 +112,7 @@ void Save(const KelProjectDatabase& database, const std::string& path) {
 
 void ExportProjectDataDurably(const KelProjectDatabase& database, const std::string& path) {
   if (path.empty() || !database.IsProjectDatabaseExist()) return;
-  xml::WithPrefixedErrors(kFailedWriting + path + ": ", [&] { Save(database, path); });
+  xml::WithPrefixedErrors(WritingPrefix(path), [&] { Save(database, path); });
 }
 
 }  // namespace projectdb

@@ -8,17 +8,17 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "xml/errors.h"
+#include "failure.h"
 
 namespace projectdb::files {
 
-/// @exception xml::Failure with the system's reason, that of the last failed call by default
+/// @exception Failure with the system's reason, that of the last failed call by default
 [[noreturn]] inline void ThrowSystemFailure(int error = errno) {
-  throw xml::Failure(std::generic_category().message(error));
+  throw Failure(std::generic_category().message(error));
 }
 
 /// Gives the result of a system call.
-/// @exception xml::Failure if it is that of a failure
+/// @exception Failure if it is that of a failure
 inline int RequireSuccess(int result) {
   if (result < 0) ThrowSystemFailure();
   return result;
@@ -28,7 +28,7 @@ inline int RequireSuccess(int result) {
 class FileDescriptor {
  public:
   /// @param number what the opening call gave
-  /// @exception xml::Failure if that call failed
+  /// @exception Failure if that call failed
   explicit FileDescriptor(int number) : number_(RequireSuccess(number)) {}
   ~FileDescriptor() { ::close(number_); }
   FileDescriptor(const FileDescriptor&) = delete;

@@ -14,7 +14,7 @@ namespace projectdb::files {
 ///
 /// @param former_path of the file to be replaced, which is no symbolic link
 /// @param former its status
-/// @exception xml::Failure if the permissions cannot be kept
+/// @exception Failure if the permissions cannot be kept
 void CopyPermissions(const std::string& former_path, const struct stat& former,
                      const FileDescriptor& file);
 

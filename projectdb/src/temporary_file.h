@@ -12,7 +12,7 @@ namespace projectdb::files {
 /// A directory whose entries are changed.
 class Directory {
  public:
-  /// @exception xml::Failure if it cannot be opened
+  /// @exception Failure if it cannot be opened
   explicit Directory(std::filesystem::path path);
 
   const std::filesystem::path& path() const { return path_; }
@@ -32,7 +32,7 @@ class TemporaryFile {
   /// Creates an empty file under a name that cannot be foreseen and has no extension.
   /// @param directory outlives this object
   /// @param mode its permissions, before the umask or the directory takes some away
-  /// @exception xml::Failure if it cannot be created
+  /// @exception Failure if it cannot be created
   TemporaryFile(const Directory& directory, mode_t mode);
   ~TemporaryFile();
   TemporaryFile(const TemporaryFile&) = delete;
@@ -42,11 +42,11 @@ class TemporaryFile {
   const FileDescriptor& descriptor() const { return descriptor_; }
 
   /// Brings the file to the disk.
-  /// @exception xml::Failure if that fails
+  /// @exception Failure if that fails
   void Flush() const;
 
   /// Gives it this name in its directory, in place of the file of that name; then it stays.
-  /// @exception xml::Failure if that fails
+  /// @exception Failure if that fails
   void RenameTo(const std::filesystem::path& name);
 
  private:

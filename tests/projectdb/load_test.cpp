@@ -19,6 +19,7 @@
 #include "support/message_recorder.h"
 #include "support/project_loading.h"
 #include "support/project_snapshot.h"
+#include "support/shipped_files.h"
 #include "support/temporary_directory.h"
 
 namespace {
@@ -240,7 +241,7 @@ TEST_F(Load, LoadProjectData_UnreadableSchema_IsRefusedAsMalformed) {
 
 // ---- The schema that comes with the library
 
-const std::string kShippedSchema = PROJECTDB_SOURCE_DIR "/schema/wdp_proj.xsd";
+const std::string kShippedSchema = test_support::ShippedSchema();
 
 TEST_F(Load, LoadProjectData_ShippedSchema_AcceptsTheCompleteFile) {
   EXPECT_TRUE(LoadBytes(CompleteProjectXml(), kShippedSchema));

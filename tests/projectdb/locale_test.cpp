@@ -19,6 +19,7 @@
 #include "support/message_recorder.h"
 #include "support/project_loading.h"
 #include "support/project_snapshot.h"
+#include "support/shipped_files.h"
 #include "support/temporary_directory.h"
 #include "support/xml_tree.h"
 
@@ -194,7 +195,7 @@ TEST_P(Locales, LoadProjectData_ReadsTheSameTexts) {
 
 TEST_P(Locales, LoadProjectData_FindsTheSchema) {
   const std::string schema = directory_ / "Schl\xC3\xBCssel.xsd";
-  std::filesystem::copy_file(PROJECTDB_SOURCE_DIR "/schema/wdp_proj.xsd", schema);
+  std::filesystem::copy_file(test_support::ShippedSchema(), schema);
   const std::string result = UnderTheLocale(
       [&] { return Printed(KelProjectDatabase().LoadProjectData(reference_, schema)); });
   if (result == "no such locale") GTEST_SKIP() << result;

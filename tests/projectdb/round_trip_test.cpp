@@ -18,6 +18,7 @@
 #include "support/message_recorder.h"
 #include "support/project_loading.h"
 #include "support/project_snapshot.h"
+#include "support/shipped_files.h"
 #include "support/temporary_directory.h"
 #include "support/xml_tree.h"
 
@@ -40,7 +41,7 @@ using test_support::XmlElement;
 
 using namespace std::string_literals;
 
-const std::string kSchema = PROJECTDB_SOURCE_DIR "/schema/wdp_proj.xsd";
+const std::string kSchema = test_support::ShippedSchema();
 
 /// What a load can be given to check the file with.
 enum class Schema { kNone, kGiven, kBesideTheFile };

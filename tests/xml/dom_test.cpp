@@ -11,17 +11,17 @@
 #include <xercesc/dom/DOMProcessingInstruction.hpp>
 #include <xercesc/dom/DOMText.hpp>
 
+#include "failure.h"
 #include "support/dom_document.h"
 #include "support/xml_tree.h"
 #include "xml/dom.h"
-#include "xml/errors.h"
 
 namespace {
 
+using projectdb::Failure;
 using projectdb::xml::ChildElements;
 using projectdb::xml::DescendantElements;
 using projectdb::xml::ElementWriter;
-using projectdb::xml::Failure;
 using projectdb::xml::GetDOMAttributeString;
 using projectdb::xml::HasLocalName;
 using projectdb::xml::Transcoder;

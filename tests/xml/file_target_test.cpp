@@ -7,16 +7,16 @@
 
 #include <xercesc/util/IOException.hpp>
 
+#include "failure.h"
 #include "support/files.h"
 #include "support/temporary_directory.h"
 #include "support/xml_platform.h"
 #include "support/xml_tree.h"
-#include "xml/errors.h"
 #include "xml/file_target.h"
 
 namespace {
 
-using projectdb::xml::Failure;
+using projectdb::Failure;
 using projectdb::xml::FileTarget;
 using test_support::ReadFile;
 using test_support::Utf8;

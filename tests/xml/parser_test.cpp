@@ -13,6 +13,7 @@
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/RuntimeException.hpp>
 
+#include "failure.h"
 #include "support/files.h"
 #include "support/project_loading.h"
 #include "support/temporary_directory.h"
@@ -23,6 +24,7 @@
 namespace {
 
 using namespace projectdb::xml;
+using projectdb::Failure;
 using namespace test_support;
 
 // ---- What becomes of the exceptions of the XML library

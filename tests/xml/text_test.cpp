@@ -5,13 +5,13 @@
 
 #include <gtest/gtest.h>
 
+#include "failure.h"
 #include "support/xml_platform.h"
-#include "xml/errors.h"
 #include "xml/text.h"
 
 namespace {
 
-using projectdb::xml::Failure;
+using projectdb::Failure;
 using projectdb::xml::IsNCName;
 using projectdb::xml::Transcoder;
 using projectdb::xml::TranscodeXMLString;

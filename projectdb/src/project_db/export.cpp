@@ -9,6 +9,7 @@
 #include <xercesc/dom/DOMImplementationRegistry.hpp>
 #include <xercesc/validators/schema/SchemaSymbols.hpp>
 
+#include "failure.h"
 #include "format.h"
 #include "local_time.h"
 #include "parameter_rules.h"
@@ -49,7 +50,7 @@ void SetRootAttributes(DOMElement* root, const std::string& project_name,
 }
 
 void RequireWritten(bool written) {
-  if (!written) throw xml::Failure("an element cannot be created");
+  if (!written) throw Failure("an element cannot be created");
 }
 
 // A process under the name of another, or of a section, would be read as that and change it.
@@ -58,8 +59,8 @@ void RequireOwnName(const FlowProcess& process, std::size_t type) {
   if (is_its_name(kProcessNames[type])) return;
   if (std::any_of(kProcessNames.begin(), kProcessNames.end(), is_its_name) ||
       std::any_of(format::kSections.begin(), format::kSections.end(), is_its_name)) {
-    throw xml::Failure(fmt::format("the flow process {:?} is named {:?}",
-                                   kProcessNames[type].narrow, process.name));
+    throw Failure(fmt::format("the flow process {:?} is named {:?}", kProcessNames[type].narrow,
+                              process.name));
   }
 }
 
@@ -68,12 +69,12 @@ void RequireLoadableParameters(const FlowProcess& process) {
   for (const ParameterMap& map : process.parameter_maps) {
     for (const auto& [key, parameter] : map) {
       if (key != parameter.name) {
-        throw xml::Failure(
+        throw Failure(
             fmt::format("the parameter {:?} is stored under the name {:?}", parameter.name, key));
       }
       if (!HasValueForItsType(parameter)) {
-        throw xml::Failure(fmt::format(
-            "the parameter {:?} has a value that does not go with its type", parameter.name));
+        throw Failure(fmt::format("the parameter {:?} has a value that does not go with its type",
+                                  parameter.name));
       }
     }
   }
@@ -89,7 +90,7 @@ void KelProjectDatabase::ExportProjectData(const std::string& path) const {
       xercesc::DOMImplementationRegistry::getDOMImplementation(u"Core");
   if (!core) return;
   xml::Owned<xercesc::DOMDocument> document;
-  const bool has_project = xml::WithPrefixedErrors("Failed writing XML file " + path + ": ", [&] {
+  const bool has_project = xml::WithPrefixedErrors(WritingPrefix(path), [&] {
     document = CreateProjectDocument(*core);
     return AppendProjectToRoot(document->getDocumentElement());
   });

@@ -6,7 +6,7 @@
 #include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
-#include "xml/errors.h"
+#include "failure.h"
 #include "xml/file_uri.h"
 
 namespace projectdb::xml {

@@ -8,15 +8,10 @@
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/XMLException.hpp>
 
+#include "failure.h"
 #include "xml/text.h"
 
 namespace projectdb::xml {
-
-/// Why a document cannot be made or written; the text has no trailing newline.
-class Failure : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
 
 /// Runs the action and gives its result. Memory that the XML library cannot get is std::bad_alloc
 /// outside it, as everywhere.

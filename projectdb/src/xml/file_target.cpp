@@ -9,7 +9,7 @@
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLExceptMsgs.hpp>
 
-#include "xml/errors.h"
+#include "failure.h"
 #include "xml/text.h"
 
 namespace projectdb::xml {

@@ -7,6 +7,7 @@
 #include <xercesc/dom/DOMLSSerializer.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
+#include "failure.h"
 #include "xml/errors.h"
 #include "xml/file_target.h"
 #include "xml/owned.h"
@@ -25,7 +26,7 @@ void WriteDOMDocumentToFile(const std::string& path, const xercesc::DOMDocument*
   FileTarget target(path);
   const Owned<xercesc::DOMLSOutput> output(implementation->createLSOutput());
   output->setByteStream(&target);
-  WithOnlyRuntimeErrors("Failed writing XML file " + path + ": ", [&] {
+  WithOnlyRuntimeErrors(WritingPrefix(path), [&] {
     if (!serializer->write(document, output.get())) {
       throw Failure("the document cannot be written as XML");
     }
