@@ -160,6 +160,16 @@ TEST_F(Dom, DescendantElements_ElementsWithoutNamespaceSupport_ArePassedOver) {
   EXPECT_THAT(DescendantElements(root(), kNamespace, u"item"), IsEmpty());
 }
 
+TEST_F(Dom, DescendantElements_VisitsAllOthersInDocumentOrder) {
+  DOMElement* wrapper = Append(root(), kNamespace, u"wrapper");
+  Append(Append(wrapper, kNamespace, u"item"), kNamespace, u"within");
+  Append(root(), kOtherNamespace, u"item");
+  std::vector<const DOMElement*> others;
+  DescendantElements(root(), kNamespace, u"item",
+                     [&](const DOMElement* other) { others.push_back(other); });
+  EXPECT_THAT(NamesOf(others), ElementsAre("wrapper", "within", "item"));
+}
+
 TEST_F(Dom, DescendantElements_VeryDeepNesting_FindsThemAll) {
   constexpr std::size_t kDepth = 100000;
   // From the innermost outwards: each append to a tree looks at all that is above it.

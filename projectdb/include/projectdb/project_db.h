@@ -18,6 +18,8 @@ namespace xercesc = xercesc_3_2;
 
 namespace projectdb {
 
+class LoadObserver;
+
 /// Holds one FPGA design project in memory and moves it to and from a project XML file.
 ///
 /// An object holds no project until CreateNewProjectDatabase or LoadProjectData gives it one, and
@@ -360,21 +362,25 @@ class KelProjectDatabase {
   template <typename... Members>
   void SetProperty(const std::string& text, Members... members);
 
-  bool LoadProjectDocument(const xercesc::DOMElement* root);
+  bool LoadProjectDocument(const xercesc::DOMElement* root, LoadObserver& observer);
   bool AppendProjectToRoot(xercesc::DOMElement* root) const;
 
   bool LoadProjectInfoAttributes(const char* ns, const xercesc::DOMElement* root);
-  bool LoadProjectInfo(const char* ns, const xercesc::DOMElement* elem);
-  bool UpdateDeviceInfo(DeviceInfo& device_info, const char* ns, const xercesc::DOMElement* elem);
-  bool UpdateDesignInfo(DesignInfo& design_info, const char* ns, const xercesc::DOMElement* elem);
+  bool LoadProjectInfo(const char* ns, const xercesc::DOMElement* elem, LoadObserver& observer);
+  bool UpdateDeviceInfo(DeviceInfo& device_info, const char* ns, const xercesc::DOMElement* elem,
+                        LoadObserver& observer);
+  bool UpdateDesignInfo(DesignInfo& design_info, const char* ns, const xercesc::DOMElement* elem,
+                        LoadObserver& observer);
   bool UpdateConstraintInfo(DesignConstraint& constraint, const char* ns,
-                            const xercesc::DOMElement* elem);
-  bool UpdateISFInfo(DesignISF& isf, const char* ns, const xercesc::DOMElement* elem);
-  bool UpdateIPInfo(IPInfo& ip_info, const char* ns, const xercesc::DOMElement* elem);
+                            const xercesc::DOMElement* elem, LoadObserver& observer);
+  bool UpdateISFInfo(DesignISF& isf, const char* ns, const xercesc::DOMElement* elem,
+                     LoadObserver& observer);
+  bool UpdateIPInfo(IPInfo& ip_info, const char* ns, const xercesc::DOMElement* elem,
+                    LoadObserver& observer);
   void UpdateFileListInfo(std::vector<DesignFile>& files, const char* tag, const char* ns,
-                          const xercesc::DOMElement* elem);
+                          const xercesc::DOMElement* elem, LoadObserver& observer);
   bool SetUpFlowProcess(ProcType type, const char* tag, const char* ns,
-                        const xercesc::DOMElement* elem);
+                        const xercesc::DOMElement* elem, LoadObserver& observer);
 
   mutable std::mutex mutex_;
   std::unique_ptr<ProjectData> data_;

@@ -26,15 +26,17 @@ const DOMElement* NextInDocumentOrder(const DOMElement* element, const DOMElemen
 
 }  // namespace
 
-std::vector<const DOMElement*> DescendantElements(const DOMElement* root,
-                                                  std::u16string_view namespace_uri,
-                                                  std::u16string_view local_name) {
+std::vector<const DOMElement*> DescendantElements(
+    const DOMElement* root, std::u16string_view namespace_uri, std::u16string_view local_name,
+    const std::function<void(const DOMElement*)>& visit_other) {
   std::vector<const DOMElement*> found;
   const DOMElement* element = root;
   while ((element = NextInDocumentOrder(element, root)) != nullptr) {
     const XMLCh* uri = element->getNamespaceURI();
     if (uri && uri == namespace_uri && element->getLocalName() == local_name) {
       found.push_back(element);
+    } else if (visit_other) {
+      visit_other(element);
     }
   }
   return found;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -38,9 +39,11 @@ class ChildElements {
 };
 
 /// The elements of one name at any depth below an element, in document order.
-std::vector<const xercesc::DOMElement*> DescendantElements(const xercesc::DOMElement* root,
-                                                           std::u16string_view namespace_uri,
-                                                           std::u16string_view local_name);
+/// @param visit_other is called for each element of another name, if it is not empty
+std::vector<const xercesc::DOMElement*> DescendantElements(
+    const xercesc::DOMElement* root, std::u16string_view namespace_uri,
+    std::u16string_view local_name,
+    const std::function<void(const xercesc::DOMElement*)>& visit_other = {});
 
 /// Whether this is the element's local name.
 bool HasLocalName(const xercesc::DOMElement* element, const Name& name);

@@ -1,0 +1,246 @@
+#include <utility>
+
+#include <xercesc/dom/DOMAttr.hpp>
+#include <xercesc/dom/DOMNamedNodeMap.hpp>
+
+#include "assertions.h"
+#include "format.h"
+#include "project_db/load_observer.h"
+#include "project_db/project_data.h"
+#include "xml/dom.h"
+
+// The readers of a project document; what they leave out they tell an observer.
+namespace projectdb {
+namespace {
+
+using xercesc::DOMElement;
+using xml::ChildElements;
+using xml::GetDOMAttributeString;
+using xml::HasLocalName;
+using xml::Transcoder;
+
+DesignFile ReadDesignFile(Transcoder& transcoder, const DOMElement* element) {
+  return DesignFile(GetDOMAttributeString(transcoder, element, format::kName),
+                    GetDOMAttributeString(transcoder, element, format::kVersion),
+                    GetDOMAttributeString(transcoder, element, format::kLibrary));
+}
+
+IP ReadIP(Transcoder& transcoder, const DOMElement* element, LoadObserver& observer) {
+  IP ip{GetDOMAttributeString(transcoder, element, format::kInstanceName),
+        GetDOMAttributeString(transcoder, element, format::kPath),
+        {}};
+  for (const DOMElement* child : ChildElements(element)) {
+    if (HasLocalName(child, format::kIpSrcFile)) {
+      ip.src_files.push_back({GetDOMAttributeString(transcoder, child, format::kName)});
+    } else {
+      observer.IgnoredElement(*child);
+    }
+  }
+  return ip;
+}
+
+Parameter ReadParameter(Transcoder& transcoder, const DOMElement* element) {
+  return Parameter(GetDOMAttributeString(transcoder, element, format::kName),
+                   GetDOMAttributeString(transcoder, element, format::kValue),
+                   KelProjectDatabase::getParameterTypeFromStr(
+                       GetDOMAttributeString(transcoder, element, format::kValueType)));
+}
+
+// The parameter map that an element of a flow process belongs to; null if there is none.
+const Name* AcceptedParameterMap(ProcType type, const DOMElement* element) {
+  if (HasLocalName(element, kParameterMap)) return &kParameterMap;
+  if (type != e_synthesis) return nullptr;
+  if (HasLocalName(element, kDefineMap)) return &kDefineMap;
+  if (HasLocalName(element, kMacroMap)) return &kMacroMap;
+  return nullptr;
+}
+
+// Appends the name of a file unless it is empty.
+void ReadFileName(std::vector<std::string>& names, Transcoder& transcoder,
+                  const DOMElement* element, LoadObserver& observer) {
+  std::string name = GetDOMAttributeString(transcoder, element, format::kName);
+  if (name.empty()) {
+    observer.NamelessFile(*element);
+  } else {
+    names.push_back(std::move(name));
+  }
+}
+
+}  // namespace
+
+bool KelProjectDatabase::LoadProjectInfoAttributes(const char* /*ns*/, const DOMElement* root) {
+  if (!root) return false;
+  Transcoder transcoder;
+  const xercesc::DOMNamedNodeMap& attributes = *root->getAttributes();
+  for (XMLSize_t i = 0; i < attributes.getLength(); ++i) {
+    const xercesc::DOMNode& attribute = *attributes.item(i);
+    InsertOrAssignProjectAttribute(transcoder.ToUtf8(attribute.getNodeName()),
+                                   transcoder.ToUtf8(attribute.getNodeValue()));
+  }
+  return true;
+}
+
+bool KelProjectDatabase::LoadProjectInfo(const char* ns, const DOMElement* elem,
+                                         LoadObserver& observer) {
+  const auto is = [elem](const Name& name) { return HasLocalName(elem, name); };
+  if (is(format::kDeviceInfo)) return UpdateDeviceInfo(data_->device_info, ns, elem, observer);
+  if (is(format::kDesignInfo)) return UpdateDesignInfo(data_->design_info, ns, elem, observer);
+  if (is(format::kConstraintInfo)) {
+    return UpdateConstraintInfo(data_->design_constraint, ns, elem, observer);
+  }
+  if (is(format::kIsfInfo)) return UpdateISFInfo(data_->design_isf, ns, elem, observer);
+  if (is(format::kSimInfo)) {
+    UpdateFileListInfo(data_->sim_files, format::kSimFile.narrow, ns, elem, observer);
+    return true;
+  }
+  if (is(format::kMiscInfo)) {
+    UpdateFileListInfo(data_->misc_files, format::kMiscFile.narrow, ns, elem, observer);
+    return true;
+  }
+  if (is(format::kIpInfo)) return UpdateIPInfo(data_->ip_info, ns, elem, observer);
+  for (std::size_t type = 0; type < kProcessNames.size(); ++type) {
+    if (is(kProcessNames[type])) {
+      return SetUpFlowProcess(static_cast<ProcType>(type), kProcessNames[type].narrow, ns, elem,
+                              observer);
+    }
+  }
+  if (is(format::kSecurity)) return true;
+  if (is(format::kPackageInfo)) {
+    observer.DeprecatedElement(*elem);
+    return true;
+  }
+  observer.UnexpectedSection(*elem);
+  return false;
+}
+
+bool KelProjectDatabase::UpdateDeviceInfo(DeviceInfo& device_info, const char* /*ns*/,
+                                          const DOMElement* elem, LoadObserver& observer) {
+  Transcoder transcoder;
+  bool result = true;
+  for (const DOMElement* child : ChildElements(elem)) {
+    const auto name = [&] { return GetDOMAttributeString(transcoder, child, format::kName); };
+    if (HasLocalName(child, format::kFamily)) {
+      device_info.family = name();
+    } else if (HasLocalName(child, format::kDevice)) {
+      device_info.device = name();
+    } else if (HasLocalName(child, format::kTimingModel)) {
+      device_info.timing_model = name();
+    } else {
+      observer.UnexpectedChild(*child);
+      result = false;
+    }
+  }
+  return result;
+}
+
+bool KelProjectDatabase::UpdateDesignInfo(DesignInfo& design_info, const char* /*ns*/,
+                                          const DOMElement* elem, LoadObserver& observer) {
+  Transcoder transcoder;
+  bool result = true;
+  for (const DOMElement* child : ChildElements(elem)) {
+    if (HasLocalName(child, format::kDesignFile)) {
+      design_info.design_files.push_back(ReadDesignFile(transcoder, child));
+    } else if (HasLocalName(child, format::kTopModule)) {
+      design_info.top_module = GetDOMAttributeString(transcoder, child, format::kName);
+    } else if (HasLocalName(child, format::kTopVhdlArch)) {
+      design_info.top_vhdl_arch = GetDOMAttributeString(transcoder, child, format::kName);
+    } else {
+      observer.UnexpectedChild(*child);
+      result = false;
+    }
+  }
+  design_info.def_veri_version = GetDOMAttributeString(transcoder, elem, format::kDefVeriVersion);
+  design_info.def_vhdl_version = GetDOMAttributeString(transcoder, elem, format::kDefVhdlVersion);
+  return result;
+}
+
+bool KelProjectDatabase::UpdateConstraintInfo(DesignConstraint& constraint, const char* /*ns*/,
+                                              const DOMElement* elem, LoadObserver& observer) {
+  Transcoder transcoder;
+  bool result = true;
+  for (const DOMElement* child : ChildElements(elem)) {
+    if (HasLocalName(child, format::kSdcFile)) {
+      ReadFileName(constraint.sdc_files, transcoder, child, observer);
+    } else if (HasLocalName(child, format::kInterFile)) {
+      constraint.inter_file = GetDOMAttributeString(transcoder, child, format::kName);
+    } else if (HasLocalName(child, format::kIoPlaceFile) ||
+               HasLocalName(child, format::kCorePlaceFile)) {
+      observer.DeprecatedElement(*child);
+    } else {
+      observer.UnexpectedChild(*child);
+      result = false;
+    }
+  }
+  return result;
+}
+
+bool KelProjectDatabase::UpdateISFInfo(DesignISF& isf, const char* /*ns*/, const DOMElement* elem,
+                                       LoadObserver& observer) {
+  Transcoder transcoder;
+  bool result = true;
+  for (const DOMElement* child : ChildElements(elem)) {
+    if (HasLocalName(child, format::kIsfFile)) {
+      ReadFileName(isf.isf_files, transcoder, child, observer);
+    } else {
+      observer.UnexpectedChild(*child);
+      result = false;
+    }
+  }
+  return result;
+}
+
+bool KelProjectDatabase::UpdateIPInfo(IPInfo& ip_info, const char* /*ns*/, const DOMElement* elem,
+                                      LoadObserver& observer) {
+  Transcoder transcoder;
+  for (const DOMElement* child : ChildElements(elem)) {
+    if (HasLocalName(child, format::kIp)) {
+      ip_info.ips.push_back(ReadIP(transcoder, child, observer));
+    } else {
+      observer.IgnoredElement(*child);
+    }
+  }
+  return true;
+}
+
+void KelProjectDatabase::UpdateFileListInfo(std::vector<DesignFile>& files, const char* tag,
+                                            const char* ns, const DOMElement* elem,
+                                            LoadObserver& observer) {
+  Transcoder transcoder;
+  const std::u16string namespace_uri = transcoder.ToXml(ns);
+  const std::u16string local_name = transcoder.ToXml(tag);
+  const auto file_elements =
+      xml::DescendantElements(elem, namespace_uri, local_name,
+                              [&](const DOMElement* other) { observer.IgnoredElement(*other); });
+  files.reserve(files.size() + file_elements.size());
+  for (const DOMElement* file_elem : file_elements) {
+    assertions::AssertNotNull(file_elem, "file_elem != nullptr");
+    files.push_back(ReadDesignFile(transcoder, file_elem));
+  }
+}
+
+bool KelProjectDatabase::SetUpFlowProcess(ProcType type, const char* tag, const char* /*ns*/,
+                                          const DOMElement* elem, LoadObserver& observer) {
+  FlowProcess* process = GetFlowProcess(type);
+  if (!process) return false;
+  Transcoder transcoder;
+  SetFlowProcessName(type, tag);
+  process->tool_name = GetDOMAttributeString(transcoder, elem, format::kToolName);
+  bool result = true;
+  for (const DOMElement* child : ChildElements(elem)) {
+    const Name* map_name = AcceptedParameterMap(type, child);
+    if (!map_name) observer.UnexpectedChild(*child);
+    ParameterMap* map = map_name ? AddFlowProcessParameterMap(type, map_name->narrow) : nullptr;
+    if (!map) {
+      result = false;
+      continue;
+    }
+    const Parameter parameter = ReadParameter(transcoder, child);
+    // A parameter that the map refuses is left out; the file as a whole is still accepted.
+    if (!InsertOrAssignParameterToMap(*map, parameter.name, parameter)) {
+      observer.RefusedParameter(*child, parameter, *map);
+    }
+  }
+  return result;
+}
+
+}  // namespace projectdb

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <xercesc/dom/DOMElement.hpp>
+
+#include <projectdb/records.h>
+
+namespace projectdb {
+
+/// Is told of each element of a project document that is not kept as it stands, in document
+/// order and while the database's lock is held. One that is kept draws no call.
+class LoadObserver {
+ public:
+  virtual ~LoadObserver() = default;
+
+  /// A child of the root that is no section; the load's result is false.
+  virtual void UnexpectedSection(const xercesc::DOMElement& element) = 0;
+
+  /// A child that its section does not have; the load's result is false.
+  virtual void UnexpectedChild(const xercesc::DOMElement& element) = 0;
+
+  /// An element below a section that may hold anything.
+  virtual void IgnoredElement(const xercesc::DOMElement& element) = 0;
+
+  /// An element of a list of file names that has none.
+  virtual void NamelessFile(const xercesc::DOMElement& element) = 0;
+
+  /// An element that the format no longer has.
+  virtual void DeprecatedElement(const xercesc::DOMElement& element) = 0;
+
+  /// An element whose parameter its map refuses.
+  virtual void RefusedParameter(const xercesc::DOMElement& element, const Parameter& parameter,
+                                const ParameterMap& map) = 0;
+};
+
+}  // namespace projectdb
