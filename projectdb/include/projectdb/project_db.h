@@ -19,6 +19,7 @@ namespace xercesc = xercesc_3_2;
 namespace projectdb {
 
 class LoadObserver;
+struct ProjectContents;
 
 /// Holds one FPGA design project in memory and moves it to and from a project XML file.
 ///
@@ -355,6 +356,8 @@ class KelProjectDatabase {
   /// @}
 
  private:
+  friend ProjectContents GetProjectContents(const KelProjectDatabase& database);
+
   struct ProjectData;
 
   template <typename... Members>

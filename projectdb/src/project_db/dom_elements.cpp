@@ -1,4 +1,5 @@
 #include "format.h"
+#include "parameter_maps.h"
 #include "project_db/project_data.h"
 #include "xml/dom.h"
 #include "xml/errors.h"
@@ -200,10 +201,10 @@ bool KelProjectDatabase::AppendFlowProcessToDOMElement(DOMElement* parent,
   ElementWriter writer(namespace_uri, prefix);
   return AppendProcess(writer, parent, process.name, process.tool_name, [&](DOMElement* element) {
     for (const auto& [map_name, position] : process.parameter_map_index) {
-      const auto map = static_cast<std::size_t>(position);
-      if (map >= process.parameter_maps.size()) continue;
+      const ParameterMap* map = ParameterMapAt(process, position);
+      if (!map) continue;
       const std::u16string tag = writer.ElementName(map_name);
-      for (const auto& [name, parameter] : process.parameter_maps[map]) {
+      for (const auto& [name, parameter] : *map) {
         AppendParameter(writer, element, tag.c_str(), parameter);
       }
     }

@@ -1,6 +1,7 @@
 #include <limits>
 #include <utility>
 
+#include "parameter_maps.h"
 #include "parameter_rules.h"
 #include "project_db/project_data.h"
 
@@ -14,8 +15,7 @@ constexpr std::size_t kMaximumMaps =
 ParameterMap* FindMap(FlowProcess& process, const std::string& name) {
   const auto entry = process.parameter_map_index.find(name);
   if (entry == process.parameter_map_index.end()) return nullptr;
-  const auto position = static_cast<std::size_t>(entry->second);
-  return position < process.parameter_maps.size() ? &process.parameter_maps[position] : nullptr;
+  return ParameterMapAt(process, entry->second);
 }
 
 ParameterMap* AddMap(FlowProcess& process, std::string name) {
