@@ -1,4 +1,6 @@
+#include <cstddef>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -284,6 +286,25 @@ TEST_F(LoadSecurity, LoadProjectData_HintToAnUnreadableFile_LoadsAsWithoutSchema
   const Denied denied(schema);
   if (!denied.effective() || !std::filesystem::exists(project)) GTEST_SKIP() << "cannot be denied";
   ExpectLoaded(LoadFile(project));
+}
+
+TEST_F(LoadSecurity, LoadProjectData_HintToAFileThatCannotBeReadToItsEnd_LoadsAsWithoutSchema) {
+  const std::string unreadable = "/proc/self/mem";
+  if (!std::filesystem::exists(unreadable)) GTEST_SKIP() << "no " << unreadable;
+  ExpectLoaded(LoadBytes(HintedXml(kForbidden, unreadable)));
+}
+
+TEST_F(LoadSecurity, LoadProjectData_GivenSchemaThatCannotBeReadToItsEnd_IsRefusedAsMalformed) {
+  const std::string unreadable = "/proc/self/mem";
+  if (!std::filesystem::exists(unreadable)) GTEST_SKIP() << "no " << unreadable;
+  ExpectRefused(LoadBytes(ProjectXml(""), unreadable));
+}
+
+TEST_F(LoadSecurity, LoadProjectData_SchemaThatIsTooLarge_IsRefusedAsMalformed) {
+  const std::string schema = Write("s.xsd", DeviceOnlySchema());
+  std::ofstream(schema, std::ios::app) << std::string(std::size_t{16} << 20U, ' ');
+  ExpectRefused(LoadBytes(ProjectXml(""), schema));
+  ExpectRefused(LoadBytes(HintedXml("", "s.xsd")));
 }
 
 TEST_F(LoadSecurity, LoadProjectData_SchemaGiven_HintIsNotFollowed) {

@@ -1,10 +1,15 @@
 #include "xml/schema.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
+#include <system_error>
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <xercesc/util/BinInputStream.hpp>
 #include <xercesc/util/XMLResourceIdentifier.hpp>
 
@@ -44,7 +49,7 @@ class Schema : public testing::Test {
     const std::unique_ptr<xercesc::BinInputStream> stream(input.makeStream());
     if (!stream) return "none";
     std::string bytes;
-    char block[64];
+    char block[4096];
     while (const XMLSize_t size =
                stream->readBytes(reinterpret_cast<XMLByte*>(block), sizeof block)) {
       bytes.append(block, size);
@@ -106,6 +111,66 @@ TEST_F(Schema, Open_Doctype_GivesNullAndIsRefused) {
 TEST_F(Schema, Open_MalformedFile_GivesNullAndIsRefused) {
   EXPECT_EQ(source_.Open(Write("s.xsd", "<xs:schema")), nullptr);
   EXPECT_TRUE(source_.refused());
+}
+
+/// A schema of so many bytes, most of them blanks.
+std::string SchemaOfSize(std::size_t size) {
+  const std::string schema = DeviceOnlySchema();
+  return schema + std::string(size - schema.size(), ' ');
+}
+
+TEST_F(Schema, Open_LargestFile_GivesItsBytes) {
+  const auto input = source_.Open(Write("s.xsd", SchemaOfSize(SchemaSource::kMaxSize)));
+  ASSERT_NE(input, nullptr);
+  EXPECT_EQ(Bytes(*input).size(), SchemaSource::kMaxSize);
+  EXPECT_FALSE(source_.refused());
+}
+
+TEST_F(Schema, Open_FileOfOneByteMore_GivesNullAndIsRefused) {
+  EXPECT_EQ(source_.Open(Write("s.xsd", SchemaOfSize(SchemaSource::kMaxSize + 1))), nullptr);
+  EXPECT_TRUE(source_.refused());
+}
+
+TEST_F(Schema, Open_FileOfATerabyte_GivesNullAndIsRefused) {
+  const std::string path = Write("s.xsd", DeviceOnlySchema());
+  std::error_code error;
+  std::filesystem::resize_file(path, std::uintmax_t{1} << 40U, error);
+  if (error) GTEST_SKIP() << "no file can be so large";
+  EXPECT_EQ(source_.Open(path), nullptr);
+  EXPECT_TRUE(source_.refused());
+}
+
+/// Names this thread for as long as it lives; its name is the content of a file of the system.
+class ThreadName {
+ public:
+  explicit ThreadName(const char* name) : former_(ReadFile(kPath)) {
+    former_.pop_back();  // The line's end.
+    pthread_setname_np(pthread_self(), name);
+  }
+  ~ThreadName() { pthread_setname_np(pthread_self(), former_.c_str()); }
+  ThreadName(const ThreadName&) = delete;
+  ThreadName& operator=(const ThreadName&) = delete;
+
+  static constexpr char kPath[] = "/proc/thread-self/comm";
+
+ private:
+  std::string former_;
+};
+
+TEST_F(Schema, Open_FileThatTellsTheSizeZero_GivesItsBytes) {
+  if (!std::filesystem::exists(ThreadName::kPath)) GTEST_SKIP() << "no " << ThreadName::kPath;
+  const ThreadName name("<a/>");
+  ASSERT_EQ(std::filesystem::file_size(ThreadName::kPath), 0U);
+  const auto input = source_.Open(ThreadName::kPath);
+  ASSERT_NE(input, nullptr);
+  EXPECT_EQ(Bytes(*input), "<a/>\n");
+}
+
+TEST_F(Schema, Open_FileThatCannotBeReadToItsEnd_GivesNullAndIsNotRefused) {
+  const std::string path = "/proc/self/mem";
+  if (!std::ifstream(path)) GTEST_SKIP() << "cannot be opened";
+  EXPECT_EQ(source_.Open(path), nullptr);
+  EXPECT_FALSE(source_.refused());
 }
 
 TEST_F(Schema, Open_GoodFileAfterARefusedOne_GivesItAndStaysRefused) {

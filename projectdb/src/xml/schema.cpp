@@ -1,8 +1,8 @@
 #include "xml/schema.h"
 
 #include <fstream>
-#include <iterator>
 #include <optional>
+#include <string>
 #include <system_error>
 
 #include <xercesc/util/XMLResourceIdentifier.hpp>
@@ -16,13 +16,17 @@
 namespace projectdb::xml {
 namespace {
 
-// Regular files only: a device or a pipe may have no end.
+// The bytes of a file, or its first ones if it has more than it may: a size that the system tells
+// need not be true. Regular files only: a device or a pipe may keep the reader waiting.
 std::optional<std::string> ReadBytes(const std::filesystem::path& path) {
   std::error_code error;
   if (!std::filesystem::is_regular_file(path, error)) return std::nullopt;
   std::ifstream file(path, std::ios::binary);
   if (!file) return std::nullopt;
-  return std::string(std::istreambuf_iterator<char>(file), {});
+  std::string bytes;
+  for (char byte = 0; bytes.size() <= SchemaSource::kMaxSize && file.get(byte);) bytes += byte;
+  if (file.bad()) return std::nullopt;
+  return bytes;
 }
 
 bool IsWellFormedWithoutDoctype(const xercesc::InputSource& input) {
@@ -39,8 +43,9 @@ bool IsWellFormedWithoutDoctype(const xercesc::InputSource& input) {
 std::unique_ptr<xercesc::InputSource> SchemaSource::Open(const std::filesystem::path& path) {
   std::optional<std::string> bytes = ReadBytes(path);
   if (!bytes) return nullptr;
+  const bool is_too_large = bytes->size() > kMaxSize;
   auto input = std::make_unique<BytesInput>(std::move(*bytes), FileUri(path));
-  if (IsWellFormedWithoutDoctype(*input)) return input;
+  if (!is_too_large && IsWellFormedWithoutDoctype(*input)) return input;
   refused_ = true;
   return nullptr;
 }

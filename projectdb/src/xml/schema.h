@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -11,9 +12,13 @@ namespace projectdb::xml {
 
 /// Finds the schema documents that a parse needs, given, hinted or included: local files only.
 /// One with a document type declaration is refused, since such a declaration can make a small
-/// file expand without bound or read other files; so is one that is not well-formed.
+/// file expand without bound or read other files; so is one that is not well-formed, and one that
+/// is larger than any schema.
 class SchemaSource : public xercesc::XMLEntityResolver {
  public:
+  /// The bytes that a document may have; no more are read.
+  static constexpr std::size_t kMaxSize = std::size_t{16} << 20U;
+
   /// @param path of the schema that the caller gives
   /// @return null if it cannot be read or is refused
   std::unique_ptr<xercesc::InputSource> Open(const std::filesystem::path& path);
