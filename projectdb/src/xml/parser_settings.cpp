@@ -1,9 +1,9 @@
 #include "xml/parser_settings.h"
 
 #include <xercesc/dom/DOMConfiguration.hpp>
-#include <xercesc/dom/DOMImplementation.hpp>
-#include <xercesc/dom/DOMImplementationRegistry.hpp>
 #include <xercesc/framework/Wrapper4InputSource.hpp>
+
+#include "xml/dom_parser.h"
 
 namespace projectdb::xml {
 
@@ -17,10 +17,7 @@ void Set(xercesc::DOMLSParser& parser, const XMLCh* parameter, bool value) {
 }
 
 Owned<xercesc::DOMLSParser> CreateParser(xercesc::DOMErrorHandler& error_handler) {
-  xercesc::DOMImplementation* implementation =
-      xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS");
-  Owned<xercesc::DOMLSParser> parser(
-      implementation->createLSParser(xercesc::DOMImplementationLS::MODE_SYNCHRONOUS, nullptr));
+  Owned<xercesc::DOMLSParser> parser(new DomParser);
   Set(*parser, XMLUni::fgDOMComments, false);
   Set(*parser, XMLUni::fgDOMDatatypeNormalization, true);
   Set(*parser, XMLUni::fgDOMEntities, false);

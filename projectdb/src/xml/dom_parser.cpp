@@ -1,0 +1,136 @@
+#include "xml/dom_parser.h"
+
+#include <algorithm>
+#include <vector>
+
+#include <xercesc/dom/DOMAttr.hpp>
+#include <xercesc/dom/DOMElement.hpp>
+#include <xercesc/dom/DOMImplementation.hpp>
+#include <xercesc/dom/impl/DOMDocumentImpl.hpp>
+#include <xercesc/framework/XMLAttr.hpp>
+#include <xercesc/internal/IGXMLScanner.hpp>
+#include <xercesc/util/XMLString.hpp>
+#include <xercesc/util/XMLUni.hpp>
+
+namespace projectdb::xml {
+namespace {
+
+using xercesc::XMLAttr;
+using xercesc::XMLString;
+
+using XmlAttributes = xercesc::RefVectorOf<XMLAttr>;
+
+constexpr XMLSize_t kManyAttributes = 16;
+
+// Every so many levels, the first so many prefixes of a file are declared once more.
+constexpr XMLSize_t kLevelsBetweenDeclarations = 64;
+constexpr std::size_t kMostPrefixes = 32;
+
+// A document with a larger table of names, each entry of which is the start of a list.
+class Document : public xercesc::DOMDocumentImpl {
+ public:
+  explicit Document(xercesc::MemoryManager* memory)
+      : DOMDocumentImpl(xercesc::DOMImplementation::getImplementation(), memory) {
+    fNameTable = static_cast<xercesc::DOMStringPoolEntry**>(
+        allocate(kNameTableSize * sizeof(xercesc::DOMStringPoolEntry*)));
+    fNameTableSize = kNameTableSize;
+    std::fill_n(fNameTable, kNameTableSize, nullptr);
+  }
+
+ private:
+  static constexpr XMLSize_t kNameTableSize = 16411;
+};
+
+bool IsBefore(const XMLAttr* a, const XMLAttr* b) {
+  return XMLString::compareString(a->getQName(), b->getQName()) < 0;
+}
+
+}  // namespace
+
+class DomParser::Scanner : public xercesc::IGXMLScanner {
+ public:
+  using IGXMLScanner::IGXMLScanner;
+
+  /// Declares for the current element what is in scope there anyway.
+  void Declare(const std::set<std::u16string>& prefixes) {
+    for (const std::u16string& prefix : prefixes) {
+      bool is_unknown = false;
+      const unsigned int uri = fElemStack.mapPrefixToURI(prefix.c_str(), is_unknown);
+      if (!is_unknown) fElemStack.addPrefix(prefix.c_str(), uri);
+    }
+  }
+};
+
+DomParser::DomParser()
+    : scanner_(new (fMemoryManager) Scanner(fValidator, fGrammarResolver, fMemoryManager)) {
+  scanner_->setParseSettings(fScanner);
+  scanner_->setURIStringPool(fURIStringPool);
+  delete fScanner;
+  fScanner = scanner_;
+}
+
+void DomParser::startDocument() {
+  fDocument = new (fMemoryManager) Document(fMemoryManager);
+  fCurrentParent = fDocument;
+  fCurrentNode = fDocument;
+  fDocument->setErrorChecking(false);
+  fDocument->setDocumentURI(fScanner->getLocator()->getSystemId());
+  fDocument->setInputEncoding(fScanner->getReaderMgr()->getCurrentEncodingStr());
+  prefixes_ = {u""};
+  depth_ = 0;
+}
+
+void DomParser::startElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
+                             const XMLCh* prefix, const XmlAttributes& attributes, XMLSize_t count,
+                             bool is_empty, bool is_root) {
+  ++depth_;
+  NotePrefixes(attributes, count);
+  if (depth_ % kLevelsBetweenDeclarations == 0) scanner_->Declare(prefixes_);
+  if (count < kManyAttributes) {
+    DOMLSParserImpl::startElement(declaration, uri, prefix, attributes, count, is_empty, is_root);
+    return;
+  }
+  DOMLSParserImpl::startElement(declaration, uri, prefix, attributes, 0, false, is_root);
+  AddAttributes(attributes, count);
+  if (is_empty) endElement(declaration, uri, is_root, prefix);
+}
+
+void DomParser::endElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
+                           bool is_root, const XMLCh* prefix) {
+  --depth_;
+  DOMLSParserImpl::endElement(declaration, uri, is_root, prefix);
+}
+
+void DomParser::NotePrefixes(const XmlAttributes& attributes, XMLSize_t count) {
+  for (XMLSize_t i = 0; i < count && prefixes_.size() < kMostPrefixes; ++i) {
+    const XMLAttr& attribute = *attributes.elementAt(i);
+    if (XMLString::equals(attribute.getPrefix(), xercesc::XMLUni::fgXMLNSString)) {
+      prefixes_.insert(attribute.getName());
+    }
+  }
+}
+
+// In the order in which the element keeps its attributes: each goes to their end.
+void DomParser::AddAttributes(const XmlAttributes& attributes, XMLSize_t count) {
+  std::vector<const XMLAttr*> in_order;
+  for (XMLSize_t i = 0; i < count; ++i) in_order.push_back(attributes.elementAt(i));
+  std::sort(in_order.begin(), in_order.end(), IsBefore);
+  for (const XMLAttr* attribute : in_order) AddAttribute(*attribute);
+}
+
+void DomParser::AddAttribute(const XMLAttr& attribute) {
+  const XMLCh* prefix = attribute.getPrefix();
+  const XMLCh* name = attribute.getName();
+  const bool has_prefix = prefix && *prefix;
+  const bool is_default_namespace =
+      !has_prefix && XMLString::equals(name, xercesc::XMLUni::fgXMLNSString);
+  const unsigned int uri =
+      is_default_namespace ? fScanner->getXMLNSNamespaceId() : attribute.getURIId();
+  const bool has_namespace = uri != fScanner->getEmptyNamespaceId();
+  xercesc::DOMAttr* added = createAttrNS(has_namespace ? fScanner->getURIText(uri) : nullptr,
+                                         prefix, name, attribute.getQName());
+  added->setValue(attribute.getValue());
+  static_cast<xercesc::DOMElement*>(fCurrentNode)->setAttributeNode(added);
+}
+
+}  // namespace projectdb::xml

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <set>
+#include <string>
+
+#include <xercesc/parsers/DOMLSParserImpl.hpp>
+
+namespace projectdb::xml {
+
+/// The load/save parser of the XML library, in time proportional to the file. By itself it looks a
+/// prefix up through all the levels that an element is nested in, an attribute through all those
+/// that its element has already, and a name through a table that does not grow: a small file of
+/// deep nesting, many attributes or many names would keep it busy for hours. It makes the same
+/// documents.
+class DomParser : public xercesc::DOMLSParserImpl {
+ public:
+  DomParser();
+
+  void startDocument() override;
+  void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
+                    const XMLCh* prefix, const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                    XMLSize_t count, bool is_empty, bool is_root) override;
+  void endElement(const xercesc::XMLElementDecl& declaration, unsigned int uri, bool is_root,
+                  const XMLCh* prefix) override;
+
+ private:
+  class Scanner;
+
+  void NotePrefixes(const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes, XMLSize_t count);
+  void AddAttributes(const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes, XMLSize_t count);
+  void AddAttribute(const xercesc::XMLAttr& attribute);
+
+  Scanner* scanner_;  // fScanner, which the base class owns.
+  std::set<std::u16string> prefixes_;
+  XMLSize_t depth_ = 0;
+};
+
+}  // namespace projectdb::xml

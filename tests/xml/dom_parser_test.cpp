@@ -1,0 +1,200 @@
+#include "xml/dom_parser.h"
+
+#include <ostream>
+#include <string>
+#include <utility>
+
+#include <gtest/gtest.h>
+#include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/dom/DOMElement.hpp>
+#include <xercesc/dom/DOMImplementation.hpp>
+#include <xercesc/dom/DOMImplementationRegistry.hpp>
+#include <xercesc/dom/DOMNamedNodeMap.hpp>
+
+#include "support/project_loading.h"
+#include "support/temporary_directory.h"
+#include "support/xml_platform.h"
+#include "support/xml_tree.h"
+#include "xml/error_handler.h"
+#include "xml/input.h"
+#include "xml/owned.h"
+#include "xml/parser.h"
+#include "xml/parser_settings.h"
+
+namespace {
+
+using namespace projectdb::xml;
+using namespace test_support;
+using projectdb::KelProjectDbErrorHandler;
+
+/// The parser that the XML library gives to everybody.
+Owned<xercesc::DOMLSParser> CreateLibraryParser() {
+  return Owned<xercesc::DOMLSParser>(
+      xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS")->createLSParser(
+          xercesc::DOMImplementationLS::MODE_SYNCHRONOUS, nullptr));
+}
+
+/// What a parser makes of a text.
+struct Parsed {
+  Parsed(Owned<xercesc::DOMLSParser> used_parser, const std::string& text)
+      : parser(std::move(used_parser)) {
+    Set(*parser, xercesc::XMLUni::fgXercesUserAdoptsDOMDocument, true);
+    parser->getDomConfig()->setParameter(xercesc::XMLUni::fgDOMErrorHandler, &errors);
+    document = Parse(*parser, BytesInput(text, "file:///p.xml"));
+  }
+
+  KelProjectDbErrorHandler errors;
+  Owned<xercesc::DOMLSParser> parser;
+  Owned<xercesc::DOMDocument> document;
+};
+
+std::string Repeated(const std::string& text, int times) {
+  std::string all;
+  for (int i = 0; i < times; ++i) all += text;
+  return all;
+}
+
+std::string Numbered(const std::string& before, const std::string& after, int count) {
+  std::string all;
+  for (int i = 0; i < count; ++i) all.append(before).append(std::to_string(i)).append(after);
+  return all;
+}
+
+struct Text {
+  const char* name;
+  std::string xml;
+};
+
+void PrintTo(const Text& text, std::ostream* out) { *out << text.name; }
+
+class DomParserOf : public testing::TestWithParam<Text> {
+ protected:
+  XmlPlatform platform_;
+};
+
+TEST_P(DomParserOf, Parse_GivesTheDocumentThatTheXmlLibraryGives) {
+  const Parsed parsed(Owned<xercesc::DOMLSParser>(new DomParser), GetParam().xml);
+  const Parsed expected(CreateLibraryParser(), GetParam().xml);
+  ASSERT_FALSE(expected.errors.failed);
+  EXPECT_FALSE(parsed.errors.failed);
+  EXPECT_TRUE(parsed.document->isEqualNode(expected.document.get()));
+  EXPECT_EQ(Utf8(parsed.document->getDocumentURI()), Utf8(expected.document->getDocumentURI()));
+  EXPECT_EQ(Utf8(parsed.document->getInputEncoding()), Utf8(expected.document->getInputEncoding()));
+}
+
+TEST_P(DomParserOf, Parse_KeepsTheAttributesInTheOrderOfTheXmlLibrary) {
+  const Parsed parsed(Owned<xercesc::DOMLSParser>(new DomParser), GetParam().xml);
+  const Parsed expected(CreateLibraryParser(), GetParam().xml);
+  const auto* attributes = parsed.document->getDocumentElement()->getAttributes();
+  const auto* expected_attributes = expected.document->getDocumentElement()->getAttributes();
+  ASSERT_EQ(attributes->getLength(), expected_attributes->getLength());
+  for (XMLSize_t i = 0; i < attributes->getLength(); ++i) {
+    EXPECT_EQ(Utf8(attributes->item(i)->getNodeName()),
+              Utf8(expected_attributes->item(i)->getNodeName()));
+  }
+}
+
+TEST_P(DomParserOf, Parse_Again_GivesTheSameDocument) {
+  Parsed parsed(Owned<xercesc::DOMLSParser>(new DomParser), GetParam().xml);
+  const auto again = Parse(*parsed.parser, BytesInput(GetParam().xml, "file:///p.xml"));
+  EXPECT_FALSE(parsed.errors.failed);
+  EXPECT_TRUE(again->isEqualNode(parsed.document.get()));
+}
+
+// More levels, attributes, names and prefixes than any that are handled together.
+INSTANTIATE_TEST_SUITE_P(
+    Texts, DomParserOf,
+    testing::Values(
+        Text{"a small file", CompleteProjectXml()}, Text{"a root alone", "<a/>"},
+        Text{"many attributes",
+             "<a z=\"&lt;\" empty=\"\"" + Numbered(" b", "=\"v &amp; \xC3\xA9\"", 1000) + "/>"},
+        Text{"many attributes below the root", "<a><b" + Numbered(" b", "='v'", 100) +
+                                                   "><c/></b><d" + Numbered(" b", "='v'", 100) +
+                                                   "/>text</a>"},
+        Text{"many attributes with prefixes",
+             "<a xmlns='urn:a' xmlns:q='urn:q' xmlns:p='urn:p' xml:lang='la'" +
+                 Numbered(" p:b", "='v'", 50) + Numbered(" q:b", "='v'", 50) +
+                 Numbered(" b", "='v'", 50) + "/>"},
+        Text{"many prefixes", "<a" + Numbered(" xmlns:p", "='urn:p'", 100) + ">" +
+                                  Repeated("<a p99:b='v'>", 200) + "<p98:a/>" +
+                                  Repeated("</a>", 200) + "</a>"},
+        Text{"many names", "<a>" + Numbered("<b", "/>", 20000) + "</a>"},
+        Text{"elements in a namespace, deeply nested",
+             "<a xmlns='urn:a'>" + Repeated("<b>", 300) + "<c/>" + Repeated("</b>", 300) + "</a>"},
+        Text{"prefixes in use deep below their declaration",
+             "<a xmlns:p='urn:p' xmlns:q='urn:q'>" + Repeated("<p:b>", 300) + "<q:c p:d='v'/><e/>" +
+                 Repeated("</p:b>", 300) + "<q:c/></a>"},
+        Text{"prefixes declared anew deep below",
+             "<a xmlns='urn:1' xmlns:p='urn:1'>" + Repeated("<p:b>", 100) +
+                 "<c xmlns='urn:2' xmlns:p='urn:2'>" +
+                 Repeated("<p:b><b xmlns='urn:3'><p:b/></b>", 100) + "<d xmlns=''>" +
+                 Repeated("<b><p:b/>", 100) + Repeated("</b>", 100) + "</d>" +
+                 Repeated("</p:b>", 100) + "</c><p:c/>" + Repeated("</p:b>", 100) + "</a>"},
+        Text{"prefixes that are gone by the time of others",
+             "<a>" +
+                 Repeated("<b>" + Repeated("<p:b xmlns:p='urn:1'>", 70) + Repeated("</p:b>", 70) +
+                              Repeated("<b xmlns='urn:2'>", 70) + Repeated("</b>", 70) +
+                              "<p:b xmlns:p='urn:3'/>",
+                          70) +
+                 Repeated("</b>", 70) + "</a>"}));
+
+// ---- What is no document
+
+class DomParserErrors : public testing::TestWithParam<Text> {
+ protected:
+  XmlPlatform platform_;
+};
+
+TEST_P(DomParserErrors, Parse_ReportsAnError) {
+  const Parsed parsed(Owned<xercesc::DOMLSParser>(new DomParser), GetParam().xml);
+  EXPECT_TRUE(parsed.errors.failed);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Texts, DomParserErrors,
+    testing::Values(
+        Text{"an attribute twice among many", "<a" + Numbered(" b", "='v'", 100) + " b7='w'/>"},
+        Text{"an attribute twice by two prefixes",
+             "<a xmlns:p='urn:p' xmlns:q='urn:p'" + Numbered(" p:b", "='v'", 100) + " q:b7='w'/>"},
+        Text{"a prefix that is not declared", "<a" + Numbered(" b", "='v'", 100) + " p:c='v'/>"},
+        Text{"a prefix that is no longer declared deep below", "<a><p:b xmlns:p='urn:p'/>" +
+                                                                   Repeated("<b>", 100) + "<p:b/>" +
+                                                                   Repeated("</b>", 100) + "</a>"},
+        Text{"an end without a start", "<a>" + Repeated("<b>", 70) + Repeated("</b>", 71) + "</a>"},
+        Text{"another end deep below", "<a>" + Repeated("<b>", 70) + "</c>"}));
+
+// ---- Schemas
+
+TEST(DomParserWithSchema, Parse_AttributeThatTheSchemaAdds_IsInTheDocument) {
+  const XmlPlatform platform;
+  const TemporaryDirectory directory;
+  WriteFile(directory / "s.xsd",
+            "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\">"
+            "<xs:element name=\"project\"><xs:complexType>"
+            "<xs:attribute name=\"added\" default=\"here\"/><xs:anyAttribute"
+            " processContents=\"skip\"/></xs:complexType></xs:element></xs:schema>");
+  WriteFile(directory / "p.xml", "<project" + Numbered(" b", "='v'", 100) + "/>");
+  const auto document = ParseProjectXMLFile(directory / "p.xml", directory / "s.xsd");
+  ASSERT_NE(document, nullptr);
+  const auto* root = document->getDocumentElement();
+  EXPECT_EQ(Utf8(root->getAttribute(u"added")), "here");
+  EXPECT_EQ(root->getAttributes()->getLength(), 101U);
+}
+
+TEST(DomParserWithSchema, Parse_ElementDeepBelowItsNamespace_IsValidatedInIt) {
+  const XmlPlatform platform;
+  const TemporaryDirectory directory;
+  WriteFile(directory / "s.xsd",
+            "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\" targetNamespace=\"urn:s\""
+            " xmlns=\"urn:s\" elementFormDefault=\"qualified\"><xs:element name=\"b\">"
+            "<xs:complexType><xs:sequence><xs:element ref=\"b\" minOccurs=\"0\"/>"
+            "</xs:sequence></xs:complexType></xs:element></xs:schema>");
+  const std::string start = "<p:b xmlns:p='urn:s'>" + Repeated("<p:b>", 200);
+  const std::string end = Repeated("</p:b>", 200) + "</p:b>";
+  WriteFile(directory / "good.xml", start + "<p:b/>" + end);
+  WriteFile(directory / "bad.xml", start + "<p:c/>" + end);
+  EXPECT_NE(ParseProjectXMLFile(directory / "good.xml", directory / "s.xsd"), nullptr);
+  EXPECT_EQ(ParseProjectXMLFile(directory / "bad.xml", directory / "s.xsd"), nullptr);
+}
+
+}  // namespace
