@@ -147,8 +147,9 @@ class ShortestEdit {
 std::vector<std::size_t> SortedPositions(const std::vector<std::size_t>& numbers) {
   std::vector<std::size_t> positions(numbers.size());
   std::iota(positions.begin(), positions.end(), std::size_t{0});
-  std::stable_sort(positions.begin(), positions.end(),
-                   [&](std::size_t a, std::size_t b) { return numbers[a] < numbers[b]; });
+  std::sort(positions.begin(), positions.end(), [&](std::size_t a, std::size_t b) {
+    return std::pair(numbers[a], a) < std::pair(numbers[b], b);
+  });
   return positions;
 }
 

@@ -1,0 +1,93 @@
+#include <projectdb/compare.h>
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <projectdb/project_contents.h>
+#include <projectdb/project_db.h>
+
+#include "allocation/failing_allocation.h"
+#include "support/project_differences.h"
+
+namespace {
+
+using namespace projectdb;
+using test_support::AllDifferences;
+using test_support::Outcome;
+using test_support::WalkAllocations;
+
+using Lines = std::vector<std::string>;
+
+std::string Long(const std::string& text) { return text + std::string(60, '_'); }
+
+/// A project with something in every part that a contents or a comparison copies.
+void FillProject(KelProjectDatabase& database) {
+  database.CreateNewProjectDatabase(Long("blinker"));
+  database.AddProjectInfoAttribute(Long("owner"), Long("lab 3"));
+  database.AddDesignRTLFile(Long("top.v"), Long("v2001"), Long("work"));
+  database.AddDesignRTLFile(Long("core.v"), Long("v2001"), Long("work"));
+  database.AddSimulationTestBenchFile(Long("bench.v"), Long("v2001"));
+  database.AddMiscellaneousFile(Long("notes"));
+  database.AddSynthesisParameter(Long("effort"), Long("high"), e_option);
+  database.GetFlowProcess(e_debugger)->parameters.emplace_back("plain", Long("1"), e_string);
+}
+
+void FillChangedProject(KelProjectDatabase& database) {
+  database.CreateNewProjectDatabase(Long("blinker"));
+  database.AddProjectInfoAttribute(Long("owner"), Long("lab 4"));
+  database.AddDesignRTLFile(Long("pkg.v"), Long("v2001"), Long("work"));
+  database.AddDesignRTLFile(Long("core.v"), Long("v2005"), Long("work"));
+  database.AddDesignRTLFile(Long("top.v"), Long("v2001"), Long("work"));
+  database.AddSynthesisParameter(Long("effort"), Long("low"), e_option);
+}
+
+/// A lock that was not released shows as a test that does not end.
+class OutOfMemoryInComparison : public testing::Test {
+ protected:
+  OutOfMemoryInComparison() {
+    FillProject(untouched_);
+    FillChangedProject(changed_);
+  }
+
+  KelProjectDatabase untouched_;
+  KelProjectDatabase changed_;
+};
+
+TEST_F(OutOfMemoryInComparison, GetProjectContents_AnyAllocationFails_LeavesTheProjectAndTheLock) {
+  const ProjectContents expected = GetProjectContents(untouched_);
+  WalkAllocations(
+      FillProject, [](KelProjectDatabase& database) { GetProjectContents(database); },
+      [&](KelProjectDatabase& database, Outcome) {
+        EXPECT_EQ(CompareProjects(expected, GetProjectContents(database)).size(), 0U);
+      });
+}
+
+TEST_F(OutOfMemoryInComparison,
+       CompareProjects_AnyAllocationFails_LeavesBothProjectsAndTheirLocks) {
+  const ProjectContents expected = GetProjectContents(untouched_);
+  const ProjectContents expected_changed = GetProjectContents(changed_);
+  WalkAllocations(
+      FillProject, [&](KelProjectDatabase& database) { CompareProjects(database, changed_); },
+      [&](KelProjectDatabase& database, Outcome) {
+        EXPECT_EQ(CompareProjects(expected, GetProjectContents(database)).size(), 0U);
+        EXPECT_EQ(AllDifferences(expected_changed, GetProjectContents(changed_)), Lines());
+      });
+}
+
+TEST_F(OutOfMemoryInComparison, CompareProjects_AnyAllocationFails_LeavesTheContents) {
+  ProjectContents before = GetProjectContents(untouched_);
+  before.ip_info.ips = {{Long("u"), Long("u.cfg"), {{Long("u.v")}}}};
+  ProjectContents after = GetProjectContents(changed_);
+  after.ip_info.ips = {{"new", "", {}}, {Long("u"), Long("v.cfg"), {{Long("v.v")}}}};
+  const Lines expected = test_support::Show(CompareProjects(before, after));
+  ASSERT_FALSE(expected.empty());
+  WalkAllocations([](KelProjectDatabase&) {},
+                  [&](KelProjectDatabase&) { CompareProjects(before, after); },
+                  [&](KelProjectDatabase&, Outcome) {
+                    EXPECT_EQ(test_support::Show(CompareProjects(before, after)), expected);
+                  });
+}
+
+}  // namespace
