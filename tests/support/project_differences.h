@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <projectdb/compare.h>
+#include <projectdb/project_contents.h>
 
 namespace test_support {
 
@@ -25,6 +26,28 @@ inline std::vector<std::string> Show(const std::vector<projectdb::ProjectDiffere
   std::transform(differences.begin(), differences.end(), std::back_inserter(lines),
                  [](const projectdb::ProjectDifference& difference) { return Show(difference); });
   return lines;
+}
+
+/// All differences but those of the stamps.
+inline std::vector<std::string> DifferencesButStamps(const projectdb::ProjectContents& before,
+                                                     const projectdb::ProjectContents& after) {
+  auto differences = projectdb::CompareProjects(before, after);
+  if (before.current_path != after.current_path) {
+    differences.push_back({"directory", "", before.current_path, after.current_path});
+  }
+  return Show(differences);
+}
+
+/// All differences, the stamps and the directory included.
+inline std::vector<std::string> AllDifferences(const projectdb::ProjectContents& before,
+                                               const projectdb::ProjectContents& after) {
+  // Seen as attributes, they count.
+  const auto with_stamps = [](projectdb::ProjectContents project) {
+    project.info_attributes["sw_version"] = project.software_version;
+    project.info_attributes["last_change_date"] = project.last_modify_time;
+    return project;
+  };
+  return DifferencesButStamps(with_stamps(before), with_stamps(after));
 }
 
 }  // namespace test_support
