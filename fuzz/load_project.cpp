@@ -16,10 +16,10 @@
 
 namespace {
 
-using fuzz::Describe;
 using fuzz::ExportAndCheck;
 using fuzz::LoadAndCheck;
 using fuzz::Loaded;
+using fuzz::MemoryOf;
 using projectdb::KelProjectDatabase;
 
 // The files of this process.
@@ -60,7 +60,7 @@ void RequireSameWithAndWithoutSchema(const Files& files) {
   KelProjectDatabase with_schema;
   LoadAndCheck(without_schema, files.project.path(), "");
   LoadAndCheck(with_schema, files.project.path(), fuzz::SchemaPath());
-  fuzz::RequireSame(Describe(without_schema), Describe(with_schema),
+  fuzz::RequireSame(MemoryOf(without_schema), MemoryOf(with_schema),
                     "a file gives another project with the schema than without");
 }
 

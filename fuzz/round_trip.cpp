@@ -45,7 +45,7 @@ void RequireSameProject(const KelProjectDatabase& written, const std::string& pa
   const Loaded loaded = LoadAndCheck(read, path, schema);
   Require(loaded != Loaded::kRefused, "an exported file is refused" + with);
   Require(loaded == Loaded::kWhole || !is_whole, "an exported file is not read whole" + with);
-  RequireSame(DescribeForFile(written, written), DescribeForFile(read, written),
+  RequireSame(ContentsForFile(written, written), ContentsForFile(read, written),
               "an exported project does not come back" + with);
   Require(read.GetProjectSoftwareVersion() == KEL_VERSION_NO, "the version is not the writer's");
   Require(!read.GetProjectLastModifyTime().empty(), "there is no time stamp");
@@ -55,7 +55,7 @@ void RequireSameProject(const KelProjectDatabase& written, const std::string& pa
 
 Loaded LoadAndCheck(KelProjectDatabase& database, const std::string& path,
                     const std::string& schema) {
-  const std::string before = Describe(database);
+  const auto before = MemoryOf(database);
   bool refused = false;
   const bool result = LoadsAs(database, path, schema, refused);
   if (!refused) {
@@ -63,14 +63,14 @@ Loaded LoadAndCheck(KelProjectDatabase& database, const std::string& path,
     return result ? Loaded::kWhole : Loaded::kInPart;
   }
   Require(!result, "a load that is refused gives true");
-  RequireSame(before, Describe(database), "a refused load changes the project");
+  RequireSame(before, MemoryOf(database), "a refused load changes the project");
   return Loaded::kRefused;
 }
 
 bool ExportAndCheck(const KelProjectDatabase& database, MemoryFile& file) {
   const std::string former = "what was there before";
   file.Write(former);
-  const std::string before = Describe(database);
+  const auto before = MemoryOf(database);
   bool written = database.IsProjectDatabaseExist();
   try {
     database.ExportProjectData(file.path());
@@ -80,7 +80,7 @@ bool ExportAndCheck(const KelProjectDatabase& database, MemoryFile& file) {
             std::string("an export fails with ") + error.what());
     Require(!IsPlain(database), std::string("a plain project is not exported: ") + error.what());
   }
-  RequireSame(before, Describe(database), "an export changes the project");
+  RequireSame(before, MemoryOf(database), "an export changes the project");
   if (!written) {
     RequireSame(former, file.Read(), "an export that writes nothing changes the file");
     return false;

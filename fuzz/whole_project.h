@@ -2,21 +2,24 @@
 
 #include <string>
 
+#include <projectdb/project_contents.h>
 #include <projectdb/project_db.h>
 
 namespace fuzz {
 
-// The project as text: two projects are the same if their texts are. Hash order does not show. No
-// lock is taken.
-
-/// Every field of memory, to the last.
-std::string Describe(const projectdb::KelProjectDatabase& database);
+/// Every field of memory, to the last: the maps of the processes stand by their positions, and the
+/// index that leads to them is a map of its own.
+projectdb::ProjectContents MemoryOf(const projectdb::KelProjectDatabase& database);
 
 /// What a project file gives back of the project from which it was written.
 /// @param database that project, or the one that was read from the file
 /// @param written that project: its processes and maps of names outside the format do not come back
-std::string DescribeForFile(const projectdb::KelProjectDatabase& database,
-                            const projectdb::KelProjectDatabase& written);
+projectdb::ProjectContents ContentsForFile(const projectdb::KelProjectDatabase& database,
+                                           const projectdb::KelProjectDatabase& written);
+
+/// Requires two projects to be the same; shows the differences.
+void RequireSame(const projectdb::ProjectContents& expected,
+                 const projectdb::ProjectContents& actual, const std::string& what);
 
 /// Whether all processes and maps that hold something have names that a load accepts.
 bool HasOnlyNamesOfTheFormat(const projectdb::KelProjectDatabase& database);
