@@ -59,7 +59,8 @@ class Schema : public testing::Test {
 
   XmlPlatform platform_;
   TemporaryDirectory directory_;
-  SchemaSource source_;
+  projectdb::KelProjectDbErrorHandler errors_;
+  SchemaSource source_{errors_};
 };
 
 TEST_F(Schema, Open_WellFormedFile_GivesItsBytes) {
@@ -82,7 +83,7 @@ TEST_F(Schema, Open_WellFormedFile_HasItsUriAsSystemId) {
 
 TEST_F(Schema, Open_WellFormedFile_IsNotRefused) {
   source_.Open(Write("s.xsd", DeviceOnlySchema()));
-  EXPECT_FALSE(source_.refused());
+  EXPECT_FALSE(errors_.failed);
 }
 
 TEST_F(Schema, Open_WhatIsNoReadableFile_GivesNullAndIsNotRefused) {
@@ -91,7 +92,7 @@ TEST_F(Schema, Open_WhatIsNoReadableFile_GivesNullAndIsNotRefused) {
   for (const std::string name : {"gone.xsd", "directory", "pipe", "no/such/s.xsd"}) {
     SCOPED_TRACE(name);
     EXPECT_TRUE(pipe.RunWith("", [&] { EXPECT_EQ(source_.Open(directory_ / name), nullptr); }));
-    EXPECT_FALSE(source_.refused());
+    EXPECT_FALSE(errors_.failed);
   }
 }
 
@@ -100,17 +101,17 @@ TEST_F(Schema, Open_UnreadableFile_GivesNullAndIsNotRefused) {
   const Denied denied(path);
   if (!denied.effective()) GTEST_SKIP() << "cannot be denied";
   EXPECT_EQ(source_.Open(path), nullptr);
-  EXPECT_FALSE(source_.refused());
+  EXPECT_FALSE(errors_.failed);
 }
 
 TEST_F(Schema, Open_Doctype_GivesNullAndIsRefused) {
   EXPECT_EQ(source_.Open(Write("s.xsd", "<!DOCTYPE xs:schema>" + DeviceOnlySchema())), nullptr);
-  EXPECT_TRUE(source_.refused());
+  EXPECT_TRUE(errors_.failed);
 }
 
 TEST_F(Schema, Open_MalformedFile_GivesNullAndIsRefused) {
   EXPECT_EQ(source_.Open(Write("s.xsd", "<xs:schema")), nullptr);
-  EXPECT_TRUE(source_.refused());
+  EXPECT_TRUE(errors_.failed);
 }
 
 /// A schema of so many bytes, most of them blanks.
@@ -123,12 +124,12 @@ TEST_F(Schema, Open_LargestFile_GivesItsBytes) {
   const auto input = source_.Open(Write("s.xsd", SchemaOfSize(SchemaSource::kMaxSize)));
   ASSERT_NE(input, nullptr);
   EXPECT_EQ(Bytes(*input).size(), SchemaSource::kMaxSize);
-  EXPECT_FALSE(source_.refused());
+  EXPECT_FALSE(errors_.failed);
 }
 
 TEST_F(Schema, Open_FileOfOneByteMore_GivesNullAndIsRefused) {
   EXPECT_EQ(source_.Open(Write("s.xsd", SchemaOfSize(SchemaSource::kMaxSize + 1))), nullptr);
-  EXPECT_TRUE(source_.refused());
+  EXPECT_TRUE(errors_.failed);
 }
 
 TEST_F(Schema, Open_FileOfATerabyte_GivesNullAndIsRefused) {
@@ -137,7 +138,7 @@ TEST_F(Schema, Open_FileOfATerabyte_GivesNullAndIsRefused) {
   std::filesystem::resize_file(path, std::uintmax_t{1} << 40U, error);
   if (error) GTEST_SKIP() << "no file can be so large";
   EXPECT_EQ(source_.Open(path), nullptr);
-  EXPECT_TRUE(source_.refused());
+  EXPECT_TRUE(errors_.failed);
 }
 
 /// Names this thread for as long as it lives; its name is the content of a file of the system.
@@ -170,13 +171,13 @@ TEST_F(Schema, Open_FileThatCannotBeReadToItsEnd_GivesNullAndIsNotRefused) {
   const std::string path = "/proc/self/mem";
   if (!std::ifstream(path)) GTEST_SKIP() << "cannot be opened";
   EXPECT_EQ(source_.Open(path), nullptr);
-  EXPECT_FALSE(source_.refused());
+  EXPECT_FALSE(errors_.failed);
 }
 
 TEST_F(Schema, Open_GoodFileAfterARefusedOne_GivesItAndStaysRefused) {
   source_.Open(Write("bad.xsd", ""));
   EXPECT_NE(source_.Open(Write("s.xsd", DeviceOnlySchema())), nullptr);
-  EXPECT_TRUE(source_.refused());
+  EXPECT_TRUE(errors_.failed);
 }
 
 TEST_F(Schema, ResolveEntity_LocalReference_GivesTheFile) {
@@ -199,7 +200,7 @@ TEST_F(Schema, ResolveEntity_ReferenceThatCannotBeFollowed_GivesASourceThatCanno
     ASSERT_NE(input, nullptr);
     EXPECT_EQ(Bytes(*input), "none");
     EXPECT_FALSE(input->getIssueFatalErrorIfNotFound());
-    EXPECT_FALSE(source_.refused());
+    EXPECT_FALSE(errors_.failed);
   }
 }
 
@@ -208,7 +209,7 @@ TEST_F(Schema, ResolveEntity_RefusedFile_GivesASourceThatCannotBeOpened) {
   const auto input = Resolve("s.xsd");
   ASSERT_NE(input, nullptr);
   EXPECT_EQ(Bytes(*input), "none");
-  EXPECT_TRUE(source_.refused());
+  EXPECT_TRUE(errors_.failed);
 }
 
 TEST_F(Schema, ResolveEntity_NoBaseAndNoReference_GivesASourceThatCannotBeOpened) {

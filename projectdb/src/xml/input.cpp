@@ -1,5 +1,6 @@
 #include "xml/input.h"
 
+#include <fstream>
 #include <memory>
 #include <system_error>
 #include <utility>
@@ -12,6 +13,17 @@
 #include "xml/text.h"
 
 namespace projectdb::xml {
+
+std::optional<std::string> ReadBytes(const std::filesystem::path& path, std::size_t most) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error)) return std::nullopt;
+  std::ifstream file(path, std::ios::binary);
+  if (!file) return std::nullopt;
+  std::string bytes;
+  for (char byte = 0; bytes.size() < most && file.get(byte);) bytes += byte;
+  if (file.bad()) return std::nullopt;
+  return bytes;
+}
 
 FileInput::FileInput(const std::string& path)
     : InputSource(Transcoder().ToXml(FileUri(std::filesystem::u8path(path))).c_str()),

@@ -1,11 +1,19 @@
 #pragma once
 
+#include <cstddef>
+#include <filesystem>
+#include <optional>
 #include <string>
 
 #include <xercesc/sax/InputSource.hpp>
 
 /// Where the parser reads from. Files are opened by their native path, never through the locale.
 namespace projectdb::xml {
+
+/// The bytes of a file, at most so many of its first: a size that the system tells need not be
+/// true. Regular files only: a device or a pipe may keep the reader waiting.
+/// @return nothing if it cannot be read
+std::optional<std::string> ReadBytes(const std::filesystem::path& path, std::size_t most);
 
 /// A file that is read as it is parsed. One that cannot be opened is a fatal parse error.
 class FileInput : public xercesc::InputSource {

@@ -5,7 +5,6 @@
 #include <xercesc/dom/DOMConfiguration.hpp>
 #include <xercesc/framework/Wrapper4InputSource.hpp>
 
-#include "xml/error_handler.h"
 #include "xml/errors.h"
 #include "xml/input.h"
 #include "xml/parser_settings.h"
@@ -29,25 +28,22 @@ bool UseSchema(xercesc::DOMLSParser& parser, SchemaSource& schemas,
   return true;
 }
 
-Owned<xercesc::DOMDocument> ParseFile(const std::string& xml_path,
+}  // namespace
+
+Owned<xercesc::DOMDocument> ParseWith(xercesc::DOMLSParser& parser,
+                                      KelProjectDbErrorHandler& errors, const std::string& xml_path,
                                       const std::string& schema_location) {
-  KelProjectDbErrorHandler errors;
-  SchemaSource schemas;
-  const Owned<xercesc::DOMLSParser> parser = CreateParser(errors);
-  parser->getDomConfig()->setParameter(XMLUni::fgXercesEntityResolver, &schemas);
+  SchemaSource schemas(errors);
+  parser.getDomConfig()->setParameter(XMLUni::fgXercesEntityResolver, &schemas);
   if (schema_location.empty()) {
     // Otherwise every element of a file without a schema would count as undeclared. Not so with a
     // schema: this setting would keep it from being applied.
-    Set(*parser, XMLUni::fgDOMValidateIfSchema, true);
-  } else if (!UseSchema(*parser, schemas, schema_location)) {
+    Set(parser, XMLUni::fgDOMValidateIfSchema, true);
+  } else if (!UseSchema(parser, schemas, schema_location)) {
     return nullptr;
   }
-  Owned<xercesc::DOMDocument> document = Parse(*parser, FileInput(xml_path));
-  if (errors.failed || schemas.refused()) return nullptr;
-  return document;
+  return Parse(parser, FileInput(xml_path));
 }
-
-}  // namespace
 
 Owned<xercesc::DOMDocument> ParseProjectXMLFile(const std::string& xml_path,
                                                 const std::string& schema_location) {
@@ -55,7 +51,11 @@ Owned<xercesc::DOMDocument> ParseProjectXMLFile(const std::string& xml_path,
   const std::string prefix = "Failed parsing XML file " + xml_path + ": ";
   return WithOnlyRuntimeErrors(prefix, [&] {
     try {
-      return ParseFile(xml_path, schema_location);
+      KelProjectDbErrorHandler errors;
+      const Owned<xercesc::DOMLSParser> parser = CreateParser(errors);
+      Owned<xercesc::DOMDocument> document = ParseWith(*parser, errors, xml_path, schema_location);
+      if (errors.failed) document.reset();
+      return document;
     } catch (const xercesc::DOMException& exception) {
       std::cout << prefix << TranscodeXMLString(exception.getMessage()) << "\n\n";
       throw;

@@ -3,7 +3,9 @@
 #include <string>
 
 #include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/dom/DOMLSParser.hpp>
 
+#include "xml/error_handler.h"
 #include "xml/owned.h"
 
 namespace projectdb::xml {
@@ -16,5 +18,13 @@ namespace projectdb::xml {
 /// @exception std::runtime_error "Failed parsing XML file …" if the XML library gives up
 Owned<xercesc::DOMDocument> ParseProjectXMLFile(const std::string& xml_path,
                                                 const std::string& schema_location);
+
+/// The parse of a project file with a given new parser: all but the making of the parser and what
+/// becomes of errors.
+/// @param errors the parser's error handler
+/// @return the document as far as it goes; null if the given schema cannot be used
+Owned<xercesc::DOMDocument> ParseWith(xercesc::DOMLSParser& parser,
+                                      KelProjectDbErrorHandler& errors, const std::string& xml_path,
+                                      const std::string& schema_location);
 
 }  // namespace projectdb::xml

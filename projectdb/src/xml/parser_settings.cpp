@@ -18,19 +18,23 @@ void Set(xercesc::DOMLSParser& parser, const XMLCh* parameter, bool value) {
 
 Owned<xercesc::DOMLSParser> CreateParser(xercesc::DOMErrorHandler& error_handler) {
   Owned<xercesc::DOMLSParser> parser(new DomParser);
-  Set(*parser, XMLUni::fgDOMComments, false);
-  Set(*parser, XMLUni::fgDOMDatatypeNormalization, true);
-  Set(*parser, XMLUni::fgDOMEntities, false);
-  Set(*parser, XMLUni::fgDOMNamespaces, true);
-  Set(*parser, XMLUni::fgDOMElementContentWhitespace, false);
-  Set(*parser, XMLUni::fgDOMValidate, true);
-  Set(*parser, XMLUni::fgXercesSchema, true);
-  Set(*parser, XMLUni::fgXercesSchemaFullChecking, false);
-  Set(*parser, XMLUni::fgXercesUserAdoptsDOMDocument, true);
-  // A document type declaration could make a small file expand without bound or read other files.
-  Set(*parser, XMLUni::fgDOMDisallowDoctype, true);
-  parser->getDomConfig()->setParameter(XMLUni::fgDOMErrorHandler, &error_handler);
+  Configure(*parser, error_handler);
   return parser;
+}
+
+void Configure(xercesc::DOMLSParser& parser, xercesc::DOMErrorHandler& error_handler) {
+  Set(parser, XMLUni::fgDOMComments, false);
+  Set(parser, XMLUni::fgDOMDatatypeNormalization, true);
+  Set(parser, XMLUni::fgDOMEntities, false);
+  Set(parser, XMLUni::fgDOMNamespaces, true);
+  Set(parser, XMLUni::fgDOMElementContentWhitespace, false);
+  Set(parser, XMLUni::fgDOMValidate, true);
+  Set(parser, XMLUni::fgXercesSchema, true);
+  Set(parser, XMLUni::fgXercesSchemaFullChecking, false);
+  Set(parser, XMLUni::fgXercesUserAdoptsDOMDocument, true);
+  // A document type declaration could make a small file expand without bound or read other files.
+  Set(parser, XMLUni::fgDOMDisallowDoctype, true);
+  parser.getDomConfig()->setParameter(XMLUni::fgDOMErrorHandler, &error_handler);
 }
 
 Owned<xercesc::DOMDocument> Parse(xercesc::DOMLSParser& parser, const xercesc::InputSource& input) {

@@ -15,6 +15,9 @@ namespace projectdb::xml {
 /// @param error_handler must outlive the parser
 Owned<xercesc::DOMLSParser> CreateParser(xercesc::DOMErrorHandler& error_handler);
 
+/// Gives a new parser those settings.
+void Configure(xercesc::DOMLSParser& parser, xercesc::DOMErrorHandler& error_handler);
+
 /// Sets a parameter if the parser can take the value.
 void Set(xercesc::DOMLSParser& parser, const XMLCh* parameter, bool value);
 

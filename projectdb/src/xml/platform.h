@@ -13,4 +13,13 @@ void InitializeXMLPlatform(void (*initialize)() = InitializeWithDefaultLocale);
 
 void TerminateXMLPlatform();
 
+/// Keeps the XML library initialised for as long as it lives.
+class Platform {
+ public:
+  Platform() { InitializeXMLPlatform(); }
+  ~Platform() { TerminateXMLPlatform(); }
+  Platform(const Platform&) = delete;
+  Platform& operator=(const Platform&) = delete;
+};
+
 }  // namespace projectdb::xml

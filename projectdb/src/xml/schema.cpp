@@ -1,13 +1,12 @@
 #include "xml/schema.h"
 
-#include <fstream>
 #include <optional>
-#include <string>
-#include <system_error>
+#include <utility>
 
+#include <xercesc/dom/impl/DOMErrorImpl.hpp>
+#include <xercesc/dom/impl/DOMLocatorImpl.hpp>
 #include <xercesc/util/XMLResourceIdentifier.hpp>
 
-#include "xml/error_handler.h"
 #include "xml/file_uri.h"
 #include "xml/input.h"
 #include "xml/parser_settings.h"
@@ -16,38 +15,38 @@
 namespace projectdb::xml {
 namespace {
 
-// The bytes of a file, or its first ones if it has more than it may: a size that the system tells
-// need not be true. Regular files only: a device or a pipe may keep the reader waiting.
-std::optional<std::string> ReadBytes(const std::filesystem::path& path) {
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(path, error)) return std::nullopt;
-  std::ifstream file(path, std::ios::binary);
-  if (!file) return std::nullopt;
-  std::string bytes;
-  for (char byte = 0; bytes.size() <= SchemaSource::kMaxSize && file.get(byte);) bytes += byte;
-  if (file.bad()) return std::nullopt;
-  return bytes;
-}
-
-bool IsWellFormedWithoutDoctype(const xercesc::InputSource& input) {
-  KelProjectDbErrorHandler errors;
+bool IsWellFormedWithoutDoctype(const xercesc::InputSource& input,
+                                KelProjectDbErrorHandler& errors) {
+  const bool failed_before = std::exchange(errors.failed, false);
   const Owned<xercesc::DOMLSParser> parser = CreateParser(errors);
   Set(*parser, xercesc::XMLUni::fgXercesSchema, false);
   Set(*parser, xercesc::XMLUni::fgDOMValidate, false);
   Parse(*parser, input);
-  return !errors.failed;
+  const bool is_refused = errors.failed;
+  errors.failed = is_refused || failed_before;
+  return !is_refused;
+}
+
+void ReportTooLarge(const xercesc::InputSource& input, KelProjectDbErrorHandler& errors) {
+  xercesc::DOMLocatorImpl location(1, 1, nullptr, input.getSystemId());
+  errors.handleError(xercesc::DOMErrorImpl(xercesc::DOMError::DOM_SEVERITY_FATAL_ERROR,
+                                           u"the schema is larger than any that is read",
+                                           &location));
 }
 
 }  // namespace
 
 std::unique_ptr<xercesc::InputSource> SchemaSource::Open(const std::filesystem::path& path) {
-  std::optional<std::string> bytes = ReadBytes(path);
+  std::optional<std::string> bytes = ReadBytes(path, kMaxSize + 1);
   if (!bytes) return nullptr;
   const bool is_too_large = bytes->size() > kMaxSize;
   auto input = std::make_unique<BytesInput>(std::move(*bytes), FileUri(path));
-  if (!is_too_large && IsWellFormedWithoutDoctype(*input)) return input;
-  refused_ = true;
-  return nullptr;
+  if (is_too_large) {
+    ReportTooLarge(*input, errors_);
+    return nullptr;
+  }
+  if (!IsWellFormedWithoutDoctype(*input, errors_)) return nullptr;
+  return input;
 }
 
 xercesc::InputSource* SchemaSource::resolveEntity(xercesc::XMLResourceIdentifier* identifier) {

@@ -8,6 +8,8 @@
 #include <xercesc/sax/InputSource.hpp>
 #include <xercesc/util/XMLEntityResolver.hpp>
 
+#include "xml/error_handler.h"
+
 namespace projectdb::xml {
 
 /// Finds the schema documents that a parse needs, given, hinted or included: local files only.
@@ -19,6 +21,9 @@ class SchemaSource : public xercesc::XMLEntityResolver {
   /// The bytes that a document may have; no more are read.
   static constexpr std::size_t kMaxSize = std::size_t{16} << 20U;
 
+  /// @param errors is told what is wrong with a refused document; must outlive this
+  explicit SchemaSource(KelProjectDbErrorHandler& errors) : errors_(errors) {}
+
   /// @param path of the schema that the caller gives
   /// @return null if it cannot be read or is refused
   std::unique_ptr<xercesc::InputSource> Open(const std::filesystem::path& path);
@@ -27,11 +32,8 @@ class SchemaSource : public xercesc::XMLEntityResolver {
   /// look for the document itself, on the network too.
   xercesc::InputSource* resolveEntity(xercesc::XMLResourceIdentifier* identifier) override;
 
-  /// Whether a document was refused.
-  bool refused() const { return refused_; }
-
  private:
-  bool refused_ = false;
+  KelProjectDbErrorHandler& errors_;
 };
 
 }  // namespace projectdb::xml
