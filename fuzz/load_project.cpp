@@ -11,6 +11,7 @@
 #include "checks.h"
 #include "memory_file.h"
 #include "round_trip.h"
+#include "support/checking.h"
 #include "support/temporary_directory.h"
 #include "whole_project.h"
 
@@ -50,6 +51,8 @@ Loaded LoadOverProject(Files& files, const std::string& schema) {
   KelProjectDatabase database;
   FillProject(database);
   const Loaded loaded = LoadAndCheck(database, files.project.path(), schema);
+  const bool is_accepted = test_support::CheckAccepts(files.project.path(), schema);
+  fuzz::Require(is_accepted == (loaded == Loaded::kWhole), "a check and a load disagree");
   if (loaded != Loaded::kRefused) ExportAndCheck(database, files.exported);
   return loaded;
 }

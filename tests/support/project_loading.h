@@ -3,11 +3,13 @@
 #include <filesystem>
 #include <ostream>
 #include <regex>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include <projectdb/project_db.h>
 
+#include "support/checking.h"
 #include "support/files.h"
 #include "support/message_recorder.h"
 #include "support/project_snapshot.h"
@@ -128,9 +130,14 @@ class Loading {
     return result;
   }
 
-  /// Writes a project file of these bytes and loads it.
+  /// Writes a project file of these bytes and loads it. Whatever they are, a check of the file must
+  /// come to the same result.
   bool LoadBytes(const std::string& bytes, const std::string& schema = "") {
-    return LoadFile(Write("p.xml", bytes), schema);
+    const bool result = LoadFile(Write("p.xml", bytes), schema);
+    if (CheckAccepts(path(), schema) != result) {
+      throw std::logic_error("check and load disagree on " + bytes);
+    }
+    return result;
   }
 
   /// The path that LoadBytes loads.

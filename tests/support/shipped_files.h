@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 /// Files of the source tree.
 namespace test_support {
@@ -10,5 +11,8 @@ std::string ShippedSchema();
 
 /// The project that the demonstration shows.
 std::string SampleProject();
+
+/// The project files that the fuzzing of loading begins with, in alphabetical order.
+std::vector<std::string> CorpusProjects();
 
 }  // namespace test_support

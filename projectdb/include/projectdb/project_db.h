@@ -20,6 +20,7 @@ namespace projectdb {
 
 class LoadObserver;
 struct ProjectContents;
+class ProjectFileChecker;
 
 /// Holds one FPGA design project in memory and moves it to and from a project XML file.
 ///
@@ -357,6 +358,7 @@ class KelProjectDatabase {
 
  private:
   friend ProjectContents GetProjectContents(const KelProjectDatabase& database);
+  friend ProjectFileChecker;  // It reads a document as a load does, but posts no messages.
 
   struct ProjectData;
 

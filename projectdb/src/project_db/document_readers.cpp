@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <utility>
 
 #include <xercesc/dom/DOMAttr.hpp>
@@ -33,26 +36,43 @@ IP ReadIP(Transcoder& transcoder, const DOMElement* element, LoadObserver& obser
     if (HasLocalName(child, format::kIpSrcFile)) {
       ip.src_files.push_back({GetDOMAttributeString(transcoder, child, format::kName)});
     } else {
-      observer.IgnoredElement(*child);
+      observer.IgnoredElement(*child, {format::kIpSrcFile.narrow});
     }
   }
   return ip;
 }
 
-Parameter ReadParameter(Transcoder& transcoder, const DOMElement* element) {
-  return Parameter(GetDOMAttributeString(transcoder, element, format::kName),
-                   GetDOMAttributeString(transcoder, element, format::kValue),
-                   KelProjectDatabase::getParameterTypeFromStr(
-                       GetDOMAttributeString(transcoder, element, format::kValueType)));
+Parameter ReadParameter(Transcoder& transcoder, const DOMElement* element, LoadObserver& observer) {
+  const std::string type = GetDOMAttributeString(transcoder, element, format::kValueType);
+  Parameter parameter(GetDOMAttributeString(transcoder, element, format::kName),
+                      GetDOMAttributeString(transcoder, element, format::kValue),
+                      KelProjectDatabase::getParameterTypeFromStr(type));
+  if (parameter.type == kNoParameterType && !type.empty()) {
+    observer.UnknownParameterType(*element, parameter, type);
+  }
+  return parameter;
+}
+
+// The parameter maps that a file has; those of Verilog are of synthesis only.
+constexpr std::array<Name, 3> kMaps = {kParameterMap, kDefineMap, kMacroMap};
+
+std::ptrdiff_t MapCount(ProcType type) {
+  return type == e_synthesis ? static_cast<std::ptrdiff_t>(kMaps.size()) : 1;
 }
 
 // The parameter map that an element of a flow process belongs to; null if there is none.
 const Name* AcceptedParameterMap(ProcType type, const DOMElement* element) {
-  if (HasLocalName(element, kParameterMap)) return &kParameterMap;
-  if (type != e_synthesis) return nullptr;
-  if (HasLocalName(element, kDefineMap)) return &kDefineMap;
-  if (HasLocalName(element, kMacroMap)) return &kMacroMap;
-  return nullptr;
+  const auto end = kMaps.begin() + MapCount(type);
+  const auto map = std::find_if(kMaps.begin(), end,
+                                [=](const Name& name) { return HasLocalName(element, name); });
+  return map == end ? nullptr : &*map;
+}
+
+Names MapNames(ProcType type) {
+  Names names;
+  std::for_each_n(kMaps.begin(), MapCount(type),
+                  [&](const Name& name) { names.emplace_back(name.narrow); });
+  return names;
 }
 
 // Appends the name of a file unless it is empty.
@@ -126,7 +146,8 @@ bool KelProjectDatabase::UpdateDeviceInfo(DeviceInfo& device_info, const char* /
     } else if (HasLocalName(child, format::kTimingModel)) {
       device_info.timing_model = name();
     } else {
-      observer.UnexpectedChild(*child);
+      observer.UnexpectedChild(
+          *child, {format::kFamily.narrow, format::kDevice.narrow, format::kTimingModel.narrow});
       result = false;
     }
   }
@@ -145,7 +166,8 @@ bool KelProjectDatabase::UpdateDesignInfo(DesignInfo& design_info, const char* /
     } else if (HasLocalName(child, format::kTopVhdlArch)) {
       design_info.top_vhdl_arch = GetDOMAttributeString(transcoder, child, format::kName);
     } else {
-      observer.UnexpectedChild(*child);
+      observer.UnexpectedChild(*child, {format::kTopModule.narrow, format::kDesignFile.narrow,
+                                        format::kTopVhdlArch.narrow});
       result = false;
     }
   }
@@ -167,7 +189,7 @@ bool KelProjectDatabase::UpdateConstraintInfo(DesignConstraint& constraint, cons
                HasLocalName(child, format::kCorePlaceFile)) {
       observer.DeprecatedElement(*child);
     } else {
-      observer.UnexpectedChild(*child);
+      observer.UnexpectedChild(*child, {format::kSdcFile.narrow, format::kInterFile.narrow});
       result = false;
     }
   }
@@ -182,7 +204,7 @@ bool KelProjectDatabase::UpdateISFInfo(DesignISF& isf, const char* /*ns*/, const
     if (HasLocalName(child, format::kIsfFile)) {
       ReadFileName(isf.isf_files, transcoder, child, observer);
     } else {
-      observer.UnexpectedChild(*child);
+      observer.UnexpectedChild(*child, {format::kIsfFile.narrow});
       result = false;
     }
   }
@@ -196,7 +218,7 @@ bool KelProjectDatabase::UpdateIPInfo(IPInfo& ip_info, const char* /*ns*/, const
     if (HasLocalName(child, format::kIp)) {
       ip_info.ips.push_back(ReadIP(transcoder, child, observer));
     } else {
-      observer.IgnoredElement(*child);
+      observer.IgnoredElement(*child, {format::kIp.narrow});
     }
   }
   return true;
@@ -208,9 +230,9 @@ void KelProjectDatabase::UpdateFileListInfo(std::vector<DesignFile>& files, cons
   Transcoder transcoder;
   const std::u16string namespace_uri = transcoder.ToXml(ns);
   const std::u16string local_name = transcoder.ToXml(tag);
-  const auto file_elements =
-      xml::DescendantElements(elem, namespace_uri, local_name,
-                              [&](const DOMElement* other) { observer.IgnoredElement(*other); });
+  const auto file_elements = xml::DescendantElements(
+      elem, namespace_uri, local_name,
+      [&](const DOMElement* other) { observer.IgnoredElement(*other, {tag}); });
   files.reserve(files.size() + file_elements.size());
   for (const DOMElement* file_elem : file_elements) {
     assertions::AssertNotNull(file_elem, "file_elem != nullptr");
@@ -228,13 +250,13 @@ bool KelProjectDatabase::SetUpFlowProcess(ProcType type, const char* tag, const 
   bool result = true;
   for (const DOMElement* child : ChildElements(elem)) {
     const Name* map_name = AcceptedParameterMap(type, child);
-    if (!map_name) observer.UnexpectedChild(*child);
+    if (!map_name) observer.UnexpectedChild(*child, MapNames(type));
     ParameterMap* map = map_name ? AddFlowProcessParameterMap(type, map_name->narrow) : nullptr;
     if (!map) {
       result = false;
       continue;
     }
-    const Parameter parameter = ReadParameter(transcoder, child);
+    const Parameter parameter = ReadParameter(transcoder, child, observer);
     // A parameter that the map refuses is left out; the file as a whole is still accepted.
     if (!InsertOrAssignParameterToMap(*map, parameter.name, parameter)) {
       observer.RefusedParameter(*child, parameter, *map);

@@ -27,12 +27,14 @@ class PostingObserver : public LoadObserver {
   void UnexpectedSection(const DOMElement& element) override {
     messages::Post(messages::MsgUnexpectedTag(TagOf(element)));
   }
-  void UnexpectedChild(const DOMElement& /*element*/) override {}
-  void IgnoredElement(const DOMElement& /*element*/) override {}
+  void UnexpectedChild(const DOMElement& /*element*/, const Names& /*expected*/) override {}
+  void IgnoredElement(const DOMElement& /*element*/, const Names& /*expected*/) override {}
   void NamelessFile(const DOMElement& /*element*/) override {}
   void DeprecatedElement(const DOMElement& element) override {
     messages::Post(messages::MsgDeprecatedTag(TagOf(element)));
   }
+  void UnknownParameterType(const DOMElement& /*element*/, const Parameter& /*parameter*/,
+                            const std::string& /*type*/) override {}
   void RefusedParameter(const DOMElement& /*element*/, const Parameter& /*parameter*/,
                         const ParameterMap& /*map*/) override {}
 };

@@ -1,10 +1,17 @@
 #pragma once
 
+#include <string>
+#include <string_view>
+#include <vector>
+
 #include <xercesc/dom/DOMElement.hpp>
 
 #include <projectdb/records.h>
 
 namespace projectdb {
+
+/// Local names of elements.
+using Names = std::vector<std::string_view>;
 
 /// Is told of each element of a project document that is not kept as it stands, in document
 /// order and while the database's lock is held. One that is kept draws no call.
@@ -16,16 +23,21 @@ class LoadObserver {
   virtual void UnexpectedSection(const xercesc::DOMElement& element) = 0;
 
   /// A child that its section does not have; the load's result is false.
-  virtual void UnexpectedChild(const xercesc::DOMElement& element) = 0;
+  /// @param expected the children that it has
+  virtual void UnexpectedChild(const xercesc::DOMElement& element, const Names& expected) = 0;
 
-  /// An element below a section that may hold anything.
-  virtual void IgnoredElement(const xercesc::DOMElement& element) = 0;
+  /// An element where any may stand, but only the expected are kept.
+  virtual void IgnoredElement(const xercesc::DOMElement& element, const Names& expected) = 0;
 
   /// An element of a list of file names that has none.
   virtual void NamelessFile(const xercesc::DOMElement& element) = 0;
 
   /// An element that the format no longer has.
   virtual void DeprecatedElement(const xercesc::DOMElement& element) = 0;
+
+  /// An element whose parameter is taken for one without a type, since there is none of that name.
+  virtual void UnknownParameterType(const xercesc::DOMElement& element, const Parameter& parameter,
+                                    const std::string& type) = 0;
 
   /// An element whose parameter its map refuses.
   virtual void RefusedParameter(const xercesc::DOMElement& element, const Parameter& parameter,
