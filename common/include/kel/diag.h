@@ -5,6 +5,7 @@
 #include <mutex>
 #include <string>
 
+#include <kel/export.h>
 #include <kel/string_ref.h>
 
 /// The suite's diagnostics service: what a tool has to say to its user goes through here.
@@ -14,7 +15,7 @@ namespace Diag {
 enum class MessageType { kInfo = 0, kWarning = 1, kError = 2 };
 
 /// One message, ready to post. It owns its text; the two references stay their caller's.
-class DiagStorage {
+class KEL_EXPORT DiagStorage {
  public:
   DiagStorage(Kel::BasicStringRef<char> identifier, MessageType type, std::string&& text,
               Kel::BasicStringRef<char> second);
@@ -32,7 +33,7 @@ class DiagStorage {
 };
 
 /// Delivers messages to the user. All operations may be called from any thread.
-class DiagService {
+class KEL_EXPORT DiagService {
  public:
   /// Called with each message, by the thread that posts it, possibly by several at once. A poster
   /// may hold a lock of its own: a handler must not call back into the object that posts.
@@ -52,6 +53,6 @@ class DiagService {
 };
 
 /// The process-wide diagnostics object, the same at every call.
-DiagService& GlobalInst();
+KEL_EXPORT DiagService& GlobalInst();
 
 }  // namespace Diag

@@ -4,8 +4,10 @@
 #include <stdexcept>
 #include <string>
 
+#include <kel/export.h>
+
 /// A failure that ends an operation of the suite.
-class kel_exception : public std::exception {
+class KEL_EXPORT kel_exception : public std::exception {
  public:
   /// @param message UTF-8 text, given back by what().
   /// The two flags are the suite's; they have no meaning here.

@@ -2,5 +2,7 @@
 
 #include <string>
 
+#include <kel/export.h>
+
 /// Version of the suite's software, such as "1.2.3".
-extern const std::string KEL_VERSION_NO;
+KEL_EXPORT extern const std::string KEL_VERSION_NO;

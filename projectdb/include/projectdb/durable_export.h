@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include <projectdb/export.h>
+
 namespace projectdb {
 
 class KelProjectDatabase;
@@ -33,6 +35,7 @@ class KelProjectDatabase;
 ///            Only if the last step fails, which brings the directory to the disk, the new file is
 ///            in place already, and the former one may be back after a failure of the machine.
 /// @exception std::bad_alloc with the former file as it was
-void ExportProjectDataDurably(const KelProjectDatabase& database, const std::string& path);
+PROJECTDB_EXPORT void ExportProjectDataDurably(const KelProjectDatabase& database,
+                                               const std::string& path);
 
 }  // namespace projectdb

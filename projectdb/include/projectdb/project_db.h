@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include <projectdb/export.h>
 #include <projectdb/records.h>
 
 // Xerces-C 3.2; callers that write DOM elements themselves include its headers.
@@ -44,7 +45,7 @@ class ProjectFileChecker;
 ///
 /// Text is UTF-8. Any bytes are stored; what cannot be converted is refused when it is used, by
 /// path getters (std::range_error) and by ExportProjectData (std::runtime_error).
-class KelProjectDatabase {
+class PROJECTDB_EXPORT KelProjectDatabase {
  public:
   static const std::string XML_FILE_EXT;        ///< Ending of project files: ".xml".
   static const std::string SDC_FILE_EXT;        ///< Ending of timing constraint files: ".sdc".
@@ -361,11 +362,12 @@ class KelProjectDatabase {
   friend ProjectFileChecker;  // It reads a document as a load does, but posts no messages.
 
   struct ProjectData;
+  struct PROJECTDB_NO_EXPORT ProjectData;
 
   template <typename... Members>
-  std::string GetProperty(Members... members) const;
+  PROJECTDB_NO_EXPORT std::string GetProperty(Members... members) const;
   template <typename... Members>
-  void SetProperty(const std::string& text, Members... members);
+  PROJECTDB_NO_EXPORT void SetProperty(const std::string& text, Members... members);
 
   bool LoadProjectDocument(const xercesc::DOMElement* root, LoadObserver& observer);
   bool AppendProjectToRoot(xercesc::DOMElement* root) const;
@@ -386,6 +388,26 @@ class KelProjectDatabase {
                           const xercesc::DOMElement* elem, LoadObserver& observer);
   bool SetUpFlowProcess(ProcType type, const char* tag, const char* ns,
                         const xercesc::DOMElement* elem, LoadObserver& observer);
+  PROJECTDB_NO_EXPORT bool LoadProjectDocument(const xercesc::DOMElement* root);
+  PROJECTDB_NO_EXPORT bool AppendProjectToRoot(xercesc::DOMElement* root) const;
+
+  PROJECTDB_NO_EXPORT bool LoadProjectInfoAttributes(const char* ns,
+                                                     const xercesc::DOMElement* root);
+  PROJECTDB_NO_EXPORT bool LoadProjectInfo(const char* ns, const xercesc::DOMElement* elem);
+  PROJECTDB_NO_EXPORT bool UpdateDeviceInfo(DeviceInfo& device_info, const char* ns,
+                                            const xercesc::DOMElement* elem);
+  PROJECTDB_NO_EXPORT bool UpdateDesignInfo(DesignInfo& design_info, const char* ns,
+                                            const xercesc::DOMElement* elem);
+  PROJECTDB_NO_EXPORT bool UpdateConstraintInfo(DesignConstraint& constraint, const char* ns,
+                                                const xercesc::DOMElement* elem);
+  PROJECTDB_NO_EXPORT bool UpdateISFInfo(DesignISF& isf, const char* ns,
+                                         const xercesc::DOMElement* elem);
+  PROJECTDB_NO_EXPORT bool UpdateIPInfo(IPInfo& ip_info, const char* ns,
+                                        const xercesc::DOMElement* elem);
+  PROJECTDB_NO_EXPORT void UpdateFileListInfo(std::vector<DesignFile>& files, const char* tag,
+                                              const char* ns, const xercesc::DOMElement* elem);
+  PROJECTDB_NO_EXPORT bool SetUpFlowProcess(ProcType type, const char* tag, const char* ns,
+                                            const xercesc::DOMElement* elem);
 
   mutable std::mutex mutex_;
   std::unique_ptr<ProjectData> data_;

@@ -1,0 +1,15 @@
+# What both libraries have in common: their versions and hidden symbols.
+function(projectdb_set_up_library target)
+  # Beside the symbols that are not marked it hides those of other libraries' templates.
+  set(symbol_map "${CMAKE_CURRENT_SOURCE_DIR}/exported_symbols.map")
+  set_target_properties(${target} PROPERTIES
+    POSITION_INDEPENDENT_CODE ON
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON
+    # Nothing depends on it, and without it both kinds of the library have the same objects.
+    DEFINE_SYMBOL ""
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR}
+    LINK_DEPENDS "${symbol_map}")
+  target_link_options(${target} PRIVATE "LINKER:--version-script=${symbol_map}")
+endfunction()
