@@ -1,4 +1,4 @@
-# What both libraries have in common: their versions and hidden symbols.
+# What both libraries have in common: their versions, hidden symbols and installation.
 function(projectdb_set_up_library target)
   # Beside the symbols that are not marked it hides those of other libraries' templates.
   set(symbol_map "${CMAKE_CURRENT_SOURCE_DIR}/exported_symbols.map")
@@ -10,6 +10,16 @@ function(projectdb_set_up_library target)
     DEFINE_SYMBOL ""
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR}
+    # The two libraries find each other wherever they are installed.
+    INSTALL_RPATH "$ORIGIN"
     LINK_DEPENDS "${symbol_map}")
   target_link_options(${target} PRIVATE "LINKER:--version-script=${symbol_map}")
+
+  if(PROJECTDB_INSTALL)
+    install(TARGETS ${target} EXPORT ${target}-targets
+      LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime
+        NAMELINK_COMPONENT development
+      ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development)
+    install(DIRECTORY include/ DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development)
+  endif()
 endfunction()
