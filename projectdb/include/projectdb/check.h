@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include <projectdb/export.h>
+
 namespace projectdb {
 
 /// How much a problem of a project file matters.
@@ -32,7 +34,7 @@ struct FileProblem {
 /// @param schema_file native path of the XML schema, or "" as with LoadProjectData; one that does
 ///        not exist is a warning
 /// @exception std::bad_alloc
-std::vector<FileProblem> CheckProjectFile(const std::string& xml_file,
-                                          const std::string& schema_file);
+PROJECTDB_EXPORT std::vector<FileProblem> CheckProjectFile(const std::string& xml_file,
+                                                           const std::string& schema_file);
 
 }  // namespace projectdb

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include <projectdb/export.h>
 #include <projectdb/project_contents.h>
 #include <projectdb/project_db.h>
 
@@ -49,19 +50,19 @@ struct ProjectDifference {
 ///
 /// Lists are compared as sequences: a file put into a list is one difference, whatever follows it,
 /// and a file moved is two, removed and added. An entry that was removed and another that was added
-/// at the same place are one difference with before and after, those of the same name first. As many
-/// entries as can be are left alone, unless a list repeats entries and takes more than 512 removals
-/// and additions of entries that both lists have: then some may be removed and added again without
-/// need. For n entries it takes O(n) memory and O(n log n) time.
+/// at the same place are one difference with before and after, those of the same name first. As
+/// many entries as can be are left alone, unless a list repeats entries and takes more than 512
+/// removals and additions of entries that both lists have: then some may be removed and added again
+/// without need. For n entries it takes O(n) memory and O(n log n) time.
 ///
 /// @exception std::bad_alloc
-std::vector<ProjectDifference> CompareProjects(const ProjectContents& before,
-                                               const ProjectContents& after);
+PROJECTDB_EXPORT std::vector<ProjectDifference> CompareProjects(const ProjectContents& before,
+                                                                const ProjectContents& after);
 
 /// The same of two objects, each seen at one moment under its lock; they may be the same object.
 /// @exception std::system_error if a lock fails
 /// @exception std::bad_alloc
-std::vector<ProjectDifference> CompareProjects(const KelProjectDatabase& before,
-                                               const KelProjectDatabase& after);
+PROJECTDB_EXPORT std::vector<ProjectDifference> CompareProjects(const KelProjectDatabase& before,
+                                                                const KelProjectDatabase& after);
 
 }  // namespace projectdb

@@ -28,6 +28,7 @@ class KelProjectDatabase;
 /// Threads: as ExportProjectData. Several threads and processes may save to one path; the project
 /// of the last one stays.
 ///
+/// @param database the object with the project
 /// @param path native path; at a directory, a device or a pipe nothing is written
 /// @exception std::runtime_error "Failed writing XML file " + path + ": " + reason + "\n" in all
 ///            cases in which ExportProjectData throws it or xercesc::IOException, and if a step of

@@ -109,6 +109,7 @@ class PROJECTDB_EXPORT KelProjectDatabase {
   /// InsertOrAssignProjectAttribute under the lock.
   bool AddProjectInfoAttribute(const std::string& name, const std::string& value);
 
+  /// @param name of the attribute
   /// @param value receives the attribute's text; untouched if there is none
   /// @return whether there is such an attribute
   bool GetProjectInfoAttribute(const std::string& name, std::string& value) const;
@@ -181,7 +182,7 @@ class PROJECTDB_EXPORT KelProjectDatabase {
   static bool InsertOrAssignParameterToMap(ParameterMap& map, const std::string& key,
                                            const Parameter& parameter);
 
-  /// Takes no lock. @param name zero-terminated; the name of the process's element in the file
+  /// Sets the name of the process's element in the file, a zero-terminated text. Takes no lock.
   void SetFlowProcessName(ProcType type, const char* name);
 
   void SetFlowProcessExecutableName(ProcType type, const std::string& name);
@@ -282,6 +283,7 @@ class PROJECTDB_EXPORT KelProjectDatabase {
   /// @{
 
   /// Reads a thread count of at most 65535 from ASCII digits; takes no lock.
+  /// @param text decimal
   /// @param default_num returned for a text that is empty, not a number, zero or too large
   /// @exception kel_exception if default_num is 0
   static std::uint64_t ParseMaxThreads(std::string_view text, std::uint64_t default_num);
@@ -358,10 +360,9 @@ class PROJECTDB_EXPORT KelProjectDatabase {
   /// @}
 
  private:
-  friend ProjectContents GetProjectContents(const KelProjectDatabase& database);
+  friend PROJECTDB_EXPORT ProjectContents GetProjectContents(const KelProjectDatabase& database);
   friend ProjectFileChecker;  // It reads a document as a load does, but posts no messages.
 
-  struct ProjectData;
   struct PROJECTDB_NO_EXPORT ProjectData;
 
   template <typename... Members>
@@ -369,45 +370,33 @@ class PROJECTDB_EXPORT KelProjectDatabase {
   template <typename... Members>
   PROJECTDB_NO_EXPORT void SetProperty(const std::string& text, Members... members);
 
-  bool LoadProjectDocument(const xercesc::DOMElement* root, LoadObserver& observer);
-  bool AppendProjectToRoot(xercesc::DOMElement* root) const;
-
-  bool LoadProjectInfoAttributes(const char* ns, const xercesc::DOMElement* root);
-  bool LoadProjectInfo(const char* ns, const xercesc::DOMElement* elem, LoadObserver& observer);
-  bool UpdateDeviceInfo(DeviceInfo& device_info, const char* ns, const xercesc::DOMElement* elem,
-                        LoadObserver& observer);
-  bool UpdateDesignInfo(DesignInfo& design_info, const char* ns, const xercesc::DOMElement* elem,
-                        LoadObserver& observer);
-  bool UpdateConstraintInfo(DesignConstraint& constraint, const char* ns,
-                            const xercesc::DOMElement* elem, LoadObserver& observer);
-  bool UpdateISFInfo(DesignISF& isf, const char* ns, const xercesc::DOMElement* elem,
-                     LoadObserver& observer);
-  bool UpdateIPInfo(IPInfo& ip_info, const char* ns, const xercesc::DOMElement* elem,
-                    LoadObserver& observer);
-  void UpdateFileListInfo(std::vector<DesignFile>& files, const char* tag, const char* ns,
-                          const xercesc::DOMElement* elem, LoadObserver& observer);
-  bool SetUpFlowProcess(ProcType type, const char* tag, const char* ns,
-                        const xercesc::DOMElement* elem, LoadObserver& observer);
-  PROJECTDB_NO_EXPORT bool LoadProjectDocument(const xercesc::DOMElement* root);
+  PROJECTDB_NO_EXPORT bool LoadProjectDocument(const xercesc::DOMElement* root,
+                                               LoadObserver& observer);
   PROJECTDB_NO_EXPORT bool AppendProjectToRoot(xercesc::DOMElement* root) const;
 
   PROJECTDB_NO_EXPORT bool LoadProjectInfoAttributes(const char* ns,
                                                      const xercesc::DOMElement* root);
-  PROJECTDB_NO_EXPORT bool LoadProjectInfo(const char* ns, const xercesc::DOMElement* elem);
+  PROJECTDB_NO_EXPORT bool LoadProjectInfo(const char* ns, const xercesc::DOMElement* elem,
+                                           LoadObserver& observer);
   PROJECTDB_NO_EXPORT bool UpdateDeviceInfo(DeviceInfo& device_info, const char* ns,
-                                            const xercesc::DOMElement* elem);
+                                            const xercesc::DOMElement* elem,
+                                            LoadObserver& observer);
   PROJECTDB_NO_EXPORT bool UpdateDesignInfo(DesignInfo& design_info, const char* ns,
-                                            const xercesc::DOMElement* elem);
+                                            const xercesc::DOMElement* elem,
+                                            LoadObserver& observer);
   PROJECTDB_NO_EXPORT bool UpdateConstraintInfo(DesignConstraint& constraint, const char* ns,
-                                                const xercesc::DOMElement* elem);
+                                                const xercesc::DOMElement* elem,
+                                                LoadObserver& observer);
   PROJECTDB_NO_EXPORT bool UpdateISFInfo(DesignISF& isf, const char* ns,
-                                         const xercesc::DOMElement* elem);
+                                         const xercesc::DOMElement* elem, LoadObserver& observer);
   PROJECTDB_NO_EXPORT bool UpdateIPInfo(IPInfo& ip_info, const char* ns,
-                                        const xercesc::DOMElement* elem);
+                                        const xercesc::DOMElement* elem, LoadObserver& observer);
   PROJECTDB_NO_EXPORT void UpdateFileListInfo(std::vector<DesignFile>& files, const char* tag,
-                                              const char* ns, const xercesc::DOMElement* elem);
+                                              const char* ns, const xercesc::DOMElement* elem,
+                                              LoadObserver& observer);
   PROJECTDB_NO_EXPORT bool SetUpFlowProcess(ProcType type, const char* tag, const char* ns,
-                                            const xercesc::DOMElement* elem);
+                                            const xercesc::DOMElement* elem,
+                                            LoadObserver& observer);
 
   mutable std::mutex mutex_;
   std::unique_ptr<ProjectData> data_;
