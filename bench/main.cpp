@@ -1,0 +1,33 @@
+#include <exception>
+#include <iostream>
+
+#include <kel/diag.h>
+
+#include "benchmarks.h"
+#include "table_reporter.h"
+
+namespace {
+
+int Run(int argument_count, char** arguments) {
+  benchmark::Initialize(&argument_count, arguments);
+  if (benchmark::ReportUnrecognizedArguments(argument_count, arguments)) return 2;
+  Diag::GlobalInst().SetHandler([](const Diag::DiagStorage&) {});
+  bench::RegisterXmlBenchmarks();
+  bench::RegisterMemoryBenchmarks();
+  bench::RegisterGetterBenchmarks();
+  bench::RegisterAdderBenchmarks();
+  bench::RegisterParameterBenchmarks();
+  bench::TableReporter reporter;
+  return benchmark::RunSpecifiedBenchmarks(&reporter) > 0 ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argument_count, char** arguments) {
+  try {
+    return Run(argument_count, arguments);
+  } catch (const std::exception& exception) {
+    std::cerr << exception.what() << '\n';
+    return 1;
+  }
+}

@@ -1,0 +1,164 @@
+#include "table_reporter.h"
+
+#include <algorithm>
+#include <optional>
+#include <ostream>
+#include <sstream>
+
+#include "benchmarks.h"
+#include "text_table.h"
+
+namespace bench {
+namespace {
+
+/// How many times its limit an operation of the library may take.
+struct Target {
+  const char* operation;
+  double ratio;
+  long smallest_size;  // Below it there is no target.
+};
+
+constexpr Target kTargets[] = {{"load", 1.08, 10'000},
+                               {"load_with_schema", 1.07, 10'000},
+                               {"start_and_load", 1.15, 100},
+                               {"start_and_load_with_schema", 1.15, 100},
+                               {"export", 1.02, 10'000},
+                               {"peak_memory_load", 1.12, 10'000},
+                               {"peak_memory_load_with_schema", 1.12, 10'000},
+                               {"peak_memory_export", 1.00, 10'000},
+                               {"GetDesignFileList", 1.2, 100'000},
+                               {"AddDesignRTLFile", 1.1, 100'000},
+                               {"GetFlowProcessParameterValue", 1.5, 100}};
+
+// Of the time that an element takes in a large project against that in a small one.
+constexpr double kGrowthTarget = 1.25;
+constexpr long kSmallSize = 1'000;
+constexpr long kLargeSize = 100'000;
+
+double Median(std::vector<double> values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+std::string Fixed(double value, int decimals) {
+  std::ostringstream text;
+  text.setf(std::ios::fixed);
+  text.precision(decimals);
+  text << value;
+  return text.str();
+}
+
+std::string Time(double nanoseconds) {
+  return Fixed(nanoseconds, nanoseconds < 100 ? 1 : 0) + " ns";
+}
+
+std::string Quantity(const std::string& operation, double value) {
+  const bool is_memory = operation.rfind(kPeakMemory, 0) == 0;
+  return is_memory ? Fixed(value / 1e6, 1) + " MB" : Time(value);
+}
+
+// The last cells of a row.
+std::vector<std::string> RatioCells(double ratio, std::optional<double> target) {
+  if (!target) return {Fixed(ratio, 2), "", ""};
+  return {Fixed(ratio, 2), "<= " + Fixed(*target, 2), ratio <= *target ? "yes" : "NO"};
+}
+
+std::optional<double> TargetOf(const std::string& operation, long size) {
+  for (const Target& target : kTargets) {
+    if (operation == target.operation && size >= target.smallest_size) return target.ratio;
+  }
+  return std::nullopt;
+}
+
+void AddRow(TextTable& table, std::vector<std::string> cells,
+            const std::vector<std::string>& last_cells) {
+  cells.insert(cells.end(), last_cells.begin(), last_cells.end());
+  table.Row(std::move(cells));
+}
+
+void AddGrowthRow(TextTable& table, const std::string& title, double small, double large,
+                  std::optional<double> target) {
+  AddRow(table, {title, Time(small), Time(large)}, RatioCells(large / small, target));
+}
+
+}  // namespace
+
+bool TableReporter::ReportContext(const Context& context) {
+  GetOutputStream() << "Medians on " << context.cpu_info.num_cpus
+                    << " cores; times are those of one design file or element.\n\n";
+  return true;
+}
+
+void TableReporter::ReportRuns(const std::vector<Run>& runs) {
+  for (const Run& run : runs) {
+    if (run.run_type != Run::RT_Iteration) continue;
+    const std::string& name = run.run_name.function_name;
+    const long size = std::stol(run.run_name.args);
+    const auto library = run.counters.find(kLibrary);
+    if (library == run.counters.end()) {
+      times_[{name, size, run.threads}].push_back(1e9 / run.counters.at("items_per_second"));
+    } else {
+      const double bare = run.counters.at(kBare);
+      Comparison& comparison = comparisons_[{name, size}];
+      comparison.library.push_back(library->second);
+      comparison.bare.push_back(bare);
+      comparison.ratio.push_back(library->second / bare);
+    }
+  }
+}
+
+void TableReporter::Finalize() {
+  PrintRatios(GetOutputStream());
+  PrintGrowth(GetOutputStream());
+  PrintThreads(GetOutputStream());
+}
+
+// In processor time.
+void TableReporter::PrintRatios(std::ostream& out) const {
+  TextTable table({"operation", "size", "library", "bare", "ratio", "target", "met"});
+  for (const auto& [key, comparison] : comparisons_) {
+    const auto& [operation, size] = key;
+    AddRow(table,
+           {operation, std::to_string(size), Quantity(operation, Median(comparison.library)),
+            Quantity(operation, Median(comparison.bare))},
+           RatioCells(Median(comparison.ratio), TargetOf(operation, size)));
+  }
+  table.Print(out);
+}
+
+void TableReporter::PrintGrowth(std::ostream& out) const {
+  TextTable table(
+      {"growth", std::to_string(kSmallSize), std::to_string(kLargeSize), "ratio", "target", "met"});
+  for (const auto& [key, small] : comparisons_) {
+    const auto large = comparisons_.find({key.first, kLargeSize});
+    if (key.second != kSmallSize || large == comparisons_.end()) continue;
+    AddGrowthRow(table, key.first, Median(small.library), Median(large->second.library),
+                 kGrowthTarget);
+    AddGrowthRow(table, key.first + ", bare", Median(small.bare), Median(large->second.bare),
+                 std::nullopt);
+  }
+  for (const auto& [key, small] : times_) {
+    const auto& [operation, size, threads] = key;
+    const auto large = times_.find({operation, kLargeSize, threads});
+    const bool is_compared = comparisons_.count({operation, size}) > 0;
+    if (is_compared || size != kSmallSize || threads != 1 || large == times_.end()) continue;
+    AddGrowthRow(table, operation, Median(small), Median(large->second), kGrowthTarget);
+  }
+  table.Print(out);
+}
+
+// In wall time, of what the threads do together.
+void TableReporter::PrintThreads(std::ostream& out) const {
+  TextTable table({"operation", "size", "1 thread", "2 threads", "4 threads"});
+  for (const auto& [key, one] : times_) {
+    const auto& [operation, size, threads] = key;
+    if (threads != 1) continue;
+    table.Row({operation, std::to_string(size), Time(Median(one)),
+               Time(Median(times_.at({operation, size, 2}))),
+               Time(Median(times_.at({operation, size, 4})))});
+  }
+  table.Print(out);
+}
+
+}  // namespace bench
