@@ -49,7 +49,12 @@ bool HasLocalName(const DOMElement* element, const Name& name) {
 
 std::string GetDOMAttributeString(Transcoder& transcoder, const DOMElement* element,
                                   const Name& name) {
-  return transcoder.ToUtf8(element->getAttribute(name.wide));
+  const xercesc::DOMAttr* attribute = element->getAttributeNode(name.wide);
+  if (!attribute) return {};
+  // A parsed value is a single text node. Asking that is cheaper than asking the attribute, which
+  // first finds out whether there are more.
+  const xercesc::DOMNode* text = attribute->getFirstChild();
+  return text ? transcoder.ToUtf8(text->getNodeValue()) : std::string();
 }
 
 DOMElement* ElementWriter::AddChildDOMElement(DOMElement* parent, const XMLCh* tag) {

@@ -48,7 +48,7 @@ std::vector<const xercesc::DOMElement*> DescendantElements(
 /// Whether this is the element's local name.
 bool HasLocalName(const xercesc::DOMElement* element, const Name& name);
 
-/// The text of an attribute; "" if it is absent.
+/// The text of an attribute of a parsed element; "" if it is absent.
 std::string GetDOMAttributeString(Transcoder& transcoder, const xercesc::DOMElement* element,
                                   const Name& name);
 
