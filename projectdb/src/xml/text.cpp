@@ -16,6 +16,11 @@ namespace {
 // The transcoder never sees more than it is given; the size only sets up its own tables.
 constexpr XMLSize_t kBlockSize = 1024;
 
+// Printable ASCII is the same in both forms, and XML carries all of it.
+bool IsPlain(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+}
+
 bool IsSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
 
 // Transcoded text has surrogates in pairs only, and XML carries every character beyond 16 bits.
@@ -59,6 +64,11 @@ void Transcoder::Transcode(std::string_view text) {
 }
 
 const std::u16string& Transcoder::ToXml(std::string_view text) {
+  if (IsPlain(text)) {
+    xml_text_.resize(text.size());
+    std::copy(text.begin(), text.end(), xml_text_.begin());
+    return xml_text_;
+  }
   Transcode(text);
   const auto forbidden = std::find_if(xml_text_.begin(), xml_text_.end(), IsForbidden);
   if (forbidden != xml_text_.end()) {
@@ -78,6 +88,9 @@ std::u16string Transcoder::ToElementName(std::string_view name) {
 
 std::string Transcoder::ToUtf8(const XMLCh* text) {
   const XMLSize_t length = xercesc::XMLString::stringLen(text);
+  if (std::all_of(text, text + length, [](XMLCh unit) { return unit < 0x80; })) {
+    return std::string(text, text + length);
+  }
   // A 16-bit unit takes at most three bytes, a pair of them four.
   std::string result(length * 3, '\0');
   XMLSize_t units_read = 0;
