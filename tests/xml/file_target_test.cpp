@@ -92,6 +92,16 @@ TEST_F(FileTargets, Close_OneLargePiece_IsWhole) {
   EXPECT_TRUE(ReadFile(path_) == bytes);
 }
 
+TEST_F(FileTargets, Close_LargePieceBetweenSmallOnes_KeepsTheirOrder) {
+  const std::string large(3000000, 'x');
+  FileTarget target(path_);
+  Write(target, "one ");
+  Write(target, large);
+  Write(target, " two");
+  target.Close();
+  EXPECT_TRUE(ReadFile(path_) == "one " + large + " two");
+}
+
 TEST_F(FileTargets, Flush_BetweenPieces_ChangesNothingInTheFile) {
   FileTarget target(path_);
   target.flush();

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <xercesc/framework/XMLFormatter.hpp>
 
@@ -21,7 +22,7 @@ class FileTarget : public xercesc::XMLFormatTarget {
   void writeChars(const XMLByte* bytes, XMLSize_t count, xercesc::XMLFormatter*) override;
   void flush() override;
 
-  /// Writes what is left and closes the file.
+  /// Writes what is left, which nothing else does, and closes the file.
   /// @exception Failure with the system's reason if anything was not written
   void Close();
 
@@ -43,9 +44,12 @@ class FileTarget : public xercesc::XMLFormatTarget {
   };
 
   void NoteError(bool succeeded);
+  void Write(const XMLByte* bytes, std::size_t count);
+  void WriteBuffer();
 
   SizeSignalBlock size_signal_block_;  // First, so that it outlives the file.
-  std::string buffer_;
+  std::vector<XMLByte> buffer_;
+  std::size_t used_ = 0;  // Of the buffer.
   std::unique_ptr<std::FILE, CloseFile> file_;
   int error_ = 0;  // The first failure's errno.
 };
