@@ -11,9 +11,9 @@ std::filesystem::path FromUtf8(const std::string& name) {
 
 std::filesystem::path ResolveProjectPath(const std::filesystem::path& base,
                                          const std::string& name) {
-  std::filesystem::path path = FromUtf8(name);
+  // Joining takes an absolute name as it is.
+  std::filesystem::path path = base / FromUtf8(name);
   if (path.is_absolute()) return path;
-  path = base / path;
   // std::filesystem::absolute refuses the empty path.
   return path.empty() ? std::filesystem::current_path() : std::filesystem::absolute(path);
 }
