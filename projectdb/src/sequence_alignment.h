@@ -16,7 +16,7 @@ struct AlignedEntries {
 ///
 /// These are as many as can be, unless entries repeat and more than kMostEdits removals and
 /// insertions of entries that both sequences have make the one of the other; then they may be
-/// fewer. Exchanging the sequences exchanges the positions and nothing else.
+/// far fewer. Exchanging the sequences exchanges the positions and nothing else.
 ///
 /// For n entries, takes O(n) memory and O(n log n) time.
 std::vector<AlignedEntries> AlignEqualEntries(const std::vector<std::string_view>& before,

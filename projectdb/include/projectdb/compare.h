@@ -52,8 +52,8 @@ struct ProjectDifference {
 /// and a file moved is two, removed and added. An entry that was removed and another that was added
 /// at the same place are one difference with before and after, those of the same name first. As
 /// many entries as can be are left alone, unless a list repeats entries and takes more than 512
-/// removals and additions of entries that both lists have: then some may be removed and added again
-/// without need. For n entries it takes O(n) memory and O(n log n) time.
+/// removals and additions of entries that both lists have: then far more may be removed and added
+/// again than would be needed. For n entries it takes O(n) memory and O(n log n) time.
 ///
 /// @exception std::bad_alloc
 PROJECTDB_EXPORT std::vector<ProjectDifference> CompareProjects(const ProjectContents& before,
