@@ -1,0 +1,33 @@
+#include "kelproj/kelproj_test.h"
+
+namespace {
+
+using test_support::KelprojTest;
+using test_support::Outcome;
+using test_support::Printed;
+using test_support::ReadFile;
+using test_support::RunProcess;
+
+/// The program as it is installed, and then moved.
+class Installation : public KelprojTest {
+ protected:
+  void SetUp() override {
+    const Outcome outcome =
+        RunProcess({"cmake", "--install", BUILD_DIRECTORY, "--prefix", PathOf("first place")});
+    ASSERT_EQ(outcome.status, 0) << outcome.err;
+    std::filesystem::rename(PathOf("first place"), PathOf("second place"));
+  }
+
+  std::string Installed(const std::string& name) const { return PathOf("second place/" + name); }
+};
+
+TEST_F(Installation, ManualPage_IsTheOneThatTheProgramPrints) {
+  EXPECT_EQ(Run({"man"}), Printed(ReadFile(Installed("share/man/man1/kelproj.1"))));
+}
+
+TEST_F(Installation, BashCompletion_IsTheOneThatTheProgramPrints) {
+  EXPECT_EQ(Run({"completion", "bash"}),
+            Printed(ReadFile(Installed("share/bash-completion/completions/kelproj"))));
+}
+
+}  // namespace

@@ -1,0 +1,7 @@
+#include "kelproj/kelproj_test.h"
+
+namespace test_support {
+
+std::string KelprojProgram() { return KELPROJ_PROGRAM; }
+
+}  // namespace test_support

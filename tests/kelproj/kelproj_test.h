@@ -1,0 +1,97 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "kelproj/process.h"
+#include "support/files.h"
+#include "support/temporary_directory.h"
+
+namespace test_support {
+
+/// Path of the built program.
+std::string KelprojProgram();
+
+inline Outcome Printed(std::string out) { return {0, std::move(out), ""}; }
+inline Outcome Done() { return Printed(""); }
+inline Outcome AnsweredNo(std::string out = "") { return {1, std::move(out), ""}; }
+inline Outcome Failed(const std::string& reason) {
+  return {2, "", "kelproj: error: " + reason + "\n"};
+}
+inline Outcome WrongArguments(const std::string& reason, const std::string& command) {
+  return {2, "", "kelproj: error: " + reason + "\nTry: " + command + " --help\n"};
+}
+
+/// Gives a file or directory other permissions for as long as it lives.
+class Permissions {
+ public:
+  Permissions(const std::string& path, unsigned permissions)
+      : path_(path), former_(std::filesystem::status(path).permissions()) {
+    std::filesystem::permissions(path_, std::filesystem::perms(permissions));
+  }
+  ~Permissions() { std::filesystem::permissions(path_, former_); }
+  Permissions(const Permissions&) = delete;
+  Permissions& operator=(const Permissions&) = delete;
+
+ private:
+  std::string path_;
+  std::filesystem::perms former_;
+};
+
+/// Runs the program in a new directory.
+class KelprojTest : public ::testing::Test {
+ protected:
+  Outcome Run(std::vector<std::string> arguments, ProcessSettings settings = {}) const {
+    arguments.insert(arguments.begin(), KelprojProgram());
+    if (settings.directory == ".") settings.directory = Directory();
+    return RunProcess(arguments, settings);
+  }
+
+  // Runs the program so that permissions of files bind it.
+  Outcome RunUnprivileged(const std::vector<std::string>& arguments) const {
+    ProcessSettings settings;
+    settings.obeys_permissions = true;
+    return Run(arguments, settings);
+  }
+
+  // On some systems root cannot give up its rights.
+  bool PermissionsBind() const {
+    WriteFile(PathOf("secret"), "");
+    const Permissions none(PathOf("secret"), 0);
+    ProcessSettings settings;
+    settings.obeys_permissions = true;
+    return RunProcess({"cat", PathOf("secret")}, settings).status != 0;
+  }
+
+  void MakeProject(const std::string& file = "blinker.xml") const {
+    ASSERT_EQ(Run({"new", "blinker", "-o", file}), Done());
+  }
+
+  std::string Get(const std::string& file, const std::string& key) const {
+    return Run({"get", file, key}).out;
+  }
+
+  std::string Directory() const { return directory_.path().string(); }
+  std::string PathOf(const std::string& name) const { return directory_ / name; }
+  std::string Read(const std::string& name) const { return ReadFile(PathOf(name)); }
+  void Write(const std::string& name, const std::string& bytes) const {
+    WriteFile(PathOf(name), bytes);
+  }
+
+  std::vector<std::string> Names() const {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(directory_.path())) {
+      names.push_back(entry.path().filename().string());
+    }
+    return names;
+  }
+
+ private:
+  TemporaryDirectory directory_;
+};
+
+}  // namespace test_support

@@ -1,0 +1,78 @@
+#include <gmock/gmock.h>
+
+#include "kelproj/kelproj_test.h"
+
+namespace {
+
+using test_support::Done;
+using test_support::Failed;
+using test_support::KelprojTest;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class New : public KelprojTest {};
+
+TEST_F(New, NameAndFile_CreatesAProjectOfThatName) {
+  EXPECT_EQ(Run({"new", "blinker", "-o", "blinker.xml"}), Done());
+  EXPECT_EQ(Get("blinker.xml", "name"), "blinker\n");
+}
+
+TEST_F(New, NameOfACommand_IsTheNameOfTheProject) {
+  EXPECT_EQ(Run({"new", "show", "--output", "show.xml"}), Done());
+  EXPECT_EQ(Get("show.xml", "name"), "show\n");
+}
+
+TEST_F(New, NoOptions_TakesTheDefaultsOfTheLibrary) {
+  MakeProject();
+  EXPECT_EQ(Get("blinker.xml", "device.family"), "Varel\n");
+  EXPECT_EQ(Get("blinker.xml", "device.device"), "Q8R25\n");
+}
+
+TEST_F(New, Options_SetTheirValues) {
+  EXPECT_EQ(Run({"new", "mixer", "-o", "mixer.xml", "--family", "Varel II", "--device", "R40",
+                 "--timing-model", "slow", "--top", "mixer_top"}),
+            Done());
+  EXPECT_EQ(Get("mixer.xml", "device.family"), "Varel II\n");
+  EXPECT_EQ(Get("mixer.xml", "device.device"), "R40\n");
+  EXPECT_EQ(Get("mixer.xml", "device.timing_model"), "slow\n");
+  EXPECT_EQ(Get("mixer.xml", "design.top_module"), "mixer_top\n");
+}
+
+TEST_F(New, FileWithBlanksQuotesAndUmlauts_IsCreatedUnderThatName) {
+  const std::string file = "ein \"schönes\" Projekt's.xml";
+  EXPECT_EQ(Run({"new", "Blinklicht \"ä\" & <ö>", "-o", file}), Done());
+  EXPECT_THAT(Names(), ElementsAre(file));
+  EXPECT_EQ(Get(file, "name"), "Blinklicht \"ä\" & <ö>\n");
+}
+
+TEST_F(New, FileThatIsThere_IsKept) {
+  Write("blinker.xml", "precious");
+  EXPECT_EQ(Run({"new", "blinker", "-o", "blinker.xml"}), Failed("blinker.xml exists already"));
+  EXPECT_EQ(Read("blinker.xml"), "precious");
+}
+
+TEST_F(New, FileThatWouldNotLoadForItsName_IsNotCreated) {
+  EXPECT_EQ(Run({"new", "blinker", "-o", "blinker.prj"}),
+            Failed("blinker.prj: the name of a project file ends in .xml"));
+  EXPECT_THAT(Names(), IsEmpty());
+}
+
+TEST_F(New, DirectoryThatIsNotThere_IsNotCreated) {
+  EXPECT_EQ(Run({"new", "blinker", "-o", "work/blinker.xml"}),
+            Failed("Failed writing XML file work/blinker.xml: No such file or directory"));
+  EXPECT_THAT(Names(), IsEmpty());
+}
+
+TEST_F(New, DirectoryThatCannotBeWritten_Fails) {
+  if (!PermissionsBind()) GTEST_SKIP() << "permissions do not bind root";
+  const test_support::Permissions read_only(Directory(), 0555);
+  EXPECT_EQ(RunUnprivileged({"new", "blinker", "-o", "blinker.xml"}),
+            Failed("Failed writing XML file blinker.xml: Permission denied"));
+}
+
+TEST_F(New, TextThatXmlCannotHold_CreatesNothing) {
+  EXPECT_EQ(Run({"new", "blink\x02", "-o", "blinker.xml"}).status, 2);
+  EXPECT_THAT(Names(), IsEmpty());
+}
+
+}  // namespace

@@ -1,0 +1,36 @@
+#include <filesystem>
+
+#include <projectdb/durable_export.h>
+#include <projectdb/project_db.h>
+
+#include "commands.h"
+
+namespace kelproj {
+namespace {
+
+using projectdb::KelProjectDatabase;
+
+void RequireNewProjectFile(const std::string& file) {
+  const std::filesystem::path path(file);
+  if (path.extension() != KelProjectDatabase::XML_FILE_EXT) {
+    throw Trouble(file + ": the name of a project file ends in " +
+                  KelProjectDatabase::XML_FILE_EXT);
+  }
+  if (std::filesystem::exists(path)) throw Trouble(file + " exists already");
+}
+
+}  // namespace
+
+ExitStatus Run(const NewArguments& arguments, const Console& /*console*/) {
+  RequireNewProjectFile(arguments.file);
+  KelProjectDatabase database;
+  database.CreateNewProjectDatabase(arguments.name);
+  if (arguments.family) database.SetDeviceFamily(*arguments.family);
+  if (arguments.device) database.SetDeviceModel(*arguments.device);
+  if (arguments.timing_model) database.SetDeviceTimingModel(*arguments.timing_model);
+  if (arguments.top_module) database.SetDesignTopModuleName(*arguments.top_module);
+  projectdb::ExportProjectDataDurably(database, arguments.file);
+  return ExitStatus::kYes;
+}
+
+}  // namespace kelproj

@@ -1,0 +1,247 @@
+#include "help.h"
+
+#include <algorithm>
+#include <sstream>
+#include <string_view>
+#include <vector>
+
+#include <kel/version.h>
+#include <CLI/CLI.hpp>
+
+#include "keys.h"
+
+namespace kelproj {
+namespace {
+
+bool IsFlag(const CLI::Option& option) { return option.get_items_expected_max() == 0; }
+
+bool IsList(const CLI::Option& option) {
+  return option.get_expected_max() >= CLI::detail::expected_max_vector_size;
+}
+
+/// The options and positionals of a command that help speaks of, in the order of their definition.
+std::vector<const CLI::Option*> OptionsOf(const CLI::App& app, bool positional) {
+  return app.get_options([positional](const CLI::Option* option) {
+    return !option->get_group().empty() && option->get_positional() == positional;
+  });
+}
+
+std::vector<const CLI::App*> CommandsOf(const CLI::App& program) {
+  return program.get_subcommands([](const CLI::App* command) {
+    return !command->get_name().empty() && !command->get_group().empty();
+  });
+}
+
+std::string PositionalName(const CLI::Option& option) {
+  const std::string& text = option.get_option_text();
+  if (!text.empty()) return text;
+  return option.get_name(true, false) + (IsList(option) ? "..." : "");
+}
+
+std::string ShortestName(const CLI::Option& option) {
+  return option.get_snames().empty() ? "--" + option.get_lnames().front()
+                                     : "-" + option.get_snames().front();
+}
+
+std::string ValueOf(const CLI::Option& option) {
+  return IsFlag(option) ? "" : " " + option.get_type_name();
+}
+
+// One of a set of options that exclude each other is needed; the first stands for all of them.
+std::string Alternatives(const CLI::App& app, const CLI::Option& first) {
+  std::string names;
+  for (const CLI::Option* option : OptionsOf(app, false)) {
+    if (option == &first) {
+      names = ShortestName(first);
+    } else if (option->get_excludes().count(const_cast<CLI::Option*>(&first)) > 0) {
+      if (names.empty()) return "";
+      names += "|" + ShortestName(*option);
+    }
+  }
+  return " " + names;
+}
+
+std::string OptionSynopsis(const CLI::App& app, const CLI::Option& option) {
+  if (&option == app.get_help_ptr() || &option == app.get_version_ptr()) return "";
+  if (!option.get_excludes().empty()) return Alternatives(app, option);
+  const std::string text = ShortestName(option) + ValueOf(option);
+  return option.get_required() ? " " + text : " [" + text + "]";
+}
+
+/// How a command, or the program, is called.
+std::string Synopsis(const CLI::App& app) {
+  std::string synopsis = app.get_parent() ? app.get_parent()->get_name() + " " : "";
+  synopsis += app.get_name();
+  for (const CLI::Option* option : OptionsOf(app, true)) synopsis += " " + PositionalName(*option);
+  for (const CLI::Option* option : OptionsOf(app, false)) synopsis += OptionSynopsis(app, *option);
+  if (!CommandsOf(app).empty()) synopsis += " COMMAND ...";
+  return synopsis;
+}
+
+/// The names of an option, or of a positional, and of its value.
+std::string Term(const CLI::Option& option) {
+  if (option.get_positional()) return PositionalName(option);
+  std::string names;
+  for (const std::string& name : option.get_snames()) names += "-" + name + ", ";
+  for (const std::string& name : option.get_lnames()) names += "--" + name + ", ";
+  return names.substr(0, names.size() - 2) + ValueOf(option);
+}
+
+class Formatter : public CLI::Formatter {
+ public:
+  Formatter() {
+    label("Positionals", "Arguments");
+    column_width(24);
+  }
+
+  std::string make_usage(const CLI::App* app, std::string /*name*/) const override {
+    return "\nUsage: " + Synopsis(*app) + "\n";
+  }
+  std::string make_option_name(const CLI::Option* option, bool /*positional*/) const override {
+    return Term(*option);
+  }
+  std::string make_option_opts(const CLI::Option* /*option*/) const override { return ""; }
+};
+
+/// Writes a manual page.
+class Manual {
+ public:
+  explicit Manual(const CLI::App& program) {
+    out_ << ".TH KELPROJ 1 \"\" \"" << program.get_name() << " " << KEL_VERSION_NO << "\"\n";
+  }
+
+  void Section(std::string_view title) { out_ << ".SH " << Escaped(title) << "\n"; }
+  void Subsection(std::string_view title) { out_ << ".SS " << Escaped(title) << "\n"; }
+  void Line(std::string_view text) { out_ << Escaped(text) << "\n"; }
+
+  void Synopsis(const CLI::App& command) {
+    Verbatim(true);
+    Line(kelproj::Synopsis(command));
+    Verbatim(false);
+  }
+
+  // Indented lines stand for themselves, an empty line parts paragraphs.
+  void Text(const std::string& text) {
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+      Verbatim(line.rfind("  ", 0) == 0);
+      if (line.empty()) {
+        out_ << ".PP\n";
+      } else {
+        Line(line);
+      }
+    }
+    Verbatim(false);
+  }
+
+  void Options(const std::vector<const CLI::Option*>& options) {
+    for (const CLI::Option* option : options) {
+      out_ << ".TP\n\\fB" << Escaped(Term(*option)) << "\\fR\n";
+      Line(option->get_description());
+    }
+  }
+
+  std::string str() const { return out_.str(); }
+
+ private:
+  // Hyphens that can be copied, and no line that the formatter takes for a request.
+  static std::string Escaped(std::string_view text) {
+    std::string escaped;
+    if (!text.empty() && (text.front() == '.' || text.front() == '\'')) escaped = "\\&";
+    for (const char c : text) {
+      if (c == '\\') {
+        escaped += "\\e";
+      } else if (c == '-') {
+        escaped += "\\-";
+      } else {
+        escaped += c;
+      }
+    }
+    return escaped;
+  }
+
+  void Verbatim(bool verbatim) {
+    if (verbatim != verbatim_) out_ << (verbatim ? ".nf\n" : ".fi\n");
+    verbatim_ = verbatim;
+  }
+
+  std::ostringstream out_;
+  bool verbatim_ = false;
+};
+
+std::string Joined(const std::vector<std::string>& words) { return CLI::detail::join(words, " "); }
+
+std::vector<std::string> OptionNames(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : OptionsOf(app, false)) {
+    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+  }
+  return names;
+}
+
+std::vector<std::string> CommandNames(const CLI::App& program) {
+  std::vector<std::string> names;
+  for (const CLI::App* command : CommandsOf(program)) names.push_back(command->get_name());
+  return names;
+}
+
+}  // namespace
+
+std::shared_ptr<CLI::FormatterBase> HelpFormatter() { return std::make_shared<Formatter>(); }
+
+std::string ManualPage(const CLI::App& program) {
+  Manual manual(program);
+  manual.Section("NAME");
+  manual.Line(program.get_name() + " - " + program.get_description());
+  manual.Section("SYNOPSIS");
+  for (const CLI::App* command : CommandsOf(program)) manual.Synopsis(*command);
+  manual.Section("DESCRIPTION");
+  manual.Text(program.get_footer());
+  manual.Section("OPTIONS");
+  manual.Options(OptionsOf(program, false));
+  manual.Section("COMMANDS");
+  for (const CLI::App* command : CommandsOf(program)) {
+    manual.Subsection(command->get_name());
+    manual.Synopsis(*command);
+    manual.Text("\n" + command->get_description() + ".");
+    manual.Options(OptionsOf(*command, true));
+    manual.Options(OptionsOf(*command, false));
+    manual.Text("\n" + command->get_footer());
+  }
+  return manual.str();
+}
+
+std::string BashCompletion(const CLI::App& program) {
+  std::ostringstream out;
+  out << R"(_kelproj() {
+  local word=${COMP_WORDS[COMP_CWORD]} command= place=0 options words= i
+  for ((i = 1; i < COMP_CWORD; i++)); do
+    if [[ ${COMP_WORDS[i]} != -* ]]; then
+      [[ $command ]] && ((place++))
+      command=${command:-${COMP_WORDS[i]}}
+    fi
+  done
+  case $command in
+)";
+  for (const CLI::App* command : CommandsOf(program)) {
+    out << "    " << command->get_name() << ") options='" << Joined(OptionNames(*command))
+        << "' ;;\n";
+  }
+  out << "    *) options='" << Joined(OptionNames(program)) << "' ;;\n"
+      << "  esac\n"
+      << "  case $command:$place:${COMP_WORDS[COMP_CWORD - 1]} in\n"
+      << "    :*) words='" << Joined(CommandNames(program)) << "' ;;\n"
+      << "    set:*:--type) words='" << Joined(ParameterTypeNames()) << "' ;;\n"
+      << "    get:1:* | set:1:*) words='" << Joined(FixedKeys()) << "' ;;\n"
+      << R"(    completion:0:*) words=bash ;;
+  esac
+  [[ $word == -* ]] && words=$options
+  # Without a word the shell completes the name of a file.
+  COMPREPLY=($(compgen -W "$words" -- "$word"))
+}
+complete -o bashdefault -o default -F _kelproj kelproj
+)";
+  return out.str();
+}
+
+}  // namespace kelproj

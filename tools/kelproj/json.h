@@ -1,0 +1,20 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+
+#include <projectdb/project_contents.h>
+#include <nlohmann/json.hpp>
+
+namespace kelproj {
+
+/// Members in the order in which they are given.
+using Json = nlohmann::ordered_json;
+
+/// A project, with each value where its dotted key says.
+Json ToJson(const projectdb::ProjectContents& project);
+
+/// Writes the value, indented; text that is not UTF-8 with replacement characters.
+void WriteJson(std::ostream& out, const Json& value);
+
+}  // namespace kelproj
