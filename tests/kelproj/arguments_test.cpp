@@ -43,6 +43,7 @@ INSTANTIATE_TEST_SUITE_P(
         Wrong{{"get", "a.xml"}, "KEY is required", "kelproj get"},
         Wrong{{"set", "a.xml", "name"}, "VALUE is required", "kelproj set"},
         Wrong{{"set-interface", "a.xml"}, "PATH is required", "kelproj set-interface"},
+        Wrong{{"diff"}, "FILE is required", "kelproj diff"},
         Wrong{{"completion", "csh"}, "SHELL: csh not in {bash}", "kelproj completion"}));
 
 }  // namespace

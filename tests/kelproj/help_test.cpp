@@ -11,8 +11,8 @@ using test_support::RunProcess;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-constexpr const char* kCommands[] = {"new", "show",          "get",       "set",
-                                     "add", "set-interface", "completion"};
+constexpr const char* kCommands[] = {"new", "show",          "get",  "set",
+                                     "add", "set-interface", "diff", "completion"};
 
 class Help : public KelprojTest {};
 

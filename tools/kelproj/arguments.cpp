@@ -101,6 +101,20 @@ constexpr char kSetInterfaceHelp[] =
 Example:
   kelproj set-interface blinker.xml pins.interface.csv)";
 
+constexpr char kDiffHelp[] =
+    R"(Each line begins with - for what only A has, or + for what only B has. The
+stamps of the last writing are left out, and lists are compared as sequences.
+The status is 0 if the projects are equal, 1 if they differ.
+
+As an external diff of git, which calls it with arguments of its own, the status
+is 0 in both cases. To see the changes of project files in "git diff":
+
+  git config diff.kelproj.command "kelproj diff"
+  echo '*.xml diff=kelproj' >> .gitattributes
+
+Example:
+  kelproj diff blinker.xml blinker_rev_b.xml)";
+
 constexpr char kCompletionHelp[] =
     R"(The script goes where bash looks for completions, or into the shell as it is.
 
@@ -264,6 +278,15 @@ void DefineSetInterface(CLI::App& program, Request& request) {
       ->required();
 }
 
+void DefineDiff(CLI::App& program, Request& request) {
+  CLI::App& command = AddCommand(program, "diff", "List what differs in two projects", kDiffHelp);
+  auto& arguments = Requested<DiffArguments>(command, request);
+  command.add_option("FILE", arguments.operands, "The two project files")
+      ->option_text("A B")
+      ->required();
+  AddJson(command, arguments.json);
+}
+
 void DefineTexts(CLI::App& program, Request& request) {
   CLI::App& completion =
       AddCommand(program, "completion", "Print a script for a shell's completion", kCompletionHelp);
@@ -291,6 +314,7 @@ Arguments::Arguments()
   DefineSet(*program_, request_);
   DefineAdd(*program_, request_);
   DefineSetInterface(*program_, request_);
+  DefineDiff(*program_, request_);
   DefineTexts(*program_, request_);
   for (CLI::App* command : program_->get_subcommands({})) UnmarkTexts(*command);
 }

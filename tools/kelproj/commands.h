@@ -57,4 +57,10 @@ struct SetInterfaceArguments {
 };
 ExitStatus Run(const SetInterfaceArguments& arguments, const Console& console);
 
+struct DiffArguments {
+  std::vector<std::string> operands;  ///< Two files, or what git gives an external diff.
+  bool json = false;
+};
+ExitStatus Run(const DiffArguments& arguments, const Console& console);
+
 }  // namespace kelproj

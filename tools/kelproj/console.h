@@ -37,7 +37,7 @@ std::string Printable(std::string_view text);
 void WriteMessage(std::ostream& err, Diag::MessageType severity, std::string_view text);
 
 /// Emphasis of a text on a terminal.
-enum class Style { kHeading };
+enum class Style { kHeading, kRemoved, kAdded };
 
 /// The text as it is, or between escape sequences if the console is coloured.
 std::string Styled(const Console& console, Style style, const std::string& text);

@@ -79,6 +79,17 @@ Json ToJson(const projectdb::ProjectContents& project) {
   return object;
 }
 
+Json ToJson(const std::vector<projectdb::ProjectDifference>& differences) {
+  Json list = Json::array();
+  for (const projectdb::ProjectDifference& difference : differences) {
+    Json object = {{"what", difference.what}, {"where", difference.where}};
+    if (difference.before) object["before"] = *difference.before;
+    if (difference.after) object["after"] = *difference.after;
+    list.push_back(object);
+  }
+  return list;
+}
+
 void WriteJson(std::ostream& out, const Json& value) {
   out << value.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
 }

@@ -2,7 +2,9 @@
 
 #include <ostream>
 #include <string>
+#include <vector>
 
+#include <projectdb/compare.h>
 #include <projectdb/project_contents.h>
 #include <nlohmann/json.hpp>
 
@@ -13,6 +15,9 @@ using Json = nlohmann::ordered_json;
 
 /// A project, with each value where its dotted key says.
 Json ToJson(const projectdb::ProjectContents& project);
+
+/// A list of differences; what was added has no member "before", what was removed no "after".
+Json ToJson(const std::vector<projectdb::ProjectDifference>& differences);
 
 /// Writes the value, indented; text that is not UTF-8 with replacement characters.
 void WriteJson(std::ostream& out, const Json& value);

@@ -1,0 +1,169 @@
+#include <gmock/gmock.h>
+
+#include "kelproj/kelproj_test.h"
+
+namespace {
+
+using test_support::KelprojTest;
+using test_support::Outcome;
+using test_support::Printed;
+using test_support::RunProcess;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+/// The program as the external diff of a real repository, set up as its help tells.
+class Git : public KelprojTest {
+ protected:
+  void SetUp() override {
+    if (RunProcess({"git", "--version"}).status != 0) GTEST_SKIP() << "there is no git";
+    Succeed({"init", "--quiet", "--initial-branch=main"});
+    Succeed({"config", "user.name", "Zoë Brandt"});
+    Succeed({"config", "user.email", "zoe@kel.example"});
+    Succeed({"config", "diff.kelproj.command", "'" + test_support::KelprojProgram() + "' diff"});
+    Write(".gitattributes", "*.xml diff=kelproj\n");
+    Commit();
+  }
+
+  Outcome RunGit(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), "git");
+    return RunProcess(arguments,
+                      {Directory(), {{"HOME", Directory()}, {"GIT_CONFIG_NOSYSTEM", "1"}}});
+  }
+
+  void Succeed(const std::vector<std::string>& arguments) const {
+    const Outcome outcome = RunGit(arguments);
+    ASSERT_EQ(outcome.status, 0) << outcome.err;
+  }
+
+  void Commit() const {
+    Succeed({"add", "--all"});
+    Succeed({"commit", "--quiet", "--message", "Change the project"});
+  }
+
+  void SetName(const std::string& file, const std::string& name) const {
+    ASSERT_EQ(Run({"set", file, "name", name}).status, 0);
+  }
+};
+
+TEST_F(Git, ChangedProject_ShowsWhatChanged) {
+  MakeProject();
+  Commit();
+  SetName("blinker.xml", "blinker2");
+  EXPECT_EQ(RunGit({"diff"}), Printed("--- blinker.xml\n"
+                                      "+++ blinker.xml\n"
+                                      "- name: blinker\n"
+                                      "+ name: blinker2\n"));
+}
+
+TEST_F(Git, CommittedChange_ShowsInTheLog) {
+  MakeProject();
+  Commit();
+  SetName("blinker.xml", "blinker2");
+  Commit();
+  EXPECT_THAT(RunGit({"log", "-1", "--patch", "--ext-diff"}).out,
+              HasSubstr("- name: blinker\n+ name: blinker2\n"));
+}
+
+TEST_F(Git, ProjectInADirectoryWithBlanksQuotesAndUmlauts_IsNamedAsItIs) {
+  std::filesystem::create_directory(PathOf("Söhne & \"Co\""));
+  const std::string file = "Söhne & \"Co\"/mein 'Projekt'.xml";
+  MakeProject(file);
+  Commit();
+  SetName(file, "blinker2");
+  EXPECT_EQ(RunGit({"diff"}),
+            Printed("--- " + file + "\n+++ " + file + "\n- name: blinker\n+ name: blinker2\n"));
+}
+
+TEST_F(Git, NewProject_ShowsAllThatItHas) {
+  MakeProject();
+  Succeed({"add", "--all"});
+  const Outcome outcome = RunGit({"diff", "--cached"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.out, StartsWith("--- /dev/null\n+++ blinker.xml\n+ "));
+}
+
+TEST_F(Git, RemovedProject_ShowsAllThatItHad) {
+  MakeProject();
+  Commit();
+  Succeed({"rm", "--quiet", "blinker.xml"});
+  const Outcome outcome = RunGit({"diff", "--cached"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.out, StartsWith("--- blinker.xml\n+++ /dev/null\n- "));
+}
+
+TEST_F(Git, RenamedProject_ShowsBothNames) {
+  MakeProject();
+  Commit();
+  Succeed({"mv", "blinker.xml", "lamp.xml"});
+  SetName("lamp.xml", "lamp");
+  Succeed({"add", "--all"});
+  EXPECT_EQ(RunGit({"diff", "--cached", "--find-renames=50%"}),
+            Printed("--- blinker.xml\n+++ lamp.xml\n- name: blinker\n+ name: lamp\n"));
+}
+
+TEST_F(Git, ProjectThatIsOnlyRenamed_IsEqual) {
+  MakeProject();
+  Commit();
+  Succeed({"mv", "blinker.xml", "lamp.xml"});
+  EXPECT_EQ(RunGit({"diff", "--cached", "--find-renames"}),
+            Printed("blinker.xml => lamp.xml: the projects are equal\n"));
+}
+
+TEST_F(Git, ChangedLayoutAlone_IsEqual) {
+  MakeProject();
+  Commit();
+  Write("blinker.xml", Read("blinker.xml") + "\n\n");
+  EXPECT_EQ(RunGit({"diff"}), Printed("blinker.xml: the projects are equal\n"));
+}
+
+TEST_F(Git, BrokenProject_IsToldAndTheOthersAreStillCompared) {
+  MakeProject("a.xml");
+  MakeProject("b.xml");
+  Commit();
+  Write("a.xml", "<project>");
+  SetName("b.xml", "blinker2");
+  const Outcome outcome = RunGit({"diff"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out,
+            "a.xml: not compared; git diff --no-ext-diff shows the text\n"
+            "--- b.xml\n+++ b.xml\n- name: blinker\n+ name: blinker2\n");
+  EXPECT_THAT(outcome.err, HasSubstr("a.xml does not load\n"));
+}
+
+TEST_F(Git, UnmergedProject_IsToldAndTheOthersAreStillCompared) {
+  MakeProject("a.xml");
+  MakeProject("b.xml");
+  Commit();
+  Succeed({"checkout", "--quiet", "-b", "theirs"});
+  SetName("a.xml", "theirs");
+  Commit();
+  Succeed({"checkout", "--quiet", "main"});
+  SetName("a.xml", "ours");
+  Commit();
+  ASSERT_EQ(RunGit({"merge", "theirs"}).status, 1);
+  SetName("b.xml", "blinker2");
+  Succeed({"add", "b.xml"});
+  const Outcome outcome = RunGit({"diff", "--cached"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.out, HasSubstr("a.xml: unmerged\n"));
+  EXPECT_THAT(outcome.out, HasSubstr("- name: blinker\n+ name: blinker2\n"));
+}
+
+TEST_F(Git, ExternalDiffOfOneCommand_Works) {
+  MakeProject();
+  Succeed({"config", "--unset", "diff.kelproj.command"});
+  Commit();
+  SetName("blinker.xml", "blinker2");
+  EXPECT_THAT(
+      RunGit({"-c", "diff.external='" + test_support::KelprojProgram() + "' diff", "diff"}).out,
+      HasSubstr("- name: blinker\n+ name: blinker2\n"));
+}
+
+TEST_F(Git, FileOfAnotherKind_IsLeftToGit) {
+  Write("top.v", "module top;\n");
+  Commit();
+  Write("top.v", "module top2;\n");
+  EXPECT_THAT(RunGit({"diff"}).out, HasSubstr("\n-module top;\n+module top2;\n"));
+}
+
+}  // namespace
