@@ -40,6 +40,7 @@ INSTANTIATE_TEST_SUITE_P(
         Wrong{{"show", "a.xml", "--yaml"},
               "The following argument was not expected: --yaml",
               "kelproj show"},
+        Wrong{{"check"}, "FILE is required", "kelproj check"},
         Wrong{{"get", "a.xml"}, "KEY is required", "kelproj get"},
         Wrong{{"set", "a.xml", "name"}, "VALUE is required", "kelproj set"},
         Wrong{{"set-interface", "a.xml"}, "PATH is required", "kelproj set-interface"},

@@ -64,6 +64,21 @@ TEST_P(Change, FileWithAMapThatItsProcessDoesNotHave_IsNotWritten) {
       ProjectWith("<kel:debugger><kel:defmacro name=\"a\" value=\"b\"/></kel:debugger>"));
 }
 
+TEST_P(Change, FileThatDoesNotLoad_IsToldWithThePlaceOfTheError) {
+  Write("blinker.xml", "<project>\n  <floorplan/>\n</project>\n");
+  EXPECT_THAT(Run(GetParam()).err, HasSubstr("\nblinker.xml:2:3: error: "));
+}
+
+TEST_P(Change, ParameterThatIsNotKept_IsToldWithItsPlace) {
+  Write("blinker.xml",
+        "<project>\n  <debugger>\n"
+        "    <param name=\"cable\" value=\"\" value_type=\"e_string\"/>\n"
+        "  </debugger>\n</project>\n");
+  const auto outcome = Run(GetParam());
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.err, HasSubstr("blinker.xml:3:5: warning: "));
+}
+
 TEST_P(Change, FileInADirectoryThatCannotBeWritten_IsNotWritten) {
   if (!PermissionsBind()) GTEST_SKIP() << "permissions do not bind root";
   MakeProject();

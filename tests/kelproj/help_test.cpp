@@ -11,8 +11,8 @@ using test_support::RunProcess;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-constexpr const char* kCommands[] = {"new", "show",          "get",  "set",
-                                     "add", "set-interface", "diff", "completion"};
+constexpr const char* kCommands[] = {"new", "show",          "check", "get",       "set",
+                                     "add", "set-interface", "diff",  "completion"};
 
 class Help : public KelprojTest {};
 
@@ -116,7 +116,7 @@ TEST_F(BashCompletion, HyphenBeforeTheCommand_IsAnOptionOfTheProgram) {
 }
 
 TEST_F(BashCompletion, CommandBehindAnOption_IsFound) {
-  EXPECT_THAT(Completions({"--verbose", "ad"}), ElementsAre("add"));
+  EXPECT_THAT(Completions({"--verbose", "ch"}), ElementsAre("check"));
 }
 
 TEST_F(BashCompletion, SecondWordOfGet_IsAKey) {

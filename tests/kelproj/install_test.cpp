@@ -1,7 +1,9 @@
 #include "kelproj/kelproj_test.h"
+#include "support/shipped_files.h"
 
 namespace {
 
+using test_support::Done;
 using test_support::KelprojTest;
 using test_support::Outcome;
 using test_support::Printed;
@@ -20,6 +22,12 @@ class Installation : public KelprojTest {
 
   std::string Installed(const std::string& name) const { return PathOf("second place/" + name); }
 };
+
+TEST_F(Installation, Moved_ChecksWithItsOwnSchema) {
+  EXPECT_EQ(RunProcess({Installed("bin/kelproj"), "check", test_support::SampleProject()}), Done());
+  std::filesystem::remove(Installed("share/projectdb/wdp_proj.xsd"));
+  EXPECT_NE(RunProcess({Installed("bin/kelproj"), "check", test_support::SampleProject()}), Done());
+}
 
 TEST_F(Installation, ManualPage_IsTheOneThatTheProgramPrints) {
   EXPECT_EQ(Run({"man"}), Printed(ReadFile(Installed("share/man/man1/kelproj.1"))));

@@ -18,7 +18,8 @@ constexpr char kFileHelp[] = "The project file; its name ends in .xml";
 constexpr char kProgramHelp[] =
     R"(Exit status:
   0  done; the answer is yes
-  1  done; the answer is no: there is no such value
+  1  done; the answer is no: there is no such value, the file has errors, the
+     projects differ
   2  trouble: not done, and no file changed
 
 Data goes to standard output, messages go to standard error. What is written
@@ -27,12 +28,14 @@ is set. An argument that begins with a hyphen stands behind a lone "--".
 
 A change is saved so that the project file is the former one or the new one,
 whole, at every moment. A file that does not load whole is never written. The
-file is written anew: comments, and what is no part of a project, are not kept.
+file is written anew from the project alone: comments, a security section and
+what "kelproj check" warns of are not kept.
 
 Example:
   kelproj new blinker -o blinker.xml --top blinker_top
   kelproj add blinker.xml --rtl rtl/blinker.v --hdl-version verilog_2001
   kelproj set blinker.xml synthesis.param.max_threads 4
+  kelproj check blinker.xml --files
   kelproj show blinker.xml)";
 
 constexpr char kNewHelp[] =
@@ -50,6 +53,15 @@ project file. With --json, a value stands where its dotted key says:
 
 Example:
   kelproj show blinker.xml)";
+
+constexpr char kCheckHelp[] =
+    R"(Each problem takes one line, FILE:LINE:COLUMN: SEVERITY: MESSAGE, without the
+line and column where they are not known. A file with an error does not load.
+The status is 1 if there is an error. The files that a project names are looked
+for with --files, if the project file itself has no error.
+
+Example:
+  kelproj check blinker.xml --files)";
 
 constexpr char kKeysHelp[] =
     R"(Keys:
@@ -222,6 +234,20 @@ void DefineShow(CLI::App& program, Request& request) {
   AddJson(command, arguments.json);
 }
 
+void DefineCheck(CLI::App& program, Request& request) {
+  CLI::App& command =
+      AddCommand(program, "check", "List what is wrong with project files", kCheckHelp);
+  auto& arguments = Requested<CheckArguments>(command, request);
+  command.add_option("FILE", arguments.files, kFileHelp)->required();
+  command
+      .add_option("--schema", arguments.schema,
+                  "The XML schema to check against instead of the installed one")
+      ->type_name("XSD");
+  command.add_flag("--files", arguments.list_missing_files,
+                   "List the project's files that do not exist, as errors");
+  AddJson(command, arguments.json);
+}
+
 void DefineGet(CLI::App& program, Request& request) {
   CLI::App& command = AddCommand(program, "get", "Print one value of a project",
                                  std::string(kKeysHelp) + "\n\n" + kGetHelp);
@@ -310,6 +336,7 @@ Arguments::Arguments()
   program_->fallthrough();
   DefineNew(*program_, request_);
   DefineShow(*program_, request_);
+  DefineCheck(*program_, request_);
   DefineGet(*program_, request_);
   DefineSet(*program_, request_);
   DefineAdd(*program_, request_);

@@ -26,6 +26,14 @@ struct ShowArguments {
 };
 ExitStatus Run(const ShowArguments& arguments, const Console& console);
 
+struct CheckArguments {
+  std::vector<std::string> files;
+  std::optional<std::string> schema;
+  bool list_missing_files = false;
+  bool json = false;
+};
+ExitStatus Run(const CheckArguments& arguments, const Console& console);
+
 struct GetArguments {
   std::string file;
   std::string key;

@@ -2,6 +2,7 @@
 
 #include <projectdb/project_db.h>
 
+#include "problems.h"
 #include "processes.h"
 
 namespace kelproj {
@@ -85,6 +86,19 @@ Json ToJson(const std::vector<projectdb::ProjectDifference>& differences) {
     Json object = {{"what", difference.what}, {"where", difference.where}};
     if (difference.before) object["before"] = *difference.before;
     if (difference.after) object["after"] = *difference.after;
+    list.push_back(object);
+  }
+  return list;
+}
+
+Json ToJson(const std::vector<projectdb::FileProblem>& problems) {
+  Json list = Json::array();
+  for (const projectdb::FileProblem& problem : problems) {
+    Json object = Json::object();
+    if (problem.line > 0) object["line"] = problem.line;
+    if (problem.column > 0) object["column"] = problem.column;
+    object["severity"] = SeverityName(problem.severity);
+    object["message"] = problem.message;
     list.push_back(object);
   }
   return list;

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include <projectdb/check.h>
 #include <projectdb/compare.h>
 #include <projectdb/project_contents.h>
 #include <nlohmann/json.hpp>
@@ -18,6 +19,9 @@ Json ToJson(const projectdb::ProjectContents& project);
 
 /// A list of differences; what was added has no member "before", what was removed no "after".
 Json ToJson(const std::vector<projectdb::ProjectDifference>& differences);
+
+/// A list of problems, with their line and column as far as they are known.
+Json ToJson(const std::vector<projectdb::FileProblem>& problems);
 
 /// Writes the value, indented; text that is not UTF-8 with replacement characters.
 void WriteJson(std::ostream& out, const Json& value);

@@ -2,7 +2,10 @@
 
 #include <stdexcept>
 
+#include <projectdb/check.h>
 #include <projectdb/durable_export.h>
+
+#include "problems.h"
 
 namespace kelproj {
 
@@ -24,6 +27,7 @@ bool Load(KelProjectDatabase& database, const std::string& file, const Console& 
 std::unique_ptr<KelProjectDatabase> LoadProject(const std::string& file, const Console& console) {
   auto database = std::make_unique<KelProjectDatabase>();
   if (Load(*database, file, console)) return database;
+  WriteProblems(console.err, file, projectdb::CheckProjectFile(file, ""));
   throw Trouble(file + " does not load");
 }
 
@@ -31,6 +35,8 @@ void ChangeProject(const std::string& file, const Console& console,
                    const std::function<void(KelProjectDatabase&)>& change) {
   const auto database = LoadProject(file, console);
   change(*database);
+  // What the file has beside the project is lost with the former file.
+  WriteProblems(console.err, file, projectdb::CheckProjectFile(file, ""));
   projectdb::ExportProjectDataDurably(*database, file);
 }
 

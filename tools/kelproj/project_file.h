@@ -11,12 +11,12 @@
 namespace kelproj {
 
 /// A new object that holds the file's project.
-/// @exception Trouble if the file does not load whole, with the reasons on the console
+/// @exception Trouble if the file does not load whole, with the problems listed on the console
 std::unique_ptr<projectdb::KelProjectDatabase> LoadProject(const std::string& file,
                                                            const Console& console);
 
-/// Loads the project, changes it and saves it to the same file. A file that does not load whole is
-/// never written.
+/// Loads the project, changes it and saves it to the same file; what of the file is not kept is
+/// told on the console. A file that does not load whole is never written.
 /// @param change throws if there is nothing to be saved
 void ChangeProject(const std::string& file, const Console& console,
                    const std::function<void(projectdb::KelProjectDatabase&)>& change);
