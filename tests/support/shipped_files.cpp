@@ -5,14 +5,16 @@
 
 namespace test_support {
 
-std::string ShippedSchema() { return PROJECTDB_SOURCE_DIR "/schema/wdp_proj.xsd"; }
+std::string SourcePath(const std::string& path) { return PROJECTDB_SOURCE_DIR "/" + path; }
 
-std::string SampleProject() { return PROJECTDB_SOURCE_DIR "/examples/soc_demo/soc_demo.xml"; }
+std::string ShippedSchema() { return SourcePath("schema/wdp_proj.xsd"); }
+
+std::string SampleProject() { return SourcePath("examples/soc_demo/soc_demo.xml"); }
 
 std::vector<std::string> CorpusProjects() {
   std::vector<std::string> paths;
   for (const auto& entry :
-       std::filesystem::directory_iterator(PROJECTDB_SOURCE_DIR "/fuzz/corpus/load_project")) {
+       std::filesystem::directory_iterator(SourcePath("fuzz/corpus/load_project"))) {
     paths.push_back(entry.path().string());
   }
   std::sort(paths.begin(), paths.end());

@@ -6,6 +6,9 @@
 /// Files of the source tree.
 namespace test_support {
 
+/// @param path from the root of the source tree
+std::string SourcePath(const std::string& path);
+
 /// The schema that is installed with the library.
 std::string ShippedSchema();
 

@@ -1,0 +1,205 @@
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <projectdb/check.h>
+
+#include "support/files.h"
+#include "support/shipped_files.h"
+#include "support/temporary_directory.h"
+
+namespace {
+
+using test_support::SourcePath;
+using testing::IsEmpty;
+
+/// A piece of code in a document, between two lines of three backticks.
+struct CodeBlock {
+  std::string document;
+  int line;
+  std::string language;
+  std::string text;
+};
+
+void PrintTo(const CodeBlock& block, std::ostream* stream) {
+  *stream << block.document << ":" << block.line;
+}
+
+const std::string kFence = "```";
+
+std::vector<std::string> Documents() {
+  std::vector<std::string> documents = {"README.md", "CHANGELOG.md"};
+  for (const auto& entry : std::filesystem::directory_iterator(SourcePath("docs"))) {
+    if (entry.path().extension() == ".md") {
+      documents.push_back("docs/" + entry.path().filename().string());
+    }
+  }
+  std::sort(documents.begin(), documents.end());
+  return documents;
+}
+
+std::vector<CodeBlock> BlocksOf(const std::string& document) {
+  std::ifstream file(SourcePath(document));
+  std::vector<CodeBlock> blocks;
+  bool inside = false;
+  int number = 0;
+  for (std::string line; std::getline(file, line);) {
+    ++number;
+    if (line.compare(0, kFence.size(), kFence) == 0) {
+      inside = !inside;
+      if (inside) blocks.push_back({document, number, line.substr(kFence.size()), ""});
+    } else if (inside) {
+      blocks.back().text += line + "\n";
+    }
+  }
+  return blocks;
+}
+
+std::vector<CodeBlock> BlocksIn(const std::vector<std::string>& languages) {
+  std::vector<CodeBlock> found;
+  for (const std::string& document : Documents()) {
+    for (const CodeBlock& block : BlocksOf(document)) {
+      if (std::count(languages.begin(), languages.end(), block.language) != 0) {
+        found.push_back(block);
+      }
+    }
+  }
+  return found;
+}
+
+/// The programs that are built with the tests, and what of them stands between two marks of the
+/// form "// [name]".
+std::vector<std::string> BuiltCode() {
+  std::vector<std::string> code;
+  for (const auto& entry : std::filesystem::directory_iterator(SourcePath("examples"))) {
+    if (entry.path().extension() != ".cpp") continue;
+    code.push_back(test_support::ReadFile(entry.path()));
+    std::istringstream lines(code.back());
+    bool inside = false;
+    for (std::string line; std::getline(lines, line);) {
+      if (line.find("// [") != std::string::npos) {
+        inside = !inside;
+        if (inside) code.emplace_back();
+      } else if (inside) {
+        code.back() += line + "\n";
+      }
+    }
+  }
+  return code;
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) {
+    line = line.substr(0, line.find("  #"));
+    line.erase(line.find_last_not_of(' ') + 1);
+    if (!line.empty()) lines.push_back(line);
+  }
+  return lines;
+}
+
+/// Those lines that do not stand in the file, as they are.
+std::vector<std::string> LinesMissingIn(const std::string& file, const std::string& text) {
+  const std::vector<std::string> known = Lines(test_support::ReadFile(SourcePath(file)));
+  std::vector<std::string> missing;
+  for (const std::string& line : Lines(text)) {
+    if (std::count(known.begin(), known.end(), line) == 0) missing.push_back(line);
+  }
+  return missing;
+}
+
+std::vector<std::string> DocumentsWith(const std::string& language) {
+  std::vector<std::string> documents;
+  for (const CodeBlock& block : BlocksIn({language})) {
+    if (documents.empty() || documents.back() != block.document)
+      documents.push_back(block.document);
+  }
+  return documents;
+}
+
+/// All that a command prints, in order.
+std::string OutputOf(const std::string& command, const std::filesystem::path& directory) {
+  const std::string script = "cd '" + directory.string() +
+                             "' && PATH='" KELPROJ_DIRECTORY "':$PATH && { " + command + "\n} 2>&1";
+  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(script.c_str(), "r"), pclose);
+  std::string output;
+  for (int byte = 0; pipe && (byte = std::fgetc(pipe.get())) != EOF;) {
+    output += static_cast<char>(byte);
+  }
+  return output;
+}
+
+/// The commands of a text, which begin with "$ ", each with what it prints.
+std::string Session(const std::string& text, const std::filesystem::path& directory) {
+  std::string session;
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.compare(0, 2, "$ ") != 0) continue;
+    session += line + "\n" + OutputOf(line.substr(2), directory);
+  }
+  return session;
+}
+
+TEST(Documents, EveryCodeBlock_IsTestedOrPlainText) {
+  for (const std::string& document : Documents()) {
+    for (const CodeBlock& block : BlocksOf(document)) {
+      EXPECT_THAT(block.language, testing::AnyOf("cpp", "xml", "cmake", "sh", "console", "text"))
+          << document << ":" << block.line;
+    }
+  }
+}
+
+class CppBlocks : public testing::TestWithParam<CodeBlock> {};
+
+TEST_P(CppBlocks, IsBuiltWithTheTests) {
+  EXPECT_THAT(BuiltCode(), testing::Contains(GetParam().text));
+}
+
+INSTANTIATE_TEST_SUITE_P(Documents, CppBlocks, testing::ValuesIn(BlocksIn({"cpp"})));
+
+class XmlBlocks : public testing::TestWithParam<CodeBlock> {};
+
+TEST_P(XmlBlocks, IsAProjectFileWithoutProblems) {
+  const test_support::TemporaryDirectory directory;
+  const std::string path = directory.path() / "example.xml";
+  test_support::WriteFile(path, GetParam().text);
+  EXPECT_THAT(projectdb::CheckProjectFile(path, test_support::ShippedSchema()), IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Documents, XmlBlocks, testing::ValuesIn(BlocksIn({"xml"})));
+
+class ConsoleDocuments : public testing::TestWithParam<std::string> {};
+
+// The commands of a document follow upon each other in one directory.
+TEST_P(ConsoleDocuments, ShowsWhatTheCommandsPrint) {
+  const test_support::TemporaryDirectory directory;
+  std::string shown;
+  std::string printed;
+  for (const CodeBlock& block : BlocksOf(GetParam())) {
+    if (block.language != "console") continue;
+    shown += block.text;
+    printed += Session(block.text, directory.path());
+  }
+  EXPECT_EQ(printed, shown);
+}
+
+INSTANTIATE_TEST_SUITE_P(Documents, ConsoleDocuments, testing::ValuesIn(DocumentsWith("console")));
+
+class ShellBlocks : public testing::TestWithParam<CodeBlock> {};
+
+TEST_P(ShellBlocks, IsRunForEveryChange) {
+  EXPECT_THAT(LinesMissingIn(".ci/run", GetParam().text), IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Documents, ShellBlocks, testing::ValuesIn(BlocksIn({"sh"})));
+
+}  // namespace
