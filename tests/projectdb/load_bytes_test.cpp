@@ -1,8 +1,10 @@
 #include <cstddef>
 #include <optional>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -10,9 +12,14 @@
 
 #include <projectdb/project_db.h>
 
+#include "support/files.h"
 #include "support/message_recorder.h"
 #include "support/project_loading.h"
 #include "support/project_snapshot.h"
+#include "support/sanitizers.h"
+#include "support/shipped_files.h"
+#include "support/xml_platform.h"
+#include "xml/text.h"
 
 namespace {
 
@@ -30,11 +37,15 @@ class LoadRawBytes : public testing::Test, public Loading {
   /// Loads a project file of these bytes. A std::runtime_error must have one of the two texts;
   /// anything else that is thrown fails the test.
   /// @return whether the file was taken for a project file at all
-  bool IsRead(const std::string& bytes) {
-    const std::string file = Write("p.xml", bytes);
+  bool IsRead(const std::string& bytes, const std::string& schema = "") {
+    return IsReadInto(database, Write("p.xml", bytes), schema);
+  }
+
+  static bool IsReadInto(KelProjectDatabase& into, const std::string& file,
+                         const std::string& schema) {
     const MessageRecorder recorder;
     try {
-      const bool result = database.LoadProjectData(file, "");
+      const bool result = into.LoadProjectData(file, schema);
       const auto posted = recorder.messages();
       return result || posted.empty() || !(posted.back() == MalformedMessage(file));
     } catch (const std::runtime_error& error) {
@@ -256,6 +267,189 @@ TEST_P(LoadDamagedByte, LoadProjectData_OneByteReplaced_IsReadOrRefusedWithoutPr
 
 INSTANTIATE_TEST_SUITE_P(Bytes, LoadDamagedByte, testing::Values('\0', '<', '&', '"', ':', '\xFF'),
                          [](const auto& test_info) { return std::to_string(test_info.index); });
+
+// ---- The sample project in other encodings and damaged
+
+std::string SampleXml() { return ReadFile(SampleProject()); }
+
+/// The sample project's text, which declares the encoding instead of its own.
+std::u16string SampleText(const std::string& encoding) {
+  const XmlPlatform platform;
+  const std::string former = "encoding=\"UTF-8\"";
+  std::string text = SampleXml();
+  return xml::Transcoder().ToXml(
+      text.replace(text.find(former), former.size(), "encoding=\"" + encoding + "\""));
+}
+
+std::string Latin1(const std::u16string& text) {
+  std::string bytes;
+  for (const char16_t unit : text) bytes += static_cast<char>(unit);
+  return bytes;
+}
+
+std::string WithoutMark(const std::string& utf16) { return utf16.substr(2); }
+
+/// A project of every kind of field that no load of anything damaged may touch.
+class SampleBytes : public LoadRawBytes {
+ protected:
+  SampleBytes() : untouched_(Held()) {}
+
+  /// Expects that a file of these bytes is either read or refused, and that a refusal leaves no
+  /// trace. @return whether it is read
+  bool ReadOrRefusedWithoutTrace(const std::string& bytes, const std::string& schema = "") {
+    database.CleanProjectDatabase();
+    const bool is_read = IsRead(bytes, schema);
+    EXPECT_EQ(is_read, database.IsProjectDatabaseExist());
+    if (!is_read) {
+      EXPECT_FALSE(IsReadInto(held_, path(), schema));
+      EXPECT_EQ(TakeSnapshot(held_), untouched_.snapshot);
+    }
+    return is_read;
+  }
+
+  /// What the getters do not show is compared once, after all loads.
+  void TearDown() override { EXPECT_EQ(WholeProject(held_), untouched_); }
+
+  void ExpectRefusedWithoutTrace(const std::string& bytes) {
+    EXPECT_FALSE(ReadOrRefusedWithoutTrace(bytes));
+  }
+
+  /// Expects that a file of these bytes gives the sample project.
+  void ExpectSample(const std::string& bytes) {
+    database.CleanProjectDatabase();
+    ASSERT_TRUE(LoadBytes(SampleXml()));
+    const WholeProject expected(database);
+    database.CleanProjectDatabase();
+    ASSERT_TRUE(LoadBytes(bytes));
+    EXPECT_EQ(WholeProject(database), expected);
+  }
+
+ private:
+  const KelProjectDatabase& Held() {
+    const MessageRecorder recorder;
+    held_.LoadProjectData(Write("held.xml", CompleteProjectXml()), "");
+    return held_;
+  }
+
+  const XmlPlatform platform_;
+  KelProjectDatabase held_;
+  const WholeProject untouched_;
+};
+
+TEST_F(SampleBytes, LoadProjectData_SampleInUtf16_GivesTheSameProject) {
+  for (const ByteOrder order : {ByteOrder::kLittle, ByteOrder::kBig}) {
+    const std::string bytes = Utf16(SampleText("UTF-16"), order);
+    ExpectSample(bytes);
+    ExpectSample(WithoutMark(bytes));
+  }
+}
+
+TEST_F(SampleBytes, LoadProjectData_SampleInLatin1_GivesTheSameProject) {
+  ExpectSample(Latin1(SampleText("ISO-8859-1")));
+}
+
+TEST_F(SampleBytes, LoadProjectData_SampleUnderAnotherDeclaration_IsRefusedWithoutTrace) {
+  for (const ByteOrder order : {ByteOrder::kLittle, ByteOrder::kBig}) {
+    ExpectRefusedWithoutTrace(Utf16(SampleText("UTF-8"), order));
+    ExpectRefusedWithoutTrace(WithoutMark(Utf16(SampleText("ISO-8859-1"), order)));
+  }
+  ExpectRefusedWithoutTrace(Latin1(SampleText("UTF-8")));
+  ExpectRefusedWithoutTrace(Latin1(SampleText("UTF-16")));
+  ExpectRefusedWithoutTrace(Latin1(SampleText("US-ASCII")));
+  ExpectRefusedWithoutTrace(Latin1(SampleText("x-nonsense")));
+}
+
+// The XML library takes the first one for the end of the file, which may come there.
+TEST_F(SampleBytes, LoadProjectData_SampleWithNulBytesAtItsEnd_GivesTheSameProject) {
+  for (const std::size_t count : {1U, 2U, 4095U, 100000U}) {
+    ExpectSample(SampleXml() + std::string(count, '\0'));
+  }
+}
+
+constexpr std::size_t kParts = 8;
+
+/// One of the kinds of damage, and in which part of the sample; the parts are all of it. A
+/// sanitizer has time for some of their positions only.
+class DamagedSample : public SampleBytes {
+ protected:
+  /// Does the work with each position of a part until one fails.
+  template <typename Work>
+  void WithEachPosition(std::size_t part, Work work) {
+    constexpr std::size_t kStep = kSanitized ? 16 : 1;
+    for (std::size_t at = part; at < sample_.size() && !HasFailure(); at += kParts * kStep) {
+      SCOPED_TRACE("position " + std::to_string(at));
+      work(at);
+    }
+  }
+
+  const std::string sample_ = SampleXml();
+};
+
+class SampleCutOff : public DamagedSample,
+                     public testing::WithParamInterface<std::tuple<bool, std::size_t>> {
+ public:
+  static std::string NameOf(const testing::TestParamInfo<ParamType>& test_info) {
+    const auto& [has_schema, part] = test_info.param;
+    return (has_schema ? "SchemaPart" : "Part") + std::to_string(part);
+  }
+};
+
+TEST_P(SampleCutOff, LoadProjectData_AnyPositionBeforeTheEnd_IsRefusedWithoutTrace) {
+  const auto& [has_schema, part] = GetParam();
+  const std::string schema = has_schema ? ShippedSchema() : "";
+  const std::size_t end = sample_.rfind('>');
+  WithEachPosition(part, [&](std::size_t at) {
+    EXPECT_EQ(ReadOrRefusedWithoutTrace(sample_.substr(0, at), schema), at > end);
+  });
+}
+
+INSTANTIATE_TEST_SUITE_P(Parts, SampleCutOff,
+                         testing::Combine(testing::Bool(), testing::Range<std::size_t>(0, kParts)),
+                         SampleCutOff::NameOf);
+
+/// What takes the place of a byte.
+struct Replacement {
+  const char* name;
+  char (*of)(char byte);
+  bool has_schema;
+};
+
+void PrintTo(const Replacement& replacement, std::ostream* out) { *out << replacement.name; }
+
+const Replacement kReplacements[] = {
+    {"Nul", [](char) { return '\0'; }, false},
+    {"Blank", [](char) { return ' '; }, false},
+    {"Less", [](char) { return '<'; }, false},
+    {"Ampersand", [](char) { return '&'; }, false},
+    {"Quote", [](char) { return '"'; }, false},
+    {"HighestBit", [](char) { return '\x80'; }, false},
+    {"AllBits", [](char) { return '\xFF'; }, false},
+    {"Neighbour", [](char byte) { return static_cast<char>(byte ^ 1); }, false},
+    {"NeighbourUnderSchema", [](char byte) { return static_cast<char>(byte ^ 1); }, true}};
+
+class SampleWithReplacedByte
+    : public DamagedSample,
+      public testing::WithParamInterface<std::tuple<Replacement, std::size_t>> {
+ public:
+  static std::string NameOf(const testing::TestParamInfo<ParamType>& test_info) {
+    const auto& [replacement, part] = test_info.param;
+    return replacement.name + ("Part" + std::to_string(part));
+  }
+};
+
+TEST_P(SampleWithReplacedByte, LoadProjectData_AnyPosition_IsReadOrRefusedWithoutTrace) {
+  const auto& [replacement, part] = GetParam();
+  WithEachPosition(part, [&, replaced = replacement](std::size_t at) {
+    std::string damaged = sample_;
+    damaged[at] = replaced.of(sample_[at]);
+    ReadOrRefusedWithoutTrace(damaged, replaced.has_schema ? ShippedSchema() : "");
+  });
+}
+
+INSTANTIATE_TEST_SUITE_P(Parts, SampleWithReplacedByte,
+                         testing::Combine(testing::ValuesIn(kReplacements),
+                                          testing::Range<std::size_t>(0, kParts)),
+                         SampleWithReplacedByte::NameOf);
 
 // ---- Files that the XML library gives up on
 
