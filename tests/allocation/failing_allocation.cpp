@@ -1,9 +1,16 @@
 #include "allocation/failing_allocation.h"
 
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <new>
+#include <stdexcept>
+#include <utility>
 
 #include <gtest/gtest.h>
+#include <link.h>
+#include <xercesc/util/PlatformUtils.hpp>
 
 namespace {
 
@@ -12,6 +19,11 @@ thread_local long allocations_before_failure = -1;
 thread_local bool every_later_one_fails = false;
 thread_local bool has_failed = false;
 
+test_support::FailureObserver& Observer() {
+  static test_support::FailureObserver observer;
+  return observer;
+}
+
 bool ThisAllocationFails() {
   if (allocations_before_failure < 0) return has_failed && every_later_one_fails;
   if (allocations_before_failure-- > 0) return false;
@@ -19,16 +31,71 @@ bool ThisAllocationFails() {
   return true;
 }
 
+/// The code of a shared library in memory.
+struct CodeRange {
+  std::uintptr_t begin = 0;
+  std::uintptr_t end = 0;
+  bool Contains(std::uintptr_t address) const { return address >= begin && address < end; }
+};
+
+CodeRange RangeOf(const dl_phdr_info& library, const ElfW(Phdr) & segment) {
+  const std::uintptr_t begin = library.dlpi_addr + segment.p_vaddr;
+  return {begin, begin + segment.p_memsz};
+}
+
+// The code segment with the address that the range begins with.
+int FindRange(dl_phdr_info* library, std::size_t, void* range) {
+  CodeRange& wanted = *static_cast<CodeRange*>(range);
+  for (int i = 0; i < library->dlpi_phnum; ++i) {
+    const CodeRange found = RangeOf(*library, library->dlpi_phdr[i]);
+    const bool is_code = (library->dlpi_phdr[i].p_flags & PF_X) != 0;
+    if (!is_code || !found.Contains(wanted.begin)) continue;
+    wanted = found;
+    return 1;
+  }
+  return 0;
+}
+
+CodeRange XmlLibrary() {
+  CodeRange range{reinterpret_cast<std::uintptr_t>(&xercesc::XMLPlatformUtils::Terminate), 0};
+  dl_iterate_phdr(FindRange, &range);
+  return range;
+}
+
+bool IsInXmlLibrary(const void* address) {
+  static const CodeRange library = XmlLibrary();
+  return library.Contains(reinterpret_cast<std::uintptr_t>(address));
+}
+
+/// Stands before each block.
+struct alignas(std::max_align_t) BlockHeader {
+  std::atomic<long>* count;
+};
+
+std::atomic<long> blocks_of_xml_library{0};
+std::atomic<long> blocks_of_others{0};
+
 }  // namespace
 
 // The array and the non-throwing forms come down to these.
 void* operator new(std::size_t size) {
-  void* const memory = ThisAllocationFails() ? nullptr : std::malloc(size == 0 ? 1 : size);
+  const bool for_xml_library = IsInXmlLibrary(__builtin_return_address(0));
+  const bool fails = ThisAllocationFails();
+  if (fails && Observer()) Observer()(for_xml_library);
+  void* const memory = fails ? nullptr : std::malloc(sizeof(BlockHeader) + size);
   if (memory == nullptr) throw std::bad_alloc();
-  return memory;
+  auto* const header = static_cast<BlockHeader*>(memory);
+  header->count = for_xml_library ? &blocks_of_xml_library : &blocks_of_others;
+  ++*header->count;
+  return header + 1;
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+void operator delete(void* memory) noexcept {
+  if (memory == nullptr) return;
+  BlockHeader* const header = static_cast<BlockHeader*>(memory) - 1;
+  --*header->count;
+  std::free(header);
+}
+void operator delete(void* memory, std::size_t) noexcept { operator delete(memory); }
 
 namespace test_support {
 namespace {
@@ -40,6 +107,8 @@ Outcome Run(const Operation& operation, KelProjectDatabase& database) {
     operation(database);
   } catch (const std::bad_alloc&) {
     return Outcome::kOutOfMemory;
+  } catch (const std::runtime_error&) {
+    return Outcome::kRuntimeError;
   } catch (...) {
     return Outcome::kOtherException;
   }
@@ -83,5 +152,9 @@ long WalkAllocations(const Operation& prepare, const Operation& operation,
   }
   return failures;
 }
+
+void SetFailureObserver(FailureObserver observer) { Observer() = std::move(observer); }
+
+LiveBlocks CountLiveBlocks() { return {blocks_of_xml_library, blocks_of_others}; }
 
 }  // namespace test_support

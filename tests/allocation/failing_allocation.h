@@ -11,6 +11,7 @@ namespace test_support {
 enum class Outcome {
   kCompleted,        ///< It needed fewer allocations; none failed.
   kOutOfMemory,      ///< std::bad_alloc came out.
+  kRuntimeError,     ///< std::runtime_error came out.
   kOtherException,   ///< Another exception came out.
   kFailureSwallowed  ///< It returned all the same.
 };
@@ -31,5 +32,20 @@ Outcome RunWithFailure(long failing_allocation, Shortage shortage, const Operati
 /// @return how many allocations were made to fail
 long WalkAllocations(const Operation& prepare, const Operation& operation,
                      const std::function<void(projectdb::KelProjectDatabase&, Outcome)>& check);
+
+/// Is told of each allocation that is made to fail, before it fails, and whether the XML library
+/// asked for it. It must not allocate.
+using FailureObserver = std::function<void(bool asked_by_xml_library)>;
+
+/// @param observer empty: none
+void SetFailureObserver(FailureObserver observer);
+
+/// How many blocks are allocated, by who asked for them.
+struct LiveBlocks {
+  long of_xml_library;
+  long of_others;
+};
+
+LiveBlocks CountLiveBlocks();
 
 }  // namespace test_support

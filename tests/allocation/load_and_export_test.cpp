@@ -1,0 +1,308 @@
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <filesystem>
+#include <future>
+#include <iostream>
+#include <ostream>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <projectdb/project_contents.h>
+#include <projectdb/project_db.h>
+
+#include "allocation/failing_allocation.h"
+#include "allocation/fault_points.h"
+#include "support/files.h"
+#include "support/project_differences.h"
+#include "support/project_loading.h"
+#include "support/sanitizers.h"
+#include "support/shipped_files.h"
+#include "support/temporary_directory.h"
+#include "support/xml_platform.h"
+#include "xml/platform.h"
+
+namespace {
+
+using projectdb::KelProjectDatabase;
+using test_support::AllDifferences;
+using test_support::Complaints;
+using test_support::CompleteProjectXml;
+using test_support::CountLiveBlocks;
+using test_support::DeviceInfoXml;
+using test_support::DeviceOnlySchema;
+using test_support::FaultPoints;
+using test_support::kSanitized;
+using test_support::LiveBlocks;
+using test_support::Operation;
+using test_support::Outcome;
+using test_support::ProjectXml;
+using test_support::ReadFile;
+using test_support::RunAtFaultPoint;
+using test_support::ShippedSchema;
+using test_support::Shortage;
+using test_support::TemporaryDirectory;
+using test_support::WalkFaultPoints;
+using test_support::WriteFile;
+using test_support::XmlPlatform;
+
+/// Keeps the messages off the console, without memory.
+class Silence {
+ public:
+  Silence() : former_(Diag::GlobalInst().SetHandler([](const Diag::DiagStorage&) {})) {}
+  ~Silence() { Diag::GlobalInst().SetHandler(former_); }
+  Silence(const Silence&) = delete;
+  Silence& operator=(const Silence&) = delete;
+
+ private:
+  Diag::DiagService::Handler former_;
+};
+
+/// The text of a std::runtime_error, kept without memory.
+class ErrorText {
+ public:
+  void Keep(const std::runtime_error& error) { std::strncpy(text_.data(), error.what(), kSize); }
+  bool IsOneOf(const std::vector<std::string>& beginnings) const {
+    const std::string_view text = text_.data();
+    return std::any_of(beginnings.begin(), beginnings.end(), [text](const std::string& beginning) {
+      return text.substr(0, beginning.size()) == beginning;
+    });
+  }
+  std::string text() const { return text_.data(); }
+
+ private:
+  static constexpr std::size_t kSize = 400;
+  std::array<char, kSize + 1> text_{};
+};
+
+/// All that an object holds.
+struct Project {
+  explicit Project(const KelProjectDatabase& database)
+      : exists(database.IsProjectDatabaseExist()),
+        contents(projectdb::GetProjectContents(database)) {}
+  bool operator==(const Project& other) const {
+    return exists == other.exists && AllDifferences(contents, other.contents).empty();
+  }
+
+  bool exists;
+  projectdb::ProjectContents contents;
+};
+
+const std::string kInitializing = "Failed to initialize ";
+const std::string kUnexpected = "Unexpected Exception\n";
+
+/// Running short of memory in an operation that uses the XML library, at every allocation.
+class XmlOutOfMemory : public testing::Test {
+ protected:
+  XmlOutOfMemory() { WriteFile(project_file_, FormerXml()); }
+
+  static std::string FormerXml() {
+    return ProjectXml(R"(
+      <device_info><family name="Varel"/><device name="Q8R40"/></device_info>
+      <design_info><design_file name="old.v" version="v2001" library="work"/></design_info>
+      <ip_info><ip instance_name="u_old" path="ip/old.cfg"/></ip_info>
+      <synthesis tool_name="old"><param name="mode" value="slow" value_type="e_option"/></synthesis>
+      <place_and_route/><bitstream_generation/><debugger/>)",
+                      R"(name="former" owner="lab 3")");
+  }
+
+  /// The operation, with the text of what it throws kept.
+  Operation KeepingItsError(Operation operation) {
+    return [this, operation = std::move(operation)](KelProjectDatabase& database) {
+      try {
+        operation(database);
+      } catch (const std::runtime_error& error) {
+        error_.Keep(error);
+        throw;
+      }
+    };
+  }
+
+  /// What each failing run must have come to, whatever it did to the project and to files.
+  Complaints JudgeFailure(Outcome outcome, const KelProjectDatabase& database,
+                          std::vector<std::string> errors) const {
+    errors.push_back(kInitializing);
+    errors.push_back(kUnexpected);
+    Complaints complaints;
+    complaints.Unless(outcome == Outcome::kOutOfMemory || outcome == Outcome::kRuntimeError,
+                      outcome == Outcome::kFailureSwallowed ? "the failure was hidden"
+                                                            : "an exception of another kind");
+    complaints.Unless(outcome != Outcome::kRuntimeError || error_.IsOneOf(errors),
+                      "an error with the text " + error_.text());
+    // Waits for ever if the lock is still held.
+    std::async(std::launch::async, [&] { return database.IsProjectDatabaseExist(); }).get();
+    return complaints;
+  }
+
+  /// Does a run and looks for leaks.
+  template <typename Run>
+  static Complaints WithoutLeaks(FaultPoints& points, const Run& run) {
+    const LiveBlocks before = CountLiveBlocks();
+    Complaints complaints = run();
+    const LiveBlocks after = CountLiveBlocks();
+    if (!complaints.text().empty()) return complaints;
+    complaints.Unless(after.of_others == before.of_others, "memory leaks");
+    const bool xml_library_leaks = after.of_xml_library != before.of_xml_library;
+    complaints.Unless(!xml_library_leaks || points.in_xml_library,
+                      "memory of the XML library leaks");
+    if (xml_library_leaks) ++points.leaks_of_xml_library;
+    return complaints;
+  }
+
+  static void Report(const FaultPoints& points) {
+    std::cout << points << '\n';
+    RecordProperty("fault_points", std::to_string(points.tried));
+    RecordProperty("not_survived", std::to_string(points.not_survived));
+  }
+
+  const Silence silence_;
+  const TemporaryDirectory directory_;
+  const std::string project_file_ = directory_ / "former.xml";
+  ErrorText error_;
+};
+
+// A process, and much memory, take long under a sanitizer.
+constexpr long kStrideOfLongWalks = kSanitized ? 23 : 1;
+
+const Shortage kShortages[] = {Shortage::kOneAllocation, Shortage::kEveryFromThereOn};
+
+std::string NameOf(Shortage shortage) {
+  return shortage == Shortage::kOneAllocation ? "OneAllocation" : "EveryFromThereOn";
+}
+
+// --- loading ---
+
+struct LoadCase {
+  const char* name;
+  std::string bytes;
+  std::string schema;  ///< Its bytes; "" for none.
+  bool schema_is_given;
+  bool has_project;  ///< Before.
+  bool is_read;
+  bool result;
+  bool is_long = false;  ///< The walk through its allocations.
+};
+
+std::vector<LoadCase> LoadCases() {
+  const std::string complete = CompleteProjectXml();
+  const std::string two_sections = DeviceInfoXml("Orrin") + DeviceInfoXml("Varel");
+  const std::string hint = R"(xsi:schemaLocation="http://schema.kel.example/wdp_proj s.xsd")";
+  return {
+      {"NoSchema", complete, "", false, true, true, true},
+      {"NoProject", complete, "", false, false, true, true},
+      {"ShippedSchema", complete, ReadFile(ShippedSchema()), true, true, true, true, true},
+      {"NamedSchema", ProjectXml(two_sections, hint), DeviceOnlySchema(), false, true, true, true},
+      {"Malformed", complete + "<", "", false, true, false, false},
+      {"BreaksTheSchema", ProjectXml("<bogus/>"), DeviceOnlySchema(), true, true, false, false,
+       true},
+      {"UnknownTag", ProjectXml(two_sections + "<bogus/>"), "", false, true, true, false}};
+}
+
+class LoadOutOfMemory : public XmlOutOfMemory,
+                        public testing::WithParamInterface<std::tuple<LoadCase, Shortage>> {
+ protected:
+  LoadOutOfMemory() {
+    WriteFile(file_, load().bytes);
+    if (!load().schema.empty()) WriteFile(schema_, load().schema);
+  }
+
+  static const LoadCase& load() { return std::get<LoadCase>(GetParam()); }
+  static Shortage shortage() { return std::get<Shortage>(GetParam()); }
+
+  void Prepare(KelProjectDatabase& database) const {
+    if (load().has_project) database.LoadProjectData(project_file_, "");
+  }
+
+  bool Load(KelProjectDatabase& database) const {
+    return database.LoadProjectData(file_, load().schema_is_given ? schema_ : "");
+  }
+
+  Project ProjectBefore() const {
+    KelProjectDatabase database;
+    Prepare(database);
+    return Project(database);
+  }
+
+  /// The XML library keeps some memory from the first time on.
+  void LoadForTheFirstTime() const {
+    KelProjectDatabase database;
+    Load(database);
+    // A file that is refused leaves the XML library initialised.
+    if (!load().is_read) projectdb::xml::TerminateXMLPlatform();
+  }
+
+  /// Whether the object still loads and exports.
+  bool IsUsable(KelProjectDatabase& database) const {
+    // There may be a project without flow processes, as it can be made without any file.
+    if (!load().has_project) database.CleanProjectDatabase();
+    if (!database.LoadProjectData(project_file_, "")) return false;
+    const std::string path = directory_ / "exported.xml";
+    // Overwriting a file makes some file systems wait for the disk.
+    std::filesystem::remove(path);
+    database.ExportProjectData(path);
+    KelProjectDatabase next;
+    return next.LoadProjectData(path, "") && next.GetDeviceModel() == database.GetDeviceModel();
+  }
+
+  /// The project must be as before if the parser was at work, and can be another only later.
+  Complaints JudgeProject(FaultPoints& points, const KelProjectDatabase& database,
+                          const Project& before) const {
+    Complaints complaints;
+    const bool may_differ = !points.in_parser && points.first_with_effect >= 0;
+    if (may_differ || Project(database) == before) return complaints;
+    complaints.Unless(!points.in_parser, "the project is another");
+    points.first_with_effect = points.number;
+    return complaints;
+  }
+
+  Complaints RunOnce(FaultPoints& points, const Project& before) {
+    KelProjectDatabase database;
+    Prepare(database);
+    bool result = false;
+    const Outcome outcome = RunAtFaultPoint(
+        points, KeepingItsError([&](KelProjectDatabase& db) { result = Load(db); }), database);
+    Complaints complaints;
+    if (points.completed) {
+      complaints.Unless(result == load().result, "another result than usually");
+      return complaints;
+    }
+    complaints = JudgeFailure(outcome, database, {"Failed parsing XML file " + file_ + ": "});
+    if (complaints.text().empty()) complaints = JudgeProject(points, database, before);
+    complaints.Unless(IsUsable(database), "the object is not usable");
+    return complaints;
+  }
+
+  const std::string file_ = directory_ / "p.xml";
+  const std::string schema_ = directory_ / "s.xsd";
+};
+
+TEST_P(LoadOutOfMemory, LoadProjectData_AnyAllocationFails_ThrowsAndLosesNothing) {
+  const XmlPlatform platform;
+  const Project before = ProjectBefore();
+  LoadForTheFirstTime();
+  const FaultPoints points = WalkFaultPoints(
+      {shortage(), load().is_long ? kStrideOfLongWalks : 1},
+      [&](FaultPoints& run) { return WithoutLeaks(run, [&] { return RunOnce(run, before); }); });
+  Report(points);
+  EXPECT_GT(points.last_in_parser, 0);
+  EXPECT_EQ(points.first_with_effect > points.last_in_parser, load().is_read);
+}
+
+std::string NameOfLoad(const testing::TestParamInfo<std::tuple<LoadCase, Shortage>>& param_info) {
+  return std::get<LoadCase>(param_info.param).name + NameOf(std::get<Shortage>(param_info.param));
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, LoadOutOfMemory,
+                         testing::Combine(testing::ValuesIn(LoadCases()),
+                                          testing::ValuesIn(kShortages)),
+                         NameOfLoad);
+
+void PrintTo(const LoadCase& load, std::ostream* out) { *out << load.name; }
+
+}  // namespace
