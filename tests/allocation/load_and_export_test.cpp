@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <future>
 #include <iostream>
+#include <optional>
 #include <ostream>
 #include <stdexcept>
 #include <string>
@@ -13,7 +14,10 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include <projectdb/compare.h>
+#include <projectdb/durable_export.h>
 #include <projectdb/project_contents.h>
 #include <projectdb/project_db.h>
 
@@ -23,6 +27,7 @@
 #include "support/project_differences.h"
 #include "support/project_loading.h"
 #include "support/sanitizers.h"
+#include "support/saving.h"
 #include "support/shipped_files.h"
 #include "support/temporary_directory.h"
 #include "support/xml_platform.h"
@@ -38,8 +43,10 @@ using test_support::CountLiveBlocks;
 using test_support::DeviceInfoXml;
 using test_support::DeviceOnlySchema;
 using test_support::FaultPoints;
+using test_support::FileState;
 using test_support::kSanitized;
 using test_support::LiveBlocks;
+using test_support::NamesIn;
 using test_support::Operation;
 using test_support::Outcome;
 using test_support::ProjectXml;
@@ -304,5 +311,113 @@ INSTANTIATE_TEST_SUITE_P(Files, LoadOutOfMemory,
                          NameOfLoad);
 
 void PrintTo(const LoadCase& load, std::ostream* out) { *out << load.name; }
+
+// --- exporting ---
+
+struct ExportCase {
+  const char* name;
+  void (*save)(const KelProjectDatabase&, const std::string&);
+  bool is_durable;
+  bool has_former_file;
+};
+
+void Export(const KelProjectDatabase& database, const std::string& path) {
+  database.ExportProjectData(path);
+}
+
+const ExportCase kExportCases[] = {
+    {"Export", Export, false, true},
+    {"ExportToNewFile", Export, false, false},
+    {"DurableExport", projectdb::ExportProjectDataDurably, true, true},
+    {"DurableExportToNewFile", projectdb::ExportProjectDataDurably, true, false}};
+
+/// What stands at a path; nothing if there is no file.
+std::optional<FileState> StateOf(const std::string& path) {
+  if (!std::filesystem::exists(path)) return std::nullopt;
+  return FileState(path);
+}
+
+/// The size of a file, read without memory; negative if there is none.
+off_t SizeOf(const char* path) {
+  struct stat status {};
+  return ::stat(path, &status) == 0 ? status.st_size : -1;
+}
+
+class ExportOutOfMemory : public XmlOutOfMemory,
+                          public testing::WithParamInterface<std::tuple<ExportCase, Shortage>> {
+ protected:
+  static const ExportCase& save() { return std::get<ExportCase>(GetParam()); }
+  static Shortage shortage() { return std::get<Shortage>(GetParam()); }
+
+  void Prepare(KelProjectDatabase& database) const {
+    std::filesystem::remove(path_);
+    if (save().has_former_file) WriteFile(path_, "former");
+    database.LoadProjectData(project_file_, "");
+  }
+
+  Project ProjectBefore() const {
+    KelProjectDatabase database;
+    Prepare(database);
+    return Project(database);
+  }
+
+  Complaints RunOnce(FaultPoints& points, const Project& before) {
+    KelProjectDatabase database;
+    Prepare(database);
+    const std::optional<FileState> former = StateOf(path_);
+    const off_t former_size = SizeOf(path_.c_str());
+    off_t size_at_failure = former_size;
+    const Outcome outcome = RunAtFaultPoint(
+        points, KeepingItsError([this](KelProjectDatabase& db) { save().save(db, path_); }),
+        database, [&] { size_at_failure = SizeOf(path_.c_str()); });
+    Complaints complaints;
+    if (points.completed) return JudgeSavedFile(database);
+    complaints = JudgeFailure(outcome, database, {"Failed writing XML file " + path_ + ": "});
+    // A file that is opened is emptied or comes into being.
+    const bool was_opened = size_at_failure != former_size;
+    if (was_opened && points.first_with_effect < 0) points.first_with_effect = points.number;
+    complaints.Unless(was_opened || StateOf(path_) == former, "the file is harmed");
+    const std::size_t files = former || was_opened ? 2 : 1;
+    complaints.Unless(NamesIn(directory_.path()).size() == files, "another file is left");
+    complaints.Unless(Project(database) == before, "the project is another");
+    save().save(database, path_);
+    complaints.Unless(JudgeSavedFile(database).text().empty(), "the object is not usable");
+    return complaints;
+  }
+
+  /// The file that a save has left must hold the project.
+  Complaints JudgeSavedFile(const KelProjectDatabase& database) const {
+    KelProjectDatabase loaded;
+    Complaints complaints;
+    complaints.Unless(loaded.LoadProjectData(path_, ""), "the file does not load");
+    complaints.Unless(projectdb::CompareProjects(loaded, database).empty(),
+                      "the file is not whole");
+    return complaints;
+  }
+
+  const std::string path_ = directory_ / "saved.xml";
+};
+
+TEST_P(ExportOutOfMemory, AnyAllocationFails_ThrowsAndLosesNothing) {
+  const XmlPlatform platform;
+  const Project before = ProjectBefore();
+  const FaultPoints points = WalkFaultPoints({shortage()}, [&](FaultPoints& run) {
+    return WithoutLeaks(run, [&] { return RunOnce(run, before); });
+  });
+  Report(points);
+  EXPECT_EQ(points.first_with_effect >= 0, !save().is_durable);
+}
+
+std::string NameOfExport(
+    const testing::TestParamInfo<std::tuple<ExportCase, Shortage>>& param_info) {
+  return std::get<ExportCase>(param_info.param).name + NameOf(std::get<Shortage>(param_info.param));
+}
+
+INSTANTIATE_TEST_SUITE_P(Saves, ExportOutOfMemory,
+                         testing::Combine(testing::ValuesIn(kExportCases),
+                                          testing::ValuesIn(kShortages)),
+                         NameOfExport);
+
+void PrintTo(const ExportCase& save, std::ostream* out) { *out << save.name; }
 
 }  // namespace

@@ -86,8 +86,8 @@ void KelProjectDatabase::ExportProjectData(const std::string& path) const {
   if (!IsProjectDatabaseExist()) return;
   // Terminated after success only: an exception of the XML library needs the library to be read.
   xml::InitializeXMLPlatform();
-  xercesc::DOMImplementation* core =
-      xercesc::DOMImplementationRegistry::getDOMImplementation(u"Core");
+  xercesc::DOMImplementation* core = xml::WithBadAlloc(
+      [] { return xercesc::DOMImplementationRegistry::getDOMImplementation(u"Core"); });
   if (!core) return;
   xml::Owned<xercesc::DOMDocument> document;
   const bool has_project = xml::WithPrefixedErrors(WritingPrefix(path), [&] {

@@ -13,9 +13,9 @@
 #include "xml/owned.h"
 
 namespace projectdb::xml {
+namespace {
 
-void WriteDOMDocumentToFile(const std::string& path, const xercesc::DOMDocument* document) {
-  if (path.empty() || !document) return;
+void Write(const std::string& path, const xercesc::DOMDocument* document) {
   xercesc::DOMImplementation* implementation =
       xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS");
   const Owned<xercesc::DOMLSSerializer> serializer(implementation->createLSSerializer());
@@ -32,6 +32,13 @@ void WriteDOMDocumentToFile(const std::string& path, const xercesc::DOMDocument*
     }
     target.Close();
   });
+}
+
+}  // namespace
+
+void WriteDOMDocumentToFile(const std::string& path, const xercesc::DOMDocument* document) {
+  if (path.empty() || !document) return;
+  WithBadAlloc([&] { Write(path, document); });
 }
 
 }  // namespace projectdb::xml
