@@ -19,7 +19,7 @@ struct Numbers {
 };
 
 /// Of both sequences, the entries between two positions.
-struct Part {
+struct Stretch {
   const std::vector<std::string_view>& before;
   const std::vector<std::string_view>& after;
   std::size_t start;  ///< The same in both.
@@ -28,18 +28,18 @@ struct Part {
 };
 
 /// Without the entries at the start and at the end that are equal in both.
-Part DifferentPart(const std::vector<std::string_view>& before,
-                   const std::vector<std::string_view>& after) {
+Stretch DifferentStretch(const std::vector<std::string_view>& before,
+                         const std::vector<std::string_view>& after) {
   const auto start = static_cast<std::size_t>(
       std::mismatch(before.begin(), before.end(), after.begin(), after.end()).first -
       before.begin());
-  Part part{before, after, start, before.size(), after.size()};
-  while (part.before_end > start && part.after_end > start &&
-         before[part.before_end - 1] == after[part.after_end - 1]) {
-    --part.before_end;
-    --part.after_end;
+  Stretch stretch{before, after, start, before.size(), after.size()};
+  while (stretch.before_end > start && stretch.after_end > start &&
+         before[stretch.before_end - 1] == after[stretch.after_end - 1]) {
+    --stretch.before_end;
+    --stretch.after_end;
   }
-  return part;
+  return stretch;
 }
 
 struct Occurrence {
@@ -48,21 +48,21 @@ struct Occurrence {
   std::size_t number = 0;
 };
 
-/// The entries of the part that both sequences have. Their numbers have the order of the texts, so
-/// that they are the same whichever sequence comes first.
-std::pair<Numbers, Numbers> NumberSharedEntries(const Part& part) {
+/// The entries of the stretch that both sequences have. Their numbers have the order of the texts,
+/// so that they are the same whichever sequence comes first.
+std::pair<Numbers, Numbers> NumberSharedEntries(const Stretch& stretch) {
   std::map<std::string_view, Occurrence> occurrences;
-  for (std::size_t i = part.start; i < part.before_end; ++i) {
-    occurrences[part.before[i]].is_in_before = true;
+  for (std::size_t i = stretch.start; i < stretch.before_end; ++i) {
+    occurrences[stretch.before[i]].is_in_before = true;
   }
-  for (std::size_t i = part.start; i < part.after_end; ++i) {
-    occurrences[part.after[i]].is_in_after = true;
+  for (std::size_t i = stretch.start; i < stretch.after_end; ++i) {
+    occurrences[stretch.after[i]].is_in_after = true;
   }
   std::size_t next = 0;
   for (auto& [text, occurrence] : occurrences) occurrence.number = next++;
   const auto number = [&](const std::vector<std::string_view>& sequence, std::size_t end) {
     Numbers numbers;
-    for (std::size_t i = part.start; i < end; ++i) {
+    for (std::size_t i = stretch.start; i < end; ++i) {
       const Occurrence& occurrence = occurrences.at(sequence[i]);
       if (!occurrence.is_in_before || !occurrence.is_in_after) continue;
       numbers.numbers.push_back(occurrence.number);
@@ -70,7 +70,7 @@ std::pair<Numbers, Numbers> NumberSharedEntries(const Part& part) {
     }
     return numbers;
   };
-  return {number(part.before, part.before_end), number(part.after, part.after_end)};
+  return {number(stretch.before, stretch.before_end), number(stretch.after, stretch.after_end)};
 }
 
 /// The shortest way to edit one sequence into another: the greedy algorithm of E. Myers, which goes
@@ -220,15 +220,15 @@ Alignment AlignEitherWay(const std::vector<std::size_t>& before,
 
 std::vector<AlignedEntries> AlignEqualEntries(const std::vector<std::string_view>& before,
                                               const std::vector<std::string_view>& after) {
-  const Part part = DifferentPart(before, after);
+  const Stretch stretch = DifferentStretch(before, after);
   Alignment alignment;
-  for (std::size_t i = 0; i < part.start; ++i) alignment.push_back({i, i});
-  const auto [before_numbers, after_numbers] = NumberSharedEntries(part);
+  for (std::size_t i = 0; i < stretch.start; ++i) alignment.push_back({i, i});
+  const auto [before_numbers, after_numbers] = NumberSharedEntries(stretch);
   for (const auto& [b, a] : AlignEitherWay(before_numbers.numbers, after_numbers.numbers)) {
     alignment.push_back({before_numbers.positions[b], after_numbers.positions[a]});
   }
-  for (std::size_t i = 0; part.before_end + i < before.size(); ++i) {
-    alignment.push_back({part.before_end + i, part.after_end + i});
+  for (std::size_t i = 0; stretch.before_end + i < before.size(); ++i) {
+    alignment.push_back({stretch.before_end + i, stretch.after_end + i});
   }
   return alignment;
 }

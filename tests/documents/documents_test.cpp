@@ -139,14 +139,14 @@ std::string OutputOf(const std::string& command, const std::filesystem::path& di
 }
 
 /// The commands of a text, which begin with "$ ", each with what it prints.
-std::string Session(const std::string& text, const std::filesystem::path& directory) {
-  std::string session;
+std::string RunCommands(const std::string& text, const std::filesystem::path& directory) {
+  std::string printed;
   std::istringstream lines(text);
   for (std::string line; std::getline(lines, line);) {
     if (line.compare(0, 2, "$ ") != 0) continue;
-    session += line + "\n" + OutputOf(line.substr(2), directory);
+    printed += line + "\n" + OutputOf(line.substr(2), directory);
   }
-  return session;
+  return printed;
 }
 
 TEST(Documents, EveryCodeBlock_IsTestedOrPlainText) {
@@ -187,7 +187,7 @@ TEST_P(ConsoleDocuments, ShowsWhatTheCommandsPrint) {
   for (const CodeBlock& block : BlocksOf(GetParam())) {
     if (block.language != "console") continue;
     shown += block.text;
-    printed += Session(block.text, directory.path());
+    printed += RunCommands(block.text, directory.path());
   }
   EXPECT_EQ(printed, shown);
 }

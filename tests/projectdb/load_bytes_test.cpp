@@ -390,7 +390,7 @@ class SampleCutOff : public DamagedSample,
  public:
   static std::string NameOf(const testing::TestParamInfo<ParamType>& test_info) {
     const auto& [has_schema, part] = test_info.param;
-    return (has_schema ? "SchemaPart" : "Part") + std::to_string(part);
+    return (has_schema ? "SchemaStretch" : "Stretch") + std::to_string(part);
   }
 };
 
@@ -403,7 +403,7 @@ TEST_P(SampleCutOff, LoadProjectData_AnyPositionBeforeTheEnd_IsRefusedWithoutTra
   });
 }
 
-INSTANTIATE_TEST_SUITE_P(Parts, SampleCutOff,
+INSTANTIATE_TEST_SUITE_P(Stretches, SampleCutOff,
                          testing::Combine(testing::Bool(), testing::Range<std::size_t>(0, kParts)),
                          SampleCutOff::NameOf);
 
@@ -433,7 +433,7 @@ class SampleWithReplacedByte
  public:
   static std::string NameOf(const testing::TestParamInfo<ParamType>& test_info) {
     const auto& [replacement, part] = test_info.param;
-    return replacement.name + ("Part" + std::to_string(part));
+    return replacement.name + ("Stretch" + std::to_string(part));
   }
 };
 
@@ -446,7 +446,7 @@ TEST_P(SampleWithReplacedByte, LoadProjectData_AnyPosition_IsReadOrRefusedWithou
   });
 }
 
-INSTANTIATE_TEST_SUITE_P(Parts, SampleWithReplacedByte,
+INSTANTIATE_TEST_SUITE_P(Stretches, SampleWithReplacedByte,
                          testing::Combine(testing::ValuesIn(kReplacements),
                                           testing::Range<std::size_t>(0, kParts)),
                          SampleWithReplacedByte::NameOf);
