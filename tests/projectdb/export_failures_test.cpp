@@ -26,6 +26,7 @@
 #include <xercesc/util/PlatformUtils.hpp>
 
 #include "support/child_process.h"
+#include "support/denied.h"
 #include "support/files.h"
 #include "support/message_recorder.h"
 #include "support/project_snapshot.h"
@@ -38,6 +39,7 @@ namespace {
 using projectdb::DesignFile;
 using projectdb::KelProjectDatabase;
 using projectdb::Parameter;
+using test_support::Denied;
 using test_support::InChildProcess;
 using test_support::MessageRecorder;
 using test_support::ReadFile;
@@ -131,6 +133,29 @@ TEST_F(ExportFailures, ExportProjectData_CannotOpen_TextIsCheckedFirst) {
   database_.SetProjectName("\x01");
   const std::string path = directory_ / "missing/p.xml";
   EXPECT_THAT(ExportError(database_, path), IsWritingErrorFor(path));
+}
+
+TEST_F(ExportFailures, ExportProjectData_DirectoryThatIsNotPermitted_ThrowsAndCreatesNoFile) {
+  std::filesystem::permissions(directory_.path(), std::filesystem::perms(0755));
+  const std::string closed = directory_ / "closed";
+  std::filesystem::create_directory(closed);
+  {
+    const Denied denied(closed);
+    if (!denied.effective()) GTEST_SKIP() << "cannot be denied";
+    EXPECT_THROW(database_.ExportProjectData(closed + "/p.xml"), xercesc::IOException);
+  }
+  EXPECT_TRUE(std::filesystem::is_empty(closed));
+}
+
+TEST_F(ExportFailures, ExportProjectData_FileThatIsNotPermitted_ThrowsAndLeavesItAsItWas) {
+  std::filesystem::permissions(directory_.path(), std::filesystem::perms(0755));
+  WriteFile(path_, "former");
+  {
+    const Denied denied(path_);
+    if (!denied.effective()) GTEST_SKIP() << "cannot be denied";
+    EXPECT_THROW(database_.ExportProjectData(path_), xercesc::IOException);
+  }
+  EXPECT_EQ(ReadFile(path_), "former");
 }
 
 // Files that take no more.

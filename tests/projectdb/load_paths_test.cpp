@@ -201,6 +201,17 @@ TEST_F(LoadPaths, LoadProjectData_SchemaInADirectoryWithoutPermission_CountsAsMi
   EXPECT_THAT(messages, ElementsAre(ReadingMessage(project), SchemaMissingMessage(schema)));
 }
 
+// ---- Files that cannot be read
+
+TEST_F(LoadPaths, LoadProjectData_FileThatCannotBeReadToItsEnd_IsRefusedAsMalformed) {
+  const std::string unreadable = "/proc/self/mem";
+  if (!std::filesystem::exists(unreadable)) GTEST_SKIP() << "no " << unreadable;
+  std::filesystem::create_symlink(unreadable, path());
+  EXPECT_FALSE(LoadFile(path()));
+  EXPECT_EQ(messages, RefusedMessages(path()));
+  EXPECT_FALSE(database.IsProjectDatabaseExist());
+}
+
 // ---- The file is opened once
 
 TEST_F(LoadPaths, LoadProjectData_PipeAsProjectFile_IsReadOnce) {
