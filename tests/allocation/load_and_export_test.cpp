@@ -23,6 +23,7 @@
 
 #include "allocation/failing_allocation.h"
 #include "allocation/fault_points.h"
+#include "allocation/library_function.h"
 #include "support/files.h"
 #include "support/project_differences.h"
 #include "support/project_loading.h"
@@ -37,6 +38,7 @@ namespace {
 
 using projectdb::KelProjectDatabase;
 using test_support::AllDifferences;
+using test_support::CallStack;
 using test_support::Complaints;
 using test_support::CompleteProjectXml;
 using test_support::CountLiveBlocks;
@@ -45,10 +47,12 @@ using test_support::DeviceOnlySchema;
 using test_support::FaultPoints;
 using test_support::FileState;
 using test_support::kSanitized;
+using test_support::LibraryFunction;
 using test_support::LiveBlocks;
 using test_support::NamesIn;
 using test_support::Operation;
 using test_support::Outcome;
+using test_support::Processes;
 using test_support::ProjectXml;
 using test_support::ReadFile;
 using test_support::RunAtFaultPoint;
@@ -419,5 +423,61 @@ INSTANTIATE_TEST_SUITE_P(Saves, ExportOutOfMemory,
                          NameOfExport);
 
 void PrintTo(const ExportCase& save, std::ostream* out) { *out << save.name; }
+
+// --- the first use of the XML library ---
+
+class FirstUseOutOfMemory : public XmlOutOfMemory, public testing::WithParamInterface<Shortage> {
+ protected:
+  Complaints RunOnce(FaultPoints& points) {
+    KelProjectDatabase database;
+    database.CreateNewProjectDatabase("first");
+    const Project before(database);
+    bool initialisation_failed = false;
+    const Outcome outcome = RunAtFaultPoint(
+        points, KeepingItsError([this](KelProjectDatabase& db) { db.ExportProjectData(path_); }),
+        database,
+        [&] { initialisation_failed = initialisation_failed || IsInitialising(CallStack()); });
+    if (points.completed) return {};
+    Complaints complaints =
+        JudgeFailure(outcome, database, {"Failed writing XML file " + path_ + ": "});
+    complaints.Unless(Project(database) == before, "the project is another");
+    complaints.Unless(LoadError(database) == (initialisation_failed ? kFailedBefore : ""),
+                      "a load ends in " + LoadError(database));
+    return complaints;
+  }
+
+  bool IsInitialising(const CallStack& calls) const {
+    return initialize_.IsIn(calls) || initialize_static_data_.IsIn(calls);
+  }
+
+  std::string LoadError(KelProjectDatabase& database) const {
+    try {
+      return database.LoadProjectData(project_file_, "") ? "" : "malformed";
+    } catch (const std::runtime_error& error) {
+      return error.what();
+    }
+  }
+
+  static constexpr const char* kFailedBefore = "Failed to initialize after an earlier failure\n";
+
+  const LibraryFunction initialize_{
+      "_ZN11xercesc_3_216XMLPlatformUtils10InitializeEPKcS2_PNS_12PanicHandlerEPNS_"
+      "13MemoryManagerE"};
+  // Called last, so that no return to the first need be kept.
+  const LibraryFunction initialize_static_data_{
+      "_ZN11xercesc_3_214XMLInitializer20initializeStaticDataEv"};
+  const std::string path_ = directory_ / "saved.xml";
+};
+
+TEST_P(FirstUseOutOfMemory, ExportProjectData_AnyAllocationFails_ThrowsAndLeavesTheProject) {
+  const FaultPoints points =
+      WalkFaultPoints({GetParam(), kStrideOfLongWalks, Processes::kOneForEachRun},
+                      [this](FaultPoints& run) { return RunOnce(run); });
+  Report(points);
+  EXPECT_GT(points.tried, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Shortages, FirstUseOutOfMemory, testing::ValuesIn(kShortages),
+                         [](const auto& param_info) { return NameOf(param_info.param); });
 
 }  // namespace

@@ -1,0 +1,68 @@
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <projectdb/check.h>
+
+#include "allocation/failing_allocation.h"
+#include "support/files.h"
+#include "support/temporary_directory.h"
+#include "support/xml_platform.h"
+
+namespace {
+
+using projectdb::CheckProjectFile;
+using projectdb::FileProblem;
+using test_support::Outcome;
+using test_support::Shortage;
+
+/// A file with problems of many kinds.
+constexpr char kProject[] =
+    "<project xmlns=\"http://schema.kel.example/wdp_proj\"><bogus/><package_info/>"
+    "<debugger><param name=\"a\"/><param name=\"b\" value=\"1\" "
+    "value_type=\"text\"/><x/></debugger>"
+    "<sim_info><y/></sim_info><isf_info><isf_file/></isf_info></project>";
+
+std::vector<std::string> Show(const std::vector<FileProblem>& problems) {
+  std::vector<std::string> shown;
+  for (const FileProblem& problem : problems) {
+    shown.push_back(std::to_string(problem.column) + ": " + problem.message);
+  }
+  return shown;
+}
+
+class CheckOutOfMemory : public testing::TestWithParam<Shortage> {
+ protected:
+  /// A failed start of the XML library would be for the whole process.
+  test_support::XmlPlatform platform_;
+  test_support::TemporaryDirectory directory_;
+  std::string path_ = directory_ / "p.xml";
+};
+
+TEST_P(CheckOutOfMemory, CheckProjectFile_AnyAllocationFails_ThrowsOrGivesAllProblems) {
+  test_support::WriteFile(path_, kProject);
+  const std::vector<std::string> expected = Show(CheckProjectFile(path_, ""));
+  ASSERT_EQ(expected.size(), 7U);
+  projectdb::KelProjectDatabase unused;
+  Outcome outcome = Outcome::kOutOfMemory;
+  long failures = 0;
+  for (; outcome != Outcome::kCompleted; ++failures) {
+    SCOPED_TRACE(failures);
+    std::vector<FileProblem> problems;
+    outcome = test_support::RunWithFailure(
+        failures, GetParam(), [&](auto&) { problems = CheckProjectFile(path_, ""); }, unused);
+    if (outcome != Outcome::kOutOfMemory) {
+      EXPECT_EQ(Show(problems), expected);
+    }
+  }
+  EXPECT_GT(failures, 100);
+}
+
+INSTANTIATE_TEST_SUITE_P(Shortages, CheckOutOfMemory,
+                         testing::Values(Shortage::kOneAllocation, Shortage::kEveryFromThereOn),
+                         [](const auto& test_info) {
+                           return test_info.param == Shortage::kOneAllocation ? "One" : "All";
+                         });
+
+}  // namespace
