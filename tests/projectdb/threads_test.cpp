@@ -2,7 +2,6 @@
 #include <atomic>
 #include <functional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -11,6 +10,7 @@
 #include <projectdb/project_db.h>
 
 #include "support/message_recorder.h"
+#include "support/threads.h"
 
 namespace {
 
@@ -21,19 +21,8 @@ using testing::Each;
 constexpr int kThreads = 8;
 constexpr int kRounds = 200;
 
-/// Runs the same work in several threads, which begin together.
 void InAllThreads(const std::function<void(int thread)>& work) {
-  std::atomic<int> waiting{kThreads};
-  std::vector<std::thread> threads;
-  threads.reserve(kThreads);
-  for (int thread = 0; thread < kThreads; ++thread) {
-    threads.emplace_back([&, thread] {
-      --waiting;
-      while (waiting > 0) std::this_thread::yield();
-      work(thread);
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  test_support::InThreads(kThreads, work);
 }
 
 std::string NameOf(int thread, int round) {
