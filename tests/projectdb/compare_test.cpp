@@ -53,7 +53,7 @@ struct ChangeCase {
 void PrintTo(const ChangeCase& c, std::ostream* out) { *out << c.name; }
 
 SortedParameters& MapOf(ProjectContents& project, ProcType type, const char* name) {
-  return project.flow_processes.at(type).parameter_maps[name];
+  return project.flow_processes.at(static_cast<std::size_t>(type)).parameter_maps[name];
 }
 
 const ChangeCase kChanges[] = {

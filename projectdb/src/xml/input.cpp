@@ -1,5 +1,6 @@
 #include "xml/input.h"
 
+#include <algorithm>
 #include <fstream>
 #include <memory>
 #include <system_error>
@@ -8,11 +9,37 @@
 #include <xercesc/util/BinFileInputStream.hpp>
 #include <xercesc/util/BinMemInputStream.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLException.hpp>
 
 #include "xml/file_uri.h"
 #include "xml/text.h"
 
 namespace projectdb::xml {
+namespace {
+
+/// A file whose first block is read at once, as much as the parser asks for first: what the parser
+/// makes for a file that fails in that first read, such as a directory, it leaks.
+class StartedFile : public xercesc::BinFileInputStream {
+ public:
+  explicit StartedFile(const std::string& path) : BinFileInputStream(path.c_str()) {
+    if (getIsOpen()) size_ = BinFileInputStream::readBytes(first_block_, sizeof(first_block_));
+  }
+
+  XMLSize_t readBytes(XMLByte* target, XMLSize_t most) override {
+    if (taken_ == size_) return BinFileInputStream::readBytes(target, most);
+    const XMLSize_t size = std::min(most, size_ - taken_);
+    std::copy_n(first_block_ + taken_, size, target);
+    taken_ += size;
+    return size;
+  }
+
+ private:
+  XMLByte first_block_[48 * 1024UL];
+  XMLSize_t size_ = 0;
+  XMLSize_t taken_ = 0;
+};
+
+}  // namespace
 
 std::optional<std::string> ReadBytes(const std::filesystem::path& path, std::size_t most) {
   std::error_code error;
@@ -30,11 +57,12 @@ FileInput::FileInput(const std::string& path)
       path_(path) {}
 
 xercesc::BinInputStream* FileInput::makeStream() const {
-  // A directory can be opened but not read, and the parser leaks what it began to read from.
-  std::error_code error;
-  if (std::filesystem::is_directory(std::filesystem::u8path(path_), error)) return nullptr;
-  auto stream = std::make_unique<xercesc::BinFileInputStream>(path_.c_str());
-  return stream->getIsOpen() ? stream.release() : nullptr;
+  try {
+    auto file = std::make_unique<StartedFile>(path_);
+    return file->getIsOpen() ? file.release() : nullptr;
+  } catch (const xercesc::XMLException&) {
+    return nullptr;
+  }
 }
 
 BytesInput::BytesInput(std::string bytes, const std::string& uri)
