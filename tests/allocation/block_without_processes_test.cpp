@@ -14,14 +14,18 @@
 #include <projectdb/project_db.h>
 
 #include "allocation/failing_allocation.h"
+#include "allocation/long_text.h"
 #include "support/files.h"
 #include "support/message_recorder.h"
+#include "support/processes.h"
 #include "support/project_snapshot.h"
 #include "support/temporary_directory.h"
 
 namespace {
 
 using namespace projectdb;
+using test_support::kProcesses;
+using test_support::Long;
 using test_support::MessageRecorder;
 using test_support::Operation;
 using test_support::Outcome;
@@ -32,9 +36,6 @@ using test_support::TemporaryDirectory;
 using test_support::WalkAllocations;
 
 using Db = KelProjectDatabase;
-
-constexpr ProcType kProcesses[] = {e_synthesis, e_place_and_route, e_bitstream_generation,
-                                   e_debugger};
 
 void Nothing(Db&) {}
 
@@ -98,8 +99,6 @@ struct Change {
   Operation operation;
   std::vector<Operation> steps;
 };
-
-std::string Long(const std::string& text) { return text + std::string(60, '_'); }
 
 void FillProject(Db& database) {
   database.CreateNewProjectDatabase(Long("blinker"));

@@ -9,21 +9,21 @@
 #include <projectdb/project_db.h>
 
 #include "allocation/failing_allocation.h"
+#include "allocation/long_text.h"
 #include "support/project_differences.h"
 
 namespace {
 
 using namespace projectdb;
 using test_support::AllDifferences;
+using test_support::Long;
 using test_support::Outcome;
 using test_support::WalkAllocations;
 
 using Lines = std::vector<std::string>;
 
-std::string Long(const std::string& text) { return text + std::string(60, '_'); }
-
 /// A project with something in every part that a contents or a comparison copies.
-void FillProject(KelProjectDatabase& database) {
+void FillEveryPart(KelProjectDatabase& database) {
   database.CreateNewProjectDatabase(Long("blinker"));
   database.AddProjectInfoAttribute(Long("owner"), Long("lab 3"));
   database.AddDesignRTLFile(Long("top.v"), Long("v2001"), Long("work"));
@@ -47,7 +47,7 @@ void FillChangedProject(KelProjectDatabase& database) {
 class OutOfMemoryInComparison : public testing::Test {
  protected:
   OutOfMemoryInComparison() {
-    FillProject(untouched_);
+    FillEveryPart(untouched_);
     FillChangedProject(changed_);
   }
 
@@ -58,7 +58,7 @@ class OutOfMemoryInComparison : public testing::Test {
 TEST_F(OutOfMemoryInComparison, GetProjectContents_AnyAllocationFails_LeavesTheProjectAndTheLock) {
   const ProjectContents expected = GetProjectContents(untouched_);
   WalkAllocations(
-      FillProject, [](KelProjectDatabase& database) { GetProjectContents(database); },
+      FillEveryPart, [](KelProjectDatabase& database) { GetProjectContents(database); },
       [&](KelProjectDatabase& database, Outcome) {
         EXPECT_EQ(CompareProjects(expected, GetProjectContents(database)).size(), 0U);
       });
@@ -69,7 +69,7 @@ TEST_F(OutOfMemoryInComparison,
   const ProjectContents expected = GetProjectContents(untouched_);
   const ProjectContents expected_changed = GetProjectContents(changed_);
   WalkAllocations(
-      FillProject, [&](KelProjectDatabase& database) { CompareProjects(database, changed_); },
+      FillEveryPart, [&](KelProjectDatabase& database) { CompareProjects(database, changed_); },
       [&](KelProjectDatabase& database, Outcome) {
         EXPECT_EQ(CompareProjects(expected, GetProjectContents(database)).size(), 0U);
         EXPECT_EQ(AllDifferences(expected_changed, GetProjectContents(changed_)), Lines());

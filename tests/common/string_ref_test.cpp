@@ -9,30 +9,31 @@
 
 namespace {
 
-using Ref = Kel::BasicStringRef<char>;
+using StringRef = Kel::BasicStringRef<char>;
 
-static_assert(std::is_standard_layout_v<Ref>, "its layout is shared with the rest of the suite");
-static_assert(std::is_trivially_copyable_v<Ref>, "it is passed by value everywhere");
-static_assert(std::is_same_v<decltype(Ref::size), std::uint64_t>);
-static_assert(std::is_same_v<decltype(Ref::data), const char*>);
+static_assert(std::is_standard_layout_v<StringRef>,
+              "its layout is shared with the rest of the suite");
+static_assert(std::is_trivially_copyable_v<StringRef>, "it is passed by value everywhere");
+static_assert(std::is_same_v<decltype(StringRef::size), std::uint64_t>);
+static_assert(std::is_same_v<decltype(StringRef::data), const char*>);
 
-TEST(StringRef, DefaultConstruct_Size_IsZero) { EXPECT_EQ(Ref().size, 0u); }
+TEST(StringRef, DefaultConstruct_Size_IsZero) { EXPECT_EQ(StringRef().size, 0u); }
 
-TEST(StringRef, DefaultConstruct_Data_PointsAtEmptyText) { EXPECT_STREQ(Ref().data, ""); }
+TEST(StringRef, DefaultConstruct_Data_PointsAtEmptyText) { EXPECT_STREQ(StringRef().data, ""); }
 
 TEST(StringRef, Layout_Members_AreSizeThenData) {
-  EXPECT_LT(offsetof(Ref, size), offsetof(Ref, data));
+  EXPECT_LT(offsetof(StringRef, size), offsetof(StringRef, data));
 }
 
 TEST(StringRef, Construct_PartOfText_RefersToThatPart) {
   const char text[] = "clock_tree";
-  const Ref part{5, text};
+  const StringRef part{5, text};
   EXPECT_EQ(std::string(part.data, part.size), "clock");
 }
 
 TEST(StringRef, Construct_Text_IsNotCopied) {
   const std::string text = "clock_tree";
-  EXPECT_EQ((Ref{text.size(), text.data()}.data), text.data());
+  EXPECT_EQ((StringRef{text.size(), text.data()}.data), text.data());
 }
 
 }  // namespace

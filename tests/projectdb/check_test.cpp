@@ -291,7 +291,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& test_info) { return test_info.param.section; });
 
 /// The names in angle brackets.
-std::vector<std::string> NamesIn(const std::string& text) {
+std::vector<std::string> WordsOf(const std::string& text) {
   std::vector<std::string> names;
   for (std::size_t begin = text.find('<'); begin != std::string::npos;
        begin = text.find('<', begin + 1)) {
@@ -302,7 +302,7 @@ std::vector<std::string> NamesIn(const std::string& text) {
 
 TEST_P(CheckUnknownChild, CheckProjectFile_ExpectedChild_IsNoError) {
   const auto& [section, expected] = GetParam();
-  for (const std::string& child : NamesIn(expected)) {
+  for (const std::string& child : WordsOf(expected)) {
     EXPECT_THAT(
         CheckSections("<" + section + "><" + child +
                       " name=\"a\" value=\"b\" value_type=\"e_string\"/></" + section + ">"),

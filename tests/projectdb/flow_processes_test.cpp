@@ -15,10 +15,12 @@
 #include <projectdb/project_db.h>
 
 #include "support/message_recorder.h"
+#include "support/processes.h"
 
 namespace {
 
 using namespace projectdb;
+using test_support::kProcesses;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
@@ -32,9 +34,6 @@ static_assert(
 static_assert(std::is_same_v<decltype(std::declval<const Db&>().FindFlowProcessParameterMap(
                                  e_synthesis, std::string())),
                              ParameterMap*>);
-
-constexpr ProcType kProcesses[] = {e_synthesis, e_place_and_route, e_bitstream_generation,
-                                   e_debugger};
 
 const std::vector<ProcType>& InvalidProcesses() {
   static const std::vector<ProcType> types = {
@@ -50,14 +49,16 @@ const std::vector<ProcType>& InvalidProcesses() {
 }
 
 /// A parameter in a form that compares.
-using Row = std::tuple<std::string, std::string, int>;
+using ParameterRow = std::tuple<std::string, std::string, int>;
 
-Row RowOf(const Parameter& parameter) { return {parameter.name, parameter.value, parameter.type}; }
+ParameterRow ParameterRowOf(const Parameter& parameter) {
+  return {parameter.name, parameter.value, parameter.type};
+}
 
-std::vector<Row> RowsOf(const std::vector<Parameter>& parameters) {
-  std::vector<Row> rows;
+std::vector<ParameterRow> RowsOf(const std::vector<Parameter>& parameters) {
+  std::vector<ParameterRow> rows;
   rows.reserve(parameters.size());
-  for (const Parameter& parameter : parameters) rows.push_back(RowOf(parameter));
+  for (const Parameter& parameter : parameters) rows.push_back(ParameterRowOf(parameter));
   return rows;
 }
 
@@ -66,7 +67,7 @@ struct StoredParameter {
   ProcType process;
   std::string map;
   std::string key;
-  Row row;
+  ParameterRow row;
 
   bool operator==(const StoredParameter& other) const {
     return std::tie(process, map, key, row) ==
@@ -86,7 +87,7 @@ std::vector<StoredParameter> AllParameters(const Db& database) {
     for (const auto& [map_name, position] : process->parameter_map_index) {
       for (const auto& [key, parameter] :
            process->parameter_maps.at(static_cast<std::size_t>(position))) {
-        all.push_back({type, map_name, key, RowOf(parameter)});
+        all.push_back({type, map_name, key, ParameterRowOf(parameter)});
       }
     }
   }
@@ -223,7 +224,7 @@ TEST_P(InvalidProcess, AddFlowProcessParameterList_ReturnsFalseAndStoresNothing)
 TEST_P(InvalidProcess, GetFlowProcessParameterList_LeavesTheVector) {
   std::vector<Parameter> parameters = {{"former", "1", e_string}};
   database_.GetFlowProcessParameterList(GetParam(), "param", parameters);
-  EXPECT_THAT(RowsOf(parameters), ElementsAre(Row("former", "1", e_string)));
+  EXPECT_THAT(RowsOf(parameters), ElementsAre(ParameterRow("former", "1", e_string)));
 }
 
 TEST_P(InvalidProcess, GetFlowProcessParameter_GivesEmptyOptional) {
@@ -397,9 +398,9 @@ TEST_F(FullProcess, AddFlowProcessParameterMap_AnotherProcess_StillWorks) {
 
 // --- inserting and assigning ---
 
-std::vector<std::pair<std::string, Row>> Entries(const ParameterMap& map) {
-  std::vector<std::pair<std::string, Row>> entries;
-  for (const auto& [key, parameter] : map) entries.emplace_back(key, RowOf(parameter));
+std::vector<std::pair<std::string, ParameterRow>> Entries(const ParameterMap& map) {
+  std::vector<std::pair<std::string, ParameterRow>> entries;
+  for (const auto& [key, parameter] : map) entries.emplace_back(key, ParameterRowOf(parameter));
   return entries;
 }
 
@@ -416,10 +417,10 @@ TEST(InsertOrAssignParameter, ValueFitsItsType_IsStored) {
       {"a", "no truth value", e_bool},
   };
   for (const Parameter& parameter : cases) {
-    SCOPED_TRACE(testing::PrintToString(RowOf(parameter)));
+    SCOPED_TRACE(testing::PrintToString(ParameterRowOf(parameter)));
     ParameterMap map;
     EXPECT_TRUE(Db::InsertOrAssignParameterToMap(map, "a", parameter));
-    EXPECT_THAT(Entries(map), ElementsAre(Pair("a", RowOf(parameter))));
+    EXPECT_THAT(Entries(map), ElementsAre(Pair("a", ParameterRowOf(parameter))));
   }
 }
 
@@ -435,7 +436,7 @@ TEST(InsertOrAssignParameter, ValueDoesNotFitItsType_IsRefusedAndTheMapUnchanged
       {"a", "", static_cast<ParameterType>(-1)},
   };
   for (const Parameter& parameter : cases) {
-    SCOPED_TRACE(testing::PrintToString(RowOf(parameter)));
+    SCOPED_TRACE(testing::PrintToString(ParameterRowOf(parameter)));
     ParameterMap empty;
     EXPECT_FALSE(Db::InsertOrAssignParameterToMap(empty, "a", parameter));
     EXPECT_THAT(empty, IsEmpty());
@@ -445,7 +446,7 @@ TEST(InsertOrAssignParameter, ValueDoesNotFitItsType_IsRefusedAndTheMapUnchanged
 TEST(InsertOrAssignParameter, ValueDoesNotFitButTypeIsTheStoredOne_LeavesTheStored) {
   ParameterMap map = {{"a", {"a", "1", e_string}}};
   EXPECT_FALSE(Db::InsertOrAssignParameterToMap(map, "a", {"a", "", e_string}));
-  EXPECT_THAT(Entries(map), ElementsAre(Pair("a", Row("a", "1", e_string))));
+  EXPECT_THAT(Entries(map), ElementsAre(Pair("a", ParameterRow("a", "1", e_string))));
 }
 
 TEST(InsertOrAssignParameter, TypeDiffersFromStored_IsRefusedAndTheEntryUnchanged) {
@@ -459,7 +460,7 @@ TEST(InsertOrAssignParameter, TypeDiffersFromStored_IsRefusedAndTheEntryUnchange
       ParameterMap map = {{"a", stored}};
       EXPECT_FALSE(Db::InsertOrAssignParameterToMap(
           map, "a", {"b", type == e_noarg ? "" : "new", static_cast<ParameterType>(type)}));
-      EXPECT_THAT(Entries(map), ElementsAre(Pair("a", RowOf(stored))));
+      EXPECT_THAT(Entries(map), ElementsAre(Pair("a", ParameterRowOf(stored))));
     }
   }
 }
@@ -471,47 +472,48 @@ TEST(InsertOrAssignParameter, TypeOfStored_NameAndValueAreReplaced) {
     const auto parameter_type = static_cast<ParameterType>(type);
     ParameterMap map = {{"key", {"a", "old", parameter_type}}};
     EXPECT_TRUE(Db::InsertOrAssignParameterToMap(map, "key", {"b", "new", parameter_type}));
-    EXPECT_THAT(Entries(map), ElementsAre(Pair("key", Row("b", "new", type))));
+    EXPECT_THAT(Entries(map), ElementsAre(Pair("key", ParameterRow("b", "new", type))));
   }
 }
 
 TEST(InsertOrAssignParameter, SwitchStoredAgain_IsAccepted) {
   ParameterMap map = {{"a", {"a", "", e_noarg}}};
   EXPECT_TRUE(Db::InsertOrAssignParameterToMap(map, "a", {"a", "", e_noarg}));
-  EXPECT_THAT(Entries(map), ElementsAre(Pair("a", Row("a", "", e_noarg))));
+  EXPECT_THAT(Entries(map), ElementsAre(Pair("a", ParameterRow("a", "", e_noarg))));
 }
 
 TEST(InsertOrAssignParameter, KeyDiffersFromName_IsStoredUnderTheKey) {
   ParameterMap map;
   EXPECT_TRUE(Db::InsertOrAssignParameterToMap(map, "key", {"name", "1", e_string}));
-  EXPECT_THAT(Entries(map), ElementsAre(Pair("key", Row("name", "1", e_string))));
+  EXPECT_THAT(Entries(map), ElementsAre(Pair("key", ParameterRow("name", "1", e_string))));
 }
 
 TEST(InsertOrAssignParameter, EmptyKeyAndName_AreStored) {
   ParameterMap map;
   EXPECT_TRUE(Db::InsertOrAssignParameterToMap(map, "", {"", "1", e_string}));
-  EXPECT_THAT(Entries(map), ElementsAre(Pair("", Row("", "1", e_string))));
+  EXPECT_THAT(Entries(map), ElementsAre(Pair("", ParameterRow("", "1", e_string))));
 }
 
 TEST(InsertOrAssignParameter, AnotherKey_LeavesTheOtherEntries) {
   ParameterMap map = {{"a", {"a", "1", e_string}}};
   EXPECT_TRUE(Db::InsertOrAssignParameterToMap(map, "b", {"b", "true", e_bool}));
-  EXPECT_THAT(Entries(map), UnorderedElementsAre(Pair("a", Row("a", "1", e_string)),
-                                                 Pair("b", Row("b", "true", e_bool))));
+  EXPECT_THAT(Entries(map), UnorderedElementsAre(Pair("a", ParameterRow("a", "1", e_string)),
+                                                 Pair("b", ParameterRow("b", "true", e_bool))));
 }
 
 TEST(InsertOrAssignParameter, ParameterOfTheMapItself_IsAssignedToItself) {
   ParameterMap map = {{"a", {"a", "a value too long for the string object", e_string}}};
   EXPECT_TRUE(Db::InsertOrAssignParameterToMap(map, "a", map.at("a")));
   EXPECT_THAT(Entries(map),
-              ElementsAre(Pair("a", Row("a", "a value too long for the string object", e_string))));
+              ElementsAre(Pair(
+                  "a", ParameterRow("a", "a value too long for the string object", e_string))));
 }
 
 TEST(InsertOrAssignParameter, ParameterOfTheMapItselfUnderNewKey_IsCopied) {
   ParameterMap map = {{"a", {"a", "1", e_string}}};
   EXPECT_TRUE(Db::InsertOrAssignParameterToMap(map, "b", map.at("a")));
-  EXPECT_THAT(Entries(map), UnorderedElementsAre(Pair("a", Row("a", "1", e_string)),
-                                                 Pair("b", Row("a", "1", e_string))));
+  EXPECT_THAT(Entries(map), UnorderedElementsAre(Pair("a", ParameterRow("a", "1", e_string)),
+                                                 Pair("b", ParameterRow("a", "1", e_string))));
 }
 
 // --- adding and getting parameters ---
@@ -523,9 +525,10 @@ TEST_F(FlowProcesses, AddFlowProcessParameter_BothForms_StoreInTheGivenProcessAn
     ASSERT_TRUE(database.CreateNewProjectDatabase(""));
     EXPECT_TRUE(database.AddFlowProcessParameter(type, "own", Parameter("a", "1", e_string)));
     EXPECT_TRUE(database.AddFlowProcessParameter(type, "own", "b", "true", e_bool));
-    EXPECT_THAT(AllParameters(database),
-                UnorderedElementsAre(StoredParameter{type, "own", "a", Row("a", "1", e_string)},
-                                     StoredParameter{type, "own", "b", Row("b", "true", e_bool)}));
+    EXPECT_THAT(
+        AllParameters(database),
+        UnorderedElementsAre(StoredParameter{type, "own", "a", ParameterRow("a", "1", e_string)},
+                             StoredParameter{type, "own", "b", ParameterRow("b", "true", e_bool)}));
   }
 }
 
@@ -574,15 +577,17 @@ TEST_F(FlowProcesses, AddFlowProcessParameterList_AllAccepted_StoresEach) {
   EXPECT_TRUE(database_.AddFlowProcessParameterList(e_debugger, "own",
                                                     {{"a", "1", e_string}, {"b", "", e_noarg}}));
   EXPECT_THAT(AllParameters(database_),
-              UnorderedElementsAre(StoredParameter{e_debugger, "own", "a", Row("a", "1", e_string)},
-                                   StoredParameter{e_debugger, "own", "b", Row("b", "", e_noarg)}));
+              UnorderedElementsAre(
+                  StoredParameter{e_debugger, "own", "a", ParameterRow("a", "1", e_string)},
+                  StoredParameter{e_debugger, "own", "b", ParameterRow("b", "", e_noarg)}));
 }
 
 TEST_F(FlowProcesses, AddFlowProcessParameterList_SomeRefused_ReturnsTrueAndStoresTheOthers) {
   EXPECT_TRUE(database_.AddFlowProcessParameterList(
       e_debugger, "own", {{"a", "", e_string}, {"b", "2", e_string}, {"c", "on", e_noarg}}));
-  EXPECT_THAT(AllParameters(database_),
-              ElementsAre(StoredParameter{e_debugger, "own", "b", Row("b", "2", e_string)}));
+  EXPECT_THAT(
+      AllParameters(database_),
+      ElementsAre(StoredParameter{e_debugger, "own", "b", ParameterRow("b", "2", e_string)}));
 }
 
 TEST_F(FlowProcesses, AddFlowProcessParameterList_AllRefused_ReturnsTrueAndTheMapExists) {
@@ -599,8 +604,9 @@ TEST_F(FlowProcesses, AddFlowProcessParameterList_NameTwice_LastOfTheFirstTypeWi
   database_.AddFlowProcessParameterList(
       e_debugger, "own",
       {{"a", "1", e_string}, {"a", "true", e_bool}, {"a", "2", e_string}, {"a", "", e_noarg}});
-  EXPECT_THAT(AllParameters(database_),
-              ElementsAre(StoredParameter{e_debugger, "own", "a", Row("a", "2", e_string)}));
+  EXPECT_THAT(
+      AllParameters(database_),
+      ElementsAre(StoredParameter{e_debugger, "own", "a", ParameterRow("a", "2", e_string)}));
 }
 
 TEST_F(FlowProcesses, GetFlowProcessParameterList_MapExists_AppendsEachParameterOnce) {
@@ -609,15 +615,15 @@ TEST_F(FlowProcesses, GetFlowProcessParameterList_MapExists_AppendsEachParameter
   std::vector<Parameter> parameters;
   database_.GetFlowProcessParameterList(e_debugger, "own", parameters);
   EXPECT_THAT(RowsOf(parameters),
-              UnorderedElementsAre(Row("a", "1", e_string), Row("b", "", e_noarg),
-                                   Row("c", "true", e_bool)));
+              UnorderedElementsAre(ParameterRow("a", "1", e_string), ParameterRow("b", "", e_noarg),
+                                   ParameterRow("c", "true", e_bool)));
 }
 
 TEST_F(FlowProcesses, GetFlowProcessParameterList_MapExists_FollowsTheMapsOwnOrder) {
   for (int i = 0; i < 50; ++i) {
     database_.AddDebuggerParameter("p" + std::to_string(i), std::to_string(i), e_string);
   }
-  std::vector<Row> in_map_order;
+  std::vector<ParameterRow> in_map_order;
   for (const auto& [key, row] :
        Entries(*database_.FindFlowProcessParameterMap(e_debugger, "param"))) {
     in_map_order.push_back(row);
@@ -632,14 +638,14 @@ TEST_F(FlowProcesses, GetFlowProcessParameterList_VectorHasEntries_AppendsBehind
   std::vector<Parameter> parameters = {{"x", "former", e_string}, {"y", "former", e_string}};
   database_.GetFlowProcessParameterList(e_debugger, "param", parameters);
   EXPECT_THAT(RowsOf(parameters),
-              ElementsAre(Row("x", "former", e_string), Row("y", "former", e_string),
-                          Row("a", "1", e_string)));
+              ElementsAre(ParameterRow("x", "former", e_string),
+                          ParameterRow("y", "former", e_string), ParameterRow("a", "1", e_string)));
 }
 
 TEST_F(FlowProcesses, GetFlowProcessParameterList_MapMissing_LeavesTheVectorAndCreatesNothing) {
   std::vector<Parameter> parameters = {{"x", "former", e_string}};
   database_.GetFlowProcessParameterList(e_debugger, "param", parameters);
-  EXPECT_THAT(RowsOf(parameters), ElementsAre(Row("x", "former", e_string)));
+  EXPECT_THAT(RowsOf(parameters), ElementsAre(ParameterRow("x", "former", e_string)));
   EXPECT_EQ(MapCount(e_debugger), 0u);
 }
 
@@ -647,7 +653,7 @@ TEST_F(FlowProcesses, GetFlowProcessParameter_Stored_GivesACopy) {
   database_.AddFlowProcessParameter(e_debugger, "own", "a", "1", e_option);
   std::optional<Parameter> parameter = database_.GetFlowProcessParameter(e_debugger, "own", "a");
   ASSERT_TRUE(parameter);
-  EXPECT_EQ(RowOf(*parameter), Row("a", "1", e_option));
+  EXPECT_EQ(ParameterRowOf(*parameter), ParameterRow("a", "1", e_option));
   parameter->value = "changed";
   EXPECT_EQ(database_.GetFlowProcessParameterValue(e_debugger, "own", "a"), "1");
 }
@@ -656,7 +662,7 @@ TEST_F(FlowProcesses, GetFlowProcessParameter_SwitchStored_IsEngagedWithEmptyVal
   database_.AddFlowProcessParameter(e_debugger, "own", "quiet", "", e_noarg);
   const auto parameter = database_.GetFlowProcessParameter(e_debugger, "own", "quiet");
   ASSERT_TRUE(parameter);
-  EXPECT_EQ(RowOf(*parameter), Row("quiet", "", e_noarg));
+  EXPECT_EQ(ParameterRowOf(*parameter), ParameterRow("quiet", "", e_noarg));
 }
 
 struct Miss {
@@ -822,7 +828,7 @@ class ToolParametersTest : public testing::TestWithParam<ToolParameters> {
     return map + " of " + std::to_string(type);
   }
   static std::string OwnValue() { return ValueIn(GetParam().process, GetParam().map); }
-  static StoredParameter InOwnMap(const Row& row) {
+  static StoredParameter InOwnMap(const ParameterRow& row) {
     return {GetParam().process, GetParam().map, std::get<0>(row), row};
   }
 
@@ -831,7 +837,7 @@ class ToolParametersTest : public testing::TestWithParam<ToolParameters> {
 
 TEST_P(ToolParametersTest, Add_Parameter_StoresItInItsProcessAndMapOnly) {
   EXPECT_TRUE((database_.*GetParam().add)({"a", "true", e_bool}));
-  EXPECT_THAT(AllParameters(database_), ElementsAre(InOwnMap(Row("a", "true", e_bool))));
+  EXPECT_THAT(AllParameters(database_), ElementsAre(InOwnMap(ParameterRow("a", "true", e_bool))));
 }
 
 TEST_P(ToolParametersTest, Add_NameAndValue_StoresThemInItsProcessAndMapOnly) {
@@ -842,7 +848,7 @@ TEST_P(ToolParametersTest, Add_NameAndValue_StoresThemInItsProcessAndMapOnly) {
     EXPECT_TRUE((database_.*GetParam().add_untyped)("a", "high"));
     type = kNoParameterType;
   }
-  EXPECT_THAT(AllParameters(database_), ElementsAre(InOwnMap(Row("a", "high", type))));
+  EXPECT_THAT(AllParameters(database_), ElementsAre(InOwnMap(ParameterRow("a", "high", type))));
 }
 
 TEST_P(ToolParametersTest, Add_NameAndEmptyValue_IsRefused) {
@@ -861,8 +867,9 @@ TEST_P(ToolParametersTest, Add_ParameterWithWrongValue_IsRefused) {
 
 TEST_P(ToolParametersTest, AddList_Parameters_StoresThemInItsProcessAndMapOnly) {
   EXPECT_TRUE((database_.*GetParam().add_list)({{"a", "1", e_string}, {"b", "", e_noarg}}));
-  EXPECT_THAT(AllParameters(database_), UnorderedElementsAre(InOwnMap(Row("a", "1", e_string)),
-                                                             InOwnMap(Row("b", "", e_noarg))));
+  EXPECT_THAT(AllParameters(database_),
+              UnorderedElementsAre(InOwnMap(ParameterRow("a", "1", e_string)),
+                                   InOwnMap(ParameterRow("b", "", e_noarg))));
 }
 
 TEST_P(ToolParametersTest, AddList_SomeRefused_ReturnsTrue) {
@@ -873,14 +880,14 @@ TEST_P(ToolParametersTest, GetList_EveryMapFilled_AppendsThatOfItsMap) {
   FillEveryMap();
   std::vector<Parameter> parameters = {{"x", "former", e_string}};
   (database_.*GetParam().get_list)(parameters);
-  EXPECT_THAT(RowsOf(parameters),
-              ElementsAre(Row("x", "former", e_string), Row("a", OwnValue(), e_string)));
+  EXPECT_THAT(RowsOf(parameters), ElementsAre(ParameterRow("x", "former", e_string),
+                                              ParameterRow("a", OwnValue(), e_string)));
 }
 
 TEST_P(ToolParametersTest, GetList_NoMap_LeavesTheVector) {
   std::vector<Parameter> parameters = {{"x", "former", e_string}};
   (database_.*GetParam().get_list)(parameters);
-  EXPECT_THAT(RowsOf(parameters), ElementsAre(Row("x", "former", e_string)));
+  EXPECT_THAT(RowsOf(parameters), ElementsAre(ParameterRow("x", "former", e_string)));
 }
 
 TEST_P(ToolParametersTest, GetValue_EveryMapFilled_GivesThatOfItsMap) {
@@ -903,7 +910,7 @@ TEST_P(ToolParameterTest, Get_EveryMapFilled_GivesThatOfItsMap) {
   FillEveryMap();
   const std::optional<Parameter> parameter = (database_.*GetParam().get)("a");
   ASSERT_TRUE(parameter);
-  EXPECT_EQ(RowOf(*parameter), Row("a", OwnValue(), e_string));
+  EXPECT_EQ(ParameterRowOf(*parameter), ParameterRow("a", OwnValue(), e_string));
 }
 
 TEST_P(ToolParameterTest, Get_NeverAdded_GivesEmptyOptional) {

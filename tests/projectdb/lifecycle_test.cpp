@@ -17,12 +17,14 @@
 #include <projectdb/project_db.h>
 
 #include "support/message_recorder.h"
+#include "support/processes.h"
 #include "support/project_snapshot.h"
 #include "support/temporary_directory.h"
 
 namespace {
 
 using namespace projectdb;
+using test_support::kProcesses;
 using test_support::MessageRecorder;
 using test_support::ProjectSnapshot;
 using test_support::TakeSnapshot;
@@ -38,9 +40,6 @@ static_assert(!std::is_copy_assignable_v<KelProjectDatabase>);
 static_assert(!std::is_move_constructible_v<KelProjectDatabase>);
 static_assert(!std::is_move_assignable_v<KelProjectDatabase>);
 static_assert(!std::is_polymorphic_v<KelProjectDatabase>);
-
-constexpr ProcType kProcesses[] = {e_synthesis, e_place_and_route, e_bitstream_generation,
-                                   e_debugger};
 
 const MessageRecorder::Message kProjectExists = {
     Diag::MessageType::kError, "Project database has already existed. Fail to create new project"};

@@ -21,6 +21,7 @@
 #include "support/project_snapshot.h"
 #include "support/shipped_files.h"
 #include "support/temporary_directory.h"
+#include "support/throwing_handler.h"
 
 namespace {
 
@@ -1106,25 +1107,6 @@ TEST_F(Load, LoadProjectData_SecondFile_MovesTheProjectToItsDirectory) {
 }
 
 // ---- A diagnostics handler that throws
-
-struct HandlerFailure : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
-
-/// Throws HandlerFailure from a message of this severity.
-class ThrowingHandler {
- public:
-  explicit ThrowingHandler(Diag::MessageType type)
-      : former_(Diag::GlobalInst().SetHandler([type](const Diag::DiagStorage& message) {
-          if (message.type() == type) throw HandlerFailure(message.text());
-        })) {}
-  ~ThrowingHandler() { Diag::GlobalInst().SetHandler(former_); }
-  ThrowingHandler(const ThrowingHandler&) = delete;
-  ThrowingHandler& operator=(const ThrowingHandler&) = delete;
-
- private:
-  Diag::DiagService::Handler former_;
-};
 
 TEST_F(Load, LoadProjectData_HandlerThrows_TheExceptionReachesTheCaller) {
   const std::tuple<std::string, Diag::MessageType, std::string> cases[] = {

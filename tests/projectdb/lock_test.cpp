@@ -16,6 +16,7 @@
 #include "support/files.h"
 #include "support/project_loading.h"
 #include "support/saving.h"
+#include "support/throwing_handler.h"
 
 namespace {
 
@@ -23,6 +24,7 @@ using projectdb::KelProjectDatabase;
 using test_support::BeforeLock;
 using test_support::CompleteProjectXml;
 using test_support::DeprecatedMessage;
+using test_support::HandlerFailure;
 using test_support::Loading;
 using test_support::MalformedMessage;
 using test_support::MessageRecorder;
@@ -32,6 +34,7 @@ using test_support::ProjectXml;
 using test_support::ReadFile;
 using test_support::ReadingMessage;
 using test_support::SchemaMissingMessage;
+using test_support::ThrowingHandler;
 using test_support::UnexpectedMessage;
 using testing::ElementsAre;
 
@@ -178,24 +181,6 @@ TEST_F(InterruptedCreation, CreateNewProjectDatabase_LoadedByAnotherThread_SetsT
 
 // --- A message handler that throws ---
 
-struct HandlerFailure {};
-
-/// Throws HandlerFailure from messages of one text.
-class ThrowingHandler {
- public:
-  explicit ThrowingHandler(std::string text)
-      : former_(Diag::GlobalInst().SetHandler(
-            [text = std::move(text)](const Diag::DiagStorage& message) {
-              if (message.text() == text) throw HandlerFailure();
-            })) {}
-  ~ThrowingHandler() { Diag::GlobalInst().SetHandler(former_); }
-  ThrowingHandler(const ThrowingHandler&) = delete;
-  ThrowingHandler& operator=(const ThrowingHandler&) = delete;
-
- private:
-  Diag::DiagService::Handler former_;
-};
-
 /// An operation that posts a message.
 struct Posting {
   const char* name;
@@ -206,13 +191,13 @@ struct Posting {
 
 void PrintTo(const Posting& posting, std::ostream* out) { *out << posting.name; }
 
-void Load(KelProjectDatabase& database, const std::string& path) {
+void LoadWithoutSchema(KelProjectDatabase& database, const std::string& path) {
   database.LoadProjectData(path, "");
 }
 
 std::vector<Posting> Postings() {
   const auto posts = [](const char* name, const std::string& sections, auto message) {
-    return Posting{name, ProjectXml(sections), message, Load};
+    return Posting{name, ProjectXml(sections), message, LoadWithoutSchema};
   };
   return {{"ProjectExists", "",
            [](const std::string&) -> MessageRecorder::Message {
@@ -232,7 +217,7 @@ std::vector<Posting> Postings() {
            [](KelProjectDatabase& database, const std::string& path) {
              database.LoadProjectData(path, path + ".xsd");
            }},
-          {"ProjectFileMalformed", "<project>", MalformedMessage, Load},
+          {"ProjectFileMalformed", "<project>", MalformedMessage, LoadWithoutSchema},
           posts("ReadingProject", "", ReadingMessage),
           posts("UnexpectedTag", "<bogus/>",
                 [](const std::string&) { return UnexpectedMessage("bogus"); }),
@@ -247,7 +232,9 @@ class PostThatThrows : public testing::TestWithParam<Posting>, protected Loading
   void SetUp() override {
     database.CreateNewProjectDatabase("former");
     Write("p.xml", GetParam().bytes);
-    const ThrowingHandler handler(GetParam().message(path()).text);
+    const std::string text = GetParam().message(path()).text;
+    const ThrowingHandler handler(
+        [=](const Diag::DiagStorage& message) { return message.text() == text; });
     ASSERT_THROW(GetParam().operation(database, path()), HandlerFailure);
   }
 };

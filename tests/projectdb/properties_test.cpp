@@ -10,6 +10,7 @@
 namespace {
 
 using projectdb::KelProjectDatabase;
+using Db = KelProjectDatabase;
 
 struct Property {
   const char* name;
@@ -20,7 +21,6 @@ struct Property {
 void PrintTo(const Property& row, std::ostream* out) { *out << row.name; }
 
 const std::vector<Property>& SettableProperties() {
-  using Db = KelProjectDatabase;
   static const std::vector<Property> properties = {
       {"ProjectName", &Db::GetProjectName, &Db::SetProjectName},
       {"ProjectCurrentPath", &Db::GetProjectCurrentPath, &Db::SetProjectCurrentPath},

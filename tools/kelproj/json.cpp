@@ -12,7 +12,7 @@ using projectdb::DesignFile;
 using projectdb::FlowProcessContents;
 using projectdb::KelProjectDatabase;
 
-Json ToJson(const std::vector<DesignFile>& files) {
+Json PartToJson(const std::vector<DesignFile>& files) {
   Json list = Json::array();
   for (const DesignFile& file : files) {
     list.push_back({{"name", file.name}, {"version", file.version}, {"library", file.library}});
@@ -20,7 +20,7 @@ Json ToJson(const std::vector<DesignFile>& files) {
   return list;
 }
 
-Json ToJson(const projectdb::IPInfo& ip_info) {
+Json PartToJson(const projectdb::IPInfo& ip_info) {
   Json list = Json::array();
   for (const projectdb::IP& ip : ip_info.ips) {
     Json files = Json::array();
@@ -30,7 +30,7 @@ Json ToJson(const projectdb::IPInfo& ip_info) {
   return list;
 }
 
-Json ToJson(const projectdb::SortedParameters& parameters) {
+Json PartToJson(const projectdb::SortedParameters& parameters) {
   Json object = Json::object();
   for (const auto& [name, parameter] : parameters) {
     object[name] = {{"value", parameter.value},
@@ -39,9 +39,9 @@ Json ToJson(const projectdb::SortedParameters& parameters) {
   return object;
 }
 
-Json ToJson(const FlowProcessContents& process) {
+Json PartToJson(const FlowProcessContents& process) {
   Json object = {{"name", process.name}, {"tool", process.tool_name}};
-  for (const auto& [map, parameters] : process.parameter_maps) object[map] = ToJson(parameters);
+  for (const auto& [map, parameters] : process.parameter_maps) object[map] = PartToJson(parameters);
   return object;
 }
 
@@ -64,18 +64,18 @@ Json ToJson(const projectdb::ProjectContents& project) {
                    {"top_vhdl_arch", design.top_vhdl_arch},
                    {"def_veri_version", design.def_veri_version},
                    {"def_vhdl_version", design.def_vhdl_version},
-                   {"files", ToJson(design.design_files)}}},
-                 {"simulation", {{"files", ToJson(project.sim_files)}}},
-                 {"misc", {{"files", ToJson(project.misc_files)}}},
+                   {"files", PartToJson(design.design_files)}}},
+                 {"simulation", {{"files", PartToJson(project.sim_files)}}},
+                 {"misc", {{"files", PartToJson(project.misc_files)}}},
                  {"constraint",
                   {{"sdc", project.design_constraint.sdc_files},
                    {"interface", project.design_constraint.inter_file}}},
                  {"isf", {{"files", project.design_isf.isf_files}}},
-                 {"ip", ToJson(project.ip_info)}};
+                 {"ip", PartToJson(project.ip_info)}};
   for (const auto& [name, value] : project.info_attributes) object["info"][name] = value;
   for (const Process& process : kProcesses) {
     object[std::string(process.name)] =
-        ToJson(project.flow_processes.at(static_cast<std::size_t>(process.type)));
+        PartToJson(project.flow_processes.at(static_cast<std::size_t>(process.type)));
   }
   return object;
 }
