@@ -27,6 +27,16 @@ using projectdb::Name;
 using xercesc::DOMElement;
 using xercesc::XMLUni;
 
+// The XML library's own parser with the library's settings.
+xml::Owned<xercesc::DOMLSParser> CreateParser(projectdb::KelProjectDbErrorHandler& errors) {
+  auto* const implementation = static_cast<xercesc::DOMImplementationLS*>(
+      xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS"));
+  xml::Owned<xercesc::DOMLSParser> parser(
+      implementation->createLSParser(xercesc::DOMImplementationLS::MODE_SYNCHRONOUS, nullptr));
+  xml::Configure(*parser, errors);
+  return parser;
+}
+
 void UseSchema(xercesc::DOMLSParser& parser, const std::string& path) {
   const xercesc::LocalFileInputSource file(Wide(path).c_str());
   // The wrapper wants a pointer that it could adopt; it is told not to.
@@ -131,7 +141,7 @@ std::u16string Wide(const std::string& text) { return std::filesystem::u8path(te
 
 void Parse(const std::string& path, const std::string& schema) {
   projectdb::KelProjectDbErrorHandler errors;
-  const xml::Owned<xercesc::DOMLSParser> parser = xml::CreateParser(errors);
+  const auto parser = CreateParser(errors);
   if (schema.empty()) {
     xml::Set(*parser, XMLUni::fgDOMValidateIfSchema, true);
   } else {

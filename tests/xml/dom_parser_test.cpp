@@ -48,6 +48,20 @@ struct Parsed {
   Owned<xercesc::DOMDocument> document;
 };
 
+void RemoveText(xercesc::DOMNode& node) {
+  xercesc::DOMNode* child = node.getFirstChild();
+  while (child) {
+    xercesc::DOMNode* const next = child->getNextSibling();
+    if (child->getNodeType() == xercesc::DOMNode::TEXT_NODE ||
+        child->getNodeType() == xercesc::DOMNode::CDATA_SECTION_NODE) {
+      node.removeChild(child)->release();
+    } else {
+      RemoveText(*child);
+    }
+    child = next;
+  }
+}
+
 std::string Repeated(const std::string& text, int times) {
   std::string all;
   for (int i = 0; i < times; ++i) all += text;
@@ -72,11 +86,12 @@ class DomParserOf : public testing::TestWithParam<Text> {
   XmlPlatform platform_;
 };
 
-TEST_P(DomParserOf, Parse_GivesTheDocumentThatTheXmlLibraryGives) {
+TEST_P(DomParserOf, Parse_GivesTheDocumentThatTheXmlLibraryGivesButItsText) {
   const Parsed parsed(Owned<xercesc::DOMLSParser>(new DomParser), GetParam().xml);
   const Parsed expected(CreateLibraryParser(), GetParam().xml);
   ASSERT_FALSE(expected.errors.failed);
   EXPECT_FALSE(parsed.errors.failed);
+  RemoveText(*expected.document->getDocumentElement());
   EXPECT_TRUE(parsed.document->isEqualNode(expected.document.get()));
   EXPECT_EQ(Utf8(parsed.document->getDocumentURI()), Utf8(expected.document->getDocumentURI()));
   EXPECT_EQ(Utf8(parsed.document->getInputEncoding()), Utf8(expected.document->getInputEncoding()));
@@ -111,6 +126,8 @@ INSTANTIATE_TEST_SUITE_P(
         Text{"many attributes below the root", "<a><b" + Numbered(" b", "='v'", 100) +
                                                    "><c/></b><d" + Numbered(" b", "='v'", 100) +
                                                    "/>text</a>"},
+        Text{"text, blanks and references between tags",
+             "<a>\n t&lt;&#65;<b/> <![CDATA[ <c/> ]]><d>u</d> </a>\n"},
         Text{"many attributes with prefixes",
              "<a xmlns='urn:a' xmlns:q='urn:q' xmlns:p='urn:p' xml:lang='la'" +
                  Numbered(" p:b", "='v'", 50) + Numbered(" q:b", "='v'", 50) +

@@ -24,6 +24,7 @@ using projectdb::xml::DescendantElements;
 using projectdb::xml::ElementWriter;
 using projectdb::xml::GetDOMAttributeString;
 using projectdb::xml::HasLocalName;
+using projectdb::xml::ReadAttributes;
 using projectdb::xml::Transcoder;
 using test_support::Show;
 using test_support::ToXmlElement;
@@ -215,6 +216,27 @@ TEST_F(Dom, GetDOMAttributeString_NoAttribute_IsEmpty) {
   Transcoder transcoder;
   root()->setAttribute(u"name2", u"other");
   EXPECT_EQ(GetDOMAttributeString(transcoder, root(), "name"), "");
+}
+
+TEST_F(Dom, ReadAttributes_GivesTheTextOfEach) {
+  Transcoder transcoder;
+  root()->setAttribute(u"name", u"\u00FC");
+  root()->setAttribute(u"other", u"none of these");
+  root()->setAttribute(u"version", u"");
+  std::string name = "former";
+  std::string version = "former";
+  ReadAttributes(transcoder, root(), {{"name", name}, {"version", version}});
+  EXPECT_EQ(name, "\xC3\xBC");
+  EXPECT_EQ(version, "");
+}
+
+TEST_F(Dom, ReadAttributes_AbsentAttribute_LeavesTheTextAlone) {
+  Transcoder transcoder;
+  root()->setAttribute(u"name2", u"other");
+  root()->setAttributeNS(kNamespace, u"p:name", u"other");
+  std::string name = "former";
+  ReadAttributes(transcoder, root(), {{"name", name}});
+  EXPECT_EQ(name, "former");
 }
 
 // Making elements.

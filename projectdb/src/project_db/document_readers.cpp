@@ -20,12 +20,16 @@ using xercesc::DOMElement;
 using xml::ChildElements;
 using xml::GetDOMAttributeString;
 using xml::HasLocalName;
+using xml::ReadAttributes;
 using xml::Transcoder;
 
 DesignFile ReadDesignFile(Transcoder& transcoder, const DOMElement* element) {
-  return DesignFile(GetDOMAttributeString(transcoder, element, format::kName),
-                    GetDOMAttributeString(transcoder, element, format::kVersion),
-                    GetDOMAttributeString(transcoder, element, format::kLibrary));
+  DesignFile file("", "", "");
+  ReadAttributes(transcoder, element,
+                 {{format::kName, file.name},
+                  {format::kVersion, file.version},
+                  {format::kLibrary, file.library}});
+  return file;
 }
 
 IP ReadIP(Transcoder& transcoder, const DOMElement* element, LoadObserver& observer) {
@@ -43,10 +47,13 @@ IP ReadIP(Transcoder& transcoder, const DOMElement* element, LoadObserver& obser
 }
 
 Parameter ReadParameter(Transcoder& transcoder, const DOMElement* element, LoadObserver& observer) {
-  const std::string type = GetDOMAttributeString(transcoder, element, format::kValueType);
-  Parameter parameter(GetDOMAttributeString(transcoder, element, format::kName),
-                      GetDOMAttributeString(transcoder, element, format::kValue),
-                      KelProjectDatabase::getParameterTypeFromStr(type));
+  Parameter parameter("", "", kNoParameterType);
+  std::string type;
+  ReadAttributes(transcoder, element,
+                 {{format::kName, parameter.name},
+                  {format::kValue, parameter.value},
+                  {format::kValueType, type}});
+  parameter.type = KelProjectDatabase::getParameterTypeFromStr(type);
   if (parameter.type == kNoParameterType && !type.empty()) {
     observer.UnknownParameterType(*element, parameter, type);
   }

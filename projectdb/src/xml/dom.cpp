@@ -4,6 +4,7 @@
 #include <xercesc/dom/DOMAttr.hpp>
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMException.hpp>
+#include <xercesc/dom/DOMNamedNodeMap.hpp>
 #include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
@@ -23,6 +24,13 @@ const DOMElement* NextInDocumentOrder(const DOMElement* element, const DOMElemen
     element = static_cast<const DOMElement*>(element->getParentNode());
   }
   return nullptr;
+}
+
+// A parsed value is a single text node. Asking that is cheaper than asking the attribute, which
+// first finds out whether there are more.
+std::string TextOf(Transcoder& transcoder, const xercesc::DOMNode& attribute) {
+  const xercesc::DOMNode* text = attribute.getFirstChild();
+  return text ? transcoder.ToUtf8(text->getNodeValue()) : std::string();
 }
 
 }  // namespace
@@ -47,14 +55,24 @@ bool HasLocalName(const DOMElement* element, const Name& name) {
   return xercesc::XMLString::equals(element->getLocalName(), name.wide);
 }
 
+// One pass over the attributes is cheaper than a search for each.
+void ReadAttributes(Transcoder& transcoder, const DOMElement* element,
+                    std::initializer_list<AttributeText> attributes) {
+  const xercesc::DOMNamedNodeMap& nodes = *element->getAttributes();
+  for (XMLSize_t i = 0; const xercesc::DOMNode* node = nodes.item(i); ++i) {
+    const XMLCh* name = node->getNodeName();
+    for (const AttributeText& attribute : attributes) {
+      if (!xercesc::XMLString::equals(name, attribute.name.wide)) continue;
+      attribute.text = TextOf(transcoder, *node);
+      break;
+    }
+  }
+}
+
 std::string GetDOMAttributeString(Transcoder& transcoder, const DOMElement* element,
                                   const Name& name) {
   const xercesc::DOMAttr* attribute = element->getAttributeNode(name.wide);
-  if (!attribute) return {};
-  // A parsed value is a single text node. Asking that is cheaper than asking the attribute, which
-  // first finds out whether there are more.
-  const xercesc::DOMNode* text = attribute->getFirstChild();
-  return text ? transcoder.ToUtf8(text->getNodeValue()) : std::string();
+  return attribute ? TextOf(transcoder, *attribute) : std::string();
 }
 
 DOMElement* ElementWriter::AddChildDOMElement(DOMElement* parent, const XMLCh* tag) {

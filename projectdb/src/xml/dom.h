@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,6 +48,16 @@ std::vector<const xercesc::DOMElement*> DescendantElements(
 
 /// Whether this is the element's local name.
 bool HasLocalName(const xercesc::DOMElement* element, const Name& name);
+
+/// Where the text of an attribute goes.
+struct AttributeText {
+  const Name& name;
+  std::string& text;
+};
+
+/// Reads the texts of several attributes of a parsed element; leaves those of absent ones alone.
+void ReadAttributes(Transcoder& transcoder, const xercesc::DOMElement* element,
+                    std::initializer_list<AttributeText> attributes);
 
 /// The text of an attribute of a parsed element; "" if it is absent.
 std::string GetDOMAttributeString(Transcoder& transcoder, const xercesc::DOMElement* element,

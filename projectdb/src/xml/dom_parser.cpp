@@ -104,7 +104,7 @@ void DomParser::endElement(const xercesc::XMLElementDecl& declaration, unsigned 
 void DomParser::NotePrefixes(const XmlAttributes& attributes, XMLSize_t count) {
   for (XMLSize_t i = 0; i < count && prefixes_.size() < kMostPrefixes; ++i) {
     const XMLAttr& attribute = *attributes.elementAt(i);
-    if (XMLString::equals(attribute.getPrefix(), xercesc::XMLUni::fgXMLNSString)) {
+    if (attribute.getURIId() == fScanner->getXMLNSNamespaceId()) {
       prefixes_.insert(attribute.getName());
     }
   }

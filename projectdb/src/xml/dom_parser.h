@@ -11,7 +11,8 @@ namespace projectdb::xml {
 /// prefix up through all the levels that an element is nested in, an attribute through all those
 /// that its element has already, and a name through a table that does not grow: a small file of
 /// deep nesting, many attributes or many names would keep it busy for hours. It makes the same
-/// documents.
+/// documents, but without what stands between the tags: nothing of a project does, and the blanks
+/// there would be half of a document's nodes.
 class DomParser : public xercesc::DOMLSParserImpl {
  public:
   DomParser();
@@ -22,6 +23,9 @@ class DomParser : public xercesc::DOMLSParserImpl {
                     XMLSize_t count, bool is_empty, bool is_root) override;
   void endElement(const xercesc::XMLElementDecl& declaration, unsigned int uri, bool is_root,
                   const XMLCh* prefix) override;
+  void docCharacters(const XMLCh* /*text*/, XMLSize_t /*length*/, bool /*is_cdata*/) override {}
+  void ignorableWhitespace(const XMLCh* /*text*/, XMLSize_t /*length*/,
+                           bool /*is_cdata*/) override {}
 
  private:
   class Scanner;
