@@ -83,9 +83,7 @@ void DomParser::startDocument() {
 void DomParser::startElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
                              const XMLCh* prefix, const XmlAttributes& attributes, XMLSize_t count,
                              bool is_empty, bool is_root) {
-  ++depth_;
-  NotePrefixes(attributes, count);
-  if (depth_ % kLevelsBetweenDeclarations == 0) scanner_->Declare(prefixes_);
+  EnterElement(attributes, count);
   if (count < kManyAttributes) {
     DOMLSParserImpl::startElement(declaration, uri, prefix, attributes, count, is_empty, is_root);
     return;
@@ -97,8 +95,14 @@ void DomParser::startElement(const xercesc::XMLElementDecl& declaration, unsigne
 
 void DomParser::endElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
                            bool is_root, const XMLCh* prefix) {
-  --depth_;
+  LeaveElement();
   DOMLSParserImpl::endElement(declaration, uri, is_root, prefix);
+}
+
+void DomParser::EnterElement(const XmlAttributes& attributes, XMLSize_t count) {
+  ++depth_;
+  NotePrefixes(attributes, count);
+  if (depth_ % kLevelsBetweenDeclarations == 0) scanner_->Declare(prefixes_);
 }
 
 void DomParser::NotePrefixes(const XmlAttributes& attributes, XMLSize_t count) {

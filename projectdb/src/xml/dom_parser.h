@@ -27,6 +27,11 @@ class DomParser : public xercesc::DOMLSParserImpl {
   void ignorableWhitespace(const XMLCh* /*text*/, XMLSize_t /*length*/,
                            bool /*is_cdata*/) override {}
 
+ protected:
+  /// What is to be done at the beginning and the end of each element, kept or not.
+  void EnterElement(const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes, XMLSize_t count);
+  void LeaveElement() { --depth_; }
+
  private:
   class Scanner;
 

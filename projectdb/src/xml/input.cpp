@@ -47,7 +47,12 @@ std::optional<std::string> ReadBytes(const std::filesystem::path& path, std::siz
   std::ifstream file(path, std::ios::binary);
   if (!file) return std::nullopt;
   std::string bytes;
-  for (char byte = 0; bytes.size() < most && file.get(byte);) bytes += byte;
+  char block[4096];
+  while (file && bytes.size() < most) {
+    const std::size_t wanted = std::min(sizeof(block), most - bytes.size());
+    file.read(block, static_cast<std::streamsize>(wanted));
+    bytes.append(block, static_cast<std::size_t>(file.gcount()));
+  }
   if (file.bad()) return std::nullopt;
   return bytes;
 }
