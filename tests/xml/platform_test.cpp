@@ -1,11 +1,8 @@
 #include "xml/platform.h"
 
 #include <atomic>
-#include <functional>
 #include <stdexcept>
 #include <string>
-#include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 #include <xercesc/util/RuntimeException.hpp>
@@ -14,6 +11,7 @@
 
 #include "support/message_recorder.h"
 #include "support/project_loading.h"
+#include "support/threads.h"
 #include "support/xml_platform.h"
 #include "xml/text.h"
 
@@ -33,22 +31,6 @@ std::string InitializationError(void (*initialize)()) {
     return error.what();
   }
   return {};
-}
-
-/// Runs an action in eight threads, which start together. @param action gets the thread's number
-void RunInEightThreads(const std::function<void(int)>& action) {
-  constexpr int kCount = 8;
-  std::atomic<int> waiting{kCount};
-  std::vector<std::thread> threads;
-  threads.reserve(kCount);
-  for (int number = 0; number < kCount; ++number) {
-    threads.emplace_back([&, number] {
-      --waiting;
-      while (waiting > 0) std::this_thread::yield();
-      action(number);
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
 }
 
 TEST(XmlPlatform, InitializeXMLPlatform_LibraryThrows_ThrowsRuntimeErrorWithTheReason) {
@@ -88,7 +70,7 @@ TEST(XmlPlatform, InitializeXMLPlatform_AfterTheLastTermination_MakesTheLibraryU
 
 TEST(XmlPlatform, InitializeXMLPlatform_EightThreads_EachCanUseTheLibrary) {
   std::atomic<int> good{0};
-  RunInEightThreads([&](int number) {
+  test_support::InThreads(8, [&](int number) {
     const std::string text = "größe " + std::to_string(number);
     for (int i = 0; i < 200; ++i) {
       const XmlPlatform platform;
@@ -104,7 +86,7 @@ TEST(XmlPlatform, LoadProjectData_EightThreadsWithTheirOwnObjects_EachLoadsItsOw
   const MessageRecorder recorder;
   const TemporaryDirectory directory;
   std::atomic<int> good{0};
-  RunInEightThreads([&](int number) {
+  test_support::InThreads(8, [&](int number) {
     const std::string name = std::to_string(number);
     const std::string path = directory / (name + ".xml");
     WriteFile(path, ProjectXml(DeviceInfoXml("family " + name), "name=\"project " + name + "\""));
@@ -125,7 +107,7 @@ TEST(XmlPlatform, LoadProjectData_EightThreadsWithSomeThatFail_EachGetsItsOwnRes
   const std::string schema = directory / "s.xsd";
   WriteFile(schema, DeviceOnlySchema());
   std::atomic<int> good{0};
-  RunInEightThreads([&](int number) {
+  test_support::InThreads(8, [&](int number) {
     const bool loads = number % 2 == 0;
     const std::string path = directory / (std::to_string(number) + ".xml");
     WriteFile(path, loads             ? ProjectXml(DeviceInfoXml("Orrin"))
