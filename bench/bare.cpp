@@ -14,7 +14,7 @@
 #include <xercesc/framework/Wrapper4InputSource.hpp>
 #include <xercesc/validators/schema/SchemaSymbols.hpp>
 
-#include "format.h"
+#include "project_db/format.h"
 #include "xml/error_handler.h"
 #include "xml/parser_settings.h"
 

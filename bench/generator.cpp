@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "support/temporary_directory.h"
+#include "testing/temporary_directory.h"
 
 namespace bench {
 namespace {

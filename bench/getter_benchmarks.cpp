@@ -4,7 +4,7 @@
 
 #include "benchmarks.h"
 #include "entries.h"
-#include "support/xml_platform.h"
+#include "testing/xml_platform.h"
 
 namespace bench {
 namespace {

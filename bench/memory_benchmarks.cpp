@@ -5,8 +5,8 @@
 #include "bare.h"
 #include "benchmarks.h"
 #include "generator.h"
-#include "support/temporary_directory.h"
-#include "support/xml_platform.h"
+#include "testing/temporary_directory.h"
+#include "testing/xml_platform.h"
 
 namespace bench {
 namespace {

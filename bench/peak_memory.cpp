@@ -8,7 +8,7 @@
 
 #include "bare.h"
 #include "generator.h"
-#include "support/xml_platform.h"
+#include "testing/xml_platform.h"
 
 // The most memory that one piece of work takes in a process of its own:
 //   peak_memory load|bare_load FILE SCHEMA      SCHEMA may be ""

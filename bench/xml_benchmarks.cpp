@@ -7,9 +7,9 @@
 #include "bare.h"
 #include "benchmarks.h"
 #include "generator.h"
-#include "support/files.h"
-#include "support/temporary_directory.h"
-#include "support/xml_platform.h"
+#include "testing/files.h"
+#include "testing/temporary_directory.h"
+#include "testing/xml_platform.h"
 
 namespace bench {
 namespace {

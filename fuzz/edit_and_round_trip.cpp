@@ -21,10 +21,10 @@
 #include "input.h"
 #include "memory_file.h"
 #include "round_trip.h"
-#include "support/dom_document.h"
-#include "support/project_loading.h"
-#include "support/temporary_directory.h"
-#include "support/xml_platform.h"
+#include "testing/dom_document.h"
+#include "testing/project_loading.h"
+#include "testing/temporary_directory.h"
+#include "testing/xml_platform.h"
 
 namespace {
 

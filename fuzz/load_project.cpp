@@ -11,8 +11,8 @@
 #include "checks.h"
 #include "memory_file.h"
 #include "round_trip.h"
-#include "support/checking.h"
-#include "support/temporary_directory.h"
+#include "testing/checking.h"
+#include "testing/temporary_directory.h"
 #include "whole_project.h"
 
 namespace {

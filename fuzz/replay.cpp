@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "support/files.h"
+#include "testing/files.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 

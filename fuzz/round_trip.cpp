@@ -6,7 +6,7 @@
 #include <kel/version.h>
 
 #include "checks.h"
-#include "support/message_recorder.h"
+#include "testing/message_recorder.h"
 #include "whole_project.h"
 
 namespace fuzz {

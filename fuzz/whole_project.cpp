@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "checks.h"
-#include "support/project_differences.h"
+#include "testing/project_differences.h"
 
 namespace fuzz {
 namespace {

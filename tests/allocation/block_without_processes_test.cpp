@@ -13,13 +13,13 @@
 
 #include <projectdb/project_db.h>
 
-#include "allocation/failing_allocation.h"
-#include "allocation/long_text.h"
-#include "support/files.h"
-#include "support/message_recorder.h"
-#include "support/processes.h"
-#include "support/project_snapshot.h"
-#include "support/temporary_directory.h"
+#include "testing/files.h"
+#include "testing/message_recorder.h"
+#include "testing/processes.h"
+#include "testing/project_snapshot.h"
+#include "testing/temporary_directory.h"
+#include "tests/allocation/failing_allocation.h"
+#include "tests/allocation/long_text.h"
 
 namespace {
 

@@ -5,10 +5,10 @@
 
 #include <projectdb/check.h>
 
-#include "allocation/failing_allocation.h"
-#include "support/files.h"
-#include "support/temporary_directory.h"
-#include "support/xml_platform.h"
+#include "testing/files.h"
+#include "testing/temporary_directory.h"
+#include "testing/xml_platform.h"
+#include "tests/allocation/failing_allocation.h"
 
 namespace {
 

@@ -8,9 +8,9 @@
 #include <projectdb/project_contents.h>
 #include <projectdb/project_db.h>
 
-#include "allocation/failing_allocation.h"
-#include "allocation/long_text.h"
-#include "support/project_differences.h"
+#include "testing/project_differences.h"
+#include "tests/allocation/failing_allocation.h"
+#include "tests/allocation/long_text.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "allocation/failing_allocation.h"
+#include "tests/allocation/failing_allocation.h"
 
 #include <atomic>
 #include <cstddef>

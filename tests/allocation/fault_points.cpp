@@ -1,4 +1,4 @@
-#include "allocation/fault_points.h"
+#include "tests/allocation/fault_points.h"
 
 #include <algorithm>
 #include <csignal>
@@ -14,8 +14,8 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include "allocation/library_function.h"
-#include "support/child_process.h"
+#include "testing/child_process.h"
+#include "tests/allocation/library_function.h"
 
 namespace test_support {
 namespace {

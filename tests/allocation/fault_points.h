@@ -4,7 +4,7 @@
 #include <iosfwd>
 #include <string>
 
-#include "allocation/failing_allocation.h"
+#include "tests/allocation/failing_allocation.h"
 
 /// Failing each allocation of an operation of the XML library's users, in processes of their own:
 /// a crash then shows as what it is and ends nothing else.

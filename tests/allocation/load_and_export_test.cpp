@@ -21,17 +21,17 @@
 #include <projectdb/project_contents.h>
 #include <projectdb/project_db.h>
 
-#include "allocation/failing_allocation.h"
-#include "allocation/fault_points.h"
-#include "allocation/library_function.h"
-#include "support/files.h"
-#include "support/project_differences.h"
-#include "support/project_loading.h"
-#include "support/sanitizers.h"
-#include "support/saving.h"
-#include "support/shipped_files.h"
-#include "support/temporary_directory.h"
-#include "support/xml_platform.h"
+#include "testing/files.h"
+#include "testing/project_differences.h"
+#include "testing/project_loading.h"
+#include "testing/sanitizers.h"
+#include "testing/saving.h"
+#include "testing/shipped_files.h"
+#include "testing/temporary_directory.h"
+#include "testing/xml_platform.h"
+#include "tests/allocation/failing_allocation.h"
+#include "tests/allocation/fault_points.h"
+#include "tests/allocation/library_function.h"
 #include "xml/platform.h"
 
 namespace {

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "allocation/failing_allocation.h"
+#include "tests/allocation/failing_allocation.h"
 #include "xml/platform.h"
 
 namespace {

@@ -12,9 +12,9 @@
 
 #include <projectdb/check.h>
 
-#include "support/files.h"
-#include "support/shipped_files.h"
-#include "support/temporary_directory.h"
+#include "testing/files.h"
+#include "testing/shipped_files.h"
+#include "testing/temporary_directory.h"
 
 namespace {
 

@@ -11,11 +11,11 @@
 #include <projectdb/durable_export.h>
 #include <projectdb/project_db.h>
 
-#include "durable/intercepted_calls.h"
-#include "support/access_list.h"
-#include "support/message_recorder.h"
-#include "support/saving.h"
-#include "support/temporary_directory.h"
+#include "testing/access_list.h"
+#include "testing/message_recorder.h"
+#include "testing/saving.h"
+#include "testing/temporary_directory.h"
+#include "tests/durable/intercepted_calls.h"
 
 namespace {
 

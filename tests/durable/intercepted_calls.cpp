@@ -1,4 +1,4 @@
-#include "durable/intercepted_calls.h"
+#include "tests/durable/intercepted_calls.h"
 
 #include <cerrno>
 #include <cstddef>

@@ -15,12 +15,12 @@
 #include <projectdb/durable_export.h>
 #include <projectdb/project_db.h>
 
-#include "durable/traced_process.h"
-#include "support/files.h"
-#include "support/message_recorder.h"
-#include "support/project_snapshot.h"
-#include "support/sanitizers.h"
-#include "support/temporary_directory.h"
+#include "testing/files.h"
+#include "testing/message_recorder.h"
+#include "testing/project_snapshot.h"
+#include "testing/sanitizers.h"
+#include "testing/temporary_directory.h"
+#include "tests/durable/traced_process.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "durable/traced_process.h"
+#include "tests/durable/traced_process.h"
 
 #include <csignal>
 #include <filesystem>

@@ -18,13 +18,13 @@
 
 #include <projectdb/project_db.h>
 
-#include "support/child_process.h"
-#include "support/files.h"
-#include "support/message_recorder.h"
-#include "support/project_loading.h"
-#include "support/sanitizers.h"
-#include "support/shipped_files.h"
-#include "support/temporary_directory.h"
+#include "testing/child_process.h"
+#include "testing/files.h"
+#include "testing/message_recorder.h"
+#include "testing/project_loading.h"
+#include "testing/sanitizers.h"
+#include "testing/shipped_files.h"
+#include "testing/temporary_directory.h"
 
 namespace {
 

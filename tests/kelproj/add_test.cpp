@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "kelproj/kelproj_test.h"
+#include "tests/kelproj/kelproj_test.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include "kelproj/kelproj_test.h"
-#include "support/shipped_files.h"
+#include "testing/shipped_files.h"
+#include "tests/kelproj/kelproj_test.h"
 
 namespace {
 

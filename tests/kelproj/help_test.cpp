@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "kelproj/kelproj_test.h"
+#include "tests/kelproj/kelproj_test.h"
 
 namespace {
 

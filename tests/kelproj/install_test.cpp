@@ -1,5 +1,5 @@
-#include "kelproj/kelproj_test.h"
-#include "support/shipped_files.h"
+#include "testing/shipped_files.h"
+#include "tests/kelproj/kelproj_test.h"
 
 namespace {
 

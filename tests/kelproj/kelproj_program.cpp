@@ -1,4 +1,4 @@
-#include "kelproj/kelproj_test.h"
+#include "tests/kelproj/kelproj_test.h"
 
 namespace test_support {
 

@@ -7,9 +7,9 @@
 
 #include <gtest/gtest.h>
 
-#include "kelproj/process.h"
-#include "support/files.h"
-#include "support/temporary_directory.h"
+#include "testing/files.h"
+#include "testing/temporary_directory.h"
+#include "tests/kelproj/process.h"
 
 namespace test_support {
 

@@ -1,4 +1,4 @@
-#include "kelproj/process.h"
+#include "tests/kelproj/process.h"
 
 #include <array>
 #include <cstdlib>

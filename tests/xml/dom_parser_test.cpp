@@ -11,10 +11,10 @@
 #include <xercesc/dom/DOMImplementationRegistry.hpp>
 #include <xercesc/dom/DOMNamedNodeMap.hpp>
 
-#include "support/project_loading.h"
-#include "support/temporary_directory.h"
-#include "support/xml_platform.h"
-#include "support/xml_tree.h"
+#include "testing/project_loading.h"
+#include "testing/temporary_directory.h"
+#include "testing/xml_platform.h"
+#include "testing/xml_tree.h"
 #include "xml/error_handler.h"
 #include "xml/input.h"
 #include "xml/owned.h"

@@ -11,9 +11,9 @@
 #include <xercesc/dom/DOMProcessingInstruction.hpp>
 #include <xercesc/dom/DOMText.hpp>
 
-#include "failure.h"
-#include "support/dom_document.h"
-#include "support/xml_tree.h"
+#include "base/failure.h"
+#include "testing/dom_document.h"
+#include "testing/xml_tree.h"
 #include "xml/dom.h"
 
 namespace {

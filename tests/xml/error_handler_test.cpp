@@ -8,7 +8,7 @@
 #include <xercesc/dom/impl/DOMErrorImpl.hpp>
 #include <xercesc/dom/impl/DOMLocatorImpl.hpp>
 
-#include "support/xml_platform.h"
+#include "testing/xml_platform.h"
 
 namespace {
 

@@ -7,11 +7,11 @@
 
 #include <xercesc/util/IOException.hpp>
 
-#include "failure.h"
-#include "support/files.h"
-#include "support/temporary_directory.h"
-#include "support/xml_platform.h"
-#include "support/xml_tree.h"
+#include "base/failure.h"
+#include "testing/files.h"
+#include "testing/temporary_directory.h"
+#include "testing/xml_platform.h"
+#include "testing/xml_tree.h"
 #include "xml/file_target.h"
 
 namespace {

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/temporary_directory.h"
+#include "testing/temporary_directory.h"
 
 namespace {
 

@@ -13,11 +13,11 @@
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/RuntimeException.hpp>
 
-#include "failure.h"
-#include "support/files.h"
-#include "support/project_loading.h"
-#include "support/temporary_directory.h"
-#include "support/xml_platform.h"
+#include "base/failure.h"
+#include "testing/files.h"
+#include "testing/project_loading.h"
+#include "testing/temporary_directory.h"
+#include "testing/xml_platform.h"
 #include "xml/errors.h"
 #include "xml/text.h"
 

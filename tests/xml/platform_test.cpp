@@ -9,10 +9,10 @@
 
 #include <projectdb/project_db.h>
 
-#include "support/message_recorder.h"
-#include "support/project_loading.h"
-#include "support/threads.h"
-#include "support/xml_platform.h"
+#include "testing/message_recorder.h"
+#include "testing/project_loading.h"
+#include "testing/threads.h"
+#include "testing/xml_platform.h"
 #include "xml/text.h"
 
 namespace {

@@ -13,12 +13,12 @@
 #include <xercesc/util/BinInputStream.hpp>
 #include <xercesc/util/XMLResourceIdentifier.hpp>
 
-#include "support/denied.h"
-#include "support/files.h"
-#include "support/named_pipe.h"
-#include "support/project_loading.h"
-#include "support/temporary_directory.h"
-#include "support/xml_platform.h"
+#include "testing/denied.h"
+#include "testing/files.h"
+#include "testing/named_pipe.h"
+#include "testing/project_loading.h"
+#include "testing/temporary_directory.h"
+#include "testing/xml_platform.h"
 #include "xml/file_uri.h"
 #include "xml/text.h"
 

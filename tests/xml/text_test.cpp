@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include "failure.h"
-#include "support/xml_platform.h"
+#include "base/failure.h"
+#include "testing/xml_platform.h"
 #include "xml/text.h"
 
 namespace {

@@ -11,10 +11,10 @@
 #include <xercesc/parsers/XercesDOMParser.hpp>
 #include <xercesc/util/IOException.hpp>
 
-#include "support/dom_document.h"
-#include "support/files.h"
-#include "support/temporary_directory.h"
-#include "support/xml_tree.h"
+#include "testing/dom_document.h"
+#include "testing/files.h"
+#include "testing/temporary_directory.h"
+#include "testing/xml_tree.h"
 #include "xml/writer.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <xercesc/dom/DOMAttr.hpp>
 #include <xercesc/dom/DOMNamedNodeMap.hpp>
 
-#include "assertions.h"
-#include "format.h"
+#include "base/assertions.h"
+#include "project_db/format.h"
 #include "project_db/load_observer.h"
 #include "project_db/project_data.h"
 #include "xml/dom.h"

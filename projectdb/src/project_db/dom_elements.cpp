@@ -1,5 +1,5 @@
-#include "format.h"
-#include "parameter_maps.h"
+#include "contents/parameter_rules.h"
+#include "project_db/format.h"
 #include "project_db/project_data.h"
 #include "xml/dom.h"
 #include "xml/errors.h"

@@ -9,10 +9,10 @@
 #include <xercesc/dom/DOMImplementationRegistry.hpp>
 #include <xercesc/validators/schema/SchemaSymbols.hpp>
 
-#include "failure.h"
-#include "format.h"
-#include "local_time.h"
-#include "parameter_rules.h"
+#include "base/failure.h"
+#include "base/local_time.h"
+#include "contents/parameter_rules.h"
+#include "project_db/format.h"
 #include "project_db/project_data.h"
 #include "xml/dom.h"
 #include "xml/errors.h"

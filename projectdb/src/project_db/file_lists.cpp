@@ -2,7 +2,7 @@
 #include <iterator>
 #include <utility>
 
-#include "paths.h"
+#include "base/paths.h"
 #include "project_db/project_data.h"
 
 namespace projectdb {

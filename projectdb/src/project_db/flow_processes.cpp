@@ -1,16 +1,10 @@
-#include <limits>
 #include <utility>
 
-#include "parameter_maps.h"
-#include "parameter_rules.h"
+#include "contents/parameter_rules.h"
 #include "project_db/project_data.h"
 
 namespace projectdb {
 namespace {
-
-// A map's position is kept in a signed 16-bit index.
-constexpr std::size_t kMaximumMaps =
-    static_cast<std::size_t>(std::numeric_limits<std::int16_t>::max()) + 1;
 
 // The lookups are asked to be inlined: the calls were an eighth of the time that a value takes.
 

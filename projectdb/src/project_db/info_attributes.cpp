@@ -1,6 +1,6 @@
 #include <utility>
 
-#include "model_names.h"
+#include "contents/model_names.h"
 #include "project_db/project_data.h"
 
 namespace projectdb {

@@ -3,9 +3,9 @@
 
 #include <kel/version.h>
 
-#include "local_time.h"
+#include "base/local_time.h"
+#include "contents/model_names.h"
 #include "messages.h"
-#include "model_names.h"
 #include "project_db/project_data.h"
 
 namespace projectdb {

@@ -2,11 +2,11 @@
 
 #include <xercesc/dom/DOMDocument.hpp>
 
-#include "format.h"
 #include "messages.h"
+#include "project_db/format.h"
+#include "project_db/input_files.h"
 #include "project_db/load_observer.h"
 #include "project_db/project_data.h"
-#include "project_file.h"
 #include "xml/dom.h"
 #include "xml/errors.h"
 #include "xml/parser.h"

@@ -2,8 +2,8 @@
 #include <charconv>
 #include <system_error>
 
-#include "assertions.h"
-#include "model_names.h"
+#include "base/assertions.h"
+#include "contents/model_names.h"
 #include "project_db/project_data.h"
 
 namespace projectdb {

@@ -1,4 +1,4 @@
-#include "model_names.h"
+#include "contents/model_names.h"
 #include "project_db/project_data.h"
 
 // The general flow-process operations with the process and the map fixed, one line each.

@@ -8,7 +8,7 @@
 #include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
-#include "failure.h"
+#include "base/failure.h"
 #include "xml/file_uri.h"
 
 namespace projectdb::xml {

@@ -8,7 +8,7 @@
 
 #include <xercesc/dom/DOMElement.hpp>
 
-#include "name.h"
+#include "base/name.h"
 #include "xml/text.h"
 
 /// Reading and making DOM elements.

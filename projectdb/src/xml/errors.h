@@ -8,7 +8,7 @@
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/XMLException.hpp>
 
-#include "failure.h"
+#include "base/failure.h"
 #include "xml/text.h"
 
 namespace projectdb::xml {

@@ -10,7 +10,7 @@
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLExceptMsgs.hpp>
 
-#include "failure.h"
+#include "base/failure.h"
 #include "xml/text.h"
 
 namespace projectdb::xml {

@@ -7,7 +7,7 @@
 #include <xercesc/dom/DOMLSSerializer.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
-#include "failure.h"
+#include "base/failure.h"
 #include "xml/errors.h"
 #include "xml/file_target.h"
 #include "xml/owned.h"

@@ -4,7 +4,7 @@
 
 #include "commands.h"
 #include "named_files.h"
-#include "project_file.h"
+#include "stored_project.h"
 
 namespace kelproj {
 namespace {

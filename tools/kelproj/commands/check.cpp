@@ -11,7 +11,7 @@
 #include "json.h"
 #include "named_files.h"
 #include "problems.h"
-#include "project_file.h"
+#include "stored_project.h"
 
 namespace kelproj {
 namespace {

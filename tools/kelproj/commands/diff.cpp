@@ -7,7 +7,7 @@
 
 #include "commands.h"
 #include "json.h"
-#include "project_file.h"
+#include "stored_project.h"
 
 namespace kelproj {
 namespace {

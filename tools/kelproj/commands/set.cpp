@@ -2,7 +2,7 @@
 
 #include "commands.h"
 #include "keys.h"
-#include "project_file.h"
+#include "stored_project.h"
 
 namespace kelproj {
 

@@ -3,7 +3,7 @@
 #include "commands.h"
 #include "keys.h"
 #include "named_files.h"
-#include "project_file.h"
+#include "stored_project.h"
 
 namespace kelproj {
 

@@ -5,7 +5,7 @@
 #include "commands.h"
 #include "json.h"
 #include "processes.h"
-#include "project_file.h"
+#include "stored_project.h"
 #include "table.h"
 
 namespace kelproj {

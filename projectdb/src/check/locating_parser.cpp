@@ -1,0 +1,127 @@
+#include "check/locating_parser.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <limits>
+#include <optional>
+#include <string>
+
+#include <xercesc/internal/XMLScanner.hpp>
+#include <xercesc/sax/Locator.hpp>
+#include <xercesc/util/XMLExceptMsgs.hpp>
+#include <xercesc/util/XMLString.hpp>
+#include <xercesc/util/XMLUni.hpp>
+
+#include "xml/dom_parser.h"
+#include "xml/file_uri.h"
+#include "xml/input.h"
+#include "xml/parser_settings.h"
+#include "xml/text.h"
+
+namespace projectdb::xml {
+namespace {
+
+bool IsOfUtf8(unsigned int code, const XMLCh* domain) {
+  constexpr std::array<unsigned int, 5> kCodes = {
+      xercesc::XMLExcepts::UTF8_FormatError, xercesc::XMLExcepts::UTF8_Invalid_3BytesSeq,
+      xercesc::XMLExcepts::UTF8_Irregular_3BytesSeq, xercesc::XMLExcepts::UTF8_Invalid_4BytesSeq,
+      xercesc::XMLExcepts::UTF8_Exceeds_BytesLimit};
+  return xercesc::XMLString::equals(domain, xercesc::XMLUni::fgExceptDomain) &&
+         std::find(kCodes.begin(), kCodes.end(), code) != kCodes.end();
+}
+
+// The parser decodes a file in large blocks, so that it cannot say where in one the error is.
+std::optional<Position> PlaceOfBadText(const XMLCh* system_id) {
+  const std::string uri = TranscodeXMLString(system_id);
+  const std::optional<std::filesystem::path> path = LocalPath(uri, uri);
+  const std::optional<std::string> bytes =
+      path ? ReadBytes(*path, std::numeric_limits<std::size_t>::max()) : std::nullopt;
+  return bytes ? FirstInvalidUtf8(*bytes) : std::nullopt;
+}
+
+/// The scanner tells of a piece of a file when it has just read it. So an element begins where the
+/// piece before it ended.
+class LocatingParser : public DomParser {
+ public:
+  explicit LocatingParser(ElementPositions& positions) : positions_(positions) {}
+
+  void startDocument() override {
+    DomParser::startDocument();
+    NoteEndOfPiece();
+  }
+
+  void XMLDecl(const XMLCh* version, const XMLCh* encoding, const XMLCh* standalone,
+               const XMLCh* actual_encoding) override {
+    DomParser::XMLDecl(version, encoding, standalone, actual_encoding);
+    NoteEndOfPiece();
+  }
+
+  void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uri_id,
+                    const XMLCh* prefix, const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                    XMLSize_t attribute_count, bool is_empty, bool is_root) override {
+    const Position begin = positions_.current();
+    DomParser::startElement(declaration, uri_id, prefix, attributes, attribute_count, is_empty,
+                            is_root);
+    positions_.Add(static_cast<const xercesc::DOMElement*>(getCurrentNode()), begin);
+    NoteEndOfPiece();
+  }
+
+  void endElement(const xercesc::XMLElementDecl& declaration, unsigned int uri_id, bool is_root,
+                  const XMLCh* prefix) override {
+    DomParser::endElement(declaration, uri_id, is_root, prefix);
+    NoteEndOfPiece();
+  }
+
+  void docCharacters(const XMLCh* text, XMLSize_t length, bool is_cdata) override {
+    DomParser::docCharacters(text, length, is_cdata);
+    NoteEndOfPiece();
+  }
+
+  void ignorableWhitespace(const XMLCh* text, XMLSize_t length, bool is_cdata) override {
+    DomParser::ignorableWhitespace(text, length, is_cdata);
+    NoteEndOfPiece();
+  }
+
+  void docComment(const XMLCh* comment) override {
+    DomParser::docComment(comment);
+    NoteEndOfPiece();
+  }
+
+  void docPI(const XMLCh* target, const XMLCh* data) override {
+    DomParser::docPI(target, data);
+    NoteEndOfPiece();
+  }
+
+  void error(unsigned int code, const XMLCh* domain, ErrTypes type, const XMLCh* text,
+             const XMLCh* system_id, const XMLCh* public_id, XMLFileLoc line,
+             XMLFileLoc column) override {
+    Position position{line, column};
+    std::u16string message = text;
+    if (IsOfUtf8(code, domain)) {
+      position = PlaceOfBadText(system_id).value_or(position);
+      message.insert(0, u"the text is not UTF-8: ");
+    }
+    DomParser::error(code, domain, type, message.c_str(), system_id, public_id, position.line,
+                     position.column);
+  }
+
+ private:
+  void NoteEndOfPiece() {
+    const xercesc::Locator& locator = *getScanner()->getLocator();
+    positions_.BeginMarkup({locator.getLineNumber(), locator.getColumnNumber()});
+  }
+
+  ElementPositions& positions_;
+};
+
+}  // namespace
+
+Owned<xercesc::DOMLSParser> CreateLocatingParser(xercesc::DOMErrorHandler& error_handler,
+                                                 ElementPositions& positions) {
+  Owned<xercesc::DOMLSParser> parser(new LocatingParser(positions));
+  Configure(*parser, error_handler);
+  return parser;
+}
+
+}  // namespace projectdb::xml

@@ -1,0 +1,317 @@
+#include <projectdb/compare.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <map>
+#include <set>
+#include <string_view>
+#include <utility>
+
+#include "compare/sequence_alignment.h"
+#include "contents/model_names.h"
+#include "contents/record_text.h"
+
+namespace projectdb {
+namespace {
+
+using Alignment = std::vector<AlignedEntries>;
+using OptionalText = std::optional<std::string>;
+using Texts = std::vector<std::string>;
+
+/// The entries of a list, each seen in three ways.
+struct List {
+  Texts texts;  ///< What is shown of an entry.
+  Texts names;  ///< What an entry is likely to keep when it is changed.
+  Texts keys;   ///< The same if the entries count as the same.
+};
+
+template <typename Record>
+List ListOf(const std::vector<Record>& records, std::string Record::*name) {
+  List list;
+  for (const Record& record : records) {
+    list.texts.push_back(TextOf(record));
+    list.names.push_back(record.*name);
+  }
+  list.keys = list.texts;
+  return list;
+}
+
+List ListOf(const Texts& texts) { return {texts, texts, texts}; }
+
+List ListOf(const std::vector<IPSrcFile>& files) {
+  Texts names;
+  for (const IPSrcFile& file : files) names.push_back(file.name);
+  return ListOf(names);
+}
+
+/// The entries of two lists from one place to another.
+struct Stretch {
+  AlignedEntries start;
+  AlignedEntries end;
+
+  bool IsInBoth() const { return start.before < end.before && start.after < end.after; }
+};
+
+/// What is in both lists before, between and behind the pairs.
+std::vector<Stretch> Gaps(const Alignment& pairs, const Stretch& whole) {
+  std::vector<Stretch> gaps;
+  AlignedEntries start = whole.start;
+  const auto add = [&](const AlignedEntries& end) {
+    const Stretch gap{start, end};
+    if (gap.IsInBoth()) gaps.push_back(gap);
+    start = {end.before + 1, end.after + 1};
+  };
+  std::for_each(pairs.begin(), pairs.end(), add);
+  add(whole.end);
+  return gaps;
+}
+
+Alignment AlignEqual(const Texts& before, const Texts& after, const Stretch& stretch) {
+  const auto part = [](const Texts& texts, std::size_t start, std::size_t end) {
+    std::vector<std::string_view> views;
+    views.reserve(end - start);
+    for (std::size_t i = start; i < end; ++i) views.emplace_back(texts[i]);
+    return views;
+  };
+  Alignment pairs = AlignEqualEntries(part(before, stretch.start.before, stretch.end.before),
+                                      part(after, stretch.start.after, stretch.end.after));
+  for (AlignedEntries& pair : pairs) {
+    pair.before += stretch.start.before;
+    pair.after += stretch.start.after;
+  }
+  return pairs;
+}
+
+// The first with the first, the second with the second, until one of the lists has no more.
+Alignment AlignInOrder(const Stretch& stretch) {
+  Alignment pairs;
+  for (AlignedEntries at = stretch.start; Stretch{at, stretch.end}.IsInBoth();
+       ++at.before, ++at.after) {
+    pairs.push_back(at);
+  }
+  return pairs;
+}
+
+// Side by side stand the entries that are the same; between these, those of the same name; and
+// between these, whatever is there.
+Alignment Align(const List& before, const List& after) {
+  const Stretch whole{{0, 0}, {before.keys.size(), after.keys.size()}};
+  Alignment all = AlignEqual(before.keys, after.keys, whole);
+  for (const Stretch& gap : Gaps(all, whole)) {
+    const Alignment same_names = AlignEqual(before.names, after.names, gap);
+    all.insert(all.end(), same_names.begin(), same_names.end());
+    for (const Stretch& rest : Gaps(same_names, gap)) {
+      const Alignment others = AlignInOrder(rest);
+      all.insert(all.end(), others.begin(), others.end());
+    }
+  }
+  std::sort(all.begin(), all.end(),
+            [](const AlignedEntries& a, const AlignedEntries& b) { return a.before < b.before; });
+  return all;
+}
+
+/// Instances of names that both lists have once: they can be followed through a change.
+std::set<std::string_view> NamesOfOneInstance(const IPInfo& before, const IPInfo& after) {
+  std::map<std::string_view, std::pair<int, int>> counts;
+  for (const IP& ip : before.ips) ++counts[ip.instance_name].first;
+  for (const IP& ip : after.ips) ++counts[ip.instance_name].second;
+  std::set<std::string_view> names;
+  for (const auto& [name, count] : counts) {
+    if (count == std::pair(1, 1)) names.insert(name);
+  }
+  return names;
+}
+
+// An instance that can be followed counts as the same whatever it holds. Its key is not one of the
+// others, for these begin with other names.
+List InstanceList(const IPInfo& info, const std::set<std::string_view>& followed) {
+  List list = ListOf(info.ips, &IP::instance_name);
+  for (std::size_t i = 0; i < list.keys.size(); ++i) {
+    if (followed.count(list.names[i]) != 0) list.keys[i] = QuotedText(list.names[i]);
+  }
+  return list;
+}
+
+OptionalText TextIn(const std::map<std::string, std::string>& texts, const std::string& key) {
+  const auto entry = texts.find(key);
+  return entry == texts.end() ? OptionalText() : entry->second;
+}
+
+OptionalText TextIn(const SortedParameters& parameters, const std::string& key) {
+  const auto entry = parameters.find(key);
+  return entry == parameters.end() ? OptionalText() : TextUnderKey(key, entry->second);
+}
+
+OptionalText TextIn(const FlowProcessContents* process, std::string FlowProcessContents::*member) {
+  return process ? OptionalText(process->*member) : std::nullopt;
+}
+
+template <typename Map>
+std::set<std::string> KeysOf(const Map& before, const Map& after) {
+  std::set<std::string> keys;
+  for (const auto& [key, value] : before) keys.insert(key);
+  for (const auto& [key, value] : after) keys.insert(key);
+  return keys;
+}
+
+const SortedParameters& MapOf(const FlowProcessContents& process, const std::string& name) {
+  static const SortedParameters empty;
+  const auto map = process.parameter_maps.find(name);
+  return map == process.parameter_maps.end() ? empty : map->second;
+}
+
+// The name ends where the next dot is, which must not be one of its own.
+std::string MapKey(const std::string& name) {
+  return name.empty() || name.find_first_of(".\"") != std::string::npos ? QuotedText(name) : name;
+}
+
+/// Collects the differences between two projects.
+class Comparison {
+ public:
+  void Compare(const ProjectContents& before, const ProjectContents& after) {
+    CompareValue(kProjectName.narrow, before.project_name, after.project_name);
+    CompareMaps("info.", before.info_attributes, after.info_attributes);
+    CompareDevices(before.device_info, after.device_info);
+    CompareDesigns(before.design_info, after.design_info);
+    CompareConstraints(before.design_constraint, after.design_constraint);
+    CompareLists("isf.files", ListOf(before.design_isf.isf_files),
+                 ListOf(after.design_isf.isf_files));
+    CompareFiles("simulation.files", before.sim_files, after.sim_files);
+    CompareFiles("misc.files", before.misc_files, after.misc_files);
+    CompareIps(before.ip_info, after.ip_info);
+    CompareProcesses(before.flow_processes, after.flow_processes);
+  }
+
+  const std::vector<ProjectDifference>& differences() const { return differences_; }
+
+ private:
+  void CompareDevices(const DeviceInfo& before, const DeviceInfo& after) {
+    CompareValue("device.family", before.family, after.family);
+    CompareValue("device.device", before.device, after.device);
+    CompareValue("device.timing_model", before.timing_model, after.timing_model);
+  }
+
+  void CompareDesigns(const DesignInfo& before, const DesignInfo& after) {
+    CompareValue("design.top_module", before.top_module, after.top_module);
+    CompareValue("design.top_vhdl_arch", before.top_vhdl_arch, after.top_vhdl_arch);
+    CompareValue("design.def_veri_version", before.def_veri_version, after.def_veri_version);
+    CompareValue("design.def_vhdl_version", before.def_vhdl_version, after.def_vhdl_version);
+    CompareFiles("design.files", before.design_files, after.design_files);
+  }
+
+  void CompareConstraints(const DesignConstraint& before, const DesignConstraint& after) {
+    CompareLists("constraint.sdc", ListOf(before.sdc_files), ListOf(after.sdc_files));
+    CompareValue("constraint.interface", before.inter_file, after.inter_file);
+  }
+
+  void CompareIps(const IPInfo& before, const IPInfo& after) {
+    const std::set<std::string_view> followed = NamesOfOneInstance(before, after);
+    const List before_list = InstanceList(before, followed);
+    const List after_list = InstanceList(after, followed);
+    const Alignment pairs = Align(before_list, after_list);
+    AddListDifferences("ip", before_list, after_list, pairs);
+    for (const AlignedEntries& pair : pairs) {
+      if (before_list.keys[pair.before] == after_list.keys[pair.after]) {
+        CompareInstances(before.ips[pair.before], after.ips[pair.after]);
+      }
+    }
+  }
+
+  void CompareInstances(const IP& before, const IP& after) {
+    const std::string key = "ip." + before.instance_name;
+    CompareValue(key + ".path", before.path, after.path);
+    CompareLists(key + ".files", ListOf(before.src_files), ListOf(after.src_files));
+  }
+
+  void CompareProcesses(const std::vector<FlowProcessContents>& before,
+                        const std::vector<FlowProcessContents>& after) {
+    for (std::size_t i = 0; i < std::max(before.size(), after.size()); ++i) {
+      CompareProcess(i < kProcessNames.size() ? kProcessNames.at(i).narrow : std::to_string(i),
+                     i < before.size() ? &before[i] : nullptr,
+                     i < after.size() ? &after[i] : nullptr);
+    }
+  }
+
+  void CompareProcess(const std::string& key, const FlowProcessContents* before,
+                      const FlowProcessContents* after) {
+    CompareValue(key + ".name", TextIn(before, &FlowProcessContents::name),
+                 TextIn(after, &FlowProcessContents::name));
+    CompareValue(key + ".tool", TextIn(before, &FlowProcessContents::tool_name),
+                 TextIn(after, &FlowProcessContents::tool_name));
+    const FlowProcessContents none;
+    CompareParameters(key, before ? *before : none, after ? *after : none);
+  }
+
+  void CompareParameters(const std::string& key, const FlowProcessContents& before,
+                         const FlowProcessContents& after) {
+    for (const std::string& name : KeysOf(before.parameter_maps, after.parameter_maps)) {
+      CompareMaps(key + "." + MapKey(name) + ".", MapOf(before, name), MapOf(after, name));
+    }
+    CompareLists(key + ".parameters", ListOf(before.parameters, &Parameter::name),
+                 ListOf(after.parameters, &Parameter::name));
+  }
+
+  template <typename Map>
+  void CompareMaps(const std::string& prefix, const Map& before, const Map& after) {
+    for (const std::string& key : KeysOf(before, after)) {
+      CompareValue(prefix + key, TextIn(before, key), TextIn(after, key));
+    }
+  }
+
+  void CompareFiles(const std::string& what, const std::vector<DesignFile>& before,
+                    const std::vector<DesignFile>& after) {
+    CompareLists(what, ListOf(before, &DesignFile::name), ListOf(after, &DesignFile::name));
+  }
+
+  void CompareLists(const std::string& what, const List& before, const List& after) {
+    AddListDifferences(what, before, after, Align(before, after));
+  }
+
+  void AddListDifferences(const std::string& what, const List& before, const List& after,
+                          const Alignment& pairs) {
+    AlignedEntries next{0, 0};
+    const auto add_unpaired = [&](const AlignedEntries& end) {
+      for (; next.before < end.before; ++next.before) {
+        Add(what, next.before, before.texts[next.before], std::nullopt);
+      }
+      for (; next.after < end.after; ++next.after) {
+        Add(what, next.after, std::nullopt, after.texts[next.after]);
+      }
+    };
+    for (const AlignedEntries& pair : pairs) {
+      add_unpaired(pair);
+      if (before.keys[pair.before] != after.keys[pair.after]) {
+        Add(what, pair.before, before.texts[pair.before], after.texts[pair.after]);
+      }
+      next = {pair.before + 1, pair.after + 1};
+    }
+    add_unpaired({before.keys.size(), after.keys.size()});
+  }
+
+  void Add(const std::string& what, std::size_t place, OptionalText before, OptionalText after) {
+    differences_.push_back({what, std::to_string(place), std::move(before), std::move(after)});
+  }
+
+  void CompareValue(const std::string& what, const OptionalText& before,
+                    const OptionalText& after) {
+    if (before != after) differences_.push_back({what, "", before, after});
+  }
+
+  std::vector<ProjectDifference> differences_;
+};
+
+}  // namespace
+
+std::vector<ProjectDifference> CompareProjects(const ProjectContents& before,
+                                               const ProjectContents& after) {
+  Comparison comparison;
+  comparison.Compare(before, after);
+  return comparison.differences();
+}
+
+std::vector<ProjectDifference> CompareProjects(const KelProjectDatabase& before,
+                                               const KelProjectDatabase& after) {
+  return CompareProjects(GetProjectContents(before), GetProjectContents(after));
+}
+
+}  // namespace projectdb

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include <sys/types.h>
+
+#include "save/file_descriptor.h"
+
+namespace projectdb::files {
+
+/// A directory whose entries are changed.
+class Directory {
+ public:
+  /// @exception Failure if it cannot be opened
+  explicit Directory(std::filesystem::path path);
+
+  const std::filesystem::path& path() const { return path_; }
+  int descriptor() const { return descriptor_.number(); }
+
+  /// Brings its entries to the disk, on file systems that can do that.
+  void Flush() const;
+
+ private:
+  std::filesystem::path path_;
+  FileDescriptor descriptor_;
+};
+
+/// A new file that removes itself, unless it is given another name.
+class TemporaryFile {
+ public:
+  /// Creates an empty file under a name that cannot be foreseen and has no extension.
+  /// @param directory outlives this object
+  /// @param mode its permissions, before the umask or the directory takes some away
+  /// @exception Failure if it cannot be created
+  TemporaryFile(const Directory& directory, mode_t mode);
+  ~TemporaryFile();
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+  std::string path() const { return directory_.path() / name_; }
+  const FileDescriptor& descriptor() const { return descriptor_; }
+
+  /// Brings the file to the disk.
+  /// @exception Failure if that fails
+  void Flush() const;
+
+  /// Gives it this name in its directory, in place of the file of that name; then it stays.
+  /// @exception Failure if that fails
+  void RenameTo(const std::filesystem::path& name);
+
+ private:
+  const Directory& directory_;
+  std::string name_;
+  FileDescriptor descriptor_;
+  bool stays_ = false;
+};
+
+}  // namespace projectdb::files

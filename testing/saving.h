@@ -1,0 +1,77 @@
+#pragma once
+
+#include <algorithm>
+#include <filesystem>
+#include <ostream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <sys/stat.h>
+
+#include <projectdb/durable_export.h>
+#include <projectdb/project_db.h>
+
+#include "testing/files.h"
+
+/// Durable saves and what they leave.
+namespace test_support {
+
+/// The text of the std::runtime_error that a durable save ends in; "" if it ends well.
+inline std::string SaveError(const projectdb::KelProjectDatabase& database,
+                             const std::string& path) {
+  try {
+    projectdb::ExportProjectDataDurably(database, path);
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return {};
+}
+
+inline std::string WritingError(const std::string& path, const std::string& reason) {
+  return "Failed writing XML file " + path + ": " + reason + "\n";
+}
+
+/// The names of all that a directory holds, in alphabetical order.
+inline std::vector<std::string> NamesIn(const std::filesystem::path& directory) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(directory)) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+/// @param path of a file, or of a link to one
+inline struct stat StatusOf(const std::string& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) throw std::runtime_error("no status of " + path);
+  return status;
+}
+
+inline mode_t ModeOf(const std::string& path) { return StatusOf(path).st_mode & 07777U; }
+
+inline void SetMode(const std::string& path, mode_t mode) {
+  if (::chmod(path.c_str(), mode) != 0) throw std::runtime_error("cannot change " + path);
+}
+
+/// A file as it is: the same one, with the same content and the same permissions.
+struct FileState {
+  explicit FileState(const std::string& path) : status(StatusOf(path)), bytes(ReadFile(path)) {}
+  bool operator==(const FileState& other) const {
+    return status.st_ino == other.status.st_ino && status.st_mode == other.status.st_mode &&
+           status.st_uid == other.status.st_uid && status.st_gid == other.status.st_gid &&
+           bytes == other.bytes;
+  }
+
+  struct stat status;
+  std::string bytes;
+};
+
+inline void PrintTo(const FileState& state, std::ostream* out) {
+  *out << "inode " << state.status.st_ino << ", mode 0" << std::oct << state.status.st_mode
+       << std::dec << ", owner " << state.status.st_uid << ", group " << state.status.st_gid << ", "
+       << state.bytes.size() << " bytes";
+}
+
+}  // namespace test_support

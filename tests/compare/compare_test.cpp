@@ -1,0 +1,653 @@
+#include <projectdb/compare.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <functional>
+#include <iterator>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <rapidcheck.h>
+
+#include <projectdb/project_db.h>
+
+#include "contents/record_text.h"
+#include "testing/project_differences.h"
+#include "testing/project_loading.h"
+
+namespace {
+
+using namespace projectdb;
+using test_support::CompleteProjectXml;
+using test_support::Loading;
+using test_support::Show;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+using Lines = std::vector<std::string>;
+
+Lines Differences(const ProjectContents& before, const ProjectContents& after) {
+  return Show(CompareProjects(before, after));
+}
+
+ProjectContents CompleteProject() {
+  Loading loading;
+  loading.LoadBytes(CompleteProjectXml());
+  return GetProjectContents(loading.database);
+}
+
+// Single changes of a project with something in every section.
+
+struct ChangeCase {
+  const char* name;
+  std::function<void(ProjectContents&)> change;
+  Lines differences;
+};
+
+void PrintTo(const ChangeCase& c, std::ostream* out) { *out << c.name; }
+
+SortedParameters& MapOf(ProjectContents& project, ProcType type, const char* name) {
+  return project.flow_processes.at(static_cast<std::size_t>(type)).parameter_maps[name];
+}
+
+const ChangeCase kChanges[] = {
+    {"nothing", [](auto&) {}, {}},
+    {"project name", [](auto& p) { p.project_name = "next"; }, {R"(name: "demo" -> "next")"}},
+    {"attribute added",
+     [](auto& p) { p.info_attributes["owner"] = ""; },
+     {R"(info.owner: nothing -> "")"}},
+    {"attribute removed",
+     [](auto& p) { p.info_attributes.clear(); },
+     {R"(info.vendor_id: "77" -> nothing)"}},
+    {"attribute changed",
+     [](auto& p) { p.info_attributes["vendor_id"] = "78"; },
+     {R"(info.vendor_id: "77" -> "78")"}},
+    {"device family",
+     [](auto& p) { p.device_info.family = "Varel"; },
+     {R"(device.family: "Orrin" -> "Varel")"}},
+    {"device model",
+     [](auto& p) { p.device_info.device = "O80"; },
+     {R"(device.device: "O40" -> "O80")"}},
+    {"timing model",
+     [](auto& p) { p.device_info.timing_model = ""; },
+     {R"(device.timing_model: "slow" -> "")"}},
+    {"top module",
+     [](auto& p) { p.design_info.top_module = "chip"; },
+     {R"(design.top_module: "top" -> "chip")"}},
+    {"top architecture",
+     [](auto& p) { p.design_info.top_vhdl_arch = "sim"; },
+     {R"(design.top_vhdl_arch: "rtl" -> "sim")"}},
+    {"default Verilog version",
+     [](auto& p) { p.design_info.def_veri_version = "sv"; },
+     {R"(design.def_veri_version: "v2k" -> "sv")"}},
+    {"default VHDL version",
+     [](auto& p) { p.design_info.def_vhdl_version = "vhdl93"; },
+     {R"(design.def_vhdl_version: "vhdl08" -> "vhdl93")"}},
+    {"design file put in",
+     [](auto& p) {
+       auto& files = p.design_info.design_files;
+       files.insert(files.begin(), {"pkg.sv", "sv", "work"});
+     },
+     {R"(design.files[0]: nothing -> "pkg.sv version=sv library=work")"}},
+    {"design file removed",
+     [](auto& p) { p.design_info.design_files.pop_back(); },
+     {R"(design.files[1]: "b.vhd library=lib" -> nothing)"}},
+    {"design file of another version",
+     [](auto& p) { p.design_info.design_files[0].version = "sv"; },
+     {R"(design.files[0]: "a.v version=v2k library=work" -> "a.v version=sv library=work")"}},
+    {"design file of another library",
+     [](auto& p) { p.design_info.design_files[1].library = ""; },
+     {R"(design.files[1]: "b.vhd library=lib" -> "b.vhd")"}},
+    {"design file replaced",
+     [](auto& p) { p.design_info.design_files[1].name = "c.vhd"; },
+     {R"(design.files[1]: "b.vhd library=lib" -> "c.vhd library=lib")"}},
+    {"simulation file",
+     [](auto& p) { p.sim_files.emplace_back("t2.v", "", ""); },
+     {R"(simulation.files[1]: nothing -> "t2.v")"}},
+    {"miscellaneous file",
+     [](auto& p) { p.misc_files.clear(); },
+     {R"(misc.files[0]: "notes.txt version=1 library=docs" -> nothing)"}},
+    {"timing constraint file",
+     [](auto& p) { p.design_constraint.sdc_files[0] = "my clocks.sdc"; },
+     {R"(constraint.sdc[0]: "c.sdc" -> "my clocks.sdc")"}},
+    {"interface constraint file",
+     [](auto& p) { p.design_constraint.inter_file = ""; },
+     {R"(constraint.interface: "c.interface.csv" -> "")"}},
+    {"ISF file",
+     [](auto& p) { p.design_isf.isf_files.emplace_back("e.isf"); },
+     {R"(isf.files[1]: nothing -> "e.isf")"}},
+    {"instance added",
+     [](auto& p) {
+       p.ip_info.ips.push_back({"v", "ip/v.cfg", {{"v.v"}}});
+     },
+     {R"(ip[1]: nothing -> "v path=ip/v.cfg file=v.v")"}},
+    {"instance removed",
+     [](auto& p) { p.ip_info.ips.clear(); },
+     {R"(ip[0]: "u path=ip/u.cfg file=u.v" -> nothing)"}},
+    {"instance renamed",
+     [](auto& p) { p.ip_info.ips[0].instance_name = "v"; },
+     {R"(ip[0]: "u path=ip/u.cfg file=u.v" -> "v path=ip/u.cfg file=u.v")"}},
+    {"instance of another path",
+     [](auto& p) { p.ip_info.ips[0].path = "lib/u.cfg"; },
+     {R"(ip.u.path: "ip/u.cfg" -> "lib/u.cfg")"}},
+    {"source file of an instance",
+     [](auto& p) { p.ip_info.ips[0].src_files.push_back({"u 2.v"}); },
+     {R"(ip.u.files[1]: nothing -> "u 2.v")"}},
+    {"process name",
+     [](auto& p) { p.flow_processes[e_synthesis].name = ""; },
+     {R"(synthesis.name: "synthesis" -> "")"}},
+    {"tool",
+     [](auto& p) { p.flow_processes[e_place_and_route].tool_name = "pnr2"; },
+     {R"(place_and_route.tool: "pnr" -> "pnr2")"}},
+    {"process added",
+     [](auto& p) {
+       p.flow_processes.push_back({"power", "pwr", {}});
+     },
+     {R"(4.name: nothing -> "power")", R"(4.tool: nothing -> "pwr")"}},
+    {"process removed",
+     [](auto& p) { p.flow_processes.pop_back(); },
+     {R"(debugger.name: "debugger" -> nothing)", R"(debugger.tool: "dbg" -> nothing)"}},
+    {"parameter added",
+     [](auto& p) { MapOf(p, e_debugger, "param").emplace("p", Parameter("p", "1", e_bool)); },
+     {R"(debugger.param.p: nothing -> "1 type=e_bool")"}},
+    {"parameter removed",
+     [](auto& p) { MapOf(p, e_bitstream_generation, "param").clear(); },
+     {R"(bitstream_generation.param.zip: "true type=e_bool" -> nothing)"}},
+    {"parameter of another value",
+     [](auto& p) { MapOf(p, e_synthesis, "param").at("mode").value = "very small"; },
+     {R"(synthesis.param.mode: "fast type=e_option" -> ""very small" type=e_option")"}},
+    {"parameter of another type",
+     [](auto& p) { MapOf(p, e_synthesis, "param").at("mode").type = e_string; },
+     {R"(synthesis.param.mode: "fast type=e_option" -> "fast type=e_string")"}},
+    {"parameter of another name than its key",
+     [](auto& p) { MapOf(p, e_synthesis, "param").at("mode").name = "m"; },
+     {R"(synthesis.param.mode: "fast type=e_option" -> "fast type=e_option name=m")"}},
+    {"Verilog define",
+     [](auto& p) { MapOf(p, e_synthesis, "dynparam").at("W").value = "9"; },
+     {R"(synthesis.dynparam.W: "8 type=e_string" -> "9 type=e_string")"}},
+    {"Verilog macro",
+     [](auto& p) { MapOf(p, e_synthesis, "defmacro").at("SIM").value = "0"; },
+     {R"(synthesis.defmacro.SIM: "1" -> "0")"}},
+    {"parameter in a map of a name with a dot",
+     [](auto& p) { MapOf(p, e_debugger, "a.b").emplace("c", Parameter("c", "1", e_bool)); },
+     {R"(debugger."a.b".c: nothing -> "1 type=e_bool")"}},
+    {"parameter in a map without a name",
+     [](auto& p) { MapOf(p, e_debugger, "").emplace("c", Parameter("c", "1", e_bool)); },
+     {R"(debugger."".c: nothing -> "1 type=e_bool")"}},
+    {"plain parameter",
+     [](auto& p) { p.flow_processes[e_debugger].parameters.emplace_back("p", "1", e_bool); },
+     {R"(debugger.parameters[0]: nothing -> "p value=1 type=e_bool")"}},
+    {"map without parameters", [](auto& p) { MapOf(p, e_debugger, "param").clear(); }, {}},
+    {"stamps and directory",
+     [](auto& p) {
+       p.current_path = "/elsewhere";
+       p.software_version = "9";
+       p.last_modify_time = "now";
+     },
+     {}},
+};
+
+class CompareChanged : public testing::TestWithParam<ChangeCase> {};
+
+INSTANTIATE_TEST_SUITE_P(Changes, CompareChanged, testing::ValuesIn(kChanges));
+
+TEST_P(CompareChanged, CompareProjects_OneChange_GivesThatDifference) {
+  const ProjectContents before = CompleteProject();
+  ProjectContents after = before;
+  GetParam().change(after);
+  EXPECT_EQ(Differences(before, after), GetParam().differences);
+}
+
+TEST(Compare, CompareProjects_ManyChanges_GivesThemInTheOrderOfTheProject) {
+  const ProjectContents before = CompleteProject();
+  const ProjectContents none;
+  Lines whats;
+  for (const auto& difference : CompareProjects(none, before)) whats.push_back(difference.what);
+  EXPECT_THAT(
+      whats,
+      ElementsAre("name", "info.vendor_id", "device.family", "device.device", "device.timing_model",
+                  "design.top_module", "design.top_vhdl_arch", "design.def_veri_version",
+                  "design.def_vhdl_version", "design.files", "design.files", "constraint.sdc",
+                  "constraint.interface", "isf.files", "simulation.files", "misc.files", "ip",
+                  "synthesis.name", "synthesis.tool", "synthesis.defmacro.SIM",
+                  "synthesis.dynparam.W", "synthesis.param.flat", "synthesis.param.mode",
+                  "place_and_route.name", "place_and_route.tool", "place_and_route.param.seed",
+                  "bitstream_generation.name", "bitstream_generation.tool",
+                  "bitstream_generation.param.zip", "debugger.name", "debugger.tool"));
+}
+
+// Database objects.
+
+TEST(Compare, CompareProjects_SameObject_GivesNothing) {
+  KelProjectDatabase database;
+  database.CreateNewProjectDatabase("blinker");
+  EXPECT_THAT(CompareProjects(database, database), IsEmpty());
+}
+
+TEST(Compare, CompareProjects_NoProjects_GivesNothing) {
+  EXPECT_THAT(CompareProjects(KelProjectDatabase(), KelProjectDatabase()), IsEmpty());
+}
+
+TEST(Compare, CompareProjects_NoProjectAndAnEmptyOne_GivesTheProcesses) {
+  KelProjectDatabase database;
+  database.SetupProjectDatabase();
+  EXPECT_THAT(CompareProjects(KelProjectDatabase(), database), SizeIs(8));
+}
+
+TEST(Compare, CompareProjects_TwoObjects_GivesTheirDifferences) {
+  KelProjectDatabase before;
+  before.CreateNewProjectDatabase("blinker");
+  KelProjectDatabase after;
+  after.CreateNewProjectDatabase("blinker");
+  after.SetDeviceModel("Q8R40");
+  EXPECT_EQ(Show(CompareProjects(before, after)), (Lines{R"(device.device: "Q8R25" -> "Q8R40")"}));
+}
+
+/// A project with many names in its hash tables, put in from the first to the last or the reverse.
+void AddManyNames(KelProjectDatabase& database, bool reverse) {
+  constexpr int kNames = 200;
+  for (int i = 0; i < kNames; ++i) {
+    const std::string name = "n" + std::to_string(reverse ? kNames - 1 - i : i);
+    database.AddProjectInfoAttribute(name, "1");
+    database.AddSynthesisParameter(name, "1", e_string);
+    database.AddFlowProcessParameter(e_debugger, name, name, "1", e_string);
+  }
+}
+
+TEST(Compare, CompareProjects_OtherOrderOfHashing_GivesNothing) {
+  KelProjectDatabase before;
+  before.CreateNewProjectDatabase("blinker");
+  AddManyNames(before, false);
+  KelProjectDatabase after;
+  after.CreateNewProjectDatabase("blinker");
+  AddManyNames(after, true);
+  EXPECT_THAT(CompareProjects(before, after), IsEmpty());
+}
+
+TEST(Compare, CompareProjects_OtherOrderOfHashing_GivesTheSameDifferencesInTheSameOrder) {
+  KelProjectDatabase none;
+  none.CreateNewProjectDatabase("blinker");
+  KelProjectDatabase forwards;
+  forwards.CreateNewProjectDatabase("blinker");
+  AddManyNames(forwards, false);
+  KelProjectDatabase backwards;
+  backwards.CreateNewProjectDatabase("blinker");
+  AddManyNames(backwards, true);
+  EXPECT_EQ(Show(CompareProjects(none, forwards)), Show(CompareProjects(none, backwards)));
+}
+
+// Lists.
+
+ProjectContents WithConstraintFiles(std::vector<std::string> files) {
+  ProjectContents project;
+  project.design_constraint.sdc_files = std::move(files);
+  return project;
+}
+
+ProjectContents WithDesignFiles(std::vector<DesignFile> files) {
+  ProjectContents project;
+  project.design_info.design_files = std::move(files);
+  return project;
+}
+
+ProjectContents WithIps(std::vector<IP> ips) {
+  ProjectContents project;
+  project.ip_info.ips = std::move(ips);
+  return project;
+}
+
+TEST(CompareLists, CompareProjects_EntriesPutInAtSeveralPlaces_GivesOnlyThese) {
+  EXPECT_THAT(
+      Differences(WithConstraintFiles({"a", "b", "c"}),
+                  WithConstraintFiles({"x", "a", "b", "y", "c", "z"})),
+      ElementsAre(R"(constraint.sdc[0]: nothing -> "x")", R"(constraint.sdc[3]: nothing -> "y")",
+                  R"(constraint.sdc[5]: nothing -> "z")"));
+}
+
+TEST(CompareLists, CompareProjects_EntryMoved_IsRemovedAndAdded) {
+  EXPECT_THAT(
+      Differences(WithConstraintFiles({"a", "b", "c"}), WithConstraintFiles({"b", "c", "a"})),
+      ElementsAre(R"(constraint.sdc[0]: "a" -> nothing)", R"(constraint.sdc[2]: nothing -> "a")"));
+}
+
+TEST(CompareLists, CompareProjects_EntryRepeated_IsOneDifference) {
+  EXPECT_THAT(Differences(WithConstraintFiles({"a", "b"}), WithConstraintFiles({"a", "a", "b"})),
+              ElementsAre(R"(constraint.sdc[1]: nothing -> "a")"));
+}
+
+TEST(CompareLists, CompareProjects_EntriesReplacedByMore_GivesChangesAndThenAdditions) {
+  EXPECT_THAT(
+      Differences(WithConstraintFiles({"a", "b", "z"}), WithConstraintFiles({"c", "d", "e", "z"})),
+      ElementsAre(R"(constraint.sdc[0]: "a" -> "c")", R"(constraint.sdc[1]: "b" -> "d")",
+                  R"(constraint.sdc[2]: nothing -> "e")"));
+}
+
+TEST(CompareLists, CompareProjects_ChangedEntryBesideANewOne_IsComparedWithItsOwnName) {
+  EXPECT_THAT(Differences(WithDesignFiles({{"a.v", "v2k", ""}}),
+                          WithDesignFiles({{"pkg.v", "sv", ""}, {"a.v", "sv", ""}})),
+              ElementsAre(R"(design.files[0]: nothing -> "pkg.v version=sv")",
+                          R"(design.files[0]: "a.v version=v2k" -> "a.v version=sv")"));
+}
+
+TEST(CompareLists, CompareProjects_ChangeBehindARemoval_HasThePlaceBefore) {
+  EXPECT_THAT(
+      Differences(WithConstraintFiles({"a", "b", "c"}), WithConstraintFiles({"b", "d"})),
+      ElementsAre(R"(constraint.sdc[0]: "a" -> nothing)", R"(constraint.sdc[2]: "c" -> "d")"));
+}
+
+TEST(CompareLists, CompareProjects_AHundredThousandFilesAndOnePutInFront_GivesOneDifference) {
+  std::vector<std::string> files(100'000);
+  for (std::size_t i = 0; i < files.size(); ++i) files[i] = "f" + std::to_string(i) + ".sdc";
+  const ProjectContents before = WithConstraintFiles(files);
+  files.insert(files.begin(), "new.sdc");
+  EXPECT_THAT(Differences(before, WithConstraintFiles(std::move(files))), SizeIs(1));
+}
+
+// IP instances.
+
+TEST(CompareIps, CompareProjects_InstanceChangedBehindANewOne_IsFollowed) {
+  EXPECT_THAT(
+      Differences(WithIps({{"u", "u.cfg", {}}}), WithIps({{"new", "", {}}, {"u", "v.cfg", {}}})),
+      ElementsAre(R"(ip[0]: nothing -> "new")", R"(ip.u.path: "u.cfg" -> "v.cfg")"));
+}
+
+TEST(CompareIps, CompareProjects_SourceFilesChanged_AreComparedAsASequence) {
+  EXPECT_THAT(
+      Differences(WithIps({{"u", "", {{"a.v"}, {"b.v"}, {"c.v"}}}}),
+                  WithIps({{"u", "", {{"b.v"}, {"x.v"}, {"c.v"}}}})),
+      ElementsAre(R"(ip.u.files[0]: "a.v" -> nothing)", R"(ip.u.files[1]: nothing -> "x.v")"));
+}
+
+TEST(CompareIps, CompareProjects_InstanceMovedAndChanged_IsRemovedAndAdded) {
+  EXPECT_THAT(Differences(WithIps({{"u", "1", {}}, {"v", "", {}}, {"w", "", {}}}),
+                          WithIps({{"v", "", {}}, {"w", "", {}}, {"u", "2", {}}})),
+              ElementsAre(R"(ip[0]: "u path=1" -> nothing)", R"(ip[2]: nothing -> "u path=2")"));
+}
+
+TEST(CompareIps, CompareProjects_InstancesOfTheSameName_AreEntriesAsAWhole) {
+  EXPECT_THAT(Differences(WithIps({{"u", "1", {}}, {"u", "2", {}}}),
+                          WithIps({{"u", "1", {}}, {"u", "3", {}}})),
+              ElementsAre(R"(ip[1]: "u path=2" -> "u path=3")"));
+}
+
+TEST(CompareIps, CompareProjects_InstanceWithoutName_IsFollowedToo) {
+  EXPECT_THAT(Differences(WithIps({{"", "1", {}}}), WithIps({{"", "2", {}}})),
+              ElementsAre(R"(ip..path: "1" -> "2")"));
+}
+
+// Whatever projects.
+
+rc::Gen<std::string> Text() {
+  return rc::gen::element<std::string>("", "a", "b", "c", "a b", "\"a\"", "x.y");
+}
+/// Small, for a project has many of them.
+template <typename Record>
+rc::Gen<std::vector<Record>> Few(rc::Gen<Record> record) {
+  return rc::gen::resize(5, rc::gen::container<std::vector<Record>>(std::move(record)));
+}
+
+rc::Gen<std::vector<std::string>> TextList() {
+  return rc::gen::container<std::vector<std::string>>(Text());
+}
+rc::Gen<DesignFile> OneFile() { return rc::gen::construct<DesignFile>(Text(), Text(), Text()); }
+
+rc::Gen<std::vector<DesignFile>> FileList() {
+  return rc::gen::container<std::vector<DesignFile>>(OneFile());
+}
+rc::Gen<Parameter> OneParameter() {
+  const auto type =
+      rc::gen::map(rc::gen::inRange(0, 6), [](int i) { return static_cast<ParameterType>(i); });
+  return rc::gen::construct<Parameter>(Text(), Text(), type);
+}
+
+IP PickIp() {
+  IP ip{*Text(), *Text(), {}};
+  for (const std::string& name : *Few(Text())) ip.src_files.push_back({name});
+  return ip;
+}
+
+SortedParameters PickParameters() {
+  SortedParameters parameters;
+  for (const std::string& key : *Few(Text())) parameters.emplace(key, *OneParameter());
+  return parameters;
+}
+
+FlowProcessContents PickProcess() {
+  FlowProcessContents process{*Text(), *Text(), {}};
+  for (const std::string& name : *Few(Text())) process.parameter_maps[name] = PickParameters();
+  process.parameters = *Few(OneParameter());
+  return process;
+}
+
+template <typename Pick>
+auto PickSeveral(std::size_t most, Pick pick) {
+  std::vector<decltype(pick())> records;
+  for (auto i = *rc::gen::inRange<std::size_t>(0, most + 1); i > 0; --i) records.push_back(pick());
+  return records;
+}
+
+/// Gives one part of a project another content.
+using ChangePart = void (*)(ProjectContents&);
+
+const ChangePart kParts[] = {
+    [](auto& p) { p.project_name = *Text(); },
+    [](auto& p) { p.current_path = *Text(); },
+    [](auto& p) { p.software_version = *Text(); },
+    [](auto& p) { p.last_modify_time = *Text(); },
+    [](auto& p) { p.info_attributes[*Text()] = *Text(); },
+    [](auto& p) { p.info_attributes.erase(*Text()); },
+    [](auto& p) { p.device_info.family = *Text(); },
+    [](auto& p) { p.device_info.device = *Text(); },
+    [](auto& p) { p.device_info.timing_model = *Text(); },
+    [](auto& p) { p.design_info.top_module = *Text(); },
+    [](auto& p) { p.design_info.top_vhdl_arch = *Text(); },
+    [](auto& p) { p.design_info.def_veri_version = *Text(); },
+    [](auto& p) { p.design_info.def_vhdl_version = *Text(); },
+    [](auto& p) { p.design_info.design_files = *Few(OneFile()); },
+    [](auto& p) { p.design_constraint.sdc_files = *Few(Text()); },
+    [](auto& p) { p.design_constraint.inter_file = *Text(); },
+    [](auto& p) { p.design_isf.isf_files = *Few(Text()); },
+    [](auto& p) { p.sim_files = *Few(OneFile()); },
+    [](auto& p) { p.misc_files = *Few(OneFile()); },
+    [](auto& p) { p.ip_info.ips = PickSeveral(4, PickIp); },
+    [](auto& p) { p.flow_processes = PickSeveral(5, PickProcess); },
+    [](auto& p) { p.flow_processes.resize(4); },
+    [](auto& p) {
+      if (!p.flow_processes.empty()) p.flow_processes.back().parameter_maps[*Text()].clear();
+    },
+    [](auto& p) {
+      if (!p.flow_processes.empty()) {
+        p.flow_processes.back().parameter_maps[*Text()].emplace(*Text(), *OneParameter());
+      }
+    },
+};
+
+void ChangeParts(ProjectContents& project, std::size_t most) {
+  for (auto i = *rc::gen::inRange<std::size_t>(0, most + 1); i > 0; --i) {
+    kParts[*rc::gen::inRange<std::size_t>(0, std::size(kParts))](project);
+  }
+}
+
+/// Some project and another that was made of it.
+std::pair<ProjectContents, ProjectContents> PickTwoProjects() {
+  ProjectContents before;
+  ChangeParts(before, 40);
+  ProjectContents after = before;
+  ChangeParts(after, *rc::gen::element<std::size_t>(2, 40));
+  return {before, after};
+}
+
+/// All that counts in a project, each record as its fields.
+class Rows {
+ public:
+  explicit Rows(const ProjectContents& project) {
+    const DesignInfo& design = project.design_info;
+    rows_ = {{project.project_name, project.device_info.family, project.device_info.device,
+              project.device_info.timing_model, design.top_module, design.top_vhdl_arch,
+              design.def_veri_version, design.def_vhdl_version,
+              project.design_constraint.inter_file}};
+    for (const auto& [name, value] : project.info_attributes) Add({"info", name, value});
+    AddFiles("design", design.design_files);
+    AddFiles("sim", project.sim_files);
+    AddFiles("misc", project.misc_files);
+    for (const auto& name : project.design_constraint.sdc_files) Add({"sdc", name});
+    for (const auto& name : project.design_isf.isf_files) Add({"isf", name});
+    for (const IP& ip : project.ip_info.ips) AddIp(ip);
+    for (const FlowProcessContents& process : project.flow_processes) AddProcess(process);
+  }
+
+  bool operator==(const Rows& other) const { return rows_ == other.rows_; }
+
+ private:
+  void Add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
+
+  void AddFiles(const char* title, const std::vector<DesignFile>& files) {
+    for (const DesignFile& file : files) Add({title, file.name, file.version, file.library});
+  }
+
+  void AddIp(const IP& ip) {
+    Add({"ip", ip.instance_name, ip.path});
+    for (const IPSrcFile& file : ip.src_files) Add({"ip file", file.name});
+  }
+
+  void AddProcess(const FlowProcessContents& process) {
+    Add({"process", process.name, process.tool_name});
+    for (const auto& [map, parameters] : process.parameter_maps) {
+      for (const auto& [key, parameter] : parameters) AddParameter(map, key, parameter);
+    }
+    for (const Parameter& parameter : process.parameters) AddParameter("", "", parameter);
+    Add({"end of process"});
+  }
+
+  void AddParameter(const std::string& map, const std::string& key, const Parameter& parameter) {
+    Add({map, key, parameter.name, parameter.value, std::to_string(parameter.type)});
+  }
+
+  std::vector<std::vector<std::string>> rows_;
+};
+
+TEST(CompareAnyProjects, CompareProjects_ProjectWithItself_GivesNothing) {
+  EXPECT_TRUE(rc::check([] {
+    ProjectContents project;
+    ChangeParts(project, 40);
+    RC_ASSERT(Differences(project, project).empty());
+  }));
+}
+
+TEST(CompareAnyProjects, CompareProjects_TwoProjects_GivesNothingOnlyIfTheyAreEqual) {
+  EXPECT_TRUE(rc::check([] {
+    const auto [before, after] = PickTwoProjects();
+    RC_ASSERT(Differences(before, after).empty() == (Rows(before) == Rows(after)));
+  }));
+}
+
+TEST(CompareAnyProjects, CompareProjects_Exchanged_ExchangesBeforeAndAfter) {
+  EXPECT_TRUE(rc::check([] {
+    const auto [before, after] = PickTwoProjects();
+    auto differences = CompareProjects(after, before);
+    auto expected = CompareProjects(before, after);
+    for (ProjectDifference& difference : expected) std::swap(difference.before, difference.after);
+    for (auto* list : {&differences, &expected}) {
+      for (ProjectDifference& difference : *list) {
+        // A changed entry may have another place in the other project.
+        if (difference.before && difference.after) difference.where.clear();
+      }
+    }
+    RC_ASSERT(Show(differences) == Show(expected));
+  }));
+}
+
+TEST(CompareAnyProjects, CompareProjects_AnyDifference_IsOne) {
+  EXPECT_TRUE(rc::check([] {
+    const auto [before, after] = PickTwoProjects();
+    for (const ProjectDifference& difference : CompareProjects(before, after)) {
+      RC_ASSERT(difference.before != difference.after);
+    }
+  }));
+}
+
+TEST(CompareAnyProjects, CompareProjects_NamesOfDifferences_AreOfOneThingEach) {
+  EXPECT_TRUE(rc::check([] {
+    const auto [before, after] = PickTwoProjects();
+    std::vector<std::string> places;
+    for (const ProjectDifference& difference : CompareProjects(before, after)) {
+      const char* side = difference.before ? " before " : " after ";
+      places.push_back(difference.what + side + difference.where);
+    }
+    std::sort(places.begin(), places.end());
+    RC_ASSERT(std::adjacent_find(places.begin(), places.end()) == places.end());
+  }));
+}
+
+/// Makes of a list what its differences say.
+std::vector<std::string> Apply(const std::vector<ProjectDifference>& differences,
+                               const std::vector<std::string>& list) {
+  std::vector<std::optional<std::string>> left(list.begin(), list.end());
+  std::vector<std::pair<std::size_t, std::string>> added;
+  for (const ProjectDifference& difference : differences) {
+    const std::size_t place = std::stoul(difference.where);
+    if (difference.before) {
+      RC_ASSERT(left.at(place) == difference.before);
+      left.at(place) = difference.after;
+    } else {
+      added.emplace_back(place, difference.after.value());
+    }
+  }
+  std::vector<std::string> result;
+  for (const auto& entry : left) {
+    if (entry) result.push_back(*entry);
+  }
+  for (const auto& [place, entry] : added) {
+    RC_ASSERT(place <= result.size());
+    result.insert(result.begin() + static_cast<std::ptrdiff_t>(place), entry);
+  }
+  return result;
+}
+
+TEST(CompareAnyLists, CompareProjects_NamesOfFiles_TurnTheOneListIntoTheOther) {
+  EXPECT_TRUE(rc::check([] {
+    const auto before = *TextList();
+    const auto after = *TextList();
+    const auto differences =
+        CompareProjects(WithConstraintFiles(before), WithConstraintFiles(after));
+    RC_ASSERT(Apply(differences, before) == after);
+  }));
+}
+
+std::vector<std::string> TextsOf(const std::vector<DesignFile>& files) {
+  std::vector<std::string> texts;
+  std::transform(files.begin(), files.end(), std::back_inserter(texts),
+                 [](const DesignFile& file) { return TextOf(file); });
+  return texts;
+}
+
+TEST(CompareAnyLists, CompareProjects_DesignFiles_TurnTheOneListIntoTheOther) {
+  EXPECT_TRUE(rc::check([] {
+    const auto before = *FileList();
+    const auto after = *FileList();
+    const auto differences = CompareProjects(WithDesignFiles(before), WithDesignFiles(after));
+    RC_ASSERT(Apply(differences, TextsOf(before)) == TextsOf(after));
+  }));
+}
+
+TEST(CompareAnyLists, CompareProjects_FilesPutIn_GivesAsManyDifferences) {
+  EXPECT_TRUE(rc::check([] {
+    const auto before = *TextList();
+    auto after = before;
+    const auto places = *rc::gen::container<std::vector<std::size_t>>(
+        rc::gen::inRange<std::size_t>(0, before.size() + 1));
+    for (const std::size_t place : places) {
+      after.insert(after.begin() + static_cast<std::ptrdiff_t>(place), "new.sdc");
+    }
+    RC_ASSERT(CompareProjects(WithConstraintFiles(before), WithConstraintFiles(after)).size() ==
+              places.size());
+  }));
+}
+
+}  // namespace

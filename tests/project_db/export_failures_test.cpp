@@ -1,0 +1,679 @@
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <future>
+#include <ostream>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <projectdb/project_db.h>
+#include <xercesc/util/IOException.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+
+#include "testing/child_process.h"
+#include "testing/denied.h"
+#include "testing/files.h"
+#include "testing/message_recorder.h"
+#include "testing/project_snapshot.h"
+#include "testing/temporary_directory.h"
+#include "testing/xml_tree.h"
+#include "xml/platform.h"
+
+namespace {
+
+using projectdb::DesignFile;
+using projectdb::KelProjectDatabase;
+using projectdb::Parameter;
+using test_support::Denied;
+using test_support::InChildProcess;
+using test_support::MessageRecorder;
+using test_support::ReadFile;
+using test_support::ReadXmlFile;
+using test_support::TakeSnapshot;
+using test_support::TemporaryDirectory;
+using test_support::Utf8;
+using test_support::WriteFile;
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+using namespace std::string_literals;
+
+/// The text of the std::runtime_error that an export ends in; "" if it ends well.
+std::string ExportError(const KelProjectDatabase& database, const std::string& path) {
+  try {
+    database.ExportProjectData(path);
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return {};
+}
+
+auto IsWritingErrorFor(const std::string& path) {
+  const std::string prefix = "Failed writing XML file " + path + ": ";
+  return AllOf(StartsWith(prefix), EndsWith("\n"), testing::SizeIs(testing::Gt(prefix.size() + 1)));
+}
+
+class ExportFailures : public testing::Test {
+ protected:
+  ExportFailures() { database_.CreateNewProjectDatabase("soc"); }
+
+  const MessageRecorder recorder_;
+  const TemporaryDirectory directory_;
+  const std::string path_ = directory_ / "exported.xml";
+  KelProjectDatabase database_;
+};
+
+// Files that cannot be opened.
+
+struct BadPath {
+  const char* name;
+  std::function<std::string(const TemporaryDirectory&)> path;
+};
+
+void PrintTo(const BadPath& bad_path, std::ostream* out) { *out << bad_path.name; }
+
+class ExportToBadPath : public ExportFailures, public testing::WithParamInterface<BadPath> {};
+
+TEST_P(ExportToBadPath, ExportProjectData_ThrowsTheExceptionOfTheXmlLibrary) {
+  EXPECT_THROW(database_.ExportProjectData(GetParam().path(directory_)), xercesc::IOException);
+}
+
+TEST_P(ExportToBadPath, ExportProjectData_ExceptionTellsThePath) {
+  std::string message;
+  try {
+    database_.ExportProjectData(GetParam().path(directory_));
+  } catch (const xercesc::XMLException& exception) {
+    message = Utf8(exception.getMessage());
+  }
+  EXPECT_THAT(message, HasSubstr(directory_.path().string()));
+}
+
+TEST_P(ExportToBadPath, ExportProjectData_CreatesNoFile) {
+  try {
+    database_.ExportProjectData(GetParam().path(directory_));
+  } catch (const xercesc::XMLException&) {
+  }
+  EXPECT_TRUE(std::filesystem::is_empty(directory_.path()));
+}
+
+TEST_P(ExportToBadPath, ExportProjectData_LeavesTheProjectUsable) {
+  EXPECT_ANY_THROW(database_.ExportProjectData(GetParam().path(directory_)));
+  database_.ExportProjectData(path_);
+  EXPECT_EQ(ReadXmlFile(path_).attributes.at("name"), "soc");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Paths, ExportToBadPath,
+    testing::Values(
+        BadPath{"missing directory", [](const auto& dir) { return dir / "missing/p.xml"; }},
+        BadPath{"a directory", [](const auto& dir) { return dir.path().string(); }},
+        BadPath{"NUL in the name", [](const auto& dir) { return (dir / "p.xml") + "\0.xml"s; }},
+        BadPath{"name too long",
+                [](const auto& dir) { return dir / (std::string(300, 'n') + ".xml"); }}));
+
+TEST_F(ExportFailures, ExportProjectData_CannotOpen_TextIsCheckedFirst) {
+  database_.SetProjectName("\x01");
+  const std::string path = directory_ / "missing/p.xml";
+  EXPECT_THAT(ExportError(database_, path), IsWritingErrorFor(path));
+}
+
+TEST_F(ExportFailures, ExportProjectData_DirectoryThatIsNotPermitted_ThrowsAndCreatesNoFile) {
+  std::filesystem::permissions(directory_.path(), std::filesystem::perms(0755));
+  const std::string closed = directory_ / "closed";
+  std::filesystem::create_directory(closed);
+  {
+    const Denied denied(closed);
+    if (!denied.effective()) GTEST_SKIP() << "cannot be denied";
+    EXPECT_THROW(database_.ExportProjectData(closed + "/p.xml"), xercesc::IOException);
+  }
+  EXPECT_TRUE(std::filesystem::is_empty(closed));
+}
+
+TEST_F(ExportFailures, ExportProjectData_FileThatIsNotPermitted_ThrowsAndLeavesItAsItWas) {
+  std::filesystem::permissions(directory_.path(), std::filesystem::perms(0755));
+  WriteFile(path_, "former");
+  {
+    const Denied denied(path_);
+    if (!denied.effective()) GTEST_SKIP() << "cannot be denied";
+    EXPECT_THROW(database_.ExportProjectData(path_), xercesc::IOException);
+  }
+  EXPECT_EQ(ReadFile(path_), "former");
+}
+
+// Files that take no more.
+
+TEST_F(ExportFailures, ExportProjectData_FullDevice_IsAnError) {
+  if (!std::filesystem::is_character_file("/dev/full")) GTEST_SKIP() << "no /dev/full";
+  EXPECT_EQ(ExportError(database_, "/dev/full"),
+            "Failed writing XML file /dev/full: No space left on device\n");
+}
+
+TEST_F(ExportFailures, ExportProjectData_AfterAFullDevice_WritesElsewhere) {
+  if (!std::filesystem::is_character_file("/dev/full")) GTEST_SKIP() << "no /dev/full";
+  ExportError(database_, "/dev/full");
+  database_.ExportProjectData(path_);
+  EXPECT_EQ(ReadXmlFile(path_).attributes.at("name"), "soc");
+}
+
+constexpr std::size_t kBlock = 4096;
+
+/// The outcome of exports under each limit of the file's size.
+struct LimitedExports {
+  std::size_t failures = 0;
+  std::size_t successes = 0;
+  std::size_t other = 0;  ///< Neither the file-size error nor a whole file.
+};
+
+std::ostream& operator<<(std::ostream& out, const LimitedExports& exports) {
+  return out << exports.failures << " failed, " << exports.successes << " succeeded, "
+             << exports.other << " other";
+}
+
+LimitedExports ExportUnderLimits(const KelProjectDatabase& database, const std::string& path,
+                                 const std::vector<std::size_t>& limits, std::size_t whole_size) {
+  rlimit limit{};
+  getrlimit(RLIMIT_FSIZE, &limit);
+  LimitedExports outcome;
+  for (const std::size_t size : limits) {
+    limit.rlim_cur = size;
+    if (setrlimit(RLIMIT_FSIZE, &limit) != 0) throw std::runtime_error("setrlimit failed");
+    const std::string error = ExportError(database, path);
+    if (error == "Failed writing XML file " + path + ": File too large\n") {
+      ++outcome.failures;
+    } else if (error.empty() && std::filesystem::file_size(path) == whole_size) {
+      ++outcome.successes;
+    } else {
+      ++outcome.other;
+    }
+  }
+  return outcome;
+}
+
+std::size_t WholeSize(const KelProjectDatabase& database, const std::string& path) {
+  database.ExportProjectData(path);
+  return static_cast<std::size_t>(std::filesystem::file_size(path));
+}
+
+void AddManyFiles(KelProjectDatabase& database) {
+  for (int i = 0; i < 10000; ++i) database.AddMiscellaneousFile("notes_" + std::to_string(i));
+}
+
+std::string LimitedExportsText(const KelProjectDatabase& database, const std::string& path,
+                               const std::vector<std::size_t>& limits, std::size_t whole_size) {
+  return InChildProcess([&] {
+    std::ostringstream text;
+    text << ExportUnderLimits(database, path, limits, whole_size);
+    return text.str();
+  });
+}
+
+TEST_F(ExportFailures, ExportProjectData_AnyFileSizeLimitBelowTheWhole_IsAnError) {
+  const std::size_t whole_size = WholeSize(database_, path_);
+  std::vector<std::size_t> limits;
+  for (std::size_t size = 0; size < whole_size; ++size) limits.push_back(size);
+  EXPECT_EQ(LimitedExportsText(database_, path_, limits, whole_size),
+            std::to_string(whole_size) + " failed, 0 succeeded, 0 other");
+}
+
+TEST_F(ExportFailures, ExportProjectData_FileSizeLimitBelowALargeWhole_IsAnError) {
+  AddManyFiles(database_);
+  const std::size_t whole_size = WholeSize(database_, path_);
+  const std::vector<std::size_t> limits = {0,      1,      4095,   4096,           65536,
+                                           262143, 262144, 262145, whole_size / 2, whole_size - 1};
+  EXPECT_EQ(LimitedExportsText(database_, path_, limits, whole_size),
+            std::to_string(limits.size()) + " failed, 0 succeeded, 0 other");
+}
+
+TEST_F(ExportFailures, ExportProjectData_FileSizeLimitThatSuffices_IsNoError) {
+  AddManyFiles(database_);
+  const std::size_t whole_size = WholeSize(database_, path_);
+  EXPECT_EQ(LimitedExportsText(database_, path_, {whole_size, whole_size + 1}, whole_size),
+            "0 failed, 2 succeeded, 0 other");
+}
+
+/// What is left of a signal in this thread.
+std::string StateOf(int signal) {
+  sigset_t blocked{};
+  sigset_t pending{};
+  pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+  sigpending(&pending);
+  return std::string(sigismember(&blocked, signal) != 0 ? "blocked" : "not blocked") +
+         (sigismember(&pending, signal) != 0 ? ", pending" : ", not pending");
+}
+
+TEST_F(ExportFailures, ExportProjectData_FileSizeLimit_LeavesItsSignalAsItWas) {
+  const std::string state = InChildProcess([&] {
+    ExportUnderLimits(database_, path_, {0}, 0);
+    return StateOf(SIGXFSZ);
+  });
+  EXPECT_EQ(state, "not blocked, not pending");
+}
+
+TEST_F(ExportFailures, ExportProjectData_FileSizeLimit_LeavesItsBlockedSignalBlocked) {
+  const std::string state = InChildProcess([&] {
+    sigset_t signals{};
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGXFSZ);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    ExportUnderLimits(database_, path_, {0}, 0);
+    return StateOf(SIGXFSZ);
+  });
+  EXPECT_EQ(state, "blocked, not pending");
+}
+
+TEST_F(ExportFailures, ExportProjectData_FileSizeLimitAndIgnoredSignal_IsAnError) {
+  const std::string outcome = InChildProcess([&] {
+    std::signal(SIGXFSZ, SIG_IGN);
+    std::ostringstream text;
+    text << ExportUnderLimits(database_, path_, {0, 100}, 0);
+    return text.str();
+  });
+  EXPECT_EQ(outcome, "2 failed, 0 succeeded, 0 other");
+}
+
+/// Mounts a file system of 1 MB that only this process sees, and exports while it has room for
+/// some blocks only. @return the errors, without repetition; "cannot mount" if that is so
+std::string ExportToSmallFileSystem(const KelProjectDatabase& database,
+                                    const std::filesystem::path& directory,
+                                    const std::vector<std::size_t>& rooms) {
+  if (unshare(CLONE_NEWNS) != 0 ||
+      mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+      mount("tmpfs", directory.c_str(), "tmpfs", 0, "size=1m") != 0) {
+    return "cannot mount";
+  }
+  const std::string path = directory / "exported.xml";
+  std::string errors;
+  for (const std::size_t room : rooms) {
+    std::filesystem::remove(path);
+    std::ofstream(directory / "filler") << std::string((256 - room) * kBlock, 'x');
+    std::string error = ExportError(database, path);
+    if (error.empty()) error = "no error with room for " + std::to_string(room) + "\n";
+    if (errors.find(error) == std::string::npos) errors += error;
+  }
+  return errors;
+}
+
+TEST_F(ExportFailures, ExportProjectData_FullFileSystem_IsAnErrorHoweverMuchFits) {
+  AddManyFiles(database_);
+  const std::size_t whole_blocks = WholeSize(database_, path_) / kBlock;
+  const std::vector<std::size_t> rooms = {0,           1, 2, whole_blocks / 2, whole_blocks - 1,
+                                          whole_blocks};
+  const std::string errors =
+      InChildProcess([&] { return ExportToSmallFileSystem(database_, directory_.path(), rooms); });
+  if (errors == "cannot mount") GTEST_SKIP() << errors;
+  EXPECT_EQ(errors, "Failed writing XML file " + path_ + ": No space left on device\n");
+}
+
+// Text that no XML file can hold.
+
+const std::pair<const char*, std::string> kBadTexts[] = {
+    {"lone continuation byte", "\x80"s},
+    {"Latin-1 letter", "Pr\xFC"s},
+    {"truncated character", "a\xE2\x82"s},
+    {"truncated character of four bytes", "\xF0\x9F\x98"s},
+    {"overlong form", "\xC0\xAF"s},
+    {"encoded surrogate", "\xED\xA0\x80"s},
+    {"encoded pair of surrogates", "\xED\xA0\xBD\xED\xB8\x80"s},
+    {"beyond U+10FFFF", "\xF4\x90\x80\x80"s},
+    {"beyond U+10FFFF behind other text", std::string(40, 'x') + "\xF5\x80\x80\x80"},
+    {"impossible byte", "\xFF"s},
+    {"U+0001", "a\x01"s},
+    {"NUL", "a\0b"s},
+    {"U+000B", "\v"s},
+    {"U+001F", "\x1F"s},
+    {"U+FFFE", "\xEF\xBF\xBE"s},
+    {"U+FFFF", "\xEF\xBF\xBFz"s},
+};
+
+struct TextField {
+  const char* name;
+  std::function<void(KelProjectDatabase&, const std::string&)> set;
+};
+
+void PrintTo(const TextField& field, std::ostream* out) { *out << field.name; }
+
+const TextField kTextFields[] = {
+    {"project name", [](auto& db, auto& text) { db.SetProjectName(text); }},
+    {"device family", [](auto& db, auto& text) { db.SetDeviceFamily(text); }},
+    {"device model", [](auto& db, auto& text) { db.SetDeviceModel(text); }},
+    {"timing model", [](auto& db, auto& text) { db.SetDeviceTimingModel(text); }},
+    {"top module", [](auto& db, auto& text) { db.SetDesignTopModuleName(text); }},
+    {"top VHDL architecture", [](auto& db, auto& text) { db.SetDesignTopVHDLArchitecture(text); }},
+    {"design file name", [](auto& db, auto& text) { db.AddDesignRTLFile(text, "", ""); }},
+    {"design file version", [](auto& db, auto& text) { db.AddDesignRTLFile("a", text, ""); }},
+    {"design file library", [](auto& db, auto& text) { db.AddDesignRTLFile("a", "", text); }},
+    {"test bench name", [](auto& db, auto& text) { db.AddSimulationTestBenchFile(text, ""); }},
+    {"test bench version", [](auto& db, auto& text) { db.AddSimulationTestBenchFile("a", text); }},
+    {"test bench library",
+     [](auto& db, auto& text) {
+       std::vector<DesignFile> files = {{"a", "", text}};
+       db.AddSimulationTestBenchFile(files);
+     }},
+    {"miscellaneous file", [](auto& db, auto& text) { db.AddMiscellaneousFile(text); }},
+    {"timing constraint file",
+     [](auto& db, auto& text) { db.AddTimingConstraintFile(text + ".sdc"); }},
+    {"interface constraint file",
+     [](auto& db, auto& text) { db.SetInterfaceConstraint(text + ".interface.csv"); }},
+    {"tool name", [](auto& db, auto& text) { db.SetPlaceAndRouteExecutableName(text); }},
+    {"parameter name",
+     [](auto& db, auto& text) { db.AddDebuggerParameter(text, "v", projectdb::e_string); }},
+    {"parameter value",
+     [](auto& db, auto& text) { db.AddDebuggerParameter("p", text, projectdb::e_string); }},
+    {"info attribute value", [](auto& db, auto& text) { db.AddProjectInfoAttribute("a", text); }},
+    {"info attribute value with prefix",
+     [](auto& db, auto& text) { db.AddProjectInfoAttribute("v:a", text); }},
+};
+
+class ExportOfBadText : public ExportFailures, public testing::WithParamInterface<TextField> {
+ protected:
+  /// Does the work with each text in the field of a new project.
+  template <typename Work>
+  void WithEachBadText(Work work) {
+    for (const auto& [name, text] : kBadTexts) {
+      SCOPED_TRACE(name);
+      database_.CleanProjectDatabase();
+      database_.CreateNewProjectDatabase("soc");
+      GetParam().set(database_, text);
+      work();
+    }
+  }
+};
+
+TEST_P(ExportOfBadText, ExportProjectData_IsAnError) {
+  WithEachBadText([&] { EXPECT_THAT(ExportError(database_, path_), IsWritingErrorFor(path_)); });
+}
+
+TEST_P(ExportOfBadText, ExportProjectData_CreatesNoFile) {
+  WithEachBadText([&] {
+    ExportError(database_, path_);
+    EXPECT_FALSE(std::filesystem::exists(path_));
+  });
+}
+
+TEST_P(ExportOfBadText, ExportProjectData_LeavesTheFileThatWasThere) {
+  WriteFile(path_, "former");
+  WithEachBadText([&] {
+    ExportError(database_, path_);
+    EXPECT_EQ(ReadFile(path_), "former");
+  });
+}
+
+TEST_P(ExportOfBadText, ExportProjectData_PostsNoMessage) {
+  WithEachBadText([&] { ExportError(database_, path_); });
+  EXPECT_THAT(recorder_.messages(), IsEmpty());
+}
+
+TEST_P(ExportOfBadText, ExportProjectData_LeavesTheProjectAsItWas) {
+  GetParam().set(database_, "\x01");
+  const auto before = TakeSnapshot(database_, {"a", "v:a"});
+  ExportError(database_, path_);
+  EXPECT_EQ(TakeSnapshot(database_, {"a", "v:a"}), before);
+}
+
+TEST_P(ExportOfBadText, ExportProjectData_NextProjectOfTheObject_IsWritten) {
+  GetParam().set(database_, "\x01");
+  ExportError(database_, path_);
+  database_.CleanProjectDatabase();
+  database_.CreateNewProjectDatabase("next");
+  database_.ExportProjectData(path_);
+  EXPECT_EQ(ReadXmlFile(path_).attributes.at("name"), "next");
+}
+
+INSTANTIATE_TEST_SUITE_P(Fields, ExportOfBadText, testing::ValuesIn(kTextFields));
+
+TEST_F(ExportFailures, ExportProjectData_TextCorrectedAfterAnError_IsWritten) {
+  database_.SetProjectName("a\x01");
+  ASSERT_NE(ExportError(database_, path_), "");
+  database_.SetProjectName("a");
+  database_.ExportProjectData(path_);
+  EXPECT_EQ(ReadXmlFile(path_).attributes.at("name"), "a");
+}
+
+TEST_F(ExportFailures, ExportProjectData_BadText_ErrorTellsTheText) {
+  database_.SetDeviceFamily("broken\x01");
+  EXPECT_THAT(ExportError(database_, path_), HasSubstr("broken"));
+}
+
+TEST_F(ExportFailures, ExportProjectData_BadTextAndPathThatIsNoText_TellsThePathAsItIs) {
+  database_.SetProjectName("\x01");
+  const std::string path = directory_ / "pr\xFC.xml";
+  EXPECT_THAT(ExportError(database_, path), IsWritingErrorFor(path));
+}
+
+TEST_F(ExportFailures, ExportProjectData_BadTextThatTheFileDoesNotKeep_IsNoError) {
+  database_.SetProjectCurrentPath("\x01");
+  database_.SetProjectSoftwareVersion("\xFF");
+  database_.AddProjectInfoAttribute("last_change_date", "\x01");
+  database_.GetFlowProcess(projectdb::e_debugger)
+      ->parameters.emplace_back("\x01", "\xFF", projectdb::e_string);
+  EXPECT_EQ(ExportError(database_, path_), "");
+}
+
+// Names that no XML file can hold.
+
+struct NameField {
+  const char* name;
+  std::function<void(KelProjectDatabase&, const std::string&)> set;
+  std::vector<std::string> bad_names;
+};
+
+void PrintTo(const NameField& field, std::ostream* out) { *out << field.name; }
+
+// What neither an element nor the part of an attribute name before or after its colon can be.
+const std::vector<std::string> kNoNames = {
+    "a b",  " a",   "a ",       "1a",       "-a",        ".a",           "<",
+    "a>",   "a=",   "a/b",      "a\nb",     "\xC3\x97",  "a\x01"s,       "\xED\xA0\x80",
+    "\xFF", "a\0"s, "param\0"s, "\0param"s, "a\0param"s, "\xEF\xBF\xBE", "a\xE2\x82"s};
+
+std::vector<std::string> NoNamesAnd(std::vector<std::string> more) {
+  more.insert(more.end(), kNoNames.begin(), kNoNames.end());
+  return more;
+}
+
+class ExportOfBadName : public ExportFailures, public testing::WithParamInterface<NameField> {
+ protected:
+  /// Does the work with each name in the field of a new project.
+  template <typename Work>
+  void WithEachBadName(Work work) {
+    for (const std::string& name : GetParam().bad_names) {
+      SCOPED_TRACE(testing::PrintToString(name));
+      database_.CleanProjectDatabase();
+      database_.CreateNewProjectDatabase("soc");
+      GetParam().set(database_, name);
+      work();
+    }
+  }
+};
+
+TEST_P(ExportOfBadName, ExportProjectData_IsAnError) {
+  WithEachBadName([&] { EXPECT_THAT(ExportError(database_, path_), IsWritingErrorFor(path_)); });
+}
+
+TEST_P(ExportOfBadName, ExportProjectData_LeavesTheFileThatWasThere) {
+  WithEachBadName([&] {
+    WriteFile(path_, "former");
+    ExportError(database_, path_);
+    EXPECT_TRUE(ReadFile(path_) == "former");
+  });
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Fields, ExportOfBadName,
+    testing::Values(NameField{"process",
+                              [](auto& db, auto& name) {
+                                db.GetFlowProcess(projectdb::e_debugger)->name = name;
+                              },
+                              NoNamesAnd({"x:y", ":a", "a:", ":"})},
+                    NameField{"parameter map",
+                              [](auto& db, auto& name) {
+                                db.AddFlowProcessParameter(projectdb::e_debugger, name, "p", "v",
+                                                           projectdb::e_string);
+                              },
+                              NoNamesAnd({"", "x:y", "kel:param", ":a", "a:", ":"})},
+                    NameField{"info attribute",
+                              [](auto& db, auto& name) { db.AddProjectInfoAttribute(name, "v"); },
+                              NoNamesAnd({"", ":", ":a", "a:", "a:b:c", "a::b", "a:1", "1:a",
+                                          "a: b", "a :b", "v:a\0"s})}));
+
+TEST_F(ExportFailures, ExportProjectData_ProcessRenamedAfterAnError_IsWritten) {
+  database_.SetFlowProcessName(projectdb::e_debugger, "a b");
+  ASSERT_NE(ExportError(database_, path_), "");
+  database_.SetFlowProcessName(projectdb::e_debugger, "debugger");
+  EXPECT_EQ(ExportError(database_, path_), "");
+}
+
+TEST_F(ExportFailures, ExportProjectData_ProcessUnderTheNameOfAnotherOrASection_IsAnError) {
+  for (const char* name : {"debugger", "device_info", "design_info", "constraint_info", "isf_info",
+                           "sim_info", "misc_info", "ip_info"}) {
+    SCOPED_TRACE(name);
+    database_.SetFlowProcessName(projectdb::e_synthesis, name);
+    EXPECT_THAT(ExportError(database_, path_), IsWritingErrorFor(path_));
+  }
+}
+
+// Parameters that would not come back as they are.
+
+TEST_F(ExportFailures, ExportProjectData_ParameterUnderAnotherKey_IsAnError) {
+  auto* map = database_.AddFlowProcessParameterMap(projectdb::e_debugger, "param");
+  ASSERT_TRUE(KelProjectDatabase::InsertOrAssignParameterToMap(
+      *map, "key", Parameter("name", "v", projectdb::e_string)));
+  EXPECT_THAT(ExportError(database_, path_), IsWritingErrorFor(path_));
+}
+
+TEST_F(ExportFailures, ExportProjectData_ParameterRenamedUnderItsKey_IsAnError) {
+  database_.AddDebuggerParameter("p", "v", projectdb::e_string);
+  auto* map = database_.FindFlowProcessParameterMap(projectdb::e_debugger, "param");
+  ASSERT_TRUE(KelProjectDatabase::InsertOrAssignParameterToMap(
+      *map, "p", Parameter("q", "v", projectdb::e_string)));
+  EXPECT_THAT(ExportError(database_, path_), IsWritingErrorFor(path_));
+}
+
+TEST_F(ExportFailures, ExportProjectData_ParameterUnderAnotherKey_LeavesTheFileThatWasThere) {
+  WriteFile(path_, "former");
+  auto* map = database_.AddFlowProcessParameterMap(projectdb::e_debugger, "param");
+  map->emplace("key", Parameter("name", "v", projectdb::e_string));
+  ExportError(database_, path_);
+  EXPECT_EQ(ReadFile(path_), "former");
+}
+
+/// What no adding operation takes as a parameter: only a caller who fills a map past them has it.
+struct RefusedParameter {
+  std::string value;
+  int type;
+};
+
+void PrintTo(const RefusedParameter& parameter, std::ostream* out) {
+  *out << "value \"" << parameter.value << "\" of type " << parameter.type;
+}
+
+class ExportOfRefusedParameter : public ExportFailures,
+                                 public testing::WithParamInterface<RefusedParameter> {};
+
+TEST_P(ExportOfRefusedParameter, ExportProjectData_IsAnErrorBecauseNoLoadWouldTakeIt) {
+  database_.AddFlowProcessParameterMap(projectdb::e_debugger, "param")
+      ->emplace("p", Parameter("p", GetParam().value, projectdb::ParameterType(GetParam().type)));
+  EXPECT_THAT(ExportError(database_, path_), IsWritingErrorFor(path_));
+}
+
+INSTANTIATE_TEST_SUITE_P(ValueAndType, ExportOfRefusedParameter,
+                         testing::Values(RefusedParameter{"", 0}, RefusedParameter{"", 1},
+                                         RefusedParameter{"", 2}, RefusedParameter{"on", 3},
+                                         RefusedParameter{"", 4}, RefusedParameter{"", 7}));
+
+// Cleaning from another thread.
+
+/// Keeps every other thread from initialising the XML library until it is released.
+class HeldXmlPlatform {
+ public:
+  HeldXmlPlatform() {
+    entered_ = {};
+    released_ = {};
+    thread_ = std::thread([] {
+      projectdb::xml::InitializeXMLPlatform([] {
+        entered_.set_value();
+        released_.get_future().wait();
+        xercesc::XMLPlatformUtils::Initialize();
+      });
+      projectdb::xml::TerminateXMLPlatform();
+    });
+    entered_.get_future().wait();
+  }
+  ~HeldXmlPlatform() { thread_.join(); }
+  HeldXmlPlatform(const HeldXmlPlatform&) = delete;
+  HeldXmlPlatform& operator=(const HeldXmlPlatform&) = delete;
+
+  void Release() { released_.set_value(); }
+
+ private:
+  static inline std::promise<void> entered_;
+  static inline std::promise<void> released_;
+  std::thread thread_;
+};
+
+// Waits until a thread of this process sleeps and stays asleep.
+void WaitUntilAsleep(pid_t thread) {
+  const std::string status = "/proc/self/task/" + std::to_string(thread) + "/stat";
+  for (int asleep = 0; asleep < 10;) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    const std::string text = ReadFile(status);
+    asleep = text.find(") S ") != std::string::npos ? asleep + 1 : 0;
+  }
+}
+
+TEST_F(ExportFailures, ExportProjectData_CleanedAfterTheTestForAProject_WritesNoFile) {
+  HeldXmlPlatform platform;
+  std::promise<pid_t> thread;
+  auto exported = std::async(std::launch::async, [&] {
+    thread.set_value(gettid());
+    database_.ExportProjectData(path_);
+  });
+  WaitUntilAsleep(thread.get_future().get());
+  database_.CleanProjectDatabase();
+  platform.Release();
+  EXPECT_NO_THROW(exported.get());
+  EXPECT_FALSE(std::filesystem::exists(path_));
+}
+
+TEST_F(ExportFailures, ExportProjectData_WhileAnotherThreadCleansAndCreates_EveryFileIsWhole) {
+  std::atomic<bool> done = false;
+  auto other = std::async(std::launch::async, [&] {
+    while (!done) {
+      database_.CleanProjectDatabase();
+      database_.CreateNewProjectDatabase("soc");
+      database_.AddMiscellaneousFile("notes");
+    }
+  });
+  int files = 0;
+  for (int round = 0; round < 2000 || (files == 0 && round < 1000000); ++round) {
+    std::filesystem::remove(path_);
+    database_.ExportProjectData(path_);
+    if (!std::filesystem::exists(path_)) continue;
+    ++files;
+    EXPECT_EQ(ReadXmlFile(path_).children.size(), 11U);
+    KelProjectDatabase loaded;
+    EXPECT_TRUE(loaded.LoadProjectData(path_, ""));
+  }
+  done = true;
+  other.get();
+  EXPECT_GT(files, 0);
+}
+
+}  // namespace

@@ -1,0 +1,418 @@
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <projectdb/project_db.h>
+
+#include "testing/denied.h"
+#include "testing/loopback_listener.h"
+#include "testing/named_pipe.h"
+#include "testing/project_loading.h"
+#include "testing/temporary_directory.h"
+
+namespace {
+
+using namespace test_support;
+using testing::ElementsAre;
+
+const std::string kNamespace = "http://schema.kel.example/wdp_proj";
+
+/// Sections that DeviceOnlySchema refuses: the file loads only if that schema is not applied.
+const std::string kForbidden = "<isf_info/>";
+
+std::string HintAttribute(const std::string& hint) {
+  return "xsi:schemaLocation=\"" + kNamespace + " " + hint + "\"";
+}
+
+std::string HintedXml(const std::string& sections, const std::string& hint) {
+  return ProjectXml(sections, HintAttribute(hint));
+}
+
+class LoadSecurity : public testing::Test, public Loading {
+ protected:
+  /// Expects that the last load refused the file as malformed and made no project.
+  void ExpectRefused(bool result) {
+    EXPECT_FALSE(result);
+    EXPECT_THAT(messages, ElementsAre(ReadingMessage(path()), MalformedMessage(path())));
+    EXPECT_FALSE(database.IsProjectDatabaseExist());
+  }
+
+  /// Expects that the last load accepted the file without a word.
+  void ExpectLoaded(bool result) {
+    EXPECT_TRUE(result);
+    EXPECT_THAT(messages, ElementsAre(ReadingMessage(path())));
+  }
+
+  LoopbackListener listener_;
+};
+
+// ---- Document type declarations
+
+/// Document type declarations of all kinds, of a document whose root is "root".
+std::vector<std::pair<std::string, std::string>> Doctypes(const std::string& root,
+                                                          const std::string& authority) {
+  const auto doctype = [&root](const std::string& rest) {
+    return "<!DOCTYPE " + root + rest + ">";
+  };
+  std::string bomb = " [<!ENTITY e0 \"boom\">";
+  for (int i = 1; i < 12; ++i) {
+    const std::string inner = "&e" + std::to_string(i - 1) + ";";
+    bomb += "<!ENTITY e" + std::to_string(i) + " \"";
+    for (int k = 0; k < 10; ++k) bomb += inner;
+    bomb += "\">";
+  }
+  return {
+      {"empty", doctype("")},
+      {"entity bomb", doctype(bomb + "]")},
+      {"outside declaration", doctype(" SYSTEM \"http://" + authority + "/x.dtd\"")},
+      {"public declaration", doctype(" PUBLIC \"-//X//Y\" \"http://" + authority + "/x.dtd\"")},
+      {"local declaration", doctype(" SYSTEM \"x.dtd\"")},
+      {"outside entity", doctype(" [<!ENTITY e SYSTEM \"file:///etc/passwd\">]")},
+      {"network entity", doctype(" [<!ENTITY e SYSTEM \"http://" + authority + "/x\">]")},
+      {"parameter entity", doctype(" [<!ENTITY % p SYSTEM \"http://" + authority + "/x\"> %p;]")},
+      {"inner parameter entity", doctype(" [<!ENTITY % p \"<!ENTITY e 'x'>\"> %p;]")},
+      {"attribute default", doctype(" [<!ATTLIST " + root + " name CDATA \"default\">]")}};
+}
+
+TEST_F(LoadSecurity, LoadProjectData_ProjectFileWithDoctype_IsRefusedAsMalformed) {
+  Write("x.dtd", "<!ENTITY e \"x\">");
+  for (const auto& [name, doctype] : Doctypes("project", listener_.authority())) {
+    SCOPED_TRACE(name);
+    ExpectRefused(LoadBytes("<?xml version=\"1.0\"?>" + doctype + ProjectXml("")));
+  }
+}
+
+TEST_F(LoadSecurity, LoadProjectData_ProjectFileWithDoctype_OpensNoConnection) {
+  for (const auto& [name, doctype] : Doctypes("project", listener_.authority())) {
+    LoadBytes(doctype + ProjectXml(""));
+  }
+  EXPECT_EQ(listener_.Stop(), 0);
+}
+
+TEST_F(LoadSecurity, LoadProjectData_EntityUsedInProjectFile_IsRefusedAsMalformed) {
+  ExpectRefused(
+      LoadBytes("<!DOCTYPE project [<!ENTITY e \"Orrin\">]>" + ProjectXml(DeviceInfoXml("&e;"))));
+}
+
+TEST_F(LoadSecurity, LoadProjectData_DoctypeWithSchemaGiven_IsRefusedAsMalformed) {
+  const std::string schema = Write("s.xsd", DeviceOnlySchema());
+  ExpectRefused(LoadBytes("<!DOCTYPE project>" + ProjectXml(""), schema));
+}
+
+TEST_F(LoadSecurity, LoadProjectData_ProjectFileWithDoctype_LeavesTheProjectUntouched) {
+  ASSERT_TRUE(LoadBytes(CompleteProjectXml()));
+  const WholeProject before(database);
+  ASSERT_FALSE(LoadBytes("<!DOCTYPE project>" + ProjectXml(DeviceInfoXml("Orrin"))));
+  EXPECT_EQ(WholeProject(database), before);
+}
+
+TEST_F(LoadSecurity, LoadProjectData_GivenSchemaWithDoctype_IsRefusedAsMalformed) {
+  for (const auto& [name, doctype] : Doctypes("xs:schema", listener_.authority())) {
+    SCOPED_TRACE(name);
+    ExpectRefused(LoadBytes(ProjectXml(""), Write("s.xsd", doctype + DeviceOnlySchema())));
+  }
+  EXPECT_EQ(listener_.Stop(), 0);
+}
+
+TEST_F(LoadSecurity, LoadProjectData_HintedSchemaWithDoctype_IsRefusedAsMalformed) {
+  for (const auto& [name, doctype] : Doctypes("xs:schema", listener_.authority())) {
+    SCOPED_TRACE(name);
+    Write("s.xsd", doctype + DeviceOnlySchema());
+    ExpectRefused(LoadBytes(HintedXml("", "s.xsd")));
+  }
+  EXPECT_EQ(listener_.Stop(), 0);
+}
+
+/// The ways in which a schema names another one.
+std::vector<std::string> References(const std::string& location) {
+  const std::string quoted = "\"" + location + "\"/>";
+  return {"<xs:include schemaLocation=" + quoted, "<xs:redefine schemaLocation=" + quoted,
+          "<xs:import namespace=\"urn:parts\" schemaLocation=" + quoted};
+}
+
+TEST_F(LoadSecurity, LoadProjectData_ReferencedSchemaWithDoctype_IsRefusedAsMalformed) {
+  const std::string start =
+      "<!DOCTYPE xs:schema [<!ENTITY e \"x\">]>"
+      "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\"";
+  for (const std::string& reference : References("part.xsd")) {
+    SCOPED_TRACE(reference);
+    const bool is_import = reference.find("import") != std::string::npos;
+    Write("part.xsd", start + (is_import ? " targetNamespace=\"urn:parts\"/>" : "/>"));
+    const std::string schema = Write("s.xsd", DeviceOnlySchema(reference));
+    ExpectRefused(LoadBytes(ProjectXml(""), schema));
+    ExpectRefused(LoadBytes(HintedXml("", "s.xsd")));
+  }
+}
+
+TEST_F(LoadSecurity, LoadProjectData_IncludedSchema_IsApplied) {
+  const std::string schema = Write(
+      "s.xsd", "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\" targetNamespace=\"" +
+                   kNamespace + "\"><xs:include schemaLocation=\"parts/rules.xsd\"/></xs:schema>");
+  std::filesystem::create_directory(directory / "parts");
+  Write("parts/rules.xsd", DeviceOnlySchema());
+  ExpectRefused(LoadBytes(ProjectXml(kForbidden), schema));
+  ExpectRefused(LoadBytes(HintedXml(kForbidden, "s.xsd")));
+  ExpectLoaded(LoadBytes(ProjectXml(DeviceInfoXml("Orrin")), schema));
+}
+
+TEST_F(LoadSecurity, LoadProjectData_SchemaIncludingItself_Ends) {
+  const std::string schema =
+      Write("s.xsd", DeviceOnlySchema("<xs:include schemaLocation=\"s.xsd\"/>"));
+  ExpectLoaded(LoadBytes(ProjectXml(""), schema));
+}
+
+TEST_F(LoadSecurity, LoadProjectData_XInclude_IsAnElementLikeAnyOther) {
+  const std::string other = Write("other.xml", DeviceInfoXml("Orrin"));
+  EXPECT_FALSE(LoadBytes(ProjectXml(
+      "<xi:include xmlns:xi=\"http://www.w3.org/2001/XInclude\" href=\"" + other + "\"/>")));
+  EXPECT_THAT(messages, ElementsAre(ReadingMessage(path()), UnexpectedMessage("include")));
+  EXPECT_EQ(database.GetDeviceFamily(), "");
+}
+
+TEST_F(LoadSecurity, LoadProjectData_SchemaIncludedUnderSeveralSpellings_IsReadOnce) {
+  std::filesystem::create_directory(directory / "sub");
+  std::filesystem::create_directory_symlink(directory / "sub", directory / "link");
+  Write("sub/rules.xsd", DeviceOnlySchema());
+  std::string includes;
+  for (const std::string location : {"sub/rules.xsd", "sub/./rules.xsd", "sub/../sub/rules.xsd",
+                                     "link/rules.xsd", "s%75b/rules.xsd"}) {
+    includes += "<xs:include schemaLocation=\"" + location + "\"/>";
+  }
+  const std::string schema =
+      Write("s.xsd", "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\" targetNamespace=\"" +
+                         kNamespace + "\">" + includes + "</xs:schema>");
+  ExpectLoaded(LoadBytes(ProjectXml(DeviceInfoXml("Orrin")), schema));
+  EXPECT_FALSE(LoadBytes(ProjectXml(kForbidden), schema));
+}
+
+// ---- Hints that are not followed
+
+TEST_F(LoadSecurity, LoadProjectData_HintThatIsNoLocalFile_LoadsAsWithoutSchema) {
+  const std::string schema = Write("s.xsd", DeviceOnlySchema());
+  const std::string authority = listener_.authority();
+  for (const std::string& hint :
+       {"http://" + authority + "/s.xsd", "HTTP://" + authority + "/s.xsd",
+        "https://" + authority + "/s.xsd", "ftp://" + authority + "/s.xsd",
+        "//" + authority + "/s.xsd", "//127.0.0.1" + schema, "file://" + authority + "/s.xsd",
+        "file://otherhost" + schema, "file://127.0.0.1" + schema, std::string("data:text/xml,x"),
+        "jar:file://" + schema, std::string("urn:s.xsd")}) {
+    SCOPED_TRACE(hint);
+    ExpectLoaded(LoadBytes(HintedXml(kForbidden, hint)));
+  }
+  EXPECT_EQ(listener_.Stop(), 0);
+}
+
+TEST_F(LoadSecurity, LoadProjectData_HintThatIsNoPair_IsRefusedAsMalformed) {
+  ExpectRefused(LoadBytes(ProjectXml("", "xsi:schemaLocation=\"wdp_proj.xsd\"")));
+}
+
+TEST_F(LoadSecurity, LoadProjectData_NetworkHintWithoutNamespace_LoadsAsWithoutSchema) {
+  const std::string hint = "http://" + listener_.authority() + "/s.xsd";
+  ExpectLoaded(
+      LoadBytes("<project xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\""
+                " xsi:noNamespaceSchemaLocation=\"" +
+                hint + "\">" + kForbidden + "</project>"));
+  EXPECT_EQ(listener_.Stop(), 0);
+}
+
+TEST_F(LoadSecurity, LoadProjectData_NetworkHintOnASection_LoadsAsWithoutSchema) {
+  const std::string hint = HintAttribute("http://" + listener_.authority() + "/s.xsd");
+  ExpectLoaded(LoadBytes(ProjectXml("<isf_info " + hint + "/>")));
+  EXPECT_EQ(listener_.Stop(), 0);
+}
+
+TEST_F(LoadSecurity, LoadProjectData_SchemaReferringToTheNetwork_IsUsedWithoutConnection) {
+  const std::string locations[] = {"http://" + listener_.authority() + "/part.xsd",
+                                   "//" + listener_.authority() + "/part.xsd",
+                                   "file://otherhost/part.xsd"};
+  for (const std::string& location : locations) {
+    for (const std::string& reference : References(location)) {
+      SCOPED_TRACE(reference);
+      const std::string schema = Write("s.xsd", DeviceOnlySchema(reference));
+      ExpectLoaded(LoadBytes(ProjectXml(DeviceInfoXml("Orrin")), schema));
+      ExpectLoaded(LoadBytes(HintedXml(DeviceInfoXml("Orrin"), "s.xsd")));
+    }
+  }
+  EXPECT_EQ(listener_.Stop(), 0);
+}
+
+TEST_F(LoadSecurity, LoadProjectData_SchemaReferringToTheNetwork_IsStillApplied) {
+  const std::string location = "http://" + listener_.authority() + "/part.xsd";
+  const std::string schema = Write("s.xsd", DeviceOnlySchema(References(location).front()));
+  ExpectRefused(LoadBytes(ProjectXml(kForbidden), schema));
+}
+
+TEST_F(LoadSecurity, LoadProjectData_HintToAMissingFile_LoadsAsWithoutSchema) {
+  for (const std::string hint :
+       {"gone.xsd", "no/such/s.xsd", "file:///no/such/s.xsd", "%00", "a%00b.xsd", "%"}) {
+    SCOPED_TRACE(hint);
+    ExpectLoaded(LoadBytes(HintedXml(kForbidden, hint)));
+  }
+}
+
+TEST_F(LoadSecurity, LoadProjectData_HintToADirectory_LoadsAsWithoutSchema) {
+  std::filesystem::create_directory(directory / "s.xsd");
+  for (const std::string hint : {"s.xsd", "s.xsd/", ".", "..", "/"}) {
+    SCOPED_TRACE(hint);
+    ExpectLoaded(LoadBytes(HintedXml(kForbidden, hint)));
+  }
+}
+
+TEST_F(LoadSecurity, LoadProjectData_HintToAPipe_LoadsWithoutWaiting) {
+  const NamedPipe pipe(directory / "s.xsd");
+  bool result = false;
+  EXPECT_TRUE(pipe.RunWith("", [&] { result = LoadBytes(HintedXml(kForbidden, "s.xsd")); }));
+  ExpectLoaded(result);
+}
+
+TEST_F(LoadSecurity, LoadProjectData_IncludeOfAPipe_LoadsWithoutWaiting) {
+  const NamedPipe pipe(directory / "part.xsd");
+  const std::string schema = Write("s.xsd", DeviceOnlySchema(References("part.xsd").front()));
+  bool result = false;
+  EXPECT_TRUE(pipe.RunWith("", [&] { result = LoadBytes(ProjectXml(""), schema); }));
+  ExpectLoaded(result);
+}
+
+TEST_F(LoadSecurity, LoadProjectData_HintToAnUnreadableFile_LoadsAsWithoutSchema) {
+  const std::string project = Write("p.xml", HintedXml(kForbidden, "s.xsd"));
+  const std::string schema = Write("s.xsd", DeviceOnlySchema());
+  std::filesystem::permissions(directory.path(), std::filesystem::perms(0755));
+  const Denied denied(schema);
+  if (!denied.effective() || !std::filesystem::exists(project)) GTEST_SKIP() << "cannot be denied";
+  ExpectLoaded(LoadFile(project));
+}
+
+TEST_F(LoadSecurity, LoadProjectData_HintToAFileThatCannotBeReadToItsEnd_LoadsAsWithoutSchema) {
+  const std::string unreadable = "/proc/self/mem";
+  if (!std::filesystem::exists(unreadable)) GTEST_SKIP() << "no " << unreadable;
+  ExpectLoaded(LoadBytes(HintedXml(kForbidden, unreadable)));
+}
+
+TEST_F(LoadSecurity, LoadProjectData_GivenSchemaThatCannotBeReadToItsEnd_IsRefusedAsMalformed) {
+  const std::string unreadable = "/proc/self/mem";
+  if (!std::filesystem::exists(unreadable)) GTEST_SKIP() << "no " << unreadable;
+  ExpectRefused(LoadBytes(ProjectXml(""), unreadable));
+}
+
+TEST_F(LoadSecurity, LoadProjectData_SchemaThatIsTooLarge_IsRefusedAsMalformed) {
+  const std::string schema = Write("s.xsd", DeviceOnlySchema());
+  std::ofstream(schema, std::ios::app) << std::string(std::size_t{16} << 20U, ' ');
+  ExpectRefused(LoadBytes(ProjectXml(""), schema));
+  ExpectRefused(LoadBytes(HintedXml("", "s.xsd")));
+}
+
+TEST_F(LoadSecurity, LoadProjectData_SchemaGiven_HintIsNotFollowed) {
+  const std::string schema = Write("given.xsd", DeviceOnlySchema());
+  Write("bad.xsd", "<xs:schema");
+  for (const std::string& attribute :
+       {HintAttribute("bad.xsd"), HintAttribute("http://" + listener_.authority() + "/s.xsd"),
+        std::string("xsi:schemaLocation=\"urn:other bad.xsd\""),
+        std::string("xsi:noNamespaceSchemaLocation=\"bad.xsd\"")}) {
+    SCOPED_TRACE(attribute);
+    ExpectLoaded(LoadBytes(ProjectXml(DeviceInfoXml("Orrin"), attribute), schema));
+  }
+  EXPECT_EQ(listener_.Stop(), 0);
+}
+
+TEST_F(LoadSecurity, LoadProjectData_SchemaGiven_HintCannotPutAnotherInItsPlace) {
+  const std::string schema = Write("given.xsd", DeviceOnlySchema());
+  Write("lax.xsd", "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\" targetNamespace=\"" +
+                       kNamespace + "\"><xs:element name=\"project\"/></xs:schema>");
+  ExpectRefused(LoadBytes(HintedXml(kForbidden, "lax.xsd"), schema));
+}
+
+// ---- Hints that are followed
+
+TEST_F(LoadSecurity, LoadProjectData_HintThatCanBeFollowed_IsApplied) {
+  Write("s.xsd", DeviceOnlySchema());
+  Write("my schema.xsd", DeviceOnlySchema());
+  Write("schéma.xsd", DeviceOnlySchema());
+  Write("50%.xsd", DeviceOnlySchema());
+  std::filesystem::create_directory(directory / "sub");
+  Write("sub/s.xsd", DeviceOnlySchema());
+  const std::string absolute = directory / "s.xsd";
+  for (const std::string& hint :
+       {std::string("s.xsd"), std::string("./s.xsd"), std::string("sub/s.xsd"),
+        std::string("sub/../s.xsd"), std::string("my%20schema.xsd"), std::string("schéma.xsd"),
+        std::string("sch%C3%A9ma.xsd"), std::string("50%25.xsd"), std::string("%73.xsd"), absolute,
+        "file://" + absolute, "file://localhost" + absolute, "FILE://" + absolute,
+        "file:" + absolute}) {
+    SCOPED_TRACE(hint);
+    const std::string project = Write("p.xml", HintedXml(kForbidden, hint));
+    EXPECT_FALSE(LoadFile(project));
+    EXPECT_THAT(messages, ElementsAre(ReadingMessage(project), MalformedMessage(project)));
+    EXPECT_TRUE(LoadBytes(HintedXml(DeviceInfoXml("Orrin"), hint)));
+  }
+}
+
+TEST_F(LoadSecurity, LoadProjectData_FileThatBreaksItsHintedSchema_LeavesTheProjectUntouched) {
+  ASSERT_TRUE(LoadBytes(CompleteProjectXml()));
+  const WholeProject before(database);
+  Write("s.xsd", DeviceOnlySchema());
+  ASSERT_FALSE(LoadBytes(HintedXml(DeviceInfoXml("Other") + kForbidden, "s.xsd")));
+  EXPECT_EQ(WholeProject(database), before);
+}
+
+TEST_F(LoadSecurity, LoadProjectData_FileThatSatisfiesItsHintedSchema_Loads) {
+  Write("s.xsd", DeviceOnlySchema());
+  ExpectLoaded(LoadBytes(HintedXml(DeviceInfoXml("Orrin"), "s.xsd")));
+  EXPECT_EQ(database.GetDeviceFamily(), "Orrin");
+}
+
+TEST_F(LoadSecurity, LoadProjectData_RelativeHint_IsBelowTheProjectsDirectory) {
+  Write("s.xsd", DeviceOnlySchema());
+  const TemporaryDirectory elsewhere;
+  WriteFile(elsewhere / "s.xsd", "<xs:schema");
+  WriteFile(elsewhere / "other.xsd", DeviceOnlySchema());
+  const WorkingDirectory working_directory(elsewhere.path());
+  ExpectRefused(LoadBytes(HintedXml(kForbidden, "s.xsd")));
+  ExpectLoaded(LoadBytes(HintedXml(DeviceInfoXml("Orrin"), "s.xsd")));
+  ExpectLoaded(LoadBytes(HintedXml(kForbidden, "other.xsd")));
+}
+
+TEST_F(LoadSecurity, LoadProjectData_RelativeHintOfRelativeFile_IsBelowTheProjectsDirectory) {
+  std::filesystem::create_directory(directory / "sub");
+  Write("sub/s.xsd", DeviceOnlySchema());
+  Write("sub/p.xml", HintedXml(kForbidden, "s.xsd"));
+  const WorkingDirectory working_directory(directory.path());
+  EXPECT_FALSE(LoadFile("sub/p.xml"));
+  EXPECT_THAT(messages, ElementsAre(ReadingMessage("sub/p.xml"), MalformedMessage("sub/p.xml")));
+}
+
+TEST_F(LoadSecurity, LoadProjectData_HintWithoutNamespaceThatCanBeFollowed_IsApplied) {
+  Write("s.xsd",
+        "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\"><xs:element name=\"project\">"
+        "<xs:complexType/></xs:element></xs:schema>");
+  ExpectRefused(
+      LoadBytes("<project xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\""
+                " xsi:noNamespaceSchemaLocation=\"s.xsd\"><isf_info/></project>"));
+}
+
+TEST_F(LoadSecurity, LoadProjectData_GivenSchemaMissing_HintIsFollowed) {
+  Write("s.xsd", DeviceOnlySchema());
+  EXPECT_FALSE(LoadBytes(HintedXml(kForbidden, "s.xsd"), "gone.xsd"));
+  EXPECT_THAT(messages, ElementsAre(ReadingMessage(path()), SchemaMissingMessage("gone.xsd"),
+                                    MalformedMessage(path())));
+}
+
+TEST_F(LoadSecurity, LoadProjectData_UnusableHintedSchema_IsRefusedAsMalformed) {
+  const std::string cases[] = {"", "<xs:schema", DeviceOnlySchema() + "<more/>",
+                               DeviceOnlySchema("<xs:element name=\"e\" type=\"xs:nonsense\"/>")};
+  for (const std::string& bytes : cases) {
+    SCOPED_TRACE(bytes);
+    Write("s.xsd", bytes);
+    ExpectRefused(LoadBytes(HintedXml(DeviceInfoXml("Orrin"), "s.xsd")));
+  }
+}
+
+TEST_F(LoadSecurity, LoadProjectData_HintToAFileThatIsNoSchema_IsRefusedAsMalformed) {
+  ExpectRefused(LoadBytes(HintedXml(DeviceInfoXml("Orrin"), "p.xml")));
+}
+
+}  // namespace
