@@ -137,7 +137,7 @@ void Write(const xercesc::DOMDocument* document, const std::string& path) {
 
 }  // namespace
 
-std::u16string Wide(const std::string& text) { return std::filesystem::u8path(text).u16string(); }
+std::u16string Wide(const std::string& text) { return std::filesystem::path(text).u16string(); }
 
 void Parse(const std::string& path, const std::string& schema) {
   projectdb::KelProjectDbErrorHandler errors;

@@ -51,8 +51,7 @@ std::vector<DesignFile> JoinPaths(const std::vector<DesignFile>& stored) {
   std::vector<DesignFile> files;
   files.reserve(stored.size());
   for (const DesignFile& file : stored) {
-    files.emplace_back((directory / std::filesystem::u8path(file.name)).u8string(), file.version,
-                       file.library);
+    files.emplace_back((directory / file.name).string(), file.version, file.library);
   }
   return files;
 }

@@ -1,12 +1,21 @@
 #include "base/paths.h"
 
+#include <type_traits>
+
 #include "base/utf8.h"
 
 namespace projectdb::paths {
 
+static_assert(std::is_same_v<std::filesystem::path::value_type, char>,
+              "Where a path holds other than bytes, its text has to be converted.");
+
+std::filesystem::path FromBytes(const std::string& name) { return std::filesystem::path(name); }
+
+std::string ToBytes(const std::filesystem::path& path) { return path.native(); }
+
 std::filesystem::path FromUtf8(const std::string& name) {
   utf8::RequireValid(name);
-  return std::filesystem::u8path(name);
+  return FromBytes(name);
 }
 
 std::filesystem::path ResolveProjectPath(const std::filesystem::path& base,

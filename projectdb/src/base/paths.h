@@ -3,8 +3,15 @@
 #include <filesystem>
 #include <string>
 
-/// File names as UTF-8 strings.
+/// File names as UTF-8 strings. They go to and from paths here alone, as the standard library's own
+/// functions for UTF-8 paths differ between C++17 and C++20.
 namespace projectdb::paths {
+
+/// The path with these bytes, UTF-8 or not.
+std::filesystem::path FromBytes(const std::string& name);
+
+/// The path's bytes: UTF-8 if what it was made from was UTF-8.
+std::string ToBytes(const std::filesystem::path& path);
 
 /// @exception std::range_error if the name is not UTF-8
 std::filesystem::path FromUtf8(const std::string& name);

@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 #include <xercesc/dom/DOMLocator.hpp>
 
+#include "base/paths.h"
 #include "check/locating_parser.h"
 #include "xml/error_handler.h"
 #include "xml/errors.h"
@@ -71,7 +72,7 @@ class ProblemCollector : public KelProjectDbErrorHandler {
     }
     const std::optional<std::filesystem::path> schema = LocalPath(uri, uri_);
     return {is_error, positions_.current(),
-            fmt::format("XML schema {:?}, line {}: {}", schema ? schema->u8string() : uri,
+            fmt::format("XML schema {:?}, line {}: {}", schema ? paths::ToBytes(*schema) : uri,
                         location.getLineNumber(), message)};
   }
 
@@ -96,7 +97,7 @@ LocatedParse ParseLocated(const std::string& xml_path, const std::string& schema
   };
   try {
     parse.document = WithPrefixedErrors("", [&] {
-      ProblemCollector collector(FileUri(std::filesystem::u8path(xml_path)), parse.positions,
+      ProblemCollector collector(FileUri(paths::FromBytes(xml_path)), parse.positions,
                                  parse.problems);
       const Owned<xercesc::DOMLSParser> parser = CreateLocatingParser(collector, parse.positions);
       Owned<xercesc::DOMDocument> document =

@@ -19,16 +19,16 @@ void AppendAll(std::vector<Record>& list, std::vector<Record> records) {
 
 bool IsTimingConstraintFile(const std::string& name) {
   if (name.empty()) return false;
-  const std::filesystem::path path = std::filesystem::u8path(name);
+  const std::filesystem::path path = paths::FromBytes(name);
   if (std::filesystem::is_directory(std::filesystem::status(path))) return false;
-  return path.extension().u8string() == KelProjectDatabase::SDC_FILE_EXT;
+  return paths::ToBytes(path.extension()) == KelProjectDatabase::SDC_FILE_EXT;
 }
 
 // The last two extensions together, such as ".interface.csv".
 std::string CompoundExtension(std::filesystem::path path) {
   std::string compound;
   for (int i = 0; i < 2 && path.has_extension(); ++i) {
-    compound.insert(0, path.extension().u8string());
+    compound.insert(0, paths::ToBytes(path.extension()));
     path.replace_extension();
   }
   return compound;
@@ -54,7 +54,7 @@ template <typename Entry>
 void AppendResolved(const std::string& directory, const std::vector<Entry>& entries,
                     std::vector<std::string>& paths) {
   ForEachResolved(directory, entries, [&paths](const Entry&, const std::filesystem::path& path) {
-    paths.push_back(path.u8string());
+    paths.push_back(paths::ToBytes(path));
   });
 }
 
@@ -116,7 +116,7 @@ bool KelProjectDatabase::AddTimingConstraintFile(const std::vector<std::string>&
 }
 
 bool KelProjectDatabase::SetInterfaceConstraint(const std::string& name) {
-  if (CompoundExtension(std::filesystem::u8path(name)) != INTERFACE_FILE_EXT) return false;
+  if (CompoundExtension(paths::FromBytes(name)) != INTERFACE_FILE_EXT) return false;
   const std::lock_guard<std::mutex> lock(mutex_);
   if (!data_) return false;
   data_->design_constraint.inter_file = name;
@@ -130,7 +130,7 @@ void KelProjectDatabase::GetDesignFileList(std::vector<DesignFile>& files) const
   files.reserve(stored.size());
   ForEachResolved(data_->current_path, stored,
                   [&files](const DesignFile& file, const std::filesystem::path& path) {
-                    files.emplace_back(path.u8string(), file.version, file.library);
+                    files.emplace_back(paths::ToBytes(path), file.version, file.library);
                   });
 }
 
@@ -160,7 +160,7 @@ void KelProjectDatabase::GetIpSrcFileList(std::vector<std::string>& paths) const
   if (!data_) return;
   ForEachResolved(data_->current_path, data_->ip_info.ips,
                   [&paths](const IP& ip, const std::filesystem::path& path) {
-                    AppendResolved(path.parent_path().u8string(), ip.src_files, paths);
+                    AppendResolved(paths::ToBytes(path.parent_path()), ip.src_files, paths);
                   });
 }
 

@@ -5,16 +5,18 @@
 
 #include <projectdb/project_db.h>
 
+#include "base/paths.h"
+
 namespace projectdb {
 
 bool FileExists(const std::string& name) {
   std::error_code error;
   return name.find('\0') == std::string::npos &&
-         std::filesystem::exists(std::filesystem::u8path(name), error);
+         std::filesystem::exists(paths::FromBytes(name), error);
 }
 
 bool HasProjectFileExtension(const std::string& name) {
-  return std::filesystem::u8path(name).extension().u8string() == KelProjectDatabase::XML_FILE_EXT;
+  return paths::ToBytes(paths::FromBytes(name).extension()) == KelProjectDatabase::XML_FILE_EXT;
 }
 
 }  // namespace projectdb

@@ -4,6 +4,7 @@
 #include <kel/version.h>
 
 #include "base/local_time.h"
+#include "base/paths.h"
 #include "contents/model_names.h"
 #include "messages.h"
 #include "project_db/project_data.h"
@@ -36,7 +37,7 @@ bool KelProjectDatabase::CreateNewProjectDatabase(std::string name) {
   data_->project_name = name.empty() ? "new_project" : std::move(name);
   data_->software_version = KEL_VERSION_NO;
   data_->last_modify_time = GetLocalTimeString();
-  data_->current_path = std::filesystem::current_path().u8string();
+  data_->current_path = paths::ToBytes(std::filesystem::current_path());
   data_->device_info.family = "Varel";
   data_->device_info.device = "Q8R25";
   for (std::size_t type = 0; type < kProcessNames.size(); ++type) {

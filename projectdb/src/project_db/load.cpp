@@ -2,6 +2,7 @@
 
 #include <xercesc/dom/DOMDocument.hpp>
 
+#include "base/paths.h"
 #include "messages.h"
 #include "project_db/format.h"
 #include "project_db/input_files.h"
@@ -56,7 +57,7 @@ bool KelProjectDatabase::LoadProjectData(const std::string& xml_file,
     return false;
   }
   const std::string directory =
-      std::filesystem::absolute(std::filesystem::u8path(xml_file)).parent_path().u8string();
+      paths::ToBytes(std::filesystem::absolute(paths::FromBytes(xml_file)).parent_path());
   messages::Post(messages::MsgReadingProject(xml_file));
   // Terminated after success only: an exception of the XML library needs the library to be read.
   xml::InitializeXMLPlatform();

@@ -4,6 +4,8 @@
 #include <charconv>
 #include <system_error>
 
+#include "base/paths.h"
+
 namespace projectdb::xml {
 namespace {
 
@@ -78,7 +80,7 @@ std::string FileUri(const std::filesystem::path& path) {
   std::error_code error;
   std::filesystem::path directory = std::filesystem::canonical(absolute.parent_path(), error);
   if (error) directory = absolute.parent_path();
-  return "file://" + EscapeForUri((directory / absolute.filename()).u8string());
+  return "file://" + EscapeForUri(paths::ToBytes(directory / absolute.filename()));
 }
 
 std::optional<std::filesystem::path> LocalPath(std::string_view reference,
@@ -90,7 +92,7 @@ std::optional<std::filesystem::path> LocalPath(std::string_view reference,
   if (name.empty() || name.find('\0') != std::string::npos) return std::nullopt;
   TakeScheme(base_uri);
   TakeLocalHost(base_uri);
-  return std::filesystem::u8path(Unescape(base_uri)).parent_path() / std::filesystem::u8path(name);
+  return paths::FromBytes(Unescape(base_uri)).parent_path() / paths::FromBytes(name);
 }
 
 }  // namespace projectdb::xml

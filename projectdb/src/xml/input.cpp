@@ -11,6 +11,7 @@
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLException.hpp>
 
+#include "base/paths.h"
 #include "xml/file_uri.h"
 #include "xml/text.h"
 
@@ -58,8 +59,7 @@ std::optional<std::string> ReadBytes(const std::filesystem::path& path, std::siz
 }
 
 FileInput::FileInput(const std::string& path)
-    : InputSource(Transcoder().ToXml(FileUri(std::filesystem::u8path(path))).c_str()),
-      path_(path) {}
+    : InputSource(Transcoder().ToXml(FileUri(paths::FromBytes(path))).c_str()), path_(path) {}
 
 xercesc::BinInputStream* FileInput::makeStream() const {
   try {

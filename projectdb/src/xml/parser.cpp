@@ -5,6 +5,7 @@
 #include <xercesc/dom/DOMConfiguration.hpp>
 #include <xercesc/framework/Wrapper4InputSource.hpp>
 
+#include "base/paths.h"
 #include "xml/errors.h"
 #include "xml/input.h"
 #include "xml/parser_settings.h"
@@ -19,7 +20,7 @@ using xercesc::XMLUni;
 bool UseSchema(xercesc::DOMLSParser& parser, SchemaSource& schemas,
                const std::string& schema_location) {
   const std::unique_ptr<xercesc::InputSource> schema =
-      schemas.Open(std::filesystem::u8path(schema_location));
+      schemas.Open(paths::FromBytes(schema_location));
   if (!schema) return false;
   const xercesc::Wrapper4InputSource source(schema.get(), false);
   if (!parser.loadGrammar(&source, xercesc::Grammar::SchemaGrammarType, true)) return false;
