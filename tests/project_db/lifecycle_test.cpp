@@ -41,6 +41,9 @@ static_assert(!std::is_move_constructible_v<KelProjectDatabase>);
 static_assert(!std::is_move_assignable_v<KelProjectDatabase>);
 static_assert(!std::is_polymorphic_v<KelProjectDatabase>);
 
+static_assert(std::is_nothrow_default_constructible_v<KelProjectDatabase>);
+static_assert(std::is_nothrow_destructible_v<KelProjectDatabase>);
+
 const MessageRecorder::Message kProjectExists = {
     Diag::MessageType::kError, "Project database has already existed. Fail to create new project"};
 

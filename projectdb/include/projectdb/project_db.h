@@ -54,8 +54,8 @@ class PROJECTDB_EXPORT KelProjectDatabase {
 
   /// @name Lifecycle
   /// @{
-  KelProjectDatabase();
-  ~KelProjectDatabase();
+  KelProjectDatabase() noexcept;
+  ~KelProjectDatabase() noexcept;
   KelProjectDatabase(const KelProjectDatabase&) = delete;
   KelProjectDatabase& operator=(const KelProjectDatabase&) = delete;
 

@@ -15,8 +15,8 @@ const std::string KelProjectDatabase::XML_FILE_EXT = ".xml";
 const std::string KelProjectDatabase::SDC_FILE_EXT = ".sdc";
 const std::string KelProjectDatabase::INTERFACE_FILE_EXT = ".interface.csv";
 
-KelProjectDatabase::KelProjectDatabase() = default;
-KelProjectDatabase::~KelProjectDatabase() = default;
+KelProjectDatabase::KelProjectDatabase() noexcept = default;
+KelProjectDatabase::~KelProjectDatabase() noexcept = default;
 
 bool KelProjectDatabase::SetupProjectDatabase() {
   if (data_) return false;
