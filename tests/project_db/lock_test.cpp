@@ -179,6 +179,48 @@ TEST_F(InterruptedCreation, CreateNewProjectDatabase_LoadedByAnotherThread_SetsT
   EXPECT_EQ(database.GetDesignTopModuleName(), "top");
 }
 
+// --- How often an operation takes the lock ---
+
+class Locks : public testing::Test {
+ protected:
+  Locks() { database_.CreateNewProjectDatabase("locked"); }
+
+  /// Whether the operation takes the lock of the object so many times or more.
+  bool IsTaken(int times, const std::function<void()>& operation) const {
+    const BeforeLock before_lock(database_, times, [] {});
+    operation();
+    return before_lock.happened();
+  }
+
+  KelProjectDatabase database_;
+};
+
+TEST_F(Locks, AddTimingConstraintFile_NameOfAnotherKind_TakesNone) {
+  for (const char* name : {"", "a.SDC", ".sdc", "/"}) {
+    EXPECT_FALSE(IsTaken(1, [&] { EXPECT_FALSE(database_.AddTimingConstraintFile(name)); }))
+        << name;
+  }
+}
+
+TEST_F(Locks, AddTimingConstraintFile_NameOfThatKind_TakesItOnce) {
+  const auto add = [this] { EXPECT_TRUE(database_.AddTimingConstraintFile("a.sdc")); };
+  EXPECT_TRUE(IsTaken(1, add));
+  EXPECT_FALSE(IsTaken(2, add));
+}
+
+TEST_F(Locks, AddTimingConstraintFile_List_TakesItOnce) {
+  const auto add = [this] {
+    EXPECT_TRUE(database_.AddTimingConstraintFile(std::vector<std::string>{"a.sdc", "", "b.sdc"}));
+  };
+  EXPECT_TRUE(IsTaken(1, add));
+  EXPECT_FALSE(IsTaken(2, add));
+}
+
+TEST_F(Locks, SetInterfaceConstraint_NameOfAnotherKind_TakesNone) {
+  EXPECT_FALSE(
+      IsTaken(1, [this] { EXPECT_FALSE(database_.SetInterfaceConstraint("io.csv")); }));
+}
+
 // --- A message handler that throws ---
 
 /// An operation that posts a message.

@@ -97,7 +97,7 @@ void KelProjectDatabase::AddMiscellaneousFile(std::vector<std::string>& names) {
 }
 
 bool KelProjectDatabase::AddTimingConstraintFile(const std::string& name) {
-  if (!IsProjectDatabaseExist() || !IsTimingConstraintFile(name)) return false;
+  if (!IsTimingConstraintFile(name)) return false;
   const std::lock_guard<std::mutex> lock(mutex_);
   if (!data_) return false;
   data_->design_constraint.sdc_files.push_back(name);
