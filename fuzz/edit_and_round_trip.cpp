@@ -170,20 +170,27 @@ void AddMiscellaneousList(Run& run) {
   run.database.AddMiscellaneousFile(names);
 }
 
+// Names that are not UTF-8, and names whose status cannot be read.
+template <typename Action>
+void AllowingBadNames(Action action) {
+  Allowing<std::range_error>([&] { Allowing<std::filesystem::filesystem_error>(action); });
+}
+
 void AddConstraint(Run& run) {
-  Allowing<std::filesystem::filesystem_error>(
-      [&] { run.database.AddTimingConstraintFile(run.Text()); });
+  AllowingBadNames([&] { run.database.AddTimingConstraintFile(run.Text()); });
 }
 
 void AddConstraints(Run& run) {
-  Allowing<std::filesystem::filesystem_error>(
-      [&] { run.database.AddTimingConstraintFile(run.input.Texts()); });
+  AllowingBadNames([&] { run.database.AddTimingConstraintFile(run.input.Texts()); });
 }
 
 void SetInterfaceConstraint(Run& run) {
   const std::string name = run.Text();
-  if (!run.database.SetInterfaceConstraint(name)) return;
-  Require(run.database.GetInterfaceConstraint() == name, "another interface constraint is stored");
+  const std::string former = run.database.GetInterfaceConstraint();
+  bool stored = false;
+  Allowing<std::range_error>([&] { stored = run.database.SetInterfaceConstraint(name); });
+  Require(run.database.GetInterfaceConstraint() == (stored ? name : former),
+          "another interface constraint is stored");
 }
 
 // Attributes.

@@ -49,7 +49,7 @@ struct PathList {
   const char* name;
   std::function<void(KelProjectDatabase&, const std::string&)> add;
   std::function<void(const KelProjectDatabase&, Strings&)> append_to;
-  bool takes_any_name;  ///< Or only names that end in ".sdc".
+  bool takes_any_name;  ///< Or only UTF-8 that ends in ".sdc".
 };
 
 const std::vector<PathList>& PathLists() {
@@ -245,20 +245,6 @@ TEST_P(PathListTest, Get_ProjectDirectoryIsNoUtf8AndListEmpty_LeavesTheVector) {
   EXPECT_THAT(List(), IsEmpty());
 }
 
-TEST_P(PathListTest, Get_NameIsNoUtf8_ThrowsRangeErrorWithTheEntriesBeforeItAppended) {
-  for (const char* name : {"/a.sdc", "/b.sdc", "c\xFF.sdc", "/d.sdc"}) Add(name);
-  Strings names = {"former"};
-  EXPECT_THROW(GetParam().append_to(database_, names), std::range_error);
-  EXPECT_THAT(names, ElementsAre("former", "/a.sdc", "/b.sdc"));
-}
-
-TEST_P(PathListTest, Get_ThrewRangeError_LeavesTheLockFree) {
-  Add("c\xFF.sdc");
-  EXPECT_THROW(List(), std::range_error);
-  Add("/d.sdc");  // Would wait for ever if the lock were still held.
-  EXPECT_THROW(List(), std::range_error);
-}
-
 TEST_P(PathListTest, Clean_FilesAdded_NextProjectHasNone) {
   Add("/a.sdc");
   database_.CleanProjectDatabase();
@@ -274,7 +260,7 @@ void PrintTo(const PathList& list, std::ostream* out) { *out << list.name; }
 
 INSTANTIATE_TEST_SUITE_P(Lists, PathListTest, testing::ValuesIn(PathLists()), NameOf);
 
-/// The lists that take any name, the empty one too.
+/// The lists that take any name, also the empty one and one that is not UTF-8.
 class AnyNameListTest : public PathListTest {};
 
 TEST_P(AnyNameListTest, Get_EmptyName_IsTheProjectDirectory) {
@@ -293,6 +279,20 @@ TEST_P(AnyNameListTest, Get_EntriesBehindEmptyName_AreDelivered) {
   Add("");
   Add("/a.v");
   EXPECT_THAT(List(), ElementsAre(std::filesystem::current_path().string(), "/a.v"));
+}
+
+TEST_P(AnyNameListTest, Get_NameIsNoUtf8_ThrowsRangeErrorWithTheEntriesBeforeItAppended) {
+  for (const char* name : {"/a.sdc", "/b.sdc", "c\xFF.sdc", "/d.sdc"}) Add(name);
+  Strings names = {"former"};
+  EXPECT_THROW(GetParam().append_to(database_, names), std::range_error);
+  EXPECT_THAT(names, ElementsAre("former", "/a.sdc", "/b.sdc"));
+}
+
+TEST_P(AnyNameListTest, Get_ThrewRangeError_LeavesTheLockFree) {
+  Add("c\xFF.sdc");
+  EXPECT_THROW(List(), std::range_error);
+  Add("/d.sdc");  // Would wait for ever if the lock were still held.
+  EXPECT_THROW(List(), std::range_error);
 }
 
 std::vector<PathList> AnyNameLists() {
@@ -565,7 +565,48 @@ TEST_F(TimingConstraints, AddTimingConstraintFile_ListWithStatusUnreadable_Keeps
   EXPECT_THAT(FileLists::TimingConstraints(), ElementsAre("/a.sdc", "/c.sdc"));
 }
 
+/// Names that no conversion to a path takes, each of which would end in an extension.
+Strings NamesThatAreNotUtf8(const std::string& extension) {
+  Strings names;
+  for (const char* stem : {"\xFF", "a\xC3", "\xE6\x9C/x", "\xC0\xAF", "\xED\xA0\x80"}) {
+    names.push_back(stem + extension);
+  }
+  return names;
+}
+
+TEST_F(TimingConstraints, AddTimingConstraintFile_NameIsNoUtf8_ThrowsRangeErrorAndAddsNothing) {
+  for (const std::string& name : NamesThatAreNotUtf8(".sdc")) {
+    EXPECT_THROW(database_.AddTimingConstraintFile(name), std::range_error) << name;
+  }
+  EXPECT_THAT(FileLists::TimingConstraints(), IsEmpty());
+}
+
+TEST_F(TimingConstraints, AddTimingConstraintFile_NameIsNoUtf8AndOfAnotherKind_ThrowsRangeError) {
+  EXPECT_THROW(database_.AddTimingConstraintFile("a\xFF.txt"), std::range_error);
+}
+
+TEST_F(TimingConstraints, AddTimingConstraintFile_ListWithNameThatIsNoUtf8_KeepsThoseBeforeIt) {
+  EXPECT_THROW(
+      database_.AddTimingConstraintFile(Strings{"/a.sdc", "", "/c.sdc", "b\xFF.sdc", "/d.sdc"}),
+      std::range_error);
+  // Would wait for ever if the lock were still held.
+  EXPECT_THAT(FileLists::TimingConstraints(), ElementsAre("/a.sdc", "/c.sdc"));
+}
+
+TEST_F(TimingConstraints, AddTimingConstraintFile_NameIsNoUtf8_TheProjectCanBeExported) {
+  EXPECT_ANY_THROW(database_.AddTimingConstraintFile("a\xFF.sdc"));
+  EXPECT_NO_THROW(database_.ExportProjectData("out.xml"));
+}
+
 // --- interface constraint ---
+
+TEST_F(FileLists, SetInterfaceConstraint_NameIsNoUtf8_ThrowsRangeErrorAndKeepsTheFormer) {
+  ASSERT_TRUE(database_.SetInterfaceConstraint("former.interface.csv"));
+  for (const std::string& name : NamesThatAreNotUtf8(".interface.csv")) {
+    EXPECT_THROW(database_.SetInterfaceConstraint(name), std::range_error) << name;
+  }
+  EXPECT_EQ(database_.GetInterfaceConstraint(), "former.interface.csv");
+}
 
 TEST_F(FileLists, SetInterfaceConstraint_NameOfThatKind_IsStoredAsGiven) {
   for (const char* name :

@@ -217,8 +217,7 @@ TEST_F(Locks, AddTimingConstraintFile_List_TakesItOnce) {
 }
 
 TEST_F(Locks, SetInterfaceConstraint_NameOfAnotherKind_TakesNone) {
-  EXPECT_FALSE(
-      IsTaken(1, [this] { EXPECT_FALSE(database_.SetInterfaceConstraint("io.csv")); }));
+  EXPECT_FALSE(IsTaken(1, [this] { EXPECT_FALSE(database_.SetInterfaceConstraint("io.csv")); }));
 }
 
 // --- A message handler that throws ---

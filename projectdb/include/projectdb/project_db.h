@@ -43,8 +43,9 @@ class ProjectFileChecker;
 /// Failures: an expected problem gives false and, where stated, a message to Diag::GlobalInst().
 /// Allocation failures throw std::bad_alloc.
 ///
-/// Text is UTF-8. Any bytes are stored; what cannot be converted is refused when it is used, by
-/// path getters (std::range_error) and by ExportProjectData (std::runtime_error).
+/// Text is UTF-8. Any bytes are stored, but for the names of constraint files (std::range_error);
+/// what cannot be converted is refused when it is used, by path getters (std::range_error) and by
+/// ExportProjectData (std::runtime_error).
 class PROJECTDB_EXPORT KelProjectDatabase {
  public:
   static const std::string XML_FILE_EXT;        ///< Ending of project files: ".xml".
@@ -136,6 +137,7 @@ class PROJECTDB_EXPORT KelProjectDatabase {
   /// Adds a timing constraint file unless its name is empty, is that of an existing directory or
   /// has another extension than SDC_FILE_EXT.
   /// @return whether it was added
+  /// @exception std::range_error if the name is not UTF-8
   /// @exception std::filesystem::filesystem_error if the path's status cannot be read
   bool AddTimingConstraintFile(const std::string& name);
 
@@ -145,6 +147,7 @@ class PROJECTDB_EXPORT KelProjectDatabase {
 
   /// Stores the interface constraint file if its name ends in INTERFACE_FILE_EXT after a stem.
   /// @return false, with nothing changed, if it does not
+  /// @exception std::range_error if the name is not UTF-8; nothing is changed
   bool SetInterfaceConstraint(const std::string& name);
 
   void GetDesignFileList(std::vector<DesignFile>& files) const;

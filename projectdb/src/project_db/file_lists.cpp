@@ -19,7 +19,7 @@ void AppendAll(std::vector<Record>& list, std::vector<Record> records) {
 
 bool IsTimingConstraintFile(const std::string& name) {
   if (name.empty()) return false;
-  const std::filesystem::path path = paths::FromBytes(name);
+  const std::filesystem::path path = paths::FromUtf8(name);
   if (std::filesystem::is_directory(std::filesystem::status(path))) return false;
   return paths::ToBytes(path.extension()) == KelProjectDatabase::SDC_FILE_EXT;
 }
@@ -116,7 +116,7 @@ bool KelProjectDatabase::AddTimingConstraintFile(const std::vector<std::string>&
 }
 
 bool KelProjectDatabase::SetInterfaceConstraint(const std::string& name) {
-  if (CompoundExtension(paths::FromBytes(name)) != INTERFACE_FILE_EXT) return false;
+  if (CompoundExtension(paths::FromUtf8(name)) != INTERFACE_FILE_EXT) return false;
   const std::lock_guard<std::mutex> lock(mutex_);
   if (!data_) return false;
   data_->design_constraint.inter_file = name;
