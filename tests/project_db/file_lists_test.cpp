@@ -776,6 +776,27 @@ TEST_F(LoadedLists, GetIpInstanceList_VectorHasEntries_AppendsBehindThem) {
   EXPECT_THAT(names, ElementsAre("former", "fifo_0", "uart_0"));
 }
 
+/// The capacity of a vector to which so many entries were appended one by one.
+template <typename Entry>
+std::size_t CapacityAfterAppending(std::size_t count) {
+  std::vector<Entry> entries;
+  for (std::size_t i = 0; i < count; ++i) entries.emplace_back();
+  return entries.capacity();
+}
+
+TEST_F(LoadedLists, IpGetters_AppendWithoutReservation) {
+  std::string ips;
+  for (int i = 0; i < 5; ++i)
+    ips += "<kel:ip path=\"a/b\"><kel:ip_src_file name=\"c.v\"/></kel:ip>";
+  Load("<kel:ip_info>" + ips + "</kel:ip_info>");
+  std::vector<IP> instances;
+  database_.GetIpInstanceList(instances);
+  EXPECT_EQ(instances.capacity(), CapacityAfterAppending<IP>(5));
+  Strings names;
+  database_.GetIpSrcFileList(names);
+  EXPECT_EQ(names.capacity(), CapacityAfterAppending<std::string>(5));
+}
+
 TEST_F(LoadedLists, GetIpInstanceList_ProjectDirectoryIsNoUtf8_GivesThemAsStored) {
   LoadTwoInstances();
   database_.SetProjectCurrentPath("/work/\xFF");

@@ -167,7 +167,7 @@ void KelProjectDatabase::GetIpSrcFileList(std::vector<std::string>& paths) const
 void KelProjectDatabase::GetIpInstanceList(std::vector<IP>& instances) const {
   const std::lock_guard<std::mutex> lock(mutex_);
   if (!data_) return;
-  instances.insert(instances.end(), data_->ip_info.ips.begin(), data_->ip_info.ips.end());
+  for (const IP& ip : data_->ip_info.ips) instances.push_back(ip);
 }
 
 }  // namespace projectdb
