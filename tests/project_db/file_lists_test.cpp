@@ -722,6 +722,23 @@ TEST_F(LoadedLists, GetIpSrcFileList_RelativeProjectDirectory_GivesAbsolutePaths
             (std::filesystem::current_path() / "proj/ip/fifo/rtl/fifo.v").string());
 }
 
+TEST_F(LoadedLists, GetIpSrcFileList_NoPathAndNoProjectDirectory_IsInTheWorkingDirectory) {
+  Load("<kel:ip_info><kel:ip path=\"\"><kel:ip_src_file name=\"x.v\"/></kel:ip></kel:ip_info>");
+  const WorkingDirectory working_directory(directory_.path());
+  database_.SetProjectCurrentPath("");
+  EXPECT_THAT(IpSources(), ElementsAre((std::filesystem::current_path() / "x.v").string()));
+}
+
+TEST_F(LoadedLists, GetIpSrcFileList_PathAndNoProjectDirectory_IsBelowTheWorkingDirectory) {
+  Load(
+      "<kel:ip_info><kel:ip path=\"a.ipx\"><kel:ip_src_file name=\"x.v\"/></kel:ip>"
+      "<kel:ip path=\"ip/a.ipx\"><kel:ip_src_file name=\"x.v\"/></kel:ip></kel:ip_info>");
+  const WorkingDirectory working_directory(directory_.path());
+  database_.SetProjectCurrentPath("");
+  const std::filesystem::path here = std::filesystem::current_path();
+  EXPECT_THAT(IpSources(), ElementsAre((here / "x.v").string(), (here / "ip/x.v").string()));
+}
+
 TEST_F(LoadedLists, GetIpSrcFileList_VectorHasEntries_AppendsBehindThem) {
   LoadTwoInstances();
   Strings names = {"former"};

@@ -158,10 +158,14 @@ void KelProjectDatabase::GetTimingConstraintFileList(std::vector<std::string>& p
 void KelProjectDatabase::GetIpSrcFileList(std::vector<std::string>& paths) const {
   const std::lock_guard<std::mutex> lock(mutex_);
   if (!data_) return;
-  ForEachResolved(data_->current_path, data_->ip_info.ips,
-                  [&paths](const IP& ip, const std::filesystem::path& path) {
-                    AppendResolved(paths::ToBytes(path.parent_path()), ip.src_files, paths);
-                  });
+  const std::string& project = data_->current_path;
+  ForEachResolved(
+      project, data_->ip_info.ips, [&](const IP& ip, const std::filesystem::path& path) {
+        // No name at all leads to the working directory, not to something in it.
+        const bool is_directory = project.empty() && ip.path.empty();
+        const std::filesystem::path directory = is_directory ? path : path.parent_path();
+        AppendResolved(paths::ToBytes(directory), ip.src_files, paths);
+      });
 }
 
 void KelProjectDatabase::GetIpInstanceList(std::vector<IP>& instances) const {
