@@ -12,7 +12,9 @@
 #include <xercesc/dom/DOMElement.hpp>
 #include <xercesc/dom/DOMNamedNodeMap.hpp>
 #include <xercesc/dom/DOMNodeList.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
 
+#include "testing/child_process.h"
 #include "testing/dom_document.h"
 #include "testing/xml_tree.h"
 
@@ -32,6 +34,7 @@ using projectdb::Parameter;
 using projectdb::ParameterType;
 using projectdb::SynthesisProcess;
 using test_support::AllElements;
+using test_support::InChildProcess;
 using test_support::Show;
 using test_support::ShowSortedChildren;
 using test_support::ToXmlElement;
@@ -40,6 +43,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
 using xercesc::DOMElement;
+using xercesc::XMLPlatformUtils;
 
 constexpr char16_t kNamespace[] = u"urn:test";
 constexpr char16_t kPrefix[] = u"t";
@@ -226,6 +230,44 @@ TEST_P(EveryDomElement, AppendsToAnElementThatIsNotInTheTree) {
 
 TEST_P(EveryDomElement, NullParent_ReturnsFalse) { EXPECT_FALSE(Append({nullptr})); }
 
+TEST_P(EveryDomElement, NullParentAndTextThatXmlCannotCarry_ReturnsFalse) {
+  EXPECT_FALSE(Append({nullptr}, "\x01"));
+}
+
+/// Runs work in a process in which the XML library is not in use.
+template <typename Work>
+std::string WithoutXmlPlatform(Work work) {
+  return InChildProcess([&] {
+    while (XMLPlatformUtils::fgMemoryManager) XMLPlatformUtils::Terminate();
+    return work();
+  });
+}
+
+class EveryDomElementWithoutPlatform : public testing::TestWithParam<Writer> {
+ protected:
+  /// What the operation gives with a null parent.
+  std::string AppendToNull() const {
+    return GetParam().append(database_, {nullptr}, "x") ? "true" : "false";
+  }
+
+  const KelProjectDatabase database_;
+};
+
+INSTANTIATE_TEST_SUITE_P(Writers, EveryDomElementWithoutPlatform, testing::ValuesIn(kWriters));
+
+TEST_P(EveryDomElementWithoutPlatform, NullParentBeforeInitialisation_ReturnsFalse) {
+  EXPECT_EQ(WithoutXmlPlatform([this] { return AppendToNull(); }), "false");
+}
+
+TEST_P(EveryDomElementWithoutPlatform, NullParentAfterTermination_ReturnsFalse) {
+  EXPECT_EQ(WithoutXmlPlatform([this] {
+              XMLPlatformUtils::Initialize();
+              XMLPlatformUtils::Terminate();
+              return AppendToNull();
+            }),
+            "false");
+}
+
 TEST_P(EveryDomElement, AllElementsAreInTheNamespace) {
   Append(ToRoot());
   const XmlElement appended = OnlyAppended();
@@ -276,6 +318,10 @@ TEST_P(EveryDomElement, NullNamespaceAndPrefix_GivesElementsWithoutBoth) {
 
 TEST_P(EveryDomElement, PrefixThatNoElementCanHave_ReturnsFalse) {
   EXPECT_FALSE(Append({document_.root(), kNamespace, u"not a name"}));
+}
+
+TEST_P(EveryDomElement, PrefixThatNoElementCanHaveAndTextThatXmlCannotCarry_ReturnsFalse) {
+  EXPECT_FALSE(Append({document_.root(), kNamespace, u"not a name"}, "\x01"));
 }
 
 TEST_P(EveryDomElement, PrefixThatNoElementCanHave_AppendsNothing) {
@@ -373,17 +419,7 @@ class TaggedDomElement : public DomElement, public testing::WithParamInterface<T
 };
 
 /// Whose element or elements below it are named.
-class BadlyTaggedDomElement : public TaggedDomElement {
- protected:
-  /// Whether the operation gives false or throws.
-  bool IsRefused(const char* tag) const {
-    try {
-      return !Append(tag);
-    } catch (const std::runtime_error&) {
-      return true;
-    }
-  }
-};
+class BadlyTaggedDomElement : public TaggedDomElement {};
 
 constexpr const char* kNoNames[] = {"",   "x:y", ":a",  "a:",   "a b", "1a",
                                     "-a", "<",   "a/b", "\xFF", "\x01"};
@@ -419,13 +455,57 @@ TEST_P(DomElementWithTag, NullTag_AppendsNothing) {
   EXPECT_THAT(Appended(), IsEmpty());
 }
 
-TEST_P(BadlyTaggedDomElement, TagThatIsNoName_IsRefused) {
-  for (const char* tag : kNoNames) EXPECT_TRUE(IsRefused(tag)) << testing::PrintToString(tag);
+TEST_P(BadlyTaggedDomElement, TagThatIsNoName_ReturnsFalse) {
+  for (const char* tag : kNoNames) EXPECT_FALSE(Append(tag)) << testing::PrintToString(tag);
 }
 
 TEST_P(BadlyTaggedDomElement, TagThatIsNoName_AppendsNothing) {
-  for (const char* tag : kNoNames) IsRefused(tag);
+  for (const char* tag : kNoNames) Append(tag);
   EXPECT_THAT(Appended(), IsEmpty());
+}
+
+TEST_F(DomElement, AppendFlowProcess_NameWithAZeroThatIsNoName_ReturnsFalse) {
+  FlowProcess process;
+  process.name = std::string("flow\0", 5);
+  EXPECT_FALSE(
+      database_.AppendFlowProcessToDOMElement(document_.root(), process, kNamespace, kPrefix));
+}
+
+TEST_F(DomElement, AppendFlowProcess_OneMapOfSeveralIsNoName_AppendsNothing) {
+  FlowProcess process;
+  process.name = "flow";
+  for (std::int16_t i = 0; i < 20; ++i) {
+    process.parameter_maps.push_back({{"p", {"p", "\x01", projectdb::e_string}}});
+    process.parameter_map_index["map" + std::to_string(i)] = i;
+  }
+  process.parameter_map_index["no name"] = 0;
+  EXPECT_FALSE(
+      database_.AppendFlowProcessToDOMElement(document_.root(), process, kNamespace, kPrefix));
+  EXPECT_THAT(Appended(), IsEmpty());
+}
+
+// Names of what has nothing to write.
+
+TEST_F(DomElement, AppendFlowProcess_MapWithoutParameters_MayHaveAnyName) {
+  for (const char* name : kNoNames) {
+    FlowProcess process = ProcessWithMap("param", {"p", "v", projectdb::kNoParameterType});
+    process.parameter_maps.emplace_back();
+    process.parameter_map_index[name] = 1;
+    EXPECT_TRUE(
+        database_.AppendFlowProcessToDOMElement(document_.root(), process, kNamespace, kPrefix))
+        << testing::PrintToString(name);
+    EXPECT_EQ(Show(Appended().back()), R"(<flow><param name="p" value="v"/></flow>)");
+  }
+}
+
+TEST_F(DomElement, AppendDesignFileList_NoFiles_ItemTagMayBeAnything) {
+  std::vector<DesignFile> files;
+  for (const char* tag : kNoNames) {
+    EXPECT_TRUE(database_.AppendDesignFileListToDOMElement(document_.root(), "list", tag, files,
+                                                           kNamespace, kPrefix))
+        << testing::PrintToString(tag);
+    EXPECT_EQ(Show(Appended().back()), "<list/>");
+  }
 }
 
 TEST_F(DomElement, AppendDesignFileList_NullItemTag_AppendsTheListWithoutItems) {

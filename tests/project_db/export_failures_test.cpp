@@ -538,6 +538,47 @@ INSTANTIATE_TEST_SUITE_P(
                               NoNamesAnd({"", ":", ":a", "a:", "a:b:c", "a::b", "a:1", "1:a",
                                           "a: b", "a :b", "v:a\0"s})}));
 
+TEST_F(ExportFailures, ExportProjectData_BadProcessName_ErrorTellsTheProcessAndItsName) {
+  database_.SetFlowProcessName(projectdb::e_bitstream_generation, "a b");
+  EXPECT_EQ(ExportError(database_, path_),
+            "Failed writing XML file " + path_ +
+                ": the flow process bitstream_generation has the name \"a b\", which no element "
+                "can have\n");
+}
+
+TEST_F(ExportFailures, ExportProjectData_BadMapName_ErrorTellsTheProcessAndTheMap) {
+  database_.AddFlowProcessParameter(projectdb::e_synthesis, "my map", "p", "v",
+                                    projectdb::e_string);
+  EXPECT_EQ(ExportError(database_, path_),
+            "Failed writing XML file " + path_ +
+                ": a parameter map of the flow process synthesis has the name \"my map\", which no "
+                "element can have\n");
+}
+
+TEST_F(ExportFailures, ExportProjectData_BadMapNameOfAnUnnamedProcess_IsAnError) {
+  database_.CleanProjectDatabase();
+  database_.SetupProjectDatabase();
+  database_.AddFlowProcessParameter(projectdb::e_synthesis, "my map", "p", "v",
+                                    projectdb::e_string);
+  EXPECT_THAT(ExportError(database_, path_), HasSubstr("my map"));
+}
+
+TEST_F(ExportFailures, ExportProjectData_BadNameOfAMapWithoutParameters_IsNoError) {
+  EXPECT_FALSE(database_.AddFlowProcessParameter(projectdb::e_synthesis, "my map", "p", "",
+                                                 projectdb::e_string));
+  EXPECT_TRUE(database_.AddFlowProcessParameterList(projectdb::e_synthesis, "syn opts", {}));
+  EXPECT_EQ(ExportError(database_, path_), "");
+  EXPECT_EQ(ReadXmlFile(path_).children.size(), 11U);
+}
+
+TEST_F(ExportFailures, ExportProjectData_BadMapNameAfterItsParametersWereErased_IsNoError) {
+  database_.AddFlowProcessParameter(projectdb::e_synthesis, "my map", "p", "v",
+                                    projectdb::e_string);
+  ASSERT_NE(ExportError(database_, path_), "");
+  database_.FindFlowProcessParameterMap(projectdb::e_synthesis, "my map")->clear();
+  EXPECT_EQ(ExportError(database_, path_), "");
+}
+
 TEST_F(ExportFailures, ExportProjectData_ProcessRenamedAfterAnError_IsWritten) {
   database_.SetFlowProcessName(projectdb::e_debugger, "a b");
   ASSERT_NE(ExportError(database_, path_), "");

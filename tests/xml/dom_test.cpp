@@ -283,11 +283,32 @@ TEST_F(Dom, ElementName_Name_IsConverted) {
   EXPECT_EQ(ElementWriter(kNamespace, u"p").ElementName("gr\xC3\xBCn"), u"gr\u00FCn");
 }
 
-TEST_F(Dom, ElementName_NoName_Fails) {
+TEST_F(Dom, ElementName_NoName_IsEmpty) {
   ElementWriter writer(kNamespace, u"p");
-  for (const char* name : {"a b", "a:b", "1", "\xFF"}) {
-    EXPECT_THROW(writer.ElementName(name), Failure) << name;
+  for (const char* name : {"", "a b", "a:b", "1", "\xFF"}) {
+    EXPECT_EQ(writer.ElementName(name), u"") << name;
   }
+}
+
+TEST_F(Dom, AppendElement_FillsTheElementThatItAppends) {
+  DOMElement* filled = nullptr;
+  EXPECT_TRUE(ElementWriter(kNamespace, u"p").AppendElement(root(), u"item", [&](DOMElement* item) {
+    filled = item;
+  }));
+  EXPECT_EQ(root()->getLastElementChild(), filled);
+}
+
+TEST_F(Dom, AppendElement_NoElement_GivesFalseAndFillsNothing) {
+  const auto fill = [](DOMElement*) { ADD_FAILURE() << "filled"; };
+  EXPECT_FALSE(ElementWriter(kNamespace, u"p").AppendElement(nullptr, u"item", fill));
+  EXPECT_FALSE(ElementWriter(kNamespace, u"p").AppendElement(root(), nullptr, fill));
+  EXPECT_FALSE(ElementWriter(kNamespace, u"a b").AppendElement(root(), u"item", fill));
+}
+
+TEST_F(Dom, AppendElement_FillThrows_LeavesNoElement) {
+  const auto fill = [](DOMElement*) { throw Failure("cannot be filled"); };
+  EXPECT_THROW(ElementWriter(kNamespace, u"p").AppendElement(root(), u"item", fill), Failure);
+  EXPECT_EQ(root()->getFirstChild(), nullptr);
 }
 
 TEST_F(Dom, SetDOMElementAttribute_SetsAnAttributeWithoutNamespace) {
@@ -330,6 +351,17 @@ TEST_F(Dom, AddChildDOMElementWithAttribute_NoElement_GivesFalse) {
   ElementWriter writer(kNamespace, u"p");
   EXPECT_FALSE(writer.AddChildDOMElementWithAttribute(nullptr, u"item", "name", "a"));
   EXPECT_FALSE(writer.AddChildDOMElementWithAttribute(root(), nullptr, "name", "a"));
+}
+
+TEST_F(Dom, AddChildDOMElementWithAttribute_NoElementAndNoValue_GivesFalse) {
+  ElementWriter writer(kNamespace, u"a b");
+  EXPECT_FALSE(writer.AddChildDOMElementWithAttribute(root(), u"item", "name", "\x01"));
+}
+
+TEST_F(Dom, AddChildDOMElementWithAttribute_ValueThatXmlCannotCarry_FailsAndAppendsNothing) {
+  ElementWriter writer(kNamespace, u"p");
+  EXPECT_THROW(writer.AddChildDOMElementWithAttribute(root(), u"item", "name", "\x01"), Failure);
+  EXPECT_EQ(root()->getFirstChild(), nullptr);
 }
 
 // Attributes whose name may have a prefix.

@@ -327,9 +327,13 @@ class PROJECTDB_EXPORT KelProjectDatabase {
 
   /// @name Writers of DOM elements
   /// Each appends one element to its parent, with the namespace URI and, if that is given, the
-  /// prefix. They take no lock and need the XML platform to be initialised by the caller.
-  /// @return false if the parent is null or the element cannot be created
-  /// @exception std::runtime_error if a text cannot stand in an XML document
+  /// prefix. They take no lock. The caller must have initialised the XML platform, unless the
+  /// parent is null. A map without parameters writes nothing, whatever its name, and so does the
+  /// item tag of a list without files; one that is null leaves the list without items.
+  /// @return false, with nothing appended, if the parent is null or an element cannot be created,
+  ///         such as one whose tag, process name or map name is not a name without colon
+  /// @exception std::runtime_error if a text cannot stand in an XML document; nothing is appended
+  /// @exception std::bad_alloc with nothing appended
   /// @{
   bool AppendDeviceInfoToDOMElement(xercesc::DOMElement* parent, DeviceInfo& device_info,
                                     const char16_t* namespace_uri, const char16_t* prefix) const;

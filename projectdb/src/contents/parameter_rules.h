@@ -26,4 +26,14 @@ auto* ParameterMapAt(Process& process, std::int16_t position) {
   return map < process.parameter_maps.size() ? &process.parameter_maps[map] : nullptr;
 }
 
+/// Calls visit(name, map) for each map of a process that holds parameters, in the order of its
+/// index. A map without parameters is nothing that a file keeps.
+template <typename Visit>
+void ForEachFilledParameterMap(const FlowProcess& process, Visit visit) {
+  for (const auto& [name, position] : process.parameter_map_index) {
+    const ParameterMap* map = ParameterMapAt(process, position);
+    if (map && !map->empty()) visit(name, *map);
+  }
+}
+
 }  // namespace projectdb

@@ -1,8 +1,12 @@
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "contents/parameter_rules.h"
 #include "project_db/format.h"
 #include "project_db/project_data.h"
 #include "xml/dom.h"
-#include "xml/errors.h"
 
 namespace projectdb {
 namespace {
@@ -10,28 +14,14 @@ namespace {
 using xercesc::DOMElement;
 using xml::ElementWriter;
 
-// The caller's tag; empty, so that no element is made, if it or the parent is null.
+// The caller's tag; empty, so that no element is made, if the parent is null or the tag is no name.
 std::u16string TagOf(ElementWriter& writer, const DOMElement* parent, const char* tag) {
   return parent && tag ? writer.ElementName(tag) : std::u16string();
 }
 
-// Appends an element and fills it; one that cannot be filled is taken out again.
-template <typename Fill>
-bool AppendElement(ElementWriter& writer, DOMElement* parent, const XMLCh* tag, Fill fill) {
-  DOMElement* element = xml::WithBadAlloc([&] { return writer.AddChildDOMElement(parent, tag); });
-  if (!element) return false;
-  try {
-    xml::WithBadAlloc([&] { fill(element); });
-  } catch (...) {
-    parent->removeChild(element)->release();
-    throw;
-  }
-  return true;
-}
-
 bool AppendDesignFile(ElementWriter& writer, DOMElement* parent, const XMLCh* tag,
                       const DesignFile& file) {
-  return AppendElement(writer, parent, tag, [&](DOMElement* element) {
+  return writer.AppendElement(parent, tag, [&](DOMElement* element) {
     writer.SetDOMElementAttribute(element, format::kName, file.name);
     writer.SetDOMElementAttribute(element, format::kVersion, file.version);
     writer.SetDOMElementAttribute(element, format::kLibrary, file.library);
@@ -44,7 +34,7 @@ bool AppendNamedElement(ElementWriter& writer, DOMElement* parent, const XMLCh* 
 }
 
 bool AppendIPInstance(ElementWriter& writer, DOMElement* parent, const XMLCh* tag, const IP& ip) {
-  return AppendElement(writer, parent, tag, [&](DOMElement* element) {
+  return writer.AppendElement(parent, tag, [&](DOMElement* element) {
     writer.SetDOMElementAttribute(element, format::kInstanceName, ip.instance_name);
     writer.SetDOMElementAttribute(element, format::kPath, ip.path);
     for (const IPSrcFile& file : ip.src_files) {
@@ -55,7 +45,7 @@ bool AppendIPInstance(ElementWriter& writer, DOMElement* parent, const XMLCh* ta
 
 bool AppendParameter(ElementWriter& writer, DOMElement* parent, const XMLCh* tag,
                      const Parameter& parameter) {
-  return AppendElement(writer, parent, tag, [&](DOMElement* element) {
+  return writer.AppendElement(parent, tag, [&](DOMElement* element) {
     writer.SetDOMElementAttribute(element, format::kName, parameter.name);
     writer.SetDOMElementAttribute(element, format::kValue, parameter.value);
     if (parameter.type != kNoParameterType) {
@@ -69,15 +59,29 @@ bool AppendParameter(ElementWriter& writer, DOMElement* parent, const XMLCh* tag
 template <typename Fill>
 bool AppendProcess(ElementWriter& writer, DOMElement* parent, const std::string& name,
                    const std::string& tool_name, Fill fill) {
-  if (!parent || name.empty()) return false;
+  if (!parent) return false;
   const std::u16string tag = writer.ElementName(name);
-  return AppendElement(writer, parent, tag.c_str(), [&](DOMElement* element) {
+  return writer.AppendElement(parent, tag.c_str(), [&](DOMElement* element) {
     if (!tool_name.empty()) {
       writer.SetDOMElementAttribute(element, format::kToolName, tool_name);
     }
     fill(element);
   });
 }
+
+/// A parameter map and the tag of its parameters' elements.
+using TaggedMap = std::pair<std::u16string, const ParameterMap*>;
+
+// The maps of a process that are written.
+std::vector<TaggedMap> TaggedMaps(ElementWriter& writer, const FlowProcess& process) {
+  std::vector<TaggedMap> maps;
+  ForEachFilledParameterMap(process, [&](const std::string& name, const ParameterMap& map) {
+    maps.emplace_back(writer.ElementName(name), &map);
+  });
+  return maps;
+}
+
+bool HasTag(const TaggedMap& map) { return !map.first.empty(); }
 
 void AppendParameters(ElementWriter& writer, DOMElement* process, const Name& tag,
                       const std::vector<Parameter>& parameters) {
@@ -92,7 +96,7 @@ bool KelProjectDatabase::AppendDeviceInfoToDOMElement(DOMElement* parent, Device
                                                       const char16_t* namespace_uri,
                                                       const char16_t* prefix) const {
   ElementWriter writer(namespace_uri, prefix);
-  return AppendElement(writer, parent, format::kDeviceInfo.wide, [&](DOMElement* section) {
+  return writer.AppendElement(parent, format::kDeviceInfo.wide, [&](DOMElement* section) {
     const auto append = [&](const Name& tag, const std::string& name) {
       AppendNamedElement(writer, section, tag.wide, name);
     };
@@ -106,7 +110,7 @@ bool KelProjectDatabase::AppendDesignInfoToDOMElement(DOMElement* parent, Design
                                                       const char16_t* namespace_uri,
                                                       const char16_t* prefix) const {
   ElementWriter writer(namespace_uri, prefix);
-  return AppendElement(writer, parent, format::kDesignInfo.wide, [&](DOMElement* section) {
+  return writer.AppendElement(parent, format::kDesignInfo.wide, [&](DOMElement* section) {
     writer.SetDOMElementAttribute(section, format::kDefVeriVersion, design_info.def_veri_version);
     writer.SetDOMElementAttribute(section, format::kDefVhdlVersion, design_info.def_vhdl_version);
     AppendNamedElement(writer, section, format::kTopModule.wide, design_info.top_module);
@@ -122,7 +126,7 @@ bool KelProjectDatabase::AppendDesignConstraintToDOMElement(DOMElement* parent,
                                                             const char16_t* namespace_uri,
                                                             const char16_t* prefix) const {
   ElementWriter writer(namespace_uri, prefix);
-  return AppendElement(writer, parent, format::kConstraintInfo.wide, [&](DOMElement* section) {
+  return writer.AppendElement(parent, format::kConstraintInfo.wide, [&](DOMElement* section) {
     for (const std::string& name : constraint.sdc_files) {
       AppendNamedElement(writer, section, format::kSdcFile.wide, name);
     }
@@ -134,7 +138,7 @@ bool KelProjectDatabase::AppendISFToDOMElement(DOMElement* parent, DesignISF& is
                                                const char16_t* namespace_uri,
                                                const char16_t* prefix) const {
   ElementWriter writer(namespace_uri, prefix);
-  return AppendElement(writer, parent, format::kIsfInfo.wide, [&](DOMElement* section) {
+  return writer.AppendElement(parent, format::kIsfInfo.wide, [&](DOMElement* section) {
     for (const std::string& name : isf.isf_files) {
       AppendNamedElement(writer, section, format::kIsfFile.wide, name);
     }
@@ -148,8 +152,11 @@ bool KelProjectDatabase::AppendDesignFileListToDOMElement(DOMElement* parent, co
                                                           const char16_t* prefix) const {
   ElementWriter writer(namespace_uri, prefix);
   const std::u16string list = TagOf(writer, parent, list_tag);
-  const std::u16string item = TagOf(writer, parent, item_tag);
-  return AppendElement(writer, parent, list.c_str(), [&](DOMElement* section) {
+  // A list without items, or one that shall have none, asks for no tag for them.
+  const bool has_items = item_tag && !files.empty();
+  const std::u16string item = has_items ? TagOf(writer, parent, item_tag) : std::u16string();
+  if (has_items && item.empty()) return false;
+  return writer.AppendElement(parent, list.c_str(), [&](DOMElement* section) {
     for (const DesignFile& file : files) AppendDesignFile(writer, section, item.c_str(), file);
   });
 }
@@ -166,7 +173,7 @@ bool KelProjectDatabase::AppendIPInfoToDOMElement(DOMElement* parent, IPInfo& ip
                                                   const char16_t* namespace_uri,
                                                   const char16_t* prefix) const {
   ElementWriter writer(namespace_uri, prefix);
-  return AppendElement(writer, parent, format::kIpInfo.wide, [&](DOMElement* section) {
+  return writer.AppendElement(parent, format::kIpInfo.wide, [&](DOMElement* section) {
     for (const IP& ip : ip_info.ips) AppendIPInstance(writer, section, format::kIp.wide, ip);
   });
 }
@@ -198,13 +205,13 @@ bool KelProjectDatabase::AppendFlowProcessToDOMElement(DOMElement* parent,
                                                        const FlowProcess& process,
                                                        const char16_t* namespace_uri,
                                                        const char16_t* prefix) const {
+  if (!parent) return false;
   ElementWriter writer(namespace_uri, prefix);
+  const std::vector<TaggedMap> maps = TaggedMaps(writer, process);
+  if (!std::all_of(maps.begin(), maps.end(), HasTag)) return false;
   return AppendProcess(writer, parent, process.name, process.tool_name, [&](DOMElement* element) {
-    for (const auto& [map_name, position] : process.parameter_map_index) {
-      const ParameterMap* map = ParameterMapAt(process, position);
-      if (!map) continue;
-      const std::u16string tag = writer.ElementName(map_name);
-      for (const auto& [name, parameter] : *map) {
+    for (const auto& [tag, map] : maps) {
+      for (const auto& [key, parameter] : *map) {
         AppendParameter(writer, element, tag.c_str(), parameter);
       }
     }

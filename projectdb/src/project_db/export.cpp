@@ -18,6 +18,7 @@
 #include "xml/errors.h"
 #include "xml/owned.h"
 #include "xml/platform.h"
+#include "xml/text.h"
 #include "xml/writer.h"
 
 namespace projectdb {
@@ -51,6 +52,22 @@ void SetRootAttributes(DOMElement* root, const std::string& project_name,
 
 void RequireWritten(bool written) {
   if (!written) throw Failure("an element cannot be created");
+}
+
+void RequireElementName(xml::Transcoder& transcoder, const std::string& what,
+                        const std::string& name) {
+  if (!transcoder.ToElementName(name).empty()) return;
+  throw Failure(fmt::format("{} has the name {:?}, which no element can have", what, name));
+}
+
+// The writer of a process does not tell which name it is that no element can have.
+void RequireElementNames(const FlowProcess& process, std::size_t type) {
+  xml::Transcoder transcoder;
+  const std::string what = fmt::format("the flow process {}", kProcessNames[type].narrow);
+  if (!process.name.empty()) RequireElementName(transcoder, what, process.name);
+  ForEachFilledParameterMap(process, [&](const std::string& name, const ParameterMap& /*map*/) {
+    RequireElementName(transcoder, "a parameter map of " + what, name);
+  });
 }
 
 // A process under the name of another, or of a section, would be read as that and change it.
@@ -119,6 +136,7 @@ bool KelProjectDatabase::AppendProjectToRoot(DOMElement* root) const {
     const FlowProcess& process = data_->flow_processes[type];
     RequireOwnName(process, type);
     RequireLoadableParameters(process);
+    RequireElementNames(process, type);
     if (process.name.empty()) {
       // An element needs a name; without one the process's parameters would be lost.
       FlowProcess named = process;

@@ -91,7 +91,7 @@ DOMElement* ElementWriter::AddChildDOMElement(DOMElement* parent, const XMLCh* t
 
 void ElementWriter::SetDOMElementAttribute(DOMElement* element, const Name& name,
                                            std::string_view value) {
-  if (element) element->setAttribute(name.wide, transcoder_.ToXml(value).c_str());
+  if (element) element->setAttribute(name.wide, transcoder().ToXml(value).c_str());
 }
 
 void ElementWriter::SetQualifiedAttribute(DOMElement* element, std::string_view name,
@@ -102,9 +102,9 @@ void ElementWriter::SetQualifiedAttribute(DOMElement* element, std::string_view 
   if ((has_prefix && !IsName(prefix)) || !IsName(has_prefix ? name.substr(colon + 1) : name)) {
     throw Failure(fmt::format("{:?} cannot be the name of an attribute", name));
   }
-  const std::u16string qualified_name = transcoder_.ToXml(name);
+  const std::u16string qualified_name = transcoder().ToXml(name);
   const std::u16string uri = has_prefix ? NamespaceOfPrefix(prefix) : std::u16string();
-  const XMLCh* text = transcoder_.ToXml(value).c_str();
+  const XMLCh* text = transcoder().ToXml(value).c_str();
   // By its whole name, which is found fast; by namespace, all attributes would be searched.
   xercesc::DOMAttr* attribute = element->getAttributeNode(qualified_name.c_str());
   if (!attribute) {
@@ -115,22 +115,19 @@ void ElementWriter::SetQualifiedAttribute(DOMElement* element, std::string_view 
   attribute->setValue(text);
 }
 
-bool ElementWriter::IsName(std::string_view text) { return IsNCName(transcoder_.ToXml(text)); }
+bool ElementWriter::IsName(std::string_view text) { return IsNCName(transcoder().ToXml(text)); }
 
 std::u16string ElementWriter::NamespaceOfPrefix(std::string_view prefix) {
-  const std::u16string text = transcoder_.ToXml(prefix);
+  const std::u16string text = transcoder().ToXml(prefix);
   if (text == u"xml") return xercesc::XMLUni::fgXMLURIName;
   if (prefix_ && text == prefix_) return namespace_uri_;
-  return namespace_uri_ + (u"/prefix/" + transcoder_.ToXml(EscapeForUri(prefix)));
+  return namespace_uri_ + (u"/prefix/" + transcoder().ToXml(EscapeForUri(prefix)));
 }
 
 bool ElementWriter::AddChildDOMElementWithAttribute(DOMElement* parent, const XMLCh* tag,
                                                     const Name& attribute, std::string_view value) {
-  if (!parent) return false;
-  const XMLCh* text = transcoder_.ToXml(value).c_str();
-  DOMElement* child = AddChildDOMElement(parent, tag);
-  if (child) child->setAttribute(attribute.wide, text);
-  return child != nullptr;
+  return AppendElement(parent, tag,
+                       [&](DOMElement* child) { SetDOMElementAttribute(child, attribute, value); });
 }
 
 }  // namespace projectdb::xml

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,6 +10,7 @@
 #include <xercesc/dom/DOMElement.hpp>
 
 #include "base/name.h"
+#include "xml/errors.h"
 #include "xml/text.h"
 
 /// Reading and making DOM elements.
@@ -63,7 +65,8 @@ void ReadAttributes(Transcoder& transcoder, const xercesc::DOMElement* element,
 std::string GetDOMAttributeString(Transcoder& transcoder, const xercesc::DOMElement* element,
                                   const Name& name);
 
-/// Makes elements of one namespace and prefix, and their attributes.
+/// Makes elements of one namespace and prefix, and their attributes. Where the parent is null it
+/// needs no XML platform.
 class ElementWriter {
  public:
   /// @param namespace_uri may be null
@@ -72,12 +75,17 @@ class ElementWriter {
       : namespace_uri_(namespace_uri), prefix_(prefix) {}
 
   /// The form in which a tag is handed to AddChildDOMElement.
-  /// @exception Failure if the tag is not a name without colon
-  std::u16string ElementName(std::string_view tag) { return transcoder_.ToElementName(tag); }
+  /// @return "" if the tag is not a name without colon
+  std::u16string ElementName(std::string_view tag) { return transcoder().ToElementName(tag); }
 
   /// Appends a child element.
   /// @return null if the parent or the tag is null or empty, or if there can be no such element
   xercesc::DOMElement* AddChildDOMElement(xercesc::DOMElement* parent, const XMLCh* tag);
+
+  /// Appends a child element and calls fill(element); what that throws leaves no element behind.
+  /// @return whether there is such an element now
+  template <typename Fill>
+  bool AppendElement(xercesc::DOMElement* parent, const XMLCh* tag, Fill fill);
 
   /// Sets an attribute without namespace; does nothing if the element is null.
   /// @exception Failure if XML cannot carry the value
@@ -98,12 +106,26 @@ class ElementWriter {
                                        const Name& attribute, std::string_view value);
 
  private:
+  Transcoder& transcoder() { return transcoder_ ? *transcoder_ : transcoder_.emplace(); }
   bool IsName(std::string_view text);
   std::u16string NamespaceOfPrefix(std::string_view prefix);
 
   const XMLCh* namespace_uri_;
   const XMLCh* prefix_;
-  Transcoder transcoder_;
+  std::optional<Transcoder> transcoder_;  ///< Made when it is first used.
 };
+
+template <typename Fill>
+bool ElementWriter::AppendElement(xercesc::DOMElement* parent, const XMLCh* tag, Fill fill) {
+  xercesc::DOMElement* element = WithBadAlloc([&] { return AddChildDOMElement(parent, tag); });
+  if (!element) return false;
+  try {
+    WithBadAlloc([&] { fill(element); });
+  } catch (...) {
+    parent->removeChild(element)->release();
+    throw;
+  }
+  return true;
+}
 
 }  // namespace projectdb::xml

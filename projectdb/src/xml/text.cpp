@@ -43,7 +43,8 @@ Transcoder::Transcoder() try
   throw std::bad_alloc();
 }
 
-void Transcoder::Transcode(std::string_view text) {
+// Whether the text is UTF-8.
+bool Transcoder::Transcode(std::string_view text) {
   // A character takes no more 16-bit units than it has bytes.
   xml_text_.resize(text.size());
   sizes_.resize(text.size());
@@ -57,10 +58,8 @@ void Transcoder::Transcode(std::string_view text) {
     bytes_read = 0;
   }
   const bool has_characters_beyond_ascii = length != text.size();
-  if (bytes_read != text.size() || (has_characters_beyond_ascii && HasByteBeyondUnicode(text))) {
-    throw Failure(fmt::format("the text {:?} is not UTF-8", text));
-  }
   xml_text_.resize(length);
+  return bytes_read == text.size() && !(has_characters_beyond_ascii && HasByteBeyondUnicode(text));
 }
 
 const std::u16string& Transcoder::ToXml(std::string_view text) {
@@ -69,7 +68,7 @@ const std::u16string& Transcoder::ToXml(std::string_view text) {
     std::copy(text.begin(), text.end(), xml_text_.begin());
     return xml_text_;
   }
-  Transcode(text);
+  if (!Transcode(text)) throw Failure(fmt::format("the text {:?} is not UTF-8", text));
   const auto forbidden = std::find_if(xml_text_.begin(), xml_text_.end(), IsForbidden);
   if (forbidden != xml_text_.end()) {
     throw Failure(fmt::format("the text {:?} has the character U+{:04X}, which XML cannot carry",
@@ -79,11 +78,7 @@ const std::u16string& Transcoder::ToXml(std::string_view text) {
 }
 
 std::u16string Transcoder::ToElementName(std::string_view name) {
-  Transcode(name);
-  if (!IsNCName(xml_text_)) {
-    throw Failure(fmt::format("{:?} cannot be the name of an element", name));
-  }
-  return xml_text_;
+  return Transcode(name) && IsNCName(xml_text_) ? xml_text_ : std::u16string();
 }
 
 std::string Transcoder::ToUtf8(const XMLCh* text) {

@@ -23,14 +23,14 @@ class Transcoder {
   const std::u16string& ToXml(std::string_view text);
 
   /// The name of an element.
-  /// @exception Failure if it is not a name without colon
+  /// @return "" if the text is not a name without colon
   std::u16string ToElementName(std::string_view name);
 
   /// @param text zero-terminated; null gives ""
   std::string ToUtf8(const XMLCh* text);
 
  private:
-  void Transcode(std::string_view text);
+  bool Transcode(std::string_view text);
 
   xercesc::XMLUTF8Transcoder transcoder_;
   std::u16string xml_text_;
