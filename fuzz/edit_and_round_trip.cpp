@@ -476,11 +476,15 @@ void WriteElement(Run& run, Write write) {
   DOMElement* const parent = run.input.Byte() % 8U == 0 ? nullptr : document.root();
   const auto uri = WideText(run);
   const auto prefix = WideText(run);
-  Allowing<std::runtime_error>([&] {
-    const bool written =
-        write(parent, uri ? uri->c_str() : nullptr, prefix ? prefix->c_str() : nullptr);
-    Require(parent || !written, "an element is written to no parent");
-  });
+  bool written = false;
+  try {
+    written = write(parent, uri ? uri->c_str() : nullptr, prefix ? prefix->c_str() : nullptr);
+  } catch (const std::runtime_error&) {
+    Require(parent, "a writer throws without a parent");
+  }
+  Require(parent || !written, "an element is written to no parent");
+  Require(written == (document.root()->getFirstChild() != nullptr),
+          "a writer appends something else than it says");
 }
 
 // For writers that take one record, and for those that take a tag first.

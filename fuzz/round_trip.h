@@ -17,8 +17,9 @@ Loaded LoadAndCheck(projectdb::KelProjectDatabase& database, const std::string& 
                     const std::string& schema);
 
 /// Exports a project and requires that the file, if the export reports it as written, is read back
-/// to the same project, with and without the schema; that a project which cannot be exported leaves
-/// the file as it was; and that the project is the same as before in any case.
+/// to the same project, with and without the schema, if no part of it is read as something else;
+/// that a project which cannot be exported leaves the file as it was; and that the project is the
+/// same as before in any case.
 /// @return whether the file was written
 bool ExportAndCheck(const projectdb::KelProjectDatabase& database, MemoryFile& file);
 

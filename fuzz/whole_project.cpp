@@ -29,6 +29,10 @@ using projectdb::SortedParameters;
 constexpr std::array<std::string_view, 4> kProcessNames = {"synthesis", "place_and_route",
                                                            "bitstream_generation", "debugger"};
 
+constexpr std::array<std::string_view, 7> kSections = {
+    "device_info", "design_info", "constraint_info", "isf_info",
+    "sim_info",    "misc_info",   "ip_info"};
+
 bool IsMapOfTheFormat(std::size_t process, std::string_view name) {
   return name == "param" || (process == 0 && (name == "dynparam" || name == "defmacro"));
 }
@@ -134,24 +138,33 @@ bool HasPlainFiles(const ProjectContents& project) {
 
 bool HasPlainTexts(const FlowProcessContents& process) {
   const auto is_plain = [](const auto& entry) {
-    return ArePlainTexts(entry.first, entry.second.value);
+    return ArePlainTexts(entry.second.name, entry.second.value);
   };
   const auto& maps = process.parameter_maps;
-  return IsPlainText(process.tool_name) && std::all_of(maps.begin(), maps.end(), [&](auto& map) {
-           return IsPlainName(map.first) &&
-                  std::all_of(map.second.begin(), map.second.end(), is_plain);
+  return (process.name.empty() || IsPlainName(process.name)) && IsPlainText(process.tool_name) &&
+         std::all_of(maps.begin(), maps.end(), [&](const auto& map) {
+           const auto& [name, parameters] = map;
+           return parameters.empty() ||
+                  (IsPlainName(name) &&
+                   std::all_of(parameters.begin(), parameters.end(), is_plain));
          });
 }
 
-bool HasOnlyPlainParameters(const FlowProcess& process) {
-  const auto is_plain = [](const auto& entry) {
-    const auto& [key, parameter] = entry;
-    return key == parameter.name &&
-           parameter.value.empty() == (parameter.type == projectdb::e_noarg);
-  };
-  return std::all_of(
-      process.parameter_maps.begin(), process.parameter_maps.end(),
-      [&](const ParameterMap& map) { return std::all_of(map.begin(), map.end(), is_plain); });
+bool IsReadAsItIs(const std::pair<const std::string, Parameter>& entry) {
+  const auto& [key, parameter] = entry;
+  return key == parameter.name && parameter.value.empty() == (parameter.type == projectdb::e_noarg);
+}
+
+bool IsReadAsItIs(std::size_t type, const FlowProcessContents& process) {
+  const bool is_taken_for_another =
+      !IsProcessOfTheFormat(type, process.name) &&
+      (std::find(kProcessNames.begin(), kProcessNames.end(), process.name) != kProcessNames.end() ||
+       std::find(kSections.begin(), kSections.end(), process.name) != kSections.end());
+  const auto& maps = process.parameter_maps;
+  return !is_taken_for_another && std::all_of(maps.begin(), maps.end(), [](const auto& map) {
+    return std::all_of(map.second.begin(), map.second.end(),
+                       [](const auto& entry) { return IsReadAsItIs(entry); });
+  });
 }
 
 }  // namespace
@@ -200,15 +213,20 @@ bool HasOnlyNamesOfTheFormat(const KelProjectDatabase& database) {
   return result;
 }
 
-bool IsPlain(const KelProjectDatabase& database) {
-  if (!database.IsProjectDatabaseExist() || !HasOnlyNamesOfTheFormat(database)) return false;
+bool IsReadAsItIs(const KelProjectDatabase& database) {
   const ProjectContents project = projectdb::GetProjectContents(database);
-  bool result = HasPlainProperties(project) && HasPlainFiles(project);
-  ForEachProcess(database, [&](std::size_t type, const FlowProcess& process) {
-    result =
-        result && HasPlainTexts(project.flow_processes.at(type)) && HasOnlyPlainParameters(process);
-  });
+  bool result = true;
+  for (std::size_t type = 0; type < project.flow_processes.size(); ++type) {
+    result = result && IsReadAsItIs(type, project.flow_processes[type]);
+  }
   return result;
+}
+
+bool IsPlain(const KelProjectDatabase& database) {
+  const ProjectContents project = projectdb::GetProjectContents(database);
+  const auto& processes = project.flow_processes;
+  return database.IsProjectDatabaseExist() && HasPlainProperties(project) &&
+         HasPlainFiles(project) && std::all_of(processes.begin(), processes.end(), HasPlainTexts);
 }
 
 }  // namespace fuzz

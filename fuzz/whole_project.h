@@ -24,8 +24,11 @@ void RequireSame(const projectdb::ProjectContents& expected,
 /// Whether all processes and maps that hold something have names that a load accepts.
 bool HasOnlyNamesOfTheFormat(const projectdb::KelProjectDatabase& database);
 
-/// Whether nothing in the project can be a reason not to export it: plain ASCII texts and names,
-/// and parameters that every load accepts.
+/// Whether a load reads nothing of what is written as something else: no process has the name of
+/// another or of a section, every parameter stands under its name and has a value for its type.
+bool IsReadAsItIs(const projectdb::KelProjectDatabase& database);
+
+/// Whether nothing in the project can be a reason not to export it: plain ASCII texts and names.
 bool IsPlain(const projectdb::KelProjectDatabase& database);
 
 }  // namespace fuzz

@@ -38,7 +38,6 @@ namespace {
 
 using projectdb::DesignFile;
 using projectdb::KelProjectDatabase;
-using projectdb::Parameter;
 using test_support::Denied;
 using test_support::InChildProcess;
 using test_support::MessageRecorder;
@@ -585,64 +584,6 @@ TEST_F(ExportFailures, ExportProjectData_ProcessRenamedAfterAnError_IsWritten) {
   database_.SetFlowProcessName(projectdb::e_debugger, "debugger");
   EXPECT_EQ(ExportError(database_, path_), "");
 }
-
-TEST_F(ExportFailures, ExportProjectData_ProcessUnderTheNameOfAnotherOrASection_IsAnError) {
-  for (const char* name : {"debugger", "device_info", "design_info", "constraint_info", "isf_info",
-                           "sim_info", "misc_info", "ip_info"}) {
-    SCOPED_TRACE(name);
-    database_.SetFlowProcessName(projectdb::e_synthesis, name);
-    EXPECT_THAT(ExportError(database_, path_), IsWritingErrorFor(path_));
-  }
-}
-
-// Parameters that would not come back as they are.
-
-TEST_F(ExportFailures, ExportProjectData_ParameterUnderAnotherKey_IsAnError) {
-  auto* map = database_.AddFlowProcessParameterMap(projectdb::e_debugger, "param");
-  ASSERT_TRUE(KelProjectDatabase::InsertOrAssignParameterToMap(
-      *map, "key", Parameter("name", "v", projectdb::e_string)));
-  EXPECT_THAT(ExportError(database_, path_), IsWritingErrorFor(path_));
-}
-
-TEST_F(ExportFailures, ExportProjectData_ParameterRenamedUnderItsKey_IsAnError) {
-  database_.AddDebuggerParameter("p", "v", projectdb::e_string);
-  auto* map = database_.FindFlowProcessParameterMap(projectdb::e_debugger, "param");
-  ASSERT_TRUE(KelProjectDatabase::InsertOrAssignParameterToMap(
-      *map, "p", Parameter("q", "v", projectdb::e_string)));
-  EXPECT_THAT(ExportError(database_, path_), IsWritingErrorFor(path_));
-}
-
-TEST_F(ExportFailures, ExportProjectData_ParameterUnderAnotherKey_LeavesTheFileThatWasThere) {
-  WriteFile(path_, "former");
-  auto* map = database_.AddFlowProcessParameterMap(projectdb::e_debugger, "param");
-  map->emplace("key", Parameter("name", "v", projectdb::e_string));
-  ExportError(database_, path_);
-  EXPECT_EQ(ReadFile(path_), "former");
-}
-
-/// What no adding operation takes as a parameter: only a caller who fills a map past them has it.
-struct RefusedParameter {
-  std::string value;
-  int type;
-};
-
-void PrintTo(const RefusedParameter& parameter, std::ostream* out) {
-  *out << "value \"" << parameter.value << "\" of type " << parameter.type;
-}
-
-class ExportOfRefusedParameter : public ExportFailures,
-                                 public testing::WithParamInterface<RefusedParameter> {};
-
-TEST_P(ExportOfRefusedParameter, ExportProjectData_IsAnErrorBecauseNoLoadWouldTakeIt) {
-  database_.AddFlowProcessParameterMap(projectdb::e_debugger, "param")
-      ->emplace("p", Parameter("p", GetParam().value, projectdb::ParameterType(GetParam().type)));
-  EXPECT_THAT(ExportError(database_, path_), IsWritingErrorFor(path_));
-}
-
-INSTANTIATE_TEST_SUITE_P(ValueAndType, ExportOfRefusedParameter,
-                         testing::Values(RefusedParameter{"", 0}, RefusedParameter{"", 1},
-                                         RefusedParameter{"", 2}, RefusedParameter{"on", 3},
-                                         RefusedParameter{"", 4}, RefusedParameter{"", 7}));
 
 // Cleaning from another thread.
 

@@ -30,6 +30,7 @@ namespace {
 
 using projectdb::DesignFile;
 using projectdb::KelProjectDatabase;
+using projectdb::Parameter;
 using projectdb::ParameterType;
 using projectdb::ProcType;
 using test_support::AllElements;
@@ -515,6 +516,59 @@ TEST_F(ExportOfNewProject, ExportProjectData_PlainParameters_AreNotWritten) {
 TEST_F(ExportOfNewProject, ExportProjectData_RenamedProcess_IsWrittenUnderItsNameInItsPlace) {
   database_.SetFlowProcessName(projectdb::e_place_and_route, "layout");
   EXPECT_EQ(ExportedRoot().children[8].name, "kel:layout");
+}
+
+TEST_F(ExportOfNewProject, ExportProjectData_ProcessUnderTheNameOfAnotherOrASection_IsWritten) {
+  for (const char* name :
+       {"debugger", "device_info", "design_info", "constraint_info", "isf_info", "sim_info",
+        "misc_info", "ip_info", "package_info", "security", "project"}) {
+    database_.SetFlowProcessName(projectdb::e_synthesis, name);
+    EXPECT_EQ(ExportedRoot().children.at(7).name, std::string("kel:") + name);
+  }
+}
+
+// Parameters that a load would read otherwise.
+
+TEST_F(ExportOfNewProject, ExportProjectData_ParameterUnderAnotherKey_IsWrittenUnderItsName) {
+  auto* map = database_.AddFlowProcessParameterMap(projectdb::e_debugger, "param");
+  ASSERT_TRUE(KelProjectDatabase::InsertOrAssignParameterToMap(
+      *map, "key", Parameter("name", "v", projectdb::e_string)));
+  EXPECT_EQ(ExportedSection("debugger"),
+            R"(<debugger><param name="name" value="v" value_type="e_string"/></debugger>)");
+}
+
+TEST_F(ExportOfNewProject, ExportProjectData_ParameterRenamedUnderItsKey_IsWrittenUnderItsName) {
+  database_.AddDebuggerParameter("p", "v", projectdb::e_string);
+  auto* map = database_.FindFlowProcessParameterMap(projectdb::e_debugger, "param");
+  ASSERT_TRUE(KelProjectDatabase::InsertOrAssignParameterToMap(
+      *map, "p", Parameter("q", "w", projectdb::e_string)));
+  EXPECT_EQ(ExportedSection("debugger"),
+            R"(<debugger><param name="q" value="w" value_type="e_string"/></debugger>)");
+}
+
+TEST_F(ExportOfNewProject, ExportProjectData_TwoKeysOfOneName_AreWrittenEach) {
+  auto* map = database_.AddFlowProcessParameterMap(projectdb::e_debugger, "param");
+  for (const char* key : {"a", "b"}) map->emplace(key, Parameter("p", key, projectdb::e_option));
+  EXPECT_THAT(ShowSortedChildren(ExportedRoot().Child("debugger")),
+              ElementsAre(R"(<param name="p" value="a" value_type="e_option"/>)",
+                          R"(<param name="p" value="b" value_type="e_option"/>)"));
+}
+
+TEST_F(ExportOfNewProject, ExportProjectData_ValueThatDoesNotGoWithItsType_IsWritten) {
+  auto* map = database_.AddFlowProcessParameterMap(projectdb::e_debugger, "param");
+  map->emplace("a", Parameter("a", "", projectdb::e_string));
+  map->emplace("b", Parameter("b", "", projectdb::e_bool));
+  map->emplace("c", Parameter("c", "", projectdb::e_option));
+  map->emplace("d", Parameter("d", "on", projectdb::e_noarg));
+  map->emplace("e", Parameter("e", "", projectdb::kNoParameterType));
+  map->emplace("f", Parameter("f", "", ParameterType(7)));
+  EXPECT_THAT(
+      ShowSortedChildren(ExportedRoot().Child("debugger")),
+      ElementsAre(R"(<param name="a" value="" value_type="e_string"/>)",
+                  R"(<param name="b" value="" value_type="e_bool"/>)",
+                  R"(<param name="c" value="" value_type="e_option"/>)",
+                  R"(<param name="d" value="on" value_type="e_noarg"/>)",
+                  R"(<param name="e" value=""/>)", R"(<param name="f" value="" value_type=""/>)"));
 }
 
 struct TypeCase {

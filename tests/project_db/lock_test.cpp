@@ -33,6 +33,7 @@ using test_support::NamesIn;
 using test_support::ProjectXml;
 using test_support::ReadFile;
 using test_support::ReadingMessage;
+using test_support::SaveError;
 using test_support::SchemaMissingMessage;
 using test_support::ThrowingHandler;
 using test_support::UnexpectedMessage;
@@ -162,6 +163,26 @@ TEST_P(InterruptedDurableExport, ExportProjectDataDurably_Cleaned_LeavesTheFileT
 }
 
 INSTANTIATE_TEST_SUITE_P(Locks, InterruptedDurableExport, testing::Values(1, 2, 3));
+
+/// What no load would read as it is.
+void ChangeSoThatNoLoadReadsIt(KelProjectDatabase& database) {
+  database.AddFlowProcessParameterMap(projectdb::e_debugger, "param")
+      ->emplace("key", projectdb::Parameter("name", "v", projectdb::e_string));
+}
+
+TEST_F(InterruptedExport, ExportProjectDataDurably_ChangedBeforeAnyOfItsLocks_IsRefused) {
+  int locks = 0;
+  for (bool happened = true; happened; ++locks) {
+    KelProjectDatabase changed;
+    changed.CreateNewProjectDatabase("changed");
+    const BeforeLock before_lock(
+        changed, locks + 1, [&] { InAnotherThread([&] { ChangeSoThatNoLoadReadsIt(changed); }); });
+    const std::string error = SaveError(changed, path());
+    happened = before_lock.happened();
+    EXPECT_EQ(error.empty(), !happened) << "before lock " << locks + 1;
+  }
+  EXPECT_GT(locks, 1);
+}
 
 class InterruptedCreation : public Interruption {
  protected:

@@ -36,6 +36,8 @@ namespace {
 
 using projectdb::ExportProjectDataDurably;
 using projectdb::KelProjectDatabase;
+using projectdb::Parameter;
+using projectdb::ParameterMap;
 using test_support::AccessListFor;
 using test_support::AccessListOf;
 using test_support::FileState;
@@ -577,6 +579,87 @@ TEST_F(DurableExport, TextCorrectedAfterAnError_IsWritten) {
   database_.SetProjectName("corrected");
   ExportProjectDataDurably(database_, path_);
   EXPECT_EQ(NameInFile(path_), "corrected");
+}
+
+// Projects that a load would read as another.
+
+/// Something that no adding operation brings into a project.
+struct ForeignChange {
+  std::string name;
+  std::string reason;  ///< What the save says of it.
+  std::function<void(KelProjectDatabase&)> apply;
+};
+
+void PrintTo(const ForeignChange& change, std::ostream* out) { *out << change.name; }
+
+ParameterMap& DebuggerParameters(KelProjectDatabase& database) {
+  return *database.AddFlowProcessParameterMap(projectdb::e_debugger, "param");
+}
+
+std::vector<ForeignChange> ForeignChanges() {
+  std::vector<ForeignChange> changes = {
+      {"parameter inserted under another key",
+       "the parameter \"name\" is stored under the name \"key\"",
+       [](auto& db) {
+         KelProjectDatabase::InsertOrAssignParameterToMap(
+             DebuggerParameters(db), "key", Parameter("name", "v", projectdb::e_string));
+       }},
+      {"parameter renamed under its key", "the parameter \"q\" is stored under the name \"p\"",
+       [](auto& db) {
+         db.AddDebuggerParameter("p", "v", projectdb::e_string);
+         DebuggerParameters(db).at("p").name = "q";
+       }}};
+  for (const int type : {0, 1, 2, 3, 4, 7}) {
+    changes.push_back({"unfit value of type " + std::to_string(type),
+                       "the parameter \"p\" has a value that does not go with its type",
+                       [type](auto& db) {
+                         const char* const value = type == projectdb::e_noarg ? "on" : "";
+                         DebuggerParameters(db).emplace(
+                             "p", Parameter("p", value, projectdb::ParameterType(type)));
+                       }});
+  }
+  for (const char* name : {"debugger", "device_info", "design_info", "constraint_info", "isf_info",
+                           "sim_info", "misc_info", "ip_info"}) {
+    changes.push_back({std::string("synthesis named ") + name,
+                       "the flow process \"synthesis\" is named \"" + std::string(name) + "\"",
+                       [name](auto& db) { db.SetFlowProcessName(projectdb::e_synthesis, name); }});
+  }
+  return changes;
+}
+
+class DurableExportOfForeign : public DurableExport,
+                               public testing::WithParamInterface<ForeignChange> {};
+
+TEST_P(DurableExportOfForeign, IsAnErrorThatTellsIt) {
+  GetParam().apply(database_);
+  EXPECT_EQ(SaveError(database_, path_), WritingError(path_, GetParam().reason));
+}
+
+TEST_P(DurableExportOfForeign, LeavesTheFileThatIsThere) {
+  WriteFormer(path_);
+  const FileState former(path_);
+  GetParam().apply(database_);
+  EXPECT_NE(SaveError(database_, path_), "");
+  EXPECT_EQ(FileState(path_), former);
+  EXPECT_THAT(NamesIn(directory_.path()), ElementsAre("p.xml"));
+}
+
+TEST_P(DurableExportOfForeign, PlainExport_WritesIt) {
+  GetParam().apply(database_);
+  EXPECT_NO_THROW(database_.ExportProjectData(path_));
+  EXPECT_EQ(NameInFile(path_), "next");
+}
+
+INSTANTIATE_TEST_SUITE_P(Changes, DurableExportOfForeign, testing::ValuesIn(ForeignChanges()));
+
+TEST_F(DurableExport, ProcessesWithoutNames_AreWrittenUnderTheirOwn) {
+  KelProjectDatabase unnamed;
+  unnamed.SetupProjectDatabase();
+  unnamed.AddDebuggerParameter("p", "v", projectdb::e_string);
+  ExportProjectDataDurably(unnamed, path_);
+  KelProjectDatabase loaded;
+  ASSERT_TRUE(loaded.LoadProjectData(path_, ""));
+  EXPECT_EQ(loaded.GetDebuggerParameterValue("p"), "v");
 }
 
 // Refused and failing file systems. The former file is there in all of these.

@@ -13,6 +13,11 @@ class KelProjectDatabase;
 /// machine. On return the new file is on the disk. Does nothing if there is no project or the path
 /// is empty.
 ///
+/// What a load would read as something else is refused, while ExportProjectData writes it: a flow
+/// process under the name of another or of a section, a parameter that is stored under another key
+/// than its name, and one whose value does not go with its type. The project is tested in the
+/// moment in which it is copied to be written.
+///
 /// The project is written to a new file in the same directory, which then takes the place of the
 /// former one. Hence:
 /// - The process must be allowed to create files in the directory, to list it, and to write the
@@ -31,10 +36,11 @@ class KelProjectDatabase;
 /// @param database the object with the project
 /// @param path native path; at a directory, a device or a pipe nothing is written
 /// @exception std::runtime_error "Failed writing XML file " + path + ": " + reason + "\n" in all
-///            cases in which ExportProjectData throws it or xercesc::IOException, and if a step of
-///            the replacement fails. The former file is then as it was, and no other file is left.
-///            Only if the last step fails, which brings the directory to the disk, the new file is
-///            in place already, and the former one may be back after a failure of the machine.
+///            cases in which ExportProjectData throws it or xercesc::IOException, if the project is
+///            refused, and if a step of the replacement fails. The former file is then as it was,
+///            and no other file is left. Only if the last step fails, which brings the directory to
+///            the disk, the new file is in place already, and the former one may be back after a
+///            failure of the machine.
 /// @exception std::bad_alloc with the former file as it was
 PROJECTDB_EXPORT void ExportProjectDataDurably(const KelProjectDatabase& database,
                                                const std::string& path);

@@ -305,22 +305,45 @@ class PROJECTDB_EXPORT KelProjectDatabase {
   /// overwritten, lists appended to, parameters inserted or assigned. The project's directory
   /// becomes that of the file.
   ///
+  /// Not every file comes in whole:
+  /// - One with a document type declaration is refused as malformed.
+  /// - A parameter that its map refuses, as InsertOrAssignParameterToMap would, is left out without
+  ///   a message and without a false result; CheckProjectFile (check.h) tells of it.
+  /// - One of XML 1.1 may bring in control characters, which no export can write.
+  ///
   /// @param xml_file path of the project file, which must end in ".xml"
   /// @param schema_file path of the XML schema, or "": then a local schema that the file itself
-  ///        names is used, if there is one
-  /// @return false if the file is missing or malformed, with an error message and the project
-  ///         untouched; false, with all else loaded, if it has elements outside the format
-  /// @exception std::runtime_error if the XML library fails; the project is untouched
+  ///        names is used, if there is one. A schema must be a regular file of at most 16 MiB; one
+  ///        that is given and is not makes the file count as malformed. One that is given and does
+  ///        not exist is a warning, and the file is loaded as if none were given.
+  /// @return false, with the project untouched, if the path is empty (without a message) or if the
+  ///         file is missing or malformed (with an error message); false, with all else loaded, if
+  ///         it has sections outside the format (with an error message for each) or elements
+  ///         outside the format within the sections that allow no others (without a message)
+  /// @exception std::runtime_error if the XML library fails, with the project untouched: "Failed
+  ///            parsing XML file …"; "Unexpected Exception", which is also the error if memory runs
+  ///            out inside the parse; "Failed to initialize …", after which no load and no export
+  ///            of this process succeeds any more
   bool LoadProjectData(const std::string& xml_file, const std::string& schema_file);
 
   /// Writes the project to a file, stamped with this library's version and the local time; does
-  /// nothing without a project. What is written can be loaded again.
+  /// nothing without a project. A load of the file gives the same project, except where a caller
+  /// has brought something into it that a load reads as something else or not at all, which is
+  /// written as it stands:
+  /// - a change through a pointer, such as a value that does not go with its parameter's type;
+  /// - a parameter under another key than its name;
+  /// - a process under another name than a new project gives it;
+  /// - a parameter map under a name that its process does not have in a project file.
+  ///
+  /// ExportProjectDataDurably (durable_export.h) refuses what a load would read as something else.
+  /// A process without a name is written under that of a new project.
   ///
   /// @exception std::runtime_error "Failed writing XML file …" if the project holds text that no
-  ///            XML file can hold, a process under the name of another or of a section, or a
-  ///            parameter that would not be read again (an existing file is then untouched), or if
-  ///            the file could not be written whole; "Failed to initialize …" if the XML library
-  ///            cannot be used
+  ///            XML file can hold, or if a process, a parameter map with parameters or an info
+  ///            attribute has a name that none can have in XML (an existing file is then
+  ///            untouched), or if the file could not be written whole; "Unexpected Exception" if
+  ///            memory runs out while it is written; "Failed to initialize …" if the XML library
+  ///            cannot be used, which stays so for as long as the process runs
   /// @exception xercesc::IOException if the file cannot be opened
   void ExportProjectData(const std::string& path) const;
   /// @}
@@ -368,6 +391,8 @@ class PROJECTDB_EXPORT KelProjectDatabase {
 
  private:
   friend PROJECTDB_EXPORT ProjectContents GetProjectContents(const KelProjectDatabase& database);
+  friend PROJECTDB_EXPORT void ExportProjectDataDurably(const KelProjectDatabase& database,
+                                                        const std::string& path);
   friend ProjectFileChecker;  // It reads a document as a load does, but posts no messages.
 
   struct PROJECTDB_NO_EXPORT ProjectData;
@@ -379,7 +404,12 @@ class PROJECTDB_EXPORT KelProjectDatabase {
 
   PROJECTDB_NO_EXPORT bool LoadProjectDocument(const xercesc::DOMElement* root,
                                                LoadObserver& observer);
-  PROJECTDB_NO_EXPORT bool AppendProjectToRoot(xercesc::DOMElement* root) const;
+
+  /// Throws if the processes must not be written.
+  using ProcessTest = void (*)(const std::vector<FlowProcess>&);
+  /// Exports the project if it passes the test, which runs under the lock under which it is copied.
+  PROJECTDB_NO_EXPORT void ExportTestedProject(const std::string& path, ProcessTest test) const;
+  PROJECTDB_NO_EXPORT bool AppendProjectToRoot(xercesc::DOMElement* root, ProcessTest test) const;
 
   PROJECTDB_NO_EXPORT bool LoadProjectInfoAttributes(const char* ns,
                                                      const xercesc::DOMElement* root);

@@ -1,6 +1,6 @@
-#include <algorithm>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include <fmt/format.h>
 #include <kel/version.h>
@@ -70,36 +70,13 @@ void RequireElementNames(const FlowProcess& process, std::size_t type) {
   });
 }
 
-// A process under the name of another, or of a section, would be read as that and change it.
-void RequireOwnName(const FlowProcess& process, std::size_t type) {
-  const auto is_its_name = [&process](const Name& name) { return process.name == name.narrow; };
-  if (is_its_name(kProcessNames[type])) return;
-  if (std::any_of(kProcessNames.begin(), kProcessNames.end(), is_its_name) ||
-      std::any_of(format::kSections.begin(), format::kSections.end(), is_its_name)) {
-    throw Failure(fmt::format("the flow process {:?} is named {:?}", kProcessNames[type].narrow,
-                              process.name));
-  }
-}
-
-// What a caller changed through a pointer into a map may be something that no load would give back.
-void RequireLoadableParameters(const FlowProcess& process) {
-  for (const ParameterMap& map : process.parameter_maps) {
-    for (const auto& [key, parameter] : map) {
-      if (key != parameter.name) {
-        throw Failure(
-            fmt::format("the parameter {:?} is stored under the name {:?}", parameter.name, key));
-      }
-      if (!HasValueForItsType(parameter)) {
-        throw Failure(fmt::format("the parameter {:?} has a value that does not go with its type",
-                                  parameter.name));
-      }
-    }
-  }
-}
-
 }  // namespace
 
 void KelProjectDatabase::ExportProjectData(const std::string& path) const {
+  ExportTestedProject(path, [](const std::vector<FlowProcess>&) {});
+}
+
+void KelProjectDatabase::ExportTestedProject(const std::string& path, ProcessTest test) const {
   if (!IsProjectDatabaseExist()) return;
   // Terminated after success only: an exception of the XML library needs the library to be read.
   xml::InitializeXMLPlatform();
@@ -109,19 +86,20 @@ void KelProjectDatabase::ExportProjectData(const std::string& path) const {
   xml::Owned<xercesc::DOMDocument> document;
   const bool has_project = xml::WithPrefixedErrors(WritingPrefix(path), [&] {
     document = CreateProjectDocument(*core);
-    return AppendProjectToRoot(document->getDocumentElement());
+    return AppendProjectToRoot(document->getDocumentElement(), test);
   });
   if (has_project) xml::WriteDOMDocumentToFile(path, document.get());
   document.reset();
   xml::TerminateXMLPlatform();
 }
 
-bool KelProjectDatabase::AppendProjectToRoot(DOMElement* root) const {
+bool KelProjectDatabase::AppendProjectToRoot(DOMElement* root, ProcessTest test) const {
   const char16_t* const ns = format::kNamespace.wide;
   const char16_t* const prefix = format::kPrefix.wide;
   const std::lock_guard<std::mutex> lock(mutex_);
   // Another thread may have cleaned the project away in the meantime.
   if (!data_) return false;
+  test(data_->flow_processes);
   SetRootAttributes(root, data_->project_name, data_->info_attributes);
   RequireWritten(AppendDeviceInfoToDOMElement(root, data_->device_info, ns, prefix));
   RequireWritten(AppendDesignInfoToDOMElement(root, data_->design_info, ns, prefix));
@@ -134,8 +112,6 @@ bool KelProjectDatabase::AppendProjectToRoot(DOMElement* root) const {
   RequireWritten(AppendIPInfoToDOMElement(root, data_->ip_info, ns, prefix));
   for (std::size_t type = 0; type < data_->flow_processes.size(); ++type) {
     const FlowProcess& process = data_->flow_processes[type];
-    RequireOwnName(process, type);
-    RequireLoadableParameters(process);
     RequireElementNames(process, type);
     if (process.name.empty()) {
       // An element needs a name; without one the process's parameters would be lost.

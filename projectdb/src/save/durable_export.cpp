@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -16,6 +17,7 @@
 #include "base/failure.h"
 #include "save/file_descriptor.h"
 #include "save/file_permissions.h"
+#include "save/loadable.h"
 #include "save/temporary_file.h"
 #include "xml/errors.h"
 
@@ -82,10 +84,13 @@ std::string ReasonOf(const std::string& error, const std::string& written_path) 
   return error.substr(begin, end + 1 - begin);
 }
 
-void ExportInto(const TemporaryFile& file, const KelProjectDatabase& database) {
+/// Writes the project to a file.
+using Export = std::function<void(const std::string& path)>;
+
+void ExportInto(const TemporaryFile& file, const Export& export_to) {
   const std::string path = file.path();
   try {
-    database.ExportProjectData(path);
+    export_to(path);
   } catch (const xercesc::IOException&) {
     // It does not tell the system's reason; a second try does.
     const FileDescriptor opened(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
@@ -95,11 +100,11 @@ void ExportInto(const TemporaryFile& file, const KelProjectDatabase& database) {
   }
 }
 
-void Save(const KelProjectDatabase& database, const std::string& path) {
+void Save(const Export& export_to, const std::string& path) {
   const Target target = FindTarget(path);
   const Directory directory(target.path.parent_path());
   TemporaryFile file(directory, target.former ? kOnlyForOwner : kAnyNewFile);
-  ExportInto(file, database);
+  ExportInto(file, export_to);
   // Nothing was written if another thread has cleaned the project away.
   if (file.descriptor().Status().st_size == 0) return;
   if (target.former) files::CopyPermissions(target.path, *target.former, file.descriptor());
@@ -112,7 +117,10 @@ void Save(const KelProjectDatabase& database, const std::string& path) {
 
 void ExportProjectDataDurably(const KelProjectDatabase& database, const std::string& path) {
   if (path.empty() || !database.IsProjectDatabaseExist()) return;
-  xml::WithPrefixedErrors(WritingPrefix(path), [&] { Save(database, path); });
+  const auto export_to = [&](const std::string& file) {
+    database.ExportTestedProject(file, RequireLoadable);
+  };
+  xml::WithPrefixedErrors(WritingPrefix(path), [&] { Save(export_to, path); });
 }
 
 }  // namespace projectdb
