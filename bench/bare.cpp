@@ -85,7 +85,7 @@ void AppendIps(DOMElement* root, const std::vector<Ip>& ips) {
 void AppendProcess(DOMElement* root, const Name& name, const std::vector<Parameter>& parameters) {
   DOMElement* process = Append(root, name);
   for (const Parameter& parameter : parameters) {
-    DOMElement* element = Append(process, projectdb::kParameterMap);
+    DOMElement* element = Append(process, format::kParameters.front());
     element->setAttribute(format::kName.wide, parameter.name.c_str());
     element->setAttribute(format::kValue.wide, parameter.value.c_str());
     element->setAttribute(format::kValueType.wide, parameter.type.c_str());
@@ -98,9 +98,9 @@ void FillRoot(DOMElement* root) {
       std::u16string(format::kNamespace.wide) + u" " + format::kSchemaFile.wide;
   root->setAttributeNS(xercesc::SchemaSymbols::fgURI_XSI, format::kSchemaLocation.wide,
                        location.c_str());
-  root->setAttribute(projectdb::kProjectName.wide, u"soc");
-  root->setAttribute(projectdb::kSoftwareVersion.wide, u"0.1.0");
-  root->setAttribute(projectdb::kLastModifyTime.wide, u"Mon Nov 16 2026 03:09:25");
+  root->setAttribute(format::kProjectName.wide, u"soc");
+  root->setAttribute(format::kSoftwareVersion.wide, u"0.1.0");
+  root->setAttribute(format::kLastModifyTime.wide, u"Mon Nov 16 2026 03:09:25");
 }
 
 void AppendSections(DOMElement* root, const Project& project) {
@@ -120,7 +120,7 @@ void AppendSections(DOMElement* root, const Project& project) {
   Append(root, format::kMiscInfo);
   AppendIps(root, project.ips);
   for (std::size_t type = 0; type < project.parameters.size(); ++type) {
-    AppendProcess(root, projectdb::kProcessNames[type], project.parameters[type]);
+    AppendProcess(root, format::kProcesses[type], project.parameters[type]);
   }
 }
 

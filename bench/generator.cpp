@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+#include <projectdb/vocabulary.h>
+
 #include "testing/temporary_directory.h"
 
 namespace bench {
@@ -47,8 +49,7 @@ bare::Ip Wide(const IP& ip) {
 }
 
 bare::Parameter Wide(const Parameter& parameter) {
-  return {Wide(parameter.name), Wide(parameter.value),
-          Wide(KelProjectDatabase::getParameterTypeStr(parameter.type))};
+  return {Wide(parameter.name), Wide(parameter.value), Wide(projectdb::TextOf(parameter.type))};
 }
 
 std::vector<bare::Ip> MakeBareIps(std::size_t count) {
@@ -113,7 +114,7 @@ void FillDatabase(KelProjectDatabase& database, std::size_t design_files) {
     database.AddSimulationTestBenchFile(file.name, file.version);
   }
   for (std::size_t i = 0; i < Parameters(design_files); ++i) {
-    database.AddFlowProcessParameter(ProcessAt(i), "param", ParameterAt(i));
+    database.AddFlowProcessParameter(ProcessAt(i), projectdb::kParameterMap, ParameterAt(i));
   }
 }
 

@@ -1,12 +1,13 @@
 #include "whole_project.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <map>
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include <projectdb/vocabulary.h>
 
 #include "checks.h"
 #include "testing/project_differences.h"
@@ -26,24 +27,24 @@ using projectdb::ProcType;
 using projectdb::ProjectContents;
 using projectdb::SortedParameters;
 
-constexpr std::array<std::string_view, 4> kProcessNames = {"synthesis", "place_and_route",
-                                                           "bitstream_generation", "debugger"};
+using projectdb::kFlowProcesses;
 
 constexpr std::array<std::string_view, 7> kSections = {
     "device_info", "design_info", "constraint_info", "isf_info",
     "sim_info",    "misc_info",   "ip_info"};
 
 bool IsMapOfTheFormat(std::size_t process, std::string_view name) {
-  return name == "param" || (process == 0 && (name == "dynparam" || name == "defmacro"));
+  const auto maps = projectdb::MapsOf(static_cast<ProcType>(process));
+  return std::any_of(maps.begin(), maps.end(), [=](const auto& map) { return map.name == name; });
 }
 
 bool IsProcessOfTheFormat(std::size_t process, std::string_view name) {
-  return name.empty() || name == kProcessNames.at(process);
+  return name.empty() || name == kFlowProcesses.at(process).name;
 }
 
 template <typename Visit>
 void ForEachProcess(const KelProjectDatabase& database, Visit visit) {
-  for (std::size_t type = 0; type < kProcessNames.size(); ++type) {
+  for (std::size_t type = 0; type < kFlowProcesses.size(); ++type) {
     if (const FlowProcess* process = database.GetFlowProcess(static_cast<ProcType>(type))) {
       visit(type, *process);
     }
@@ -71,7 +72,7 @@ std::map<std::string, SortedParameters> MapsInMemory(const FlowProcess& process)
 
 // Plain parameters are not written, and a type outside the four is written as none.
 FlowProcessContents ProcessForFile(FlowProcessContents process, std::size_t type) {
-  process.name = kProcessNames.at(type);
+  process.name = kFlowProcesses.at(type).name;
   process.parameters.clear();
   for (auto& [name, parameters] : process.parameter_maps) {
     if (!IsMapOfTheFormat(type, name)) parameters.clear();
@@ -158,7 +159,8 @@ bool IsReadAsItIs(const std::pair<const std::string, Parameter>& entry) {
 bool IsReadAsItIs(std::size_t type, const FlowProcessContents& process) {
   const bool is_taken_for_another =
       !IsProcessOfTheFormat(type, process.name) &&
-      (std::find(kProcessNames.begin(), kProcessNames.end(), process.name) != kProcessNames.end() ||
+      (std::any_of(kFlowProcesses.begin(), kFlowProcesses.end(),
+                   [&](const auto& other) { return process.name == other.name; }) ||
        std::find(kSections.begin(), kSections.end(), process.name) != kSections.end());
   const auto& maps = process.parameter_maps;
   return !is_taken_for_another && std::all_of(maps.begin(), maps.end(), [](const auto& map) {

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 #include <projectdb/project_db.h>
+#include <projectdb/vocabulary.h>
 
 #include "check/located_parse.h"
 #include "contents/parameter_rules.h"
@@ -47,16 +48,12 @@ std::string Tags(const Names& names) {
 Names SectionNames() {
   Names names;
   for (const Name& name : format::kSections) names.emplace_back(name.narrow);
-  for (const Name& name : kProcessNames) names.emplace_back(name.narrow);
+  for (const FlowProcessName& process : kFlowProcesses) names.emplace_back(process.name);
   return names;
 }
 
 std::string TypeTexts() {
-  std::vector<std::string> texts;
-  for (const ParameterType type : {e_string, e_bool, e_option, e_noarg}) {
-    texts.push_back(KelProjectDatabase::getParameterTypeStr(type));
-  }
-  return Alternatives(texts);
+  return Alternatives({kParameterTypeTexts.begin(), kParameterTypeTexts.end()});
 }
 
 std::string TypeOf(const Parameter& parameter) {

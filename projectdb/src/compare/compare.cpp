@@ -7,8 +7,9 @@
 #include <string_view>
 #include <utility>
 
+#include <projectdb/vocabulary.h>
+
 #include "compare/sequence_alignment.h"
-#include "contents/model_names.h"
 #include "contents/record_text.h"
 
 namespace projectdb {
@@ -26,11 +27,11 @@ struct List {
 };
 
 template <typename Record>
-List ListOf(const std::vector<Record>& records, std::string Record::*name) {
+List ListOf(const std::vector<Record>& records) {
   List list;
   for (const Record& record : records) {
     list.texts.push_back(TextOf(record));
-    list.names.push_back(record.*name);
+    list.names.push_back(NameOf(record));
   }
   list.keys = list.texts;
   return list;
@@ -40,7 +41,7 @@ List ListOf(const Texts& texts) { return {texts, texts, texts}; }
 
 List ListOf(const std::vector<IPSrcFile>& files) {
   Texts names;
-  for (const IPSrcFile& file : files) names.push_back(file.name);
+  for (const IPSrcFile& file : files) names.push_back(NameOf(file));
   return ListOf(names);
 }
 
@@ -111,10 +112,11 @@ Alignment Align(const List& before, const List& after) {
 }
 
 /// Instances of names that both lists have once: they can be followed through a change.
-std::set<std::string_view> NamesOfOneInstance(const IPInfo& before, const IPInfo& after) {
+std::set<std::string_view> NamesOfOneInstance(const std::vector<IP>& before,
+                                              const std::vector<IP>& after) {
   std::map<std::string_view, std::pair<int, int>> counts;
-  for (const IP& ip : before.ips) ++counts[ip.instance_name].first;
-  for (const IP& ip : after.ips) ++counts[ip.instance_name].second;
+  for (const IP& ip : before) ++counts[NameOf(ip)].first;
+  for (const IP& ip : after) ++counts[NameOf(ip)].second;
   std::set<std::string_view> names;
   for (const auto& [name, count] : counts) {
     if (count == std::pair(1, 1)) names.insert(name);
@@ -124,8 +126,8 @@ std::set<std::string_view> NamesOfOneInstance(const IPInfo& before, const IPInfo
 
 // An instance that can be followed counts as the same whatever it holds. Its key is not one of the
 // others, for these begin with other names.
-List InstanceList(const IPInfo& info, const std::set<std::string_view>& followed) {
-  List list = ListOf(info.ips, &IP::instance_name);
+List InstanceList(const std::vector<IP>& ips, const std::set<std::string_view>& followed) {
+  List list = ListOf(ips);
   for (std::size_t i = 0; i < list.keys.size(); ++i) {
     if (followed.count(list.names[i]) != 0) list.keys[i] = QuotedText(list.names[i]);
   }
@@ -142,8 +144,17 @@ OptionalText TextIn(const SortedParameters& parameters, const std::string& key) 
   return entry == parameters.end() ? OptionalText() : TextUnderKey(key, entry->second);
 }
 
-OptionalText TextIn(const FlowProcessContents* process, std::string FlowProcessContents::*member) {
-  return process ? OptionalText(process->*member) : std::nullopt;
+// Without a process there is no text either, which is not the same as an empty one.
+OptionalText FieldIn(const FlowProcessContents* process,
+                     const Access<FlowProcessContents, std::string>& access) {
+  return process ? OptionalText(access(*process)) : std::nullopt;
+}
+
+template <typename Field>
+const Field& FieldIn(const FlowProcessContents* process,
+                     const Access<FlowProcessContents, Field>& access) {
+  static const Field none;
+  return process ? access(*process) : none;
 }
 
 template <typename Map>
@@ -154,10 +165,10 @@ std::set<std::string> KeysOf(const Map& before, const Map& after) {
   return keys;
 }
 
-const SortedParameters& MapOf(const FlowProcessContents& process, const std::string& name) {
+const SortedParameters& MapOf(const ParameterMaps& maps, const std::string& name) {
   static const SortedParameters empty;
-  const auto map = process.parameter_maps.find(name);
-  return map == process.parameter_maps.end() ? empty : map->second;
+  const auto map = maps.find(name);
+  return map == maps.end() ? empty : map->second;
 }
 
 // The name ends where the next dot is, which must not be one of its own.
@@ -165,106 +176,102 @@ std::string MapKey(const std::string& name) {
   return name.empty() || name.find_first_of(".\"") != std::string::npos ? QuotedText(name) : name;
 }
 
+// A file that is written or loaded elsewhere holds the same project.
+bool IsCompared(const ProjectTerm& term) {
+  return term.kind != TermKind::kStamp && term.kind != TermKind::kDirectory;
+}
+
 /// Collects the differences between two projects.
 class Comparison {
  public:
   void Compare(const ProjectContents& before, const ProjectContents& after) {
-    CompareValue(kProjectName.narrow, before.project_name, after.project_name);
-    CompareMaps("info.", before.info_attributes, after.info_attributes);
-    CompareDevices(before.device_info, after.device_info);
-    CompareDesigns(before.design_info, after.design_info);
-    CompareConstraints(before.design_constraint, after.design_constraint);
-    CompareLists("isf.files", ListOf(before.design_isf.isf_files),
-                 ListOf(after.design_isf.isf_files));
-    CompareFiles("simulation.files", before.sim_files, after.sim_files);
-    CompareFiles("misc.files", before.misc_files, after.misc_files);
-    CompareIps(before.ip_info, after.ip_info);
+    for (const ProjectTerm& term : ProjectTerms()) {
+      if (IsCompared(term)) CompareTerm("", term, before, after);
+    }
     CompareProcesses(before.flow_processes, after.flow_processes);
   }
 
   const std::vector<ProjectDifference>& differences() const { return differences_; }
 
  private:
-  void CompareDevices(const DeviceInfo& before, const DeviceInfo& after) {
-    CompareValue("device.family", before.family, after.family);
-    CompareValue("device.device", before.device, after.device);
-    CompareValue("device.timing_model", before.timing_model, after.timing_model);
-  }
-
-  void CompareDesigns(const DesignInfo& before, const DesignInfo& after) {
-    CompareValue("design.top_module", before.top_module, after.top_module);
-    CompareValue("design.top_vhdl_arch", before.top_vhdl_arch, after.top_vhdl_arch);
-    CompareValue("design.def_veri_version", before.def_veri_version, after.def_veri_version);
-    CompareValue("design.def_vhdl_version", before.def_vhdl_version, after.def_vhdl_version);
-    CompareFiles("design.files", before.design_files, after.design_files);
-  }
-
-  void CompareConstraints(const DesignConstraint& before, const DesignConstraint& after) {
-    CompareLists("constraint.sdc", ListOf(before.sdc_files), ListOf(after.sdc_files));
-    CompareValue("constraint.interface", before.inter_file, after.inter_file);
-  }
-
-  void CompareIps(const IPInfo& before, const IPInfo& after) {
-    const std::set<std::string_view> followed = NamesOfOneInstance(before, after);
-    const List before_list = InstanceList(before, followed);
-    const List after_list = InstanceList(after, followed);
-    const Alignment pairs = Align(before_list, after_list);
-    AddListDifferences("ip", before_list, after_list, pairs);
-    for (const AlignedEntries& pair : pairs) {
-      if (before_list.keys[pair.before] == after_list.keys[pair.after]) {
-        CompareInstances(before.ips[pair.before], after.ips[pair.after]);
-      }
-    }
-  }
-
-  void CompareInstances(const IP& before, const IP& after) {
-    const std::string key = "ip." + before.instance_name;
-    CompareValue(key + ".path", before.path, after.path);
-    CompareLists(key + ".files", ListOf(before.src_files), ListOf(after.src_files));
+  template <typename Term, typename Record>
+  void CompareTerm(std::string prefix, const Term& term, const Record& before,
+                   const Record& after) {
+    const std::string key = std::move(prefix.append(term.key));
+    std::visit([&](const auto& access) { CompareFields(key, access(before), access(after)); },
+               term.access);
   }
 
   void CompareProcesses(const std::vector<FlowProcessContents>& before,
                         const std::vector<FlowProcessContents>& after) {
     for (std::size_t i = 0; i < std::max(before.size(), after.size()); ++i) {
-      CompareProcess(i < kProcessNames.size() ? kProcessNames.at(i).narrow : std::to_string(i),
+      CompareProcess(i < kFlowProcesses.size() ? kFlowProcesses.at(i).name : std::to_string(i),
                      i < before.size() ? &before[i] : nullptr,
                      i < after.size() ? &after[i] : nullptr);
     }
   }
 
-  void CompareProcess(const std::string& key, const FlowProcessContents* before,
+  void CompareProcess(const std::string& name, const FlowProcessContents* before,
                       const FlowProcessContents* after) {
-    CompareValue(key + ".name", TextIn(before, &FlowProcessContents::name),
-                 TextIn(after, &FlowProcessContents::name));
-    CompareValue(key + ".tool", TextIn(before, &FlowProcessContents::tool_name),
-                 TextIn(after, &FlowProcessContents::tool_name));
-    const FlowProcessContents none;
-    CompareParameters(key, before ? *before : none, after ? *after : none);
+    for (const FlowProcessTerm& term : FlowProcessTerms()) {
+      const std::string key = (name + ".").append(term.key);
+      std::visit(
+          [&](const auto& access) {
+            CompareFields(key, FieldIn(before, access), FieldIn(after, access));
+          },
+          term.access);
+    }
   }
 
-  void CompareParameters(const std::string& key, const FlowProcessContents& before,
-                         const FlowProcessContents& after) {
-    for (const std::string& name : KeysOf(before.parameter_maps, after.parameter_maps)) {
-      CompareMaps(key + "." + MapKey(name) + ".", MapOf(before, name), MapOf(after, name));
+  void CompareFields(const std::string& what, const OptionalText& before,
+                     const OptionalText& after) {
+    if (before != after) differences_.push_back({what, "", before, after});
+  }
+
+  void CompareFields(const std::string& what, const InfoAttributes& before,
+                     const InfoAttributes& after) {
+    CompareTexts(what + ".", before, after);
+  }
+
+  void CompareFields(const std::string& prefix, const ParameterMaps& before,
+                     const ParameterMaps& after) {
+    for (const std::string& name : KeysOf(before, after)) {
+      CompareTexts(prefix + MapKey(name) + ".", MapOf(before, name), MapOf(after, name));
     }
-    CompareLists(key + ".parameters", ListOf(before.parameters, &Parameter::name),
-                 ListOf(after.parameters, &Parameter::name));
   }
 
   template <typename Map>
-  void CompareMaps(const std::string& prefix, const Map& before, const Map& after) {
+  void CompareTexts(const std::string& prefix, const Map& before, const Map& after) {
     for (const std::string& key : KeysOf(before, after)) {
-      CompareValue(prefix + key, TextIn(before, key), TextIn(after, key));
+      CompareFields(prefix + key, TextIn(before, key), TextIn(after, key));
     }
   }
 
-  void CompareFiles(const std::string& what, const std::vector<DesignFile>& before,
-                    const std::vector<DesignFile>& after) {
-    CompareLists(what, ListOf(before, &DesignFile::name), ListOf(after, &DesignFile::name));
+  template <typename Entry>
+  void CompareFields(const std::string& what, const std::vector<Entry>& before,
+                     const std::vector<Entry>& after) {
+    const List before_list = ListOf(before);
+    const List after_list = ListOf(after);
+    AddListDifferences(what, before_list, after_list, Align(before_list, after_list));
   }
 
-  void CompareLists(const std::string& what, const List& before, const List& after) {
-    AddListDifferences(what, before, after, Align(before, after));
+  void CompareFields(const std::string& what, const std::vector<IP>& before,
+                     const std::vector<IP>& after) {
+    const std::set<std::string_view> followed = NamesOfOneInstance(before, after);
+    const List before_list = InstanceList(before, followed);
+    const List after_list = InstanceList(after, followed);
+    const Alignment pairs = Align(before_list, after_list);
+    AddListDifferences(what, before_list, after_list, pairs);
+    for (const AlignedEntries& pair : pairs) {
+      if (before_list.keys[pair.before] == after_list.keys[pair.after]) {
+        CompareInstances(what, before[pair.before], after[pair.after]);
+      }
+    }
+  }
+
+  void CompareInstances(const std::string& what, const IP& before, const IP& after) {
+    const std::string prefix = what + "." + NameOf(before) + ".";
+    for (const IPTerm& term : IPTerms()) CompareTerm(prefix, term, before, after);
   }
 
   void AddListDifferences(const std::string& what, const List& before, const List& after,
@@ -290,11 +297,6 @@ class Comparison {
 
   void Add(const std::string& what, std::size_t place, OptionalText before, OptionalText after) {
     differences_.push_back({what, std::to_string(place), std::move(before), std::move(after)});
-  }
-
-  void CompareValue(const std::string& what, const OptionalText& before,
-                    const OptionalText& after) {
-    if (before != after) differences_.push_back({what, "", before, after});
   }
 
   std::vector<ProjectDifference> differences_;

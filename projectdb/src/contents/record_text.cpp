@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include <projectdb/project_db.h>
+#include <projectdb/vocabulary.h>
 
 namespace projectdb {
 namespace {
@@ -40,7 +40,7 @@ std::string FieldUnlessEmpty(std::string_view name, std::string_view text) {
 }
 
 std::string TypeField(ParameterType type) {
-  const std::string text = KelProjectDatabase::getParameterTypeStr(type);
+  const std::string text = TextOf(type);
   const bool is_number = text.empty() && type != kNoParameterType;
   return FieldUnlessEmpty("type", is_number ? std::to_string(type) : text);
 }

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <utility>
 
@@ -60,25 +59,18 @@ Parameter ReadParameter(Transcoder& transcoder, const DOMElement* element, LoadO
   return parameter;
 }
 
-// The parameter maps that a file has; those of Verilog are of synthesis only.
-constexpr std::array<Name, 3> kMaps = {kParameterMap, kDefineMap, kMacroMap};
-
-std::ptrdiff_t MapCount(ProcType type) {
-  return type == e_synthesis ? static_cast<std::ptrdiff_t>(kMaps.size()) : 1;
-}
-
 // The parameter map that an element of a flow process belongs to; null if there is none.
 const Name* AcceptedParameterMap(ProcType type, const DOMElement* element) {
-  const auto end = kMaps.begin() + MapCount(type);
-  const auto map = std::find_if(kMaps.begin(), end,
-                                [=](const Name& name) { return HasLocalName(element, name); });
-  return map == end ? nullptr : &*map;
+  const Name* const end = format::kParameters.data() + MapsOf(type).size();
+  const Name* const map = std::find_if(format::kParameters.data(), end, [=](const Name& name) {
+    return HasLocalName(element, name);
+  });
+  return map == end ? nullptr : map;
 }
 
 Names MapNames(ProcType type) {
   Names names;
-  std::for_each_n(kMaps.begin(), MapCount(type),
-                  [&](const Name& name) { names.emplace_back(name.narrow); });
+  for (const ParameterMapName& map : MapsOf(type)) names.emplace_back(map.name);
   return names;
 }
 
@@ -125,11 +117,9 @@ bool KelProjectDatabase::LoadProjectInfo(const char* ns, const DOMElement* elem,
     return true;
   }
   if (is(format::kIpInfo)) return UpdateIPInfo(data_->ip_info, ns, elem, observer);
-  for (std::size_t type = 0; type < kProcessNames.size(); ++type) {
-    if (is(kProcessNames[type])) {
-      return SetUpFlowProcess(static_cast<ProcType>(type), kProcessNames[type].narrow, ns, elem,
-                              observer);
-    }
+  for (std::size_t i = 0; i < kFlowProcesses.size(); ++i) {
+    const auto& [type, name, title] = kFlowProcesses[i];
+    if (is(format::kProcesses[i])) return SetUpFlowProcess(type, name, ns, elem, observer);
   }
   if (is(format::kSecurity)) return true;
   if (is(format::kPackageInfo)) {

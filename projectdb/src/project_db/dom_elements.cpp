@@ -224,9 +224,10 @@ bool KelProjectDatabase::AppendSynthesisProcessToDOMElement(DOMElement* parent,
                                                             const char16_t* prefix) const {
   ElementWriter writer(namespace_uri, prefix);
   return AppendProcess(writer, parent, process.name, process.tool_name, [&](DOMElement* element) {
-    AppendParameters(writer, element, kParameterMap, process.params);
-    AppendParameters(writer, element, kDefineMap, process.dyn_params);
-    AppendParameters(writer, element, kMacroMap, process.def_macros);
+    const auto& [parameter, define, macro] = format::kParameters;
+    AppendParameters(writer, element, parameter, process.params);
+    AppendParameters(writer, element, define, process.dyn_params);
+    AppendParameters(writer, element, macro, process.def_macros);
   });
 }
 

@@ -41,13 +41,13 @@ xml::Owned<xercesc::DOMDocument> CreateProjectDocument(xercesc::DOMImplementatio
 void SetRootAttributes(DOMElement* root, const std::string& project_name,
                        const std::unordered_map<std::string, std::string>& info_attributes) {
   xml::ElementWriter writer(format::kNamespace.wide, format::kPrefix.wide);
-  writer.SetDOMElementAttribute(root, kProjectName, project_name);
+  writer.SetDOMElementAttribute(root, format::kProjectName, project_name);
   for (const auto& [name, value] : info_attributes) {
     writer.SetQualifiedAttribute(root, name, value);
   }
   // The writing library's stamps, not those that the project came with.
-  writer.SetDOMElementAttribute(root, kSoftwareVersion, KEL_VERSION_NO);
-  writer.SetDOMElementAttribute(root, kLastModifyTime, GetLocalTimeString());
+  writer.SetDOMElementAttribute(root, format::kSoftwareVersion, KEL_VERSION_NO);
+  writer.SetDOMElementAttribute(root, format::kLastModifyTime, GetLocalTimeString());
 }
 
 void RequireWritten(bool written) {
@@ -63,7 +63,7 @@ void RequireElementName(xml::Transcoder& transcoder, const std::string& what,
 // The writer of a process does not tell which name it is that no element can have.
 void RequireElementNames(const FlowProcess& process, std::size_t type) {
   xml::Transcoder transcoder;
-  const std::string what = fmt::format("the flow process {}", kProcessNames[type].narrow);
+  const std::string what = fmt::format("the flow process {}", kFlowProcesses[type].name);
   if (!process.name.empty()) RequireElementName(transcoder, what, process.name);
   ForEachFilledParameterMap(process, [&](const std::string& name, const ParameterMap& /*map*/) {
     RequireElementName(transcoder, "a parameter map of " + what, name);
@@ -116,7 +116,7 @@ bool KelProjectDatabase::AppendProjectToRoot(DOMElement* root, ProcessTest test)
     if (process.name.empty()) {
       // An element needs a name; without one the process's parameters would be lost.
       FlowProcess named = process;
-      named.name = kProcessNames[type].narrow;
+      named.name = kFlowProcesses[type].name;
       RequireWritten(AppendFlowProcessToDOMElement(root, named, ns, prefix));
     } else {
       RequireWritten(AppendFlowProcessToDOMElement(root, process, ns, prefix));

@@ -1,12 +1,13 @@
 #pragma once
 
 #include <array>
+#include <tuple>
+
+#include <projectdb/vocabulary.h>
 
 #include "base/name.h"
-#include "contents/model_names.h"
 
-/// The vocabulary of the project XML file, shared by reader and writer. The names of the flow
-/// processes, their parameter maps and the root's reserved attributes stand in model_names.h.
+/// The names of the project XML file, shared by reader and writer.
 namespace projectdb::format {
 
 inline constexpr Name kNamespace = "http://schema.kel.example/wdp_proj";
@@ -30,6 +31,19 @@ inline constexpr Name kSecurity = "security";         ///< Skipped silently.
 inline constexpr std::array<Name, 7> kSections = {
     kDeviceInfo, kDesignInfo, kConstraintInfo, kIsfInfo, kSimInfo, kMiscInfo, kIpInfo};
 
+/// The names that the entries of a table have, in its order.
+template <typename Table>
+constexpr auto NamesOf(const Table& table) {
+  return std::apply([](const auto&... entries) { return std::array{Name(entries.name)...}; },
+                    table);
+}
+
+/// The sections of the flow processes, by ProcType.
+inline constexpr auto kProcesses = NamesOf(kFlowProcesses);
+
+/// The parameters of a flow process, by their maps: a process has the first ones of these.
+inline constexpr auto kParameters = NamesOf(kParameterMaps);
+
 // Children of the sections.
 inline constexpr Name kFamily = "family";
 inline constexpr Name kDevice = "device";
@@ -46,6 +60,11 @@ inline constexpr Name kSimFile = "sim_file";
 inline constexpr Name kMiscFile = "misc_file";
 inline constexpr Name kIp = "ip";
 inline constexpr Name kIpSrcFile = "ip_src_file";
+
+// Attributes of the root that are no info attributes.
+inline constexpr Name kProjectName = kProjectNameKey;
+inline constexpr Name kSoftwareVersion = kSoftwareVersionKey;
+inline constexpr Name kLastModifyTime = kLastModifyTimeKey;
 
 // Attributes.
 inline constexpr Name kName = "name";

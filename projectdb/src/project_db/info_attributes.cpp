@@ -1,6 +1,7 @@
 #include <utility>
 
-#include "contents/model_names.h"
+#include <projectdb/vocabulary.h>
+
 #include "project_db/project_data.h"
 
 namespace projectdb {
@@ -15,9 +16,9 @@ bool IsForXmlItself(const std::string& name) {
 // The field that a reserved name stands for; null for any other name.
 template <typename Data>
 auto* ReservedField(Data& data, const std::string& name) {
-  if (name == kProjectName.narrow) return &data.project_name;
-  if (name == kSoftwareVersion.narrow) return &data.software_version;
-  if (name == kLastModifyTime.narrow) return &data.last_modify_time;
+  if (name == kProjectNameKey) return &data.project_name;
+  if (name == kSoftwareVersionKey) return &data.software_version;
+  if (name == kLastModifyTimeKey) return &data.last_modify_time;
   return static_cast<decltype(&data.project_name)>(nullptr);
 }
 

@@ -2,18 +2,18 @@
 #include <utility>
 
 #include <kel/version.h>
+#include <projectdb/vocabulary.h>
 
 #include "base/local_time.h"
 #include "base/paths.h"
-#include "contents/model_names.h"
 #include "messages.h"
 #include "project_db/project_data.h"
 
 namespace projectdb {
 
-const std::string KelProjectDatabase::XML_FILE_EXT = ".xml";
-const std::string KelProjectDatabase::SDC_FILE_EXT = ".sdc";
-const std::string KelProjectDatabase::INTERFACE_FILE_EXT = ".interface.csv";
+const std::string KelProjectDatabase::XML_FILE_EXT = kProjectFileEnding;
+const std::string KelProjectDatabase::SDC_FILE_EXT = kTimingConstraintFileEnding;
+const std::string KelProjectDatabase::INTERFACE_FILE_EXT = kInterfaceConstraintFileEnding;
 
 KelProjectDatabase::KelProjectDatabase() noexcept = default;
 KelProjectDatabase::~KelProjectDatabase() noexcept = default;
@@ -21,7 +21,7 @@ KelProjectDatabase::~KelProjectDatabase() noexcept = default;
 bool KelProjectDatabase::SetupProjectDatabase() {
   if (data_) return false;
   data_ = std::make_unique<ProjectData>();
-  data_->flow_processes = std::vector<FlowProcess>(kProcessNames.size());
+  data_->flow_processes = std::vector<FlowProcess>(kFlowProcesses.size());
   return true;
 }
 
@@ -40,8 +40,8 @@ bool KelProjectDatabase::CreateNewProjectDatabase(std::string name) {
   data_->current_path = paths::ToBytes(std::filesystem::current_path());
   data_->device_info.family = "Varel";
   data_->device_info.device = "Q8R25";
-  for (std::size_t type = 0; type < kProcessNames.size(); ++type) {
-    SetFlowProcessName(static_cast<ProcType>(type), kProcessNames[type].narrow);
+  for (const FlowProcessName& process : kFlowProcesses) {
+    SetFlowProcessName(process.type, process.name);
   }
   return true;
 }

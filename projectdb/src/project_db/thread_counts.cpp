@@ -3,7 +3,6 @@
 #include <system_error>
 
 #include "base/assertions.h"
-#include "contents/model_names.h"
 #include "project_db/project_data.h"
 
 namespace projectdb {

@@ -15,10 +15,10 @@ namespace {
 // A process under the name of another, or of a section, would be read as that and change it.
 void RequireOwnName(const FlowProcess& process, std::size_t type) {
   const auto is_its_name = [&process](const Name& name) { return process.name == name.narrow; };
-  if (is_its_name(kProcessNames[type])) return;
-  if (std::any_of(kProcessNames.begin(), kProcessNames.end(), is_its_name) ||
+  if (is_its_name(format::kProcesses[type])) return;
+  if (std::any_of(format::kProcesses.begin(), format::kProcesses.end(), is_its_name) ||
       std::any_of(format::kSections.begin(), format::kSections.end(), is_its_name)) {
-    throw Failure(fmt::format("the flow process {:?} is named {:?}", kProcessNames[type].narrow,
+    throw Failure(fmt::format("the flow process {:?} is named {:?}", kFlowProcesses[type].name,
                               process.name));
   }
 }
