@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include <projectdb/export.h>
+#include <kel/export.h>
 
 namespace projectdb {
 
@@ -34,7 +34,7 @@ struct FileProblem {
 /// @param schema_file native path of the XML schema, or "" as with LoadProjectData; one that does
 ///        not exist is a warning
 /// @exception std::bad_alloc
-PROJECTDB_EXPORT std::vector<FileProblem> CheckProjectFile(const std::string& xml_file,
-                                                           const std::string& schema_file);
+KEL_EXPORT std::vector<FileProblem> CheckProjectFile(const std::string& xml_file,
+                                                     const std::string& schema_file);
 
 }  // namespace projectdb

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include <projectdb/export.h>
+#include <kel/export.h>
 #include <projectdb/project_contents.h>
 #include <projectdb/project_db.h>
 
@@ -56,13 +56,13 @@ struct ProjectDifference {
 /// again than would be needed. For n entries it takes O(n) memory and O(n log n) time.
 ///
 /// @exception std::bad_alloc
-PROJECTDB_EXPORT std::vector<ProjectDifference> CompareProjects(const ProjectContents& before,
-                                                                const ProjectContents& after);
+KEL_EXPORT std::vector<ProjectDifference> CompareProjects(const ProjectContents& before,
+                                                          const ProjectContents& after);
 
 /// The same of two objects, each seen at one moment under its lock; they may be the same object.
 /// @exception std::system_error if a lock fails
 /// @exception std::bad_alloc
-PROJECTDB_EXPORT std::vector<ProjectDifference> CompareProjects(const KelProjectDatabase& before,
-                                                                const KelProjectDatabase& after);
+KEL_EXPORT std::vector<ProjectDifference> CompareProjects(const KelProjectDatabase& before,
+                                                          const KelProjectDatabase& after);
 
 }  // namespace projectdb

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include <projectdb/export.h>
+#include <kel/export.h>
 
 namespace projectdb {
 
@@ -42,7 +42,7 @@ class KelProjectDatabase;
 ///            the disk, the new file is in place already, and the former one may be back after a
 ///            failure of the machine.
 /// @exception std::bad_alloc with the former file as it was
-PROJECTDB_EXPORT void ExportProjectDataDurably(const KelProjectDatabase& database,
-                                               const std::string& path);
+KEL_EXPORT void ExportProjectDataDurably(const KelProjectDatabase& database,
+                                         const std::string& path);
 
 }  // namespace projectdb

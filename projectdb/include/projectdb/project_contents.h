@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include <projectdb/export.h>
+#include <kel/export.h>
 #include <projectdb/project_db.h>
 #include <projectdb/records.h>
 
@@ -46,6 +46,6 @@ struct ProjectContents {
 /// @return empty contents if there is no project
 /// @exception std::system_error if the lock fails
 /// @exception std::bad_alloc
-PROJECTDB_EXPORT ProjectContents GetProjectContents(const KelProjectDatabase& database);
+KEL_EXPORT ProjectContents GetProjectContents(const KelProjectDatabase& database);
 
 }  // namespace projectdb

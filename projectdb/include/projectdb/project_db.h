@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include <projectdb/export.h>
+#include <kel/export.h>
 #include <projectdb/records.h>
 
 // Xerces-C 3.2; callers that write DOM elements themselves include its headers.
@@ -46,7 +46,7 @@ class ProjectFileChecker;
 /// Text is UTF-8. Any bytes are stored, but for the names of constraint files (std::range_error);
 /// what cannot be converted is refused when it is used, by path getters (std::range_error) and by
 /// ExportProjectData (std::runtime_error).
-class PROJECTDB_EXPORT KelProjectDatabase {
+class KEL_EXPORT KelProjectDatabase {
  public:
   static const std::string XML_FILE_EXT;        ///< Ending of project files: ".xml".
   static const std::string SDC_FILE_EXT;        ///< Ending of timing constraint files: ".sdc".
@@ -390,50 +390,42 @@ class PROJECTDB_EXPORT KelProjectDatabase {
   /// @}
 
  private:
-  friend PROJECTDB_EXPORT ProjectContents GetProjectContents(const KelProjectDatabase& database);
-  friend PROJECTDB_EXPORT void ExportProjectDataDurably(const KelProjectDatabase& database,
-                                                        const std::string& path);
+  friend KEL_EXPORT ProjectContents GetProjectContents(const KelProjectDatabase& database);
+  friend KEL_EXPORT void ExportProjectDataDurably(const KelProjectDatabase& database,
+                                                  const std::string& path);
   friend ProjectFileChecker;  // It reads a document as a load does, but posts no messages.
 
-  struct PROJECTDB_NO_EXPORT ProjectData;
+  struct ProjectData;
 
   template <typename... Members>
-  PROJECTDB_NO_EXPORT std::string GetProperty(Members... members) const;
+  std::string GetProperty(Members... members) const;
   template <typename... Members>
-  PROJECTDB_NO_EXPORT void SetProperty(const std::string& text, Members... members);
+  void SetProperty(const std::string& text, Members... members);
 
-  PROJECTDB_NO_EXPORT bool LoadProjectDocument(const xercesc::DOMElement* root,
-                                               LoadObserver& observer);
+  bool LoadProjectDocument(const xercesc::DOMElement* root, LoadObserver& observer);
 
   /// Throws if the processes must not be written.
   using ProcessTest = void (*)(const std::vector<FlowProcess>&);
   /// Exports the project if it passes the test, which runs under the lock under which it is copied.
-  PROJECTDB_NO_EXPORT void ExportTestedProject(const std::string& path, ProcessTest test) const;
-  PROJECTDB_NO_EXPORT bool AppendProjectToRoot(xercesc::DOMElement* root, ProcessTest test) const;
+  void ExportTestedProject(const std::string& path, ProcessTest test) const;
+  bool AppendProjectToRoot(xercesc::DOMElement* root, ProcessTest test) const;
 
-  PROJECTDB_NO_EXPORT bool LoadProjectInfoAttributes(const char* ns,
-                                                     const xercesc::DOMElement* root);
-  PROJECTDB_NO_EXPORT bool LoadProjectInfo(const char* ns, const xercesc::DOMElement* elem,
-                                           LoadObserver& observer);
-  PROJECTDB_NO_EXPORT bool UpdateDeviceInfo(DeviceInfo& device_info, const char* ns,
-                                            const xercesc::DOMElement* elem,
-                                            LoadObserver& observer);
-  PROJECTDB_NO_EXPORT bool UpdateDesignInfo(DesignInfo& design_info, const char* ns,
-                                            const xercesc::DOMElement* elem,
-                                            LoadObserver& observer);
-  PROJECTDB_NO_EXPORT bool UpdateConstraintInfo(DesignConstraint& constraint, const char* ns,
-                                                const xercesc::DOMElement* elem,
-                                                LoadObserver& observer);
-  PROJECTDB_NO_EXPORT bool UpdateISFInfo(DesignISF& isf, const char* ns,
-                                         const xercesc::DOMElement* elem, LoadObserver& observer);
-  PROJECTDB_NO_EXPORT bool UpdateIPInfo(IPInfo& ip_info, const char* ns,
-                                        const xercesc::DOMElement* elem, LoadObserver& observer);
-  PROJECTDB_NO_EXPORT void UpdateFileListInfo(std::vector<DesignFile>& files, const char* tag,
-                                              const char* ns, const xercesc::DOMElement* elem,
-                                              LoadObserver& observer);
-  PROJECTDB_NO_EXPORT bool SetUpFlowProcess(ProcType type, const char* tag, const char* ns,
-                                            const xercesc::DOMElement* elem,
-                                            LoadObserver& observer);
+  bool LoadProjectInfoAttributes(const char* ns, const xercesc::DOMElement* root);
+  bool LoadProjectInfo(const char* ns, const xercesc::DOMElement* elem, LoadObserver& observer);
+  bool UpdateDeviceInfo(DeviceInfo& device_info, const char* ns, const xercesc::DOMElement* elem,
+                        LoadObserver& observer);
+  bool UpdateDesignInfo(DesignInfo& design_info, const char* ns, const xercesc::DOMElement* elem,
+                        LoadObserver& observer);
+  bool UpdateConstraintInfo(DesignConstraint& constraint, const char* ns,
+                            const xercesc::DOMElement* elem, LoadObserver& observer);
+  bool UpdateISFInfo(DesignISF& isf, const char* ns, const xercesc::DOMElement* elem,
+                     LoadObserver& observer);
+  bool UpdateIPInfo(IPInfo& ip_info, const char* ns, const xercesc::DOMElement* elem,
+                    LoadObserver& observer);
+  void UpdateFileListInfo(std::vector<DesignFile>& files, const char* tag, const char* ns,
+                          const xercesc::DOMElement* elem, LoadObserver& observer);
+  bool SetUpFlowProcess(ProcType type, const char* tag, const char* ns,
+                        const xercesc::DOMElement* elem, LoadObserver& observer);
 
   mutable std::mutex mutex_;
   std::unique_ptr<ProjectData> data_;

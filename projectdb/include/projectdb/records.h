@@ -5,7 +5,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include <projectdb/export.h>
+#include <kel/export.h>
 
 /// The records that make up a project: plain values that own all they hold. Text is UTF-8 as far
 /// as it names a file or is to be exported; the records themselves check nothing.
@@ -26,7 +26,7 @@ enum ProcType : int {
 };
 
 /// One named setting of a flow process.
-struct PROJECTDB_EXPORT Parameter {
+struct KEL_EXPORT Parameter {
   std::string name;
   std::string value;  ///< Decimal numbers, truth values and options are kept as their text.
   ParameterType type;
@@ -38,7 +38,7 @@ struct PROJECTDB_EXPORT Parameter {
 using ParameterMap = std::unordered_map<std::string, Parameter>;
 
 /// One design source file.
-struct PROJECTDB_EXPORT DesignFile {
+struct KEL_EXPORT DesignFile {
   std::string name;     ///< File name or path, usually relative to the project directory.
   std::string version;  ///< Language version.
   std::string library;  ///< Library that the file is compiled into.
@@ -47,7 +47,7 @@ struct PROJECTDB_EXPORT DesignFile {
 };
 
 /// The target device.
-struct PROJECTDB_EXPORT DeviceInfo {
+struct KEL_EXPORT DeviceInfo {
   std::string family;
   std::string device;
   std::string timing_model;
@@ -57,7 +57,7 @@ struct PROJECTDB_EXPORT DeviceInfo {
 };
 
 /// The design's top level and its sources.
-struct PROJECTDB_EXPORT DesignInfo {
+struct KEL_EXPORT DesignInfo {
   std::string top_module;
   std::string top_vhdl_arch;  ///< Architecture of the top level when it is VHDL.
   std::vector<DesignFile> design_files;
@@ -73,7 +73,7 @@ struct PROJECTDB_EXPORT DesignInfo {
 };
 
 /// Timing and interface constraints.
-struct PROJECTDB_EXPORT DesignConstraint {
+struct KEL_EXPORT DesignConstraint {
   std::vector<std::string> sdc_files;  ///< Timing constraint files.
   std::string inter_file;              ///< Interface constraint file.
 
@@ -83,7 +83,7 @@ struct PROJECTDB_EXPORT DesignConstraint {
 };
 
 /// ISF files.
-struct PROJECTDB_EXPORT DesignISF {
+struct KEL_EXPORT DesignISF {
   std::vector<std::string> isf_files;
 
   DesignISF();
@@ -92,24 +92,24 @@ struct PROJECTDB_EXPORT DesignISF {
 };
 
 /// One source file of an IP instance.
-struct PROJECTDB_EXPORT IPSrcFile {
+struct KEL_EXPORT IPSrcFile {
   std::string name;  ///< Relative to the directory that holds the instance's path.
 };
 
 /// One IP instance.
-struct PROJECTDB_EXPORT IP {
+struct KEL_EXPORT IP {
   std::string instance_name;
   std::string path;
   std::vector<IPSrcFile> src_files;
 };
 
 /// All IP instances.
-struct PROJECTDB_EXPORT IPInfo {
+struct KEL_EXPORT IPInfo {
   std::vector<IP> ips;
 };
 
 /// One step of the design flow.
-struct PROJECTDB_EXPORT FlowProcess {
+struct KEL_EXPORT FlowProcess {
   std::string name;                   ///< Also the name of its element in the project file.
   std::string tool_name;              ///< Executable that runs the step.
   std::vector<Parameter> parameters;  ///< Plain parameters; not kept in the project file.
@@ -123,7 +123,7 @@ struct PROJECTDB_EXPORT FlowProcess {
 };
 
 /// The synthesis step with its three kinds of parameter as lists, ready to be written.
-struct PROJECTDB_EXPORT SynthesisProcess {
+struct KEL_EXPORT SynthesisProcess {
   std::string name;
   std::string tool_name;
   std::vector<Parameter> params;      ///< Ordinary parameters.

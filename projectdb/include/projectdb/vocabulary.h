@@ -9,7 +9,7 @@
 #include <variant>
 #include <vector>
 
-#include <projectdb/export.h>
+#include <kel/export.h>
 #include <projectdb/project_contents.h>
 #include <projectdb/records.h>
 
@@ -52,7 +52,7 @@ inline constexpr char kInterfaceConstraintFileEnding[] = ".interface.csv";
 
 /// Whether a file's name, the last part of its path, has the ending behind a stem. The empty ending
 /// is that of any name.
-PROJECTDB_EXPORT bool HasEnding(std::string_view path, std::string_view ending);
+KEL_EXPORT bool HasEnding(std::string_view path, std::string_view ending);
 
 /// Who decides what a value is.
 enum class TermKind {
@@ -103,17 +103,17 @@ using ProjectTerm = Term<ProjectContents, std::string, InfoAttributes, std::vect
                          std::vector<std::string>, std::vector<IP>>;
 
 /// Everything that a project holds beside its flow processes, in the order of a project file.
-PROJECTDB_EXPORT Table<ProjectTerm> ProjectTerms();
+KEL_EXPORT Table<ProjectTerm> ProjectTerms();
 
 /// Everything that a flow process holds. Keys follow the name of the process and a dot; that of the
 /// parameter maps is empty, as their own names stand there.
-PROJECTDB_EXPORT Table<FlowProcessTerm> FlowProcessTerms();
+KEL_EXPORT Table<FlowProcessTerm> FlowProcessTerms();
 
 /// The fields of an entry in a list of files; the first is its name.
-PROJECTDB_EXPORT Table<DesignFileTerm> DesignFileTerms();
+KEL_EXPORT Table<DesignFileTerm> DesignFileTerms();
 
 /// The fields of an IP instance; the first is its name. Keys follow "ip.", that name and a dot.
-PROJECTDB_EXPORT Table<IPTerm> IPTerms();
+KEL_EXPORT Table<IPTerm> IPTerms();
 
 /// What an entry of a list is called.
 inline const std::string& NameOf(const std::string& name) { return name; }
@@ -174,9 +174,9 @@ inline constexpr std::array<const char*, 4> kParameterTypeTexts = {"e_string", "
                                                                    "e_noarg"};
 
 /// The text of a type, "" of any value that has none.
-PROJECTDB_EXPORT std::string TextOf(ParameterType type);
+KEL_EXPORT std::string TextOf(ParameterType type);
 
 /// The type of which this is the text, kNoParameterType for any other text.
-PROJECTDB_EXPORT ParameterType ParameterTypeOf(std::string_view text);
+KEL_EXPORT ParameterType ParameterTypeOf(std::string_view text);
 
 }  // namespace projectdb
