@@ -10,12 +10,7 @@
 
 #include <kel/export.h>
 #include <projectdb/records.h>
-
-// Xerces-C 3.2; callers that write DOM elements themselves include its headers.
-namespace xercesc_3_2 {
-class DOMElement;
-}
-namespace xercesc = xercesc_3_2;
+#include <projectdb/xercesc_forward.h>
 
 namespace projectdb {
 
