@@ -18,7 +18,7 @@
 #include <xercesc/util/XMLException.hpp>
 
 #include "checks.h"
-#include "input.h"
+#include "fuzz_input.h"
 #include "memory_file.h"
 #include "round_trip.h"
 #include "testing/dom_document.h"

@@ -14,8 +14,8 @@
 #include <projectdb/project_db.h>
 
 #include "testing/files.h"
+#include "testing/flow_processes.h"
 #include "testing/message_recorder.h"
-#include "testing/processes.h"
 #include "testing/project_snapshot.h"
 #include "testing/temporary_directory.h"
 #include "tests/allocation/failing_allocation.h"

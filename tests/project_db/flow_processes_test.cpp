@@ -14,8 +14,8 @@
 
 #include <projectdb/project_db.h>
 
+#include "testing/flow_processes.h"
 #include "testing/message_recorder.h"
-#include "testing/processes.h"
 
 namespace {
 

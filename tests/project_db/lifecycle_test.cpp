@@ -16,8 +16,8 @@
 #include <kel/version.h>
 #include <projectdb/project_db.h>
 
+#include "testing/flow_processes.h"
 #include "testing/message_recorder.h"
-#include "testing/processes.h"
 #include "testing/project_snapshot.h"
 #include "testing/temporary_directory.h"
 

@@ -5,10 +5,11 @@
 #include <vector>
 
 #include <kel/export.h>
-#include <projectdb/project_db.h>
 #include <projectdb/records.h>
 
 namespace projectdb {
+
+class KelProjectDatabase;
 
 /// Parameters by the key under which their map keeps them, which is their name unless a caller
 /// chose another.
