@@ -14,6 +14,7 @@ function(projectdb_set_up_library target)
     INSTALL_RPATH "$ORIGIN"
     LINK_DEPENDS "${symbol_map}")
   target_link_options(${target} PRIVATE "LINKER:--version-script=${symbol_map}")
+  target_compile_options(${target} PRIVATE ${PROJECTDB_LIBRARY_INSTRUMENTATION})
 
   if(PROJECTDB_INSTALL)
     install(TARGETS ${target} EXPORT ${target}-targets

@@ -4,5 +4,8 @@ function(projectdb_use_warnings target)
     target_compile_options(${target} PRIVATE
       -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wnon-virtual-dtor
       -Woverloaded-virtual -Werror)
+    # To this compiler a source that is included in another, as in a unity build, is a header.
+    target_compile_options(${target} PRIVATE
+      $<$<AND:$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>,$<CXX_COMPILER_ID:GNU>>:-Wno-subobject-linkage>)
   endif()
 endfunction()

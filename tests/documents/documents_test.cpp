@@ -36,7 +36,8 @@ void PrintTo(const CodeBlock& block, std::ostream* stream) {
 const std::string kFence = "```";
 
 std::vector<std::string> Documents() {
-  std::vector<std::string> documents = {"README.md", "CHANGELOG.md"};
+  std::vector<std::string> documents = {"README.md", "CHANGELOG.md", "CONTRIBUTING.md",
+                                        "SECURITY.md"};
   for (const auto& entry : std::filesystem::directory_iterator(SourcePath("docs"))) {
     if (entry.path().extension() == ".md") {
       documents.push_back("docs/" + entry.path().filename().string());

@@ -19,7 +19,7 @@ struct Numbers {
 };
 
 /// Of both sequences, the entries between two positions.
-struct Stretch {
+struct TextStretch {
   const std::vector<std::string_view>& before;
   const std::vector<std::string_view>& after;
   std::size_t start;  ///< The same in both.
@@ -28,12 +28,12 @@ struct Stretch {
 };
 
 /// Without the entries at the start and at the end that are equal in both.
-Stretch DifferentStretch(const std::vector<std::string_view>& before,
-                         const std::vector<std::string_view>& after) {
+TextStretch DifferentStretch(const std::vector<std::string_view>& before,
+                             const std::vector<std::string_view>& after) {
   const auto start = static_cast<std::size_t>(
       std::mismatch(before.begin(), before.end(), after.begin(), after.end()).first -
       before.begin());
-  Stretch stretch{before, after, start, before.size(), after.size()};
+  TextStretch stretch{before, after, start, before.size(), after.size()};
   while (stretch.before_end > start && stretch.after_end > start &&
          before[stretch.before_end - 1] == after[stretch.after_end - 1]) {
     --stretch.before_end;
@@ -50,7 +50,7 @@ struct Occurrence {
 
 /// The entries of the stretch that both sequences have. Their numbers have the order of the texts,
 /// so that they are the same whichever sequence comes first.
-std::pair<Numbers, Numbers> NumberSharedEntries(const Stretch& stretch) {
+std::pair<Numbers, Numbers> NumberSharedEntries(const TextStretch& stretch) {
   std::map<std::string_view, Occurrence> occurrences;
   for (std::size_t i = stretch.start; i < stretch.before_end; ++i) {
     occurrences[stretch.before[i]].is_in_before = true;
@@ -220,7 +220,7 @@ Alignment AlignEitherWay(const std::vector<std::size_t>& before,
 
 std::vector<AlignedEntries> AlignEqualEntries(const std::vector<std::string_view>& before,
                                               const std::vector<std::string_view>& after) {
-  const Stretch stretch = DifferentStretch(before, after);
+  const TextStretch stretch = DifferentStretch(before, after);
   Alignment alignment;
   for (std::size_t i = 0; i < stretch.start; ++i) alignment.push_back({i, i});
   const auto [before_numbers, after_numbers] = NumberSharedEntries(stretch);
