@@ -482,13 +482,13 @@ struct NameField {
 void PrintTo(const NameField& field, std::ostream* out) { *out << field.name; }
 
 // What neither an element nor the part of an attribute name before or after its colon can be.
-const std::vector<std::string> kNoNames = {
+const std::vector<std::string> kNoElementNames = {
     "a b",  " a",   "a ",       "1a",       "-a",        ".a",           "<",
     "a>",   "a=",   "a/b",      "a\nb",     "\xC3\x97",  "a\x01"s,       "\xED\xA0\x80",
     "\xFF", "a\0"s, "param\0"s, "\0param"s, "a\0param"s, "\xEF\xBF\xBE", "a\xE2\x82"s};
 
 std::vector<std::string> NoNamesAnd(std::vector<std::string> more) {
-  more.insert(more.end(), kNoNames.begin(), kNoNames.end());
+  more.insert(more.end(), kNoElementNames.begin(), kNoElementNames.end());
   return more;
 }
 

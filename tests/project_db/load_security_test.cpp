@@ -21,13 +21,13 @@ namespace {
 using namespace test_support;
 using testing::ElementsAre;
 
-const std::string kNamespace = "http://schema.kel.example/wdp_proj";
+const std::string kProjectNamespace = "http://schema.kel.example/wdp_proj";
 
 /// Sections that DeviceOnlySchema refuses: the file loads only if that schema is not applied.
 const std::string kForbidden = "<isf_info/>";
 
 std::string HintAttribute(const std::string& hint) {
-  return "xsi:schemaLocation=\"" + kNamespace + " " + hint + "\"";
+  return "xsi:schemaLocation=\"" + kProjectNamespace + " " + hint + "\"";
 }
 
 std::string HintedXml(const std::string& sections, const std::string& hint) {
@@ -151,9 +151,10 @@ TEST_F(LoadSecurity, LoadProjectData_ReferencedSchemaWithDoctype_IsRefusedAsMalf
 }
 
 TEST_F(LoadSecurity, LoadProjectData_IncludedSchema_IsApplied) {
-  const std::string schema = Write(
-      "s.xsd", "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\" targetNamespace=\"" +
-                   kNamespace + "\"><xs:include schemaLocation=\"parts/rules.xsd\"/></xs:schema>");
+  const std::string schema =
+      Write("s.xsd", "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\" targetNamespace=\"" +
+                         kProjectNamespace +
+                         "\"><xs:include schemaLocation=\"parts/rules.xsd\"/></xs:schema>");
   std::filesystem::create_directory(directory / "parts");
   Write("parts/rules.xsd", DeviceOnlySchema());
   ExpectRefused(LoadBytes(ProjectXml(kForbidden), schema));
@@ -186,7 +187,7 @@ TEST_F(LoadSecurity, LoadProjectData_SchemaIncludedUnderSeveralSpellings_IsReadO
   }
   const std::string schema =
       Write("s.xsd", "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\" targetNamespace=\"" +
-                         kNamespace + "\">" + includes + "</xs:schema>");
+                         kProjectNamespace + "\">" + includes + "</xs:schema>");
   ExpectLoaded(LoadBytes(ProjectXml(DeviceInfoXml("Orrin")), schema));
   EXPECT_FALSE(LoadBytes(ProjectXml(kForbidden), schema));
 }
@@ -323,7 +324,7 @@ TEST_F(LoadSecurity, LoadProjectData_SchemaGiven_HintIsNotFollowed) {
 TEST_F(LoadSecurity, LoadProjectData_SchemaGiven_HintCannotPutAnotherInItsPlace) {
   const std::string schema = Write("given.xsd", DeviceOnlySchema());
   Write("lax.xsd", "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\" targetNamespace=\"" +
-                       kNamespace + "\"><xs:element name=\"project\"/></xs:schema>");
+                       kProjectNamespace + "\"><xs:element name=\"project\"/></xs:schema>");
   ExpectRefused(LoadBytes(HintedXml(kForbidden, "lax.xsd"), schema));
 }
 

@@ -249,7 +249,7 @@ struct TextCase {
 
 void PrintTo(const TextCase& c, std::ostream* out) { *out << c.name; }
 
-const TextCase kTexts[] = {
+const TextCase kTextCases[] = {
     {"tab", "a\tb"},
     {"newline", "a\nb"},
     {"carriage return", "a\rb"},
@@ -303,7 +303,7 @@ class RoundTripOfText : public testing::TestWithParam<std::tuple<TextCase, Schem
 };
 
 INSTANTIATE_TEST_SUITE_P(Texts, RoundTripOfText,
-                         testing::Combine(testing::ValuesIn(kTexts), kAllSchemas));
+                         testing::Combine(testing::ValuesIn(kTextCases), kAllSchemas));
 
 TEST_P(RoundTripOfText, EveryField_ComesBack) {
   KelProjectDatabase& project = trip_.project;
