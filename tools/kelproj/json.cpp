@@ -1,81 +1,82 @@
 #include "json.h"
 
-#include <projectdb/project_db.h>
+#include <string_view>
+#include <variant>
+
+#include <projectdb/vocabulary.h>
 
 #include "problems.h"
-#include "processes.h"
+#include "shown_terms.h"
 
 namespace kelproj {
 namespace {
 
 using projectdb::DesignFile;
-using projectdb::FlowProcessContents;
-using projectdb::KelProjectDatabase;
+using projectdb::IP;
+using projectdb::IPSrcFile;
+using projectdb::TermKind;
 
-Json PartToJson(const std::vector<DesignFile>& files) {
-  Json list = Json::array();
-  for (const DesignFile& file : files) {
-    list.push_back({{"name", file.name}, {"version", file.version}, {"library", file.library}});
-  }
-  return list;
+template <typename Terms, typename Record>
+Json RecordToJson(const Terms& terms, const Record& record);
+
+Json FieldToJson(const std::string& text) { return text; }
+Json FieldToJson(const projectdb::InfoAttributes& attributes) { return attributes; }
+Json FieldToJson(const std::vector<std::string>& names) { return names; }
+Json FieldToJson(const IPSrcFile& file) { return file.name; }
+Json FieldToJson(const DesignFile& file) {
+  return RecordToJson(projectdb::DesignFileTerms(), file);
+}
+Json FieldToJson(const IP& ip) { return RecordToJson(projectdb::IPTerms(), ip); }
+
+Json FieldToJson(const projectdb::Parameter& parameter) {
+  return {{"value", parameter.value}, {"type", projectdb::TextOf(parameter.type)}};
 }
 
-Json PartToJson(const projectdb::IPInfo& ip_info) {
-  Json list = Json::array();
-  for (const projectdb::IP& ip : ip_info.ips) {
-    Json files = Json::array();
-    for (const projectdb::IPSrcFile& file : ip.src_files) files.push_back(file.name);
-    list.push_back({{"instance_name", ip.instance_name}, {"path", ip.path}, {"files", files}});
-  }
-  return list;
-}
-
-Json PartToJson(const projectdb::SortedParameters& parameters) {
+Json FieldToJson(const projectdb::ParameterMaps& maps) {
   Json object = Json::object();
-  for (const auto& [name, parameter] : parameters) {
-    object[name] = {{"value", parameter.value},
-                    {"type", KelProjectDatabase::getParameterTypeStr(parameter.type)}};
+  for (const auto& [map, parameters] : maps) {
+    object[map] = Json::object();
+    for (const auto& [name, parameter] : parameters) object[map][name] = FieldToJson(parameter);
   }
   return object;
 }
 
-Json PartToJson(const FlowProcessContents& process) {
-  Json object = {{"name", process.name}, {"tool", process.tool_name}};
-  for (const auto& [map, parameters] : process.parameter_maps) object[map] = PartToJson(parameters);
+template <typename Entry>
+Json FieldToJson(const std::vector<Entry>& entries) {
+  Json list = Json::array();
+  for (const Entry& entry : entries) list.push_back(FieldToJson(entry));
+  return list;
+}
+
+// Puts a field where its key says; one without a key puts its members into the record itself.
+void Put(Json& record, std::string_view key, const Json& field) {
+  if (key.empty()) {
+    record.update(field);
+  } else if (const auto dot = key.find('.'); dot == std::string_view::npos) {
+    record[std::string(key)] = field;
+  } else {
+    Put(record[std::string(key.substr(0, dot))], key.substr(dot + 1), field);
+  }
+}
+
+template <typename Terms, typename Record>
+Json RecordToJson(const Terms& terms, const Record& record) {
+  Json object = Json::object();
+  for (const auto& term : terms) {
+    if (term.kind == TermKind::kMemory) continue;
+    std::visit([&](const auto& access) { Put(object, term.key, FieldToJson(access(record))); },
+               term.access);
+  }
   return object;
 }
 
 }  // namespace
 
 Json ToJson(const projectdb::ProjectContents& project) {
-  const auto& device = project.device_info;
-  const auto& design = project.design_info;
-  Json object = {{"name", project.project_name},
-                 {"directory", project.current_path},
-                 {"sw_version", project.software_version},
-                 {"last_change_date", project.last_modify_time},
-                 {"info", Json::object()},
-                 {"device",
-                  {{"family", device.family},
-                   {"device", device.device},
-                   {"timing_model", device.timing_model}}},
-                 {"design",
-                  {{"top_module", design.top_module},
-                   {"top_vhdl_arch", design.top_vhdl_arch},
-                   {"def_veri_version", design.def_veri_version},
-                   {"def_vhdl_version", design.def_vhdl_version},
-                   {"files", PartToJson(design.design_files)}}},
-                 {"simulation", {{"files", PartToJson(project.sim_files)}}},
-                 {"misc", {{"files", PartToJson(project.misc_files)}}},
-                 {"constraint",
-                  {{"sdc", project.design_constraint.sdc_files},
-                   {"interface", project.design_constraint.inter_file}}},
-                 {"isf", {{"files", project.design_isf.isf_files}}},
-                 {"ip", PartToJson(project.ip_info)}};
-  for (const auto& [name, value] : project.info_attributes) object["info"][name] = value;
-  for (const Process& process : kProcesses) {
-    object[std::string(process.name)] =
-        PartToJson(project.flow_processes.at(static_cast<std::size_t>(process.type)));
+  Json object = RecordToJson(ShownTerms(), project);
+  for (const auto& [type, name, title] : projectdb::kFlowProcesses) {
+    object[name] = RecordToJson(projectdb::FlowProcessTerms(),
+                                project.flow_processes.at(static_cast<std::size_t>(type)));
   }
   return object;
 }

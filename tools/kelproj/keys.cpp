@@ -1,25 +1,26 @@
 #include "keys.h"
 
-#include <algorithm>
 #include <array>
 #include <string_view>
 
+#include <projectdb/vocabulary.h>
+
 #include "console.h"
-#include "processes.h"
 
 namespace kelproj {
 namespace {
 
 using projectdb::FlowProcessContents;
+using projectdb::FlowProcessName;
 using projectdb::KelProjectDatabase;
+using projectdb::kFlowProcesses;
 using projectdb::Parameter;
 using projectdb::ParameterType;
 using projectdb::ProcType;
 using projectdb::ProjectContents;
 
 constexpr char kNoTypeName[] = "none";
-constexpr std::array kTypes = {projectdb::e_string, projectdb::e_bool, projectdb::e_option,
-                               projectdb::e_noarg};
+constexpr char kToolKey[] = "tool";  // Of a process's executable.
 
 /// A value that every project has once.
 struct Property {
@@ -70,7 +71,7 @@ constexpr std::array<Property, 11> kProperties = {{
 }};
 
 std::string TypeName(ParameterType type) {
-  const std::string name = KelProjectDatabase::getParameterTypeStr(type);
+  const std::string name = projectdb::TextOf(type);
   return name.empty() ? kNoTypeName : name;
 }
 
@@ -129,7 +130,7 @@ struct ParameterPlace {
 
 // Macros and defines have no type unless one is asked for, as in the library's own operations.
 ParameterType TypeOfNew(const ParameterPlace& place) {
-  return place.map == kParameterMap ? projectdb::e_string : projectdb::kNoParameterType;
+  return place.map == projectdb::kParameterMap ? projectdb::e_string : projectdb::kNoParameterType;
 }
 
 std::string RefusalReason(const std::optional<Parameter>& stored, ParameterType type) {
@@ -168,10 +169,8 @@ Key ParameterKey(const ParameterPlace& place) {
 
 std::optional<Key> ProcessKey(ProcType type, const std::string& text) {
   if (text == kToolKey) return ToolKey(type);
-  for (const std::string_view map : MapsOf(type)) {
-    if (const auto name = RestBehind(map, text)) {
-      return ParameterKey({type, std::string(map), *name});
-    }
+  for (const projectdb::ParameterMapName& map : projectdb::MapsOf(type)) {
+    if (const auto name = RestBehind(map.name, text)) return ParameterKey({type, map.name, *name});
   }
   return std::nullopt;
 }
@@ -183,7 +182,7 @@ Key FindKey(const std::string& text) {
     if (text == property.key) return PropertyKey(property);
   }
   if (const auto name = RestBehind("info", text)) return InfoKey(*name);
-  for (const Process& process : kProcesses) {
+  for (const FlowProcessName& process : kFlowProcesses) {
     const auto rest = RestBehind(process.name, text);
     const auto key = rest ? ProcessKey(process.type, *rest) : std::nullopt;
     if (key) return *key;
@@ -193,23 +192,23 @@ Key FindKey(const std::string& text) {
 
 std::vector<std::string> FixedKeys() {
   std::vector<std::string> keys;
-  keys.reserve(kProperties.size() + kProcesses.size());
+  keys.reserve(kProperties.size() + kFlowProcesses.size());
   for (const Property& property : kProperties) keys.emplace_back(property.key);
-  for (const Process& process : kProcesses) {
+  for (const FlowProcessName& process : kFlowProcesses) {
     keys.push_back(std::string(process.name).append(".").append(kToolKey));
   }
   return keys;
 }
 
 std::vector<std::string> ParameterTypeNames() {
-  std::vector<std::string> names(kTypes.size());
-  std::transform(kTypes.begin(), kTypes.end(), names.begin(), TypeName);
+  const auto& texts = projectdb::kParameterTypeTexts;
+  std::vector<std::string> names(texts.begin(), texts.end());
   names.emplace_back(kNoTypeName);
   return names;
 }
 
 ParameterType ParameterTypeFromName(const std::string& name) {
-  return KelProjectDatabase::getParameterTypeFromStr(name);
+  return projectdb::ParameterTypeOf(name);
 }
 
 }  // namespace kelproj

@@ -1,46 +1,75 @@
 #include "named_files.h"
 
 #include <system_error>
+#include <variant>
+
+#include <projectdb/vocabulary.h>
+
+#include "shown_terms.h"
 
 namespace kelproj {
 namespace {
 
+using projectdb::IP;
 using projectdb::ProjectContents;
+using projectdb::ProjectTerm;
 
-const std::string& NameOf(const std::string& name) { return name; }
-const std::string& NameOf(const projectdb::DesignFile& file) { return file.name; }
-const std::string& NameOf(const projectdb::IPSrcFile& file) { return file.name; }
-const std::string& NameOf(const projectdb::IP& ip) { return ip.path; }
+/// Collects the files of a project.
+class Collection {
+ public:
+  explicit Collection(const ProjectContents& project)
+      : project_(project), directory_(project.current_path) {}
 
-template <typename Entry>
-void AppendFiles(std::vector<NamedFile>& files, const std::filesystem::path& directory,
-                 const std::string& list, const std::vector<Entry>& entries) {
-  for (std::size_t i = 0; i < entries.size(); ++i) {
-    const std::string& name = NameOf(entries[i]);
-    files.push_back({list + "[" + std::to_string(i) + "]", name, directory / name});
+  void Add(const ProjectTerm& term) {
+    std::visit([&](const auto& access) { Add(std::string(term.key), access(project_)); },
+               term.access);
   }
-}
+
+  const std::vector<NamedFile>& files() const { return files_; }
+
+ private:
+  void Add(const std::string& key, const std::string& name) {
+    if (!name.empty()) files_.push_back({key, name, directory_ / name});
+  }
+
+  // The attributes are free text.
+  void Add(const std::string& /*key*/, const projectdb::InfoAttributes& /*attributes*/) {}
+
+  template <typename Entry>
+  void Add(const std::string& key, const std::vector<Entry>& entries) {
+    AddList(key, entries, directory_);
+  }
+
+  void Add(const std::string& key, const std::vector<IP>& ips) {
+    AddList(key, ips, directory_);
+    for (const IP& ip : ips) {
+      AddList(key + "." + NameOf(ip) + ".files", ip.src_files,
+              (directory_ / ip.path).parent_path());
+    }
+  }
+
+  template <typename Entry>
+  void AddList(const std::string& list, const std::vector<Entry>& entries,
+               const std::filesystem::path& directory) {
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+      const std::string& name = projectdb::FileNameOf(entries[i]);
+      files_.push_back({list + "[" + std::to_string(i) + "]", name, directory / name});
+    }
+  }
+
+  const ProjectContents& project_;
+  std::filesystem::path directory_;
+  std::vector<NamedFile> files_;
+};
 
 }  // namespace
 
 std::vector<NamedFile> FilesOf(const ProjectContents& project) {
-  const std::filesystem::path directory = project.current_path;
-  std::vector<NamedFile> files;
-  AppendFiles(files, directory, "design.files", project.design_info.design_files);
-  AppendFiles(files, directory, "simulation.files", project.sim_files);
-  AppendFiles(files, directory, "misc.files", project.misc_files);
-  AppendFiles(files, directory, "constraint.sdc", project.design_constraint.sdc_files);
-  const std::string& interface = project.design_constraint.inter_file;
-  if (!interface.empty()) {
-    files.push_back({"constraint.interface", interface, directory / interface});
+  Collection collection(project);
+  for (const ProjectTerm& term : ShownTerms()) {
+    if (term.file_ending) collection.Add(term);
   }
-  AppendFiles(files, directory, "isf.files", project.design_isf.isf_files);
-  AppendFiles(files, directory, "ip", project.ip_info.ips);
-  for (const projectdb::IP& ip : project.ip_info.ips) {
-    AppendFiles(files, (directory / ip.path).parent_path(), "ip." + ip.instance_name + ".files",
-                ip.src_files);
-  }
-  return files;
+  return collection.files();
 }
 
 bool IsFile(const std::filesystem::path& path) {

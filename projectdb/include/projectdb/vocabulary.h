@@ -59,7 +59,8 @@ enum class TermKind {
   kValue,      ///< The project's user.
   kStamp,      ///< Every writing of a project file, of which it tells.
   kDirectory,  ///< Every load: it is the directory of the project file.
-  kInternal,   ///< The running program: no project file keeps it as it is set.
+  kFormat,     ///< The format: a load keeps no other.
+  kMemory,     ///< The running program: no project file keeps it.
 };
 
 /// The way to one field of a record.

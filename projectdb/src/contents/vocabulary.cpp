@@ -35,7 +35,8 @@ constexpr Access<typename Path<Members...>::Record, typename Path<Members...>::F
 constexpr auto kValue = TermKind::kValue;
 constexpr auto kStamp = TermKind::kStamp;
 constexpr auto kDirectory = TermKind::kDirectory;
-constexpr auto kInternal = TermKind::kInternal;
+constexpr auto kFormat = TermKind::kFormat;
+constexpr auto kMemory = TermKind::kMemory;
 
 constexpr std::optional<std::string_view> kNoFile;
 constexpr std::optional<std::string_view> kAnyFile = "";
@@ -81,10 +82,10 @@ constexpr ProjectTerm kProjectTerms[] = {
 };
 
 constexpr FlowProcessTerm kFlowProcessTerms[] = {
-    {"name", "name", "", kInternal, kNoFile, kAt<&Process::name>},
+    {"name", "name", "", kFormat, kNoFile, kAt<&Process::name>},
     {"tool", "tool", "", kValue, kNoFile, kAt<&Process::tool_name>},
     {"", "Parameters", "", kValue, kNoFile, kAt<&Process::parameter_maps>},
-    {"parameters", "Plain parameters", "", kInternal, kNoFile, kAt<&Process::parameters>},
+    {"parameters", "Plain parameters", "", kMemory, kNoFile, kAt<&Process::parameters>},
 };
 
 constexpr DesignFileTerm kDesignFileTerms[] = {

@@ -1,20 +1,24 @@
 #include <ostream>
+#include <string_view>
+#include <variant>
 
 #include <projectdb/project_contents.h>
+#include <projectdb/vocabulary.h>
 
 #include "commands.h"
 #include "json.h"
-#include "processes.h"
+#include "shown_terms.h"
 #include "stored_project.h"
 #include "table.h"
 
 namespace kelproj {
 namespace {
 
+using projectdb::Access;
 using projectdb::DesignFile;
 using projectdb::FlowProcessContents;
-using projectdb::KelProjectDatabase;
 using projectdb::ProjectContents;
+using projectdb::ProjectTerm;
 
 std::string OrNone(const std::string& text) { return text.empty() ? "(none)" : text; }
 
@@ -22,15 +26,13 @@ class Report {
  public:
   explicit Report(const Console& console) : console_(console) {}
 
-  void Values(const std::string& title, Table table) {
+  void Values(std::string_view title, Table table) {
     for (auto& row : table) row.back() = OrNone(row.back());
-    Section(title, table);
+    Section(std::string(title), table);
   }
 
-  void List(const std::string& title, const Table& table) { List(title, table.size(), table); }
-
-  void List(const std::string& title, std::size_t count, const Table& table) {
-    Section(title + " (" + std::to_string(count) + ")", table);
+  void List(std::string_view title, std::size_t count, const Table& table) {
+    Section(std::string(title) + " (" + std::to_string(count) + ")", table);
   }
 
  private:
@@ -44,6 +46,12 @@ class Report {
   const Console& console_;
   bool is_first_ = true;
 };
+
+Table Rows(const projectdb::InfoAttributes& attributes) {
+  Table table;
+  for (const auto& [name, value] : attributes) table.push_back({name, value});
+  return table;
+}
 
 Table Rows(const std::vector<std::string>& names) {
   Table table;
@@ -59,9 +67,9 @@ Table Rows(const std::vector<DesignFile>& files) {
   return table;
 }
 
-Table Rows(const projectdb::IPInfo& ip_info) {
+Table Rows(const std::vector<projectdb::IP>& ips) {
   Table table;
-  for (const projectdb::IP& ip : ip_info.ips) {
+  for (const projectdb::IP& ip : ips) {
     table.push_back({ip.instance_name, ip.path});
     for (const projectdb::IPSrcFile& file : ip.src_files) table.push_back({"", file.name});
   }
@@ -71,44 +79,62 @@ Table Rows(const projectdb::IPInfo& ip_info) {
 Table Rows(const projectdb::SortedParameters& parameters) {
   Table table;
   for (const auto& [name, parameter] : parameters) {
-    table.push_back(
-        {name, parameter.value, KelProjectDatabase::getParameterTypeStr(parameter.type)});
+    table.push_back({name, parameter.value, projectdb::TextOf(parameter.type)});
   }
   return table;
 }
 
-void ShowProperties(Report& report, const ProjectContents& project) {
-  report.Values("Project", {{"name", project.project_name},
-                            {"directory", project.current_path},
-                            {"software version", project.software_version},
-                            {"last change", project.last_modify_time}});
-  Table attributes;
-  for (const auto& [name, value] : project.info_attributes) attributes.push_back({name, value});
-  report.List("Info attributes", attributes);
-  report.Values("Device", {{"family", project.device_info.family},
-                           {"device", project.device_info.device},
-                           {"timing model", project.device_info.timing_model}});
-  report.Values("Design", {{"top module", project.design_info.top_module},
-                           {"top VHDL architecture", project.design_info.top_vhdl_arch},
-                           {"default Verilog version", project.design_info.def_veri_version},
-                           {"default VHDL version", project.design_info.def_vhdl_version}});
+// Each text of the terms that the condition takes, behind its title.
+template <typename Terms, typename Record, typename Condition>
+Table Texts(const Terms& terms, const Record& record, Condition condition) {
+  Table table;
+  for (const auto& term : terms) {
+    const auto* access = std::get_if<Access<Record, std::string>>(&term.access);
+    if (access && condition(term)) table.push_back({std::string(term.title), (*access)(record)});
+  }
+  return table;
 }
 
-void ShowFiles(Report& report, const ProjectContents& project) {
-  report.List("Design files", Rows(project.design_info.design_files));
-  report.List("Simulation files", Rows(project.sim_files));
-  report.List("Miscellaneous files", Rows(project.misc_files));
-  report.List("Timing constraint files", Rows(project.design_constraint.sdc_files));
-  report.Values("Interface constraint", {{project.design_constraint.inter_file}});
-  report.List("ISF files", Rows(project.design_isf.isf_files));
-  report.List("IP instances", project.ip_info.ips.size(), Rows(project.ip_info));
-}
+/// Shows all of a project but its flow processes, term by term.
+class ProjectReport {
+ public:
+  ProjectReport(Report& report, const ProjectContents& project)
+      : report_(report), project_(project) {}
+
+  void Show() {
+    for (const ProjectTerm& term : terms_) {
+      std::visit([&](const auto& access) { Show(term, access(project_)); }, term.access);
+    }
+  }
+
+ private:
+  // The texts of a group stand in one section.
+  void Show(const ProjectTerm& term, const std::string& text) {
+    if (term.group.empty()) return report_.Values(term.title, {{text}});
+    if (term.group == shown_group_) return;
+    shown_group_ = term.group;
+    report_.Values(term.group, Texts(terms_, project_, [&](const ProjectTerm& other) {
+                     return other.group == term.group;
+                   }));
+  }
+
+  template <typename List>
+  void Show(const ProjectTerm& term, const List& list) {
+    report_.List(term.title, list.size(), Rows(list));
+  }
+
+  Report& report_;
+  const ProjectContents& project_;
+  const std::vector<ProjectTerm> terms_ = ShownTerms();
+  std::string_view shown_group_;
+};
 
 void ShowProcess(Report& report, const std::string& title, const FlowProcessContents& process) {
-  report.Values(title, {{"tool", process.tool_name}});
-  const std::string prefix = title + ": ";
+  report.Values(title, Texts(projectdb::FlowProcessTerms(), process, [](const auto& term) {
+                  return term.kind == projectdb::TermKind::kValue;
+                }));
   for (const auto& [map, parameters] : process.parameter_maps) {
-    report.List(prefix + map, Rows(parameters));
+    report.List(title + ": " + map, parameters.size(), Rows(parameters));
   }
 }
 
@@ -122,10 +148,9 @@ ExitStatus Run(const ShowArguments& arguments, const Console& console) {
     return ExitStatus::kYes;
   }
   Report report(console);
-  ShowProperties(report, project);
-  ShowFiles(report, project);
-  for (const Process& process : kProcesses) {
-    ShowProcess(report, std::string(process.title),
+  ProjectReport(report, project).Show();
+  for (const projectdb::FlowProcessName& process : projectdb::kFlowProcesses) {
+    ShowProcess(report, process.title,
                 project.flow_processes.at(static_cast<std::size_t>(process.type)));
   }
   return ExitStatus::kYes;
