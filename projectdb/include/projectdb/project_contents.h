@@ -49,4 +49,18 @@ struct ProjectContents {
 /// @exception std::bad_alloc
 KEL_EXPORT ProjectContents GetProjectContents(const KelProjectDatabase& database);
 
+/// Makes the object hold exactly these contents, whatever it held before, at one moment under its
+/// lock. GetProjectContents then gives equal contents. If anything is thrown, the object holds what
+/// it held.
+///
+/// @exception std::invalid_argument, with the dotted key in its text, for what no project is:
+///            another number of flow processes than four, a parameter under another key than its
+///            name or with a value that does not go with its type, more than 32768 maps of a
+///            process, an info attribute of a name that stands for a field ("name", "sw_version",
+///            "last_change_date") or that belongs to XML ("xmlns", "xsi", or one of these and a
+///            colon before the name)
+/// @exception std::system_error if the lock fails
+/// @exception std::bad_alloc
+KEL_EXPORT void SetProjectContents(KelProjectDatabase& database, const ProjectContents& contents);
+
 }  // namespace projectdb

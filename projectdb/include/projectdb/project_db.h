@@ -386,6 +386,8 @@ class KEL_EXPORT KelProjectDatabase {
 
  private:
   friend KEL_EXPORT ProjectContents GetProjectContents(const KelProjectDatabase& database);
+  friend KEL_EXPORT void SetProjectContents(KelProjectDatabase& database,
+                                            const ProjectContents& contents);
   friend KEL_EXPORT void ExportProjectDataDurably(const KelProjectDatabase& database,
                                                   const std::string& path);
   friend ProjectFileChecker;  // It reads a document as a load does, but posts no messages.

@@ -171,11 +171,6 @@ const SortedParameters& MapOf(const ParameterMaps& maps, const std::string& name
   return map == maps.end() ? empty : map->second;
 }
 
-// The name ends where the next dot is, which must not be one of its own.
-std::string MapKey(const std::string& name) {
-  return name.empty() || name.find_first_of(".\"") != std::string::npos ? QuotedText(name) : name;
-}
-
 // A file that is written or loaded elsewhere holds the same project.
 bool IsCompared(const ProjectTerm& term) {
   return term.kind != TermKind::kStamp && term.kind != TermKind::kDirectory;

@@ -74,4 +74,8 @@ std::string TextUnderKey(const std::string& key, const Parameter& parameter) {
   return parameter.name == key ? text : text + Field("name", parameter.name);
 }
 
+std::string MapKey(const std::string& name) {
+  return name.empty() || name.find_first_of(".\"") != std::string::npos ? QuotedText(name) : name;
+}
+
 }  // namespace projectdb

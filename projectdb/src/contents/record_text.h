@@ -25,4 +25,8 @@ std::string TextOf(const Parameter& parameter);
 /// "high type=e_option": a parameter under its key, which the line leaves out.
 std::string TextUnderKey(const std::string& key, const Parameter& parameter);
 
+/// The name of a parameter map as a part of a dotted key, where it ends at the next dot: quoted if
+/// it is empty or has a dot or a quote of its own.
+std::string MapKey(const std::string& name);
+
 }  // namespace projectdb

@@ -1,28 +1,9 @@
 #include <utility>
 
-#include <projectdb/vocabulary.h>
-
+#include "contents/info_attribute_names.h"
 #include "project_db/project_data.h"
 
 namespace projectdb {
-namespace {
-
-// A namespace declaration or schema-instance attribute: "xmlns", "xsi" or a name so prefixed.
-bool IsForXmlItself(const std::string& name) {
-  const std::string prefix = name.substr(0, name.find(':'));
-  return prefix == "xmlns" || prefix == "xsi";
-}
-
-// The field that a reserved name stands for; null for any other name.
-template <typename Data>
-auto* ReservedField(Data& data, const std::string& name) {
-  if (name == kProjectNameKey) return &data.project_name;
-  if (name == kSoftwareVersionKey) return &data.software_version;
-  if (name == kLastModifyTimeKey) return &data.last_modify_time;
-  return static_cast<decltype(&data.project_name)>(nullptr);
-}
-
-}  // namespace
 
 bool KelProjectDatabase::InsertOrAssignProjectAttribute(const std::string& name,
                                                         const std::string& value) {

@@ -1,12 +1,31 @@
 #include <projectdb/project_contents.h>
 
+#include <memory>
 #include <mutex>
 
 #include "contents/parameter_rules.h"
+#include "contents/project_rules.h"
 #include "project_db/project_data.h"
 
 namespace projectdb {
 namespace {
+
+// All but the flow processes, whose maps have an order on one side and an index on the other.
+template <typename From, typename To>
+void CopyFields(const From& from, To& to) {
+  to.project_name = from.project_name;
+  to.current_path = from.current_path;
+  to.software_version = from.software_version;
+  to.last_modify_time = from.last_modify_time;
+  to.info_attributes.insert(from.info_attributes.begin(), from.info_attributes.end());
+  to.device_info = from.device_info;
+  to.design_info = from.design_info;
+  to.design_constraint = from.design_constraint;
+  to.design_isf = from.design_isf;
+  to.ip_info = from.ip_info;
+  to.sim_files = from.sim_files;
+  to.misc_files = from.misc_files;
+}
 
 FlowProcessContents ContentsOf(const FlowProcess& process) {
   FlowProcessContents contents;
@@ -20,6 +39,19 @@ FlowProcessContents ContentsOf(const FlowProcess& process) {
   return contents;
 }
 
+FlowProcess ProcessOf(const FlowProcessContents& contents) {
+  FlowProcess process;
+  process.name = contents.name;
+  process.tool_name = contents.tool_name;
+  process.parameters = contents.parameters;
+  for (const auto& [name, parameters] : contents.parameter_maps) {
+    process.parameter_map_index.emplace(name,
+                                        static_cast<std::int16_t>(process.parameter_maps.size()));
+    process.parameter_maps.emplace_back(parameters.begin(), parameters.end());
+  }
+  return process;
+}
+
 }  // namespace
 
 ProjectContents GetProjectContents(const KelProjectDatabase& database) {
@@ -27,23 +59,25 @@ ProjectContents GetProjectContents(const KelProjectDatabase& database) {
   ProjectContents contents;
   if (!database.data_) return contents;
   const auto& data = *database.data_;
-  contents.project_name = data.project_name;
-  contents.current_path = data.current_path;
-  contents.software_version = data.software_version;
-  contents.last_modify_time = data.last_modify_time;
-  contents.info_attributes.insert(data.info_attributes.begin(), data.info_attributes.end());
-  contents.device_info = data.device_info;
-  contents.design_info = data.design_info;
-  contents.design_constraint = data.design_constraint;
-  contents.design_isf = data.design_isf;
-  contents.ip_info = data.ip_info;
-  contents.sim_files = data.sim_files;
-  contents.misc_files = data.misc_files;
+  CopyFields(data, contents);
   contents.flow_processes.reserve(data.flow_processes.size());
   for (const FlowProcess& process : data.flow_processes) {
     contents.flow_processes.push_back(ContentsOf(process));
   }
   return contents;
+}
+
+void SetProjectContents(KelProjectDatabase& database, const ProjectContents& contents) {
+  RequireProject(contents);
+  auto data = std::make_unique<KelProjectDatabase::ProjectData>();
+  CopyFields(contents, *data);
+  data->flow_processes.reserve(contents.flow_processes.size());
+  for (const FlowProcessContents& process : contents.flow_processes) {
+    data->flow_processes.push_back(ProcessOf(process));
+  }
+  // The former project goes when the lock is given back.
+  const std::lock_guard<std::mutex> lock(database.mutex_);
+  database.data_.swap(data);
 }
 
 }  // namespace projectdb

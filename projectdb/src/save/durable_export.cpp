@@ -16,6 +16,7 @@
 
 #include "base/failure.h"
 #include "save/file_descriptor.h"
+#include "save/file_lock.h"
 #include "save/file_permissions.h"
 #include "save/loadable.h"
 #include "save/temporary_file.h"
@@ -100,6 +101,14 @@ void ExportInto(const TemporaryFile& file, const Export& export_to) {
   }
 }
 
+// The lock that this process may have on the former file goes with the new one.
+void PutInPlace(TemporaryFile& file, const Target& target) {
+  std::optional<files::LockHandover> handover;
+  if (target.former) handover.emplace(*target.former, file.descriptor());
+  file.RenameTo(target.path.filename());
+  if (handover) handover->Complete();
+}
+
 void Save(const Export& export_to, const std::string& path) {
   const Target target = FindTarget(path);
   const Directory directory(target.path.parent_path());
@@ -109,7 +118,7 @@ void Save(const Export& export_to, const std::string& path) {
   if (file.descriptor().Status().st_size == 0) return;
   if (target.former) files::CopyPermissions(target.path, *target.former, file.descriptor());
   file.Flush();
-  file.RenameTo(target.path.filename());
+  PutInPlace(file, target);
   directory.Flush();
 }
 

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include <sys/stat.h>
+
+#include "save/file_descriptor.h"
+
+namespace projectdb::files {
+
+/// A lock on a file, exclusive among all that ask for it, in this process and in others. It is on
+/// the file, whatever its name. When this process replaces the file, LockHandover takes the lock
+/// over to the new one.
+class FileLock {
+ public:
+  /// @param longest_wait for ever if not given
+  /// @exception Failure if the path names no regular file that can be opened and locked, or if the
+  ///            wait took too long
+  FileLock(const std::string& path, std::optional<std::chrono::milliseconds> longest_wait);
+  ~FileLock();
+  FileLock(const FileLock&) = delete;
+  FileLock& operator=(const FileLock&) = delete;
+
+ private:
+  friend class LockHandover;
+
+  std::unique_ptr<FileDescriptor> descriptor_;
+};
+
+/// Takes the lock that this process has on a file, if it has one, over to the file that replaces
+/// it. Meanwhile no other thread gives back a lock or replaces a file.
+class LockHandover {
+ public:
+  /// Locks the replacement too, which nobody else knows yet.
+  /// @param former status of the file that is to be replaced
+  /// @exception Failure if the replacement cannot be locked
+  LockHandover(const struct stat& former, const FileDescriptor& replacement);
+  LockHandover(const LockHandover&) = delete;
+  LockHandover& operator=(const LockHandover&) = delete;
+
+  /// The replacement is in place.
+  void Complete() noexcept;
+
+ private:
+  const std::lock_guard<std::mutex> guard_;
+  FileLock* lock_;  ///< Null if this process has no lock on the former file.
+  std::unique_ptr<FileDescriptor> descriptor_;
+};
+
+}  // namespace projectdb::files
