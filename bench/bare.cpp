@@ -15,8 +15,8 @@
 #include <xercesc/validators/schema/SchemaSymbols.hpp>
 
 #include "project_db/format.h"
+#include "xml/dom_parser.h"
 #include "xml/error_handler.h"
-#include "xml/parser_settings.h"
 
 namespace bench::bare {
 namespace {

@@ -16,6 +16,7 @@
 
 namespace {
 
+using namespace projectdb::check;
 using namespace projectdb::xml;
 using namespace test_support;
 using testing::ElementsAre;

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -150,12 +151,51 @@ std::string RunCommands(const std::string& text, const std::filesystem::path& di
   return printed;
 }
 
+/// What a document names between single backticks and by its form is a file or directory.
+std::vector<std::string> NamedPaths(const std::string& document) {
+  const std::string text = test_support::ReadFile(SourcePath(document));
+  const std::regex path("`([a-z_./-]*(/|\\.(h|cpp|xsd|md))[a-z_./-]*)`");
+  std::vector<std::string> names;
+  for (std::sregex_iterator match(text.begin(), text.end(), path), end; match != end; ++match) {
+    names.push_back((*match)[1]);
+  }
+  return names;
+}
+
+/// All files and directories that are no product of a build, directories with a slash at the end.
+std::vector<std::string> SourceTree() {
+  std::vector<std::string> paths;
+  for (const char* const top :
+       {"common", "docs", "projectdb", "schema", "scripts", "testing", "tests", "tools"}) {
+    paths.push_back(std::string("/") + top + "/");
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(SourcePath(top))) {
+      paths.push_back(entry.path().string() + (entry.is_directory() ? "/" : ""));
+    }
+  }
+  return paths;
+}
+
 TEST(Documents, EveryCodeBlock_IsTestedOrPlainText) {
   for (const std::string& document : Documents()) {
     for (const CodeBlock& block : BlocksOf(document)) {
       EXPECT_THAT(block.language, testing::AnyOf("cpp", "xml", "cmake", "sh", "console", "text"))
           << document << ":" << block.line;
     }
+  }
+}
+
+TEST(Documents, Architecture_EveryPathThatItNames_IsThere) {
+  const std::vector<std::string> tree = SourceTree();
+  for (const std::string& name : NamedPaths("docs/architecture.md")) {
+    EXPECT_THAT(tree, testing::Contains(testing::EndsWith("/" + name)));
+  }
+}
+
+TEST(Documents, Architecture_EveryRoomOfTheLibrary_IsInIt) {
+  const std::vector<std::string> names = NamedPaths("docs/architecture.md");
+  for (const auto& entry : std::filesystem::directory_iterator(SourcePath("projectdb/src"))) {
+    const std::string name = entry.path().filename().string();
+    EXPECT_THAT(names, testing::Contains(entry.is_directory() ? name + "/" : name));
   }
 }
 

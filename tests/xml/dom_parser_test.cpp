@@ -19,7 +19,6 @@
 #include "xml/input.h"
 #include "xml/owned.h"
 #include "xml/parser.h"
-#include "xml/parser_settings.h"
 
 namespace {
 

@@ -7,6 +7,7 @@
 #include <locale>
 #include <sstream>
 
+#include "base/control_characters.h"
 #include "base/utf8.h"
 
 namespace projectdb {
@@ -23,8 +24,7 @@ std::string Format(const std::tm& time, const std::locale& locale) {
 
 // Encodings that shift between character sets are plain ASCII but for the escape characters.
 bool HasControlCharacter(const std::string& text) {
-  return std::any_of(text.begin(), text.end(),
-                     [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; });
+  return std::any_of(text.begin(), text.end(), IsControl);
 }
 
 // The two code points U+FFFE and U+FFFF are no characters, and no project file can hold them.

@@ -1,5 +1,6 @@
 #include "base/paths.h"
 
+#include <stdexcept>
 #include <type_traits>
 
 #include "base/utf8.h"
@@ -14,7 +15,7 @@ std::filesystem::path FromBytes(const std::string& name) { return std::filesyste
 std::string ToBytes(const std::filesystem::path& path) { return path.native(); }
 
 std::filesystem::path FromUtf8(const std::string& name) {
-  utf8::RequireValid(name);
+  if (!utf8::IsValid(name)) throw std::range_error("a path is not UTF-8 text");
   return FromBytes(name);
 }
 

@@ -1,49 +1,53 @@
 #include "base/utf8.h"
 
 #include <algorithm>
-#include <array>
-#include <codecvt>
-#include <cwchar>
-#include <stdexcept>
+#include <iterator>
 
 namespace projectdb::utf8 {
 namespace {
 
-bool IsAscii(char c) { return static_cast<unsigned char>(c) < 0x80; }
+using Byte = unsigned char;
 
-// The facet that paths are converted with where their native form is UTF-16; its answer decides
-// everywhere, so that a project is accepted or refused alike on every platform.
-bool FacetAccepts(std::string_view text) {
-  static const std::codecvt_utf8_utf16<char16_t> facet;
-  std::mbstate_t state{};
-  std::array<char16_t, 256> units;
-  const char* next = text.data();
-  const char* const end = next + text.size();
-  while (next != end) {
-    const char* const start = next;
-    char16_t* unit = units.data();
-    const auto result =
-        facet.in(state, start, end, next, units.data(), units.data() + units.size(), unit);
-    if (result == std::codecvt_base::error || next == start) return false;
-  }
-  return true;
-}
+/// Characters whose first bytes are up to a last one. Where there is a second byte, its range keeps
+/// out encodings longer than needed, surrogates and what is beyond U+10FFFF.
+struct Form {
+  Byte last_first;
+  std::size_t size;  ///< 0 if no character begins so.
+  Byte smallest_second;
+  Byte largest_second;
+};
 
-// The facet lets halves of surrogate pairs pass that each have an encoding of their own.
-bool HasEncodedSurrogate(std::string_view text) {
-  const auto is_one = [](char first, char second) { return first == '\xED' && second >= '\xA0'; };
-  return std::adjacent_find(text.begin(), text.end(), is_one) != text.end();
+constexpr Form kForms[] = {{0x7F, 1, 0, 0},       {0xC1, 0, 0, 0},       {0xDF, 2, 0x80, 0xBF},
+                           {0xE0, 3, 0xA0, 0xBF}, {0xEC, 3, 0x80, 0xBF}, {0xED, 3, 0x80, 0x9F},
+                           {0xEF, 3, 0x80, 0xBF}, {0xF0, 4, 0x90, 0xBF}, {0xF3, 4, 0x80, 0xBF},
+                           {0xF4, 4, 0x80, 0x8F}, {0xFF, 0, 0, 0}};
+
+bool IsContinuation(char c) { return (static_cast<Byte>(c) & 0xC0U) == 0x80U; }
+
+bool HasRest(std::string_view character, const Form& form) {
+  const Byte second = static_cast<Byte>(character[1]);
+  return second >= form.smallest_second && second <= form.largest_second &&
+         std::all_of(character.begin() + 2, character.end(), IsContinuation);
 }
 
 }  // namespace
 
-bool IsValid(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), IsAscii) ||
-         (FacetAccepts(text) && !HasEncodedSurrogate(text));
+std::size_t LeadingCharacterSize(std::string_view text) {
+  if (text.empty()) return 0;
+  const Byte first = static_cast<Byte>(text.front());
+  const auto covers = [first](const Form& form) { return first <= form.last_first; };
+  const Form& form = *std::find_if(std::begin(kForms), std::end(kForms), covers);
+  if (form.size < 2) return form.size;
+  return text.size() >= form.size && HasRest(text.substr(0, form.size), form) ? form.size : 0;
 }
 
-void RequireValid(std::string_view text) {
-  if (!IsValid(text)) throw std::range_error("a path is not UTF-8 text");
+bool IsValid(std::string_view text) {
+  while (!text.empty()) {
+    const std::size_t size = LeadingCharacterSize(text);
+    if (size == 0) return false;
+    text.remove_prefix(size);
+  }
+  return true;
 }
 
 }  // namespace projectdb::utf8

@@ -1,14 +1,15 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
-/// UTF-8 text outside XML: file names and time stamps.
+/// What UTF-8 is, the one answer for file names, time stamps and XML text.
 namespace projectdb::utf8 {
 
-/// Whether the text converts to UTF-16.
-bool IsValid(std::string_view text);
+/// The bytes of the character that the text begins with; 0 if it begins with none, as the empty
+/// text does. Surrogates are no characters.
+std::size_t LeadingCharacterSize(std::string_view text);
 
-/// @exception std::range_error if the text is not UTF-8
-void RequireValid(std::string_view text);
+bool IsValid(std::string_view text);
 
 }  // namespace projectdb::utf8

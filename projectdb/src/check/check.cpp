@@ -9,6 +9,7 @@
 #include <projectdb/project_db.h>
 #include <projectdb/vocabulary.h>
 
+#include "base/control_characters.h"
 #include "check/located_parse.h"
 #include "contents/parameter_rules.h"
 #include "project_db/format.h"
@@ -75,14 +76,13 @@ std::string RefusalOf(const Parameter& parameter, const ParameterMap& map) {
 std::string OneLine(std::string text) {
   const std::size_t end = text.find_last_not_of('\n') + 1;
   text.erase(end);
-  const auto is_control = [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; };
-  std::replace_if(text.begin(), text.end(), is_control, ' ');
+  std::replace_if(text.begin(), text.end(), IsControl, ' ');
   return text;
 }
 
 class Problems {
  public:
-  void Add(ProblemSeverity severity, xml::Position position, std::string message) {
+  void Add(ProblemSeverity severity, check::Position position, std::string message) {
     problems_.push_back({severity, position.line, position.column, OneLine(std::move(message))});
   }
 
@@ -102,7 +102,7 @@ class Problems {
 class CollectingObserver : public LoadObserver {
  public:
   /// @param positions of the document's elements; like the problems, they must outlive this
-  CollectingObserver(const xml::ElementPositions& positions, Problems& problems)
+  CollectingObserver(const check::ElementPositions& positions, Problems& problems)
       : positions_(positions), problems_(problems) {}
 
   void UnexpectedSection(const DOMElement& element) override {
@@ -161,7 +161,7 @@ class CollectingObserver : public LoadObserver {
                   fmt::format(text, std::forward<Arguments>(arguments)...));
   }
 
-  const xml::ElementPositions& positions_;
+  const check::ElementPositions& positions_;
   Problems& problems_;
 };
 
@@ -198,7 +198,7 @@ class ProjectFileChecker {
   }
 
   void CheckContent(const std::string& xml_file, const std::string& schema_location) {
-    const xml::LocatedParse parse = xml::ParseLocated(xml_file, schema_location);
+    const check::LocatedParse parse = check::ParseLocated(xml_file, schema_location);
     for (const auto& [is_error, position, message] : parse.problems) {
       problems_.Add(is_error ? ProblemSeverity::kError : ProblemSeverity::kWarning, position,
                     message);
@@ -207,7 +207,7 @@ class ProjectFileChecker {
     if (root) CheckDocument(*root, parse.positions);
   }
 
-  void CheckDocument(const DOMElement& root, const xml::ElementPositions& positions) {
+  void CheckDocument(const DOMElement& root, const check::ElementPositions& positions) {
     if (!xml::HasLocalName(&root, format::kProject)) {
       problems_.Add(
           ProblemSeverity::kWarning, positions.Of(root),

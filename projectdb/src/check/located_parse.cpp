@@ -11,14 +11,13 @@
 #include <xercesc/dom/DOMLocator.hpp>
 
 #include "base/paths.h"
-#include "check/locating_parser.h"
 #include "xml/error_handler.h"
 #include "xml/errors.h"
 #include "xml/file_uri.h"
 #include "xml/parser.h"
 #include "xml/text.h"
 
-namespace projectdb::xml {
+namespace projectdb::check {
 namespace {
 
 bool IsError(const xercesc::DOMError& error) {
@@ -70,7 +69,7 @@ class ProblemCollector : public KelProjectDbErrorHandler {
     if (uri == uri_) {
       return {is_error, {location.getLineNumber(), location.getColumnNumber()}, message};
     }
-    const std::optional<std::filesystem::path> schema = LocalPath(uri, uri_);
+    const std::optional<std::filesystem::path> schema = xml::LocalPath(uri, uri_);
     return {is_error, positions_.current(),
             fmt::format("XML schema {:?}, line {}: {}", schema ? paths::ToBytes(*schema) : uri,
                         location.getLineNumber(), message)};
@@ -79,7 +78,7 @@ class ProblemCollector : public KelProjectDbErrorHandler {
   std::string uri_;
   const ElementPositions& positions_;
   std::vector<ParseProblem>& problems_;
-  Transcoder transcoder_;
+  xml::Transcoder transcoder_;
   std::exception_ptr exception_;
 };
 
@@ -96,12 +95,13 @@ LocatedParse ParseLocated(const std::string& xml_path, const std::string& schema
     parse.problems.push_back({true, parse.positions.current(), message});
   };
   try {
-    parse.document = WithPrefixedErrors("", [&] {
-      ProblemCollector collector(FileUri(paths::FromBytes(xml_path)), parse.positions,
+    parse.document = xml::WithPrefixedErrors("", [&] {
+      ProblemCollector collector(xml::FileUri(paths::FromBytes(xml_path)), parse.positions,
                                  parse.problems);
-      const Owned<xercesc::DOMLSParser> parser = CreateLocatingParser(collector, parse.positions);
-      Owned<xercesc::DOMDocument> document =
-          ParseWith(*parser, collector, xml_path, schema_location);
+      const xml::Owned<xercesc::DOMLSParser> parser =
+          CreateLocatingParser(collector, parse.positions);
+      xml::Owned<xercesc::DOMDocument> document =
+          xml::ParseWith(*parser, collector, xml_path, schema_location);
       collector.RethrowException();
       return document;
     });
@@ -119,4 +119,4 @@ LocatedParse ParseLocated(const std::string& xml_path, const std::string& schema
   return parse;
 }
 
-}  // namespace projectdb::xml
+}  // namespace projectdb::check

@@ -5,10 +5,10 @@
 
 #include <xercesc/dom/DOMDocument.hpp>
 
-#include "check/positions.h"
+#include "check/locating_parser.h"
 #include "xml/owned.h"
 
-namespace projectdb::xml {
+namespace projectdb::check {
 
 /// A problem that the parser reports.
 struct ParseProblem {
@@ -19,14 +19,15 @@ struct ParseProblem {
 
 /// A document and all that there is to say of its parse.
 struct LocatedParse {
-  Owned<xercesc::DOMDocument> document;  ///< Null if nothing was parsed; else as far as it goes.
-  ElementPositions positions;            ///< Of all elements of the document.
+  /// Null if nothing was parsed; else as far as it goes.
+  xml::Owned<xercesc::DOMDocument> document;
+  ElementPositions positions;  ///< Of all elements of the document.
   std::vector<ParseProblem> problems;
 };
 
-/// Parses a project file just as ParseProjectXMLFile does, but keeps a document with errors, and
-/// notes all problems and where the elements stand. Where ParseProjectXMLFile gives null or throws,
-/// there is a problem that is an error, and nowhere else.
+/// Parses a project file just as xml::ParseProjectXMLFile does, but keeps a document with errors,
+/// and notes all problems and where the elements stand. Where ParseProjectXMLFile gives null or
+/// throws, there is a problem that is an error, and nowhere else.
 LocatedParse ParseLocated(const std::string& xml_path, const std::string& schema_location);
 
-}  // namespace projectdb::xml
+}  // namespace projectdb::check

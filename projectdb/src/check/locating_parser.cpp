@@ -13,14 +13,16 @@
 #include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
+#include "base/utf8.h"
 #include "xml/dom_parser.h"
 #include "xml/file_uri.h"
 #include "xml/input.h"
-#include "xml/parser_settings.h"
 #include "xml/text.h"
 
-namespace projectdb::xml {
+namespace projectdb::check {
 namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 bool IsOfUtf8(unsigned int code, const XMLCh* domain) {
   constexpr std::array<unsigned int, 5> kCodes = {
@@ -33,16 +35,16 @@ bool IsOfUtf8(unsigned int code, const XMLCh* domain) {
 
 // The parser decodes a file in large blocks, so that it cannot say where in one the error is.
 std::optional<Position> PlaceOfBadText(const XMLCh* system_id) {
-  const std::string uri = TranscodeXMLString(system_id);
-  const std::optional<std::filesystem::path> path = LocalPath(uri, uri);
+  const std::string uri = xml::TranscodeXMLString(system_id);
+  const std::optional<std::filesystem::path> path = xml::LocalPath(uri, uri);
   const std::optional<std::string> bytes =
-      path ? ReadBytes(*path, std::numeric_limits<std::size_t>::max()) : std::nullopt;
+      path ? xml::ReadBytes(*path, std::numeric_limits<std::size_t>::max()) : std::nullopt;
   return bytes ? FirstInvalidUtf8(*bytes) : std::nullopt;
 }
 
 /// The scanner tells of a piece of a file when it has just read it. So an element begins where the
 /// piece before it ended.
-class LocatingParser : public DomParser {
+class LocatingParser : public xml::DomParser {
  public:
   explicit LocatingParser(ElementPositions& positions) : positions_(positions) {}
 
@@ -117,11 +119,30 @@ class LocatingParser : public DomParser {
 
 }  // namespace
 
-Owned<xercesc::DOMLSParser> CreateLocatingParser(xercesc::DOMErrorHandler& error_handler,
-                                                 ElementPositions& positions) {
-  Owned<xercesc::DOMLSParser> parser(new LocatingParser(positions));
-  Configure(*parser, error_handler);
+std::optional<Position> FirstInvalidUtf8(std::string_view bytes) {
+  if (bytes.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
+    bytes.remove_prefix(kByteOrderMark.size());
+  }
+  Position position{1, 1};
+  while (!bytes.empty()) {
+    const std::string_view character = bytes.substr(0, utf8::LeadingCharacterSize(bytes));
+    if (character.empty()) return position;
+    bytes.remove_prefix(character.size());
+    const bool is_first_of_two = character == "\r" && bytes.substr(0, 1) == "\n";
+    if (character == "\n" || (character == "\r" && !is_first_of_two)) {
+      position = {position.line + 1, 1};
+    } else {
+      position.column += character.size() == 4 ? 2U : 1U;
+    }
+  }
+  return std::nullopt;
+}
+
+xml::Owned<xercesc::DOMLSParser> CreateLocatingParser(xercesc::DOMErrorHandler& error_handler,
+                                                      ElementPositions& positions) {
+  xml::Owned<xercesc::DOMLSParser> parser(new LocatingParser(positions));
+  xml::Configure(*parser, error_handler);
   return parser;
 }
 
-}  // namespace projectdb::xml
+}  // namespace projectdb::check

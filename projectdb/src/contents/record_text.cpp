@@ -4,10 +4,10 @@
 
 #include <projectdb/vocabulary.h>
 
+#include "base/control_characters.h"
+
 namespace projectdb {
 namespace {
-
-bool IsControl(unsigned char c) { return c < 0x20 || c == 0x7F; }
 
 std::string Escaped(char c) {
   constexpr std::string_view kDigits = "0123456789abcdef";
@@ -16,14 +16,13 @@ std::string Escaped(char c) {
   if (c == '\n') return "\\n";
   if (c == '\r') return "\\r";
   if (c == '\t') return "\\t";
-  if (!IsControl(byte)) return {c};
+  if (!IsControl(c)) return {c};
   return {'\\', 'x', kDigits[byte >> 4U], kDigits[byte & 0xFU]};
 }
 
 bool IsOneWord(std::string_view text) {
-  return !text.empty() && std::none_of(text.begin(), text.end(), [](char c) {
-    return c == ' ' || c == '"' || IsControl(static_cast<unsigned char>(c));
-  });
+  return !text.empty() && std::none_of(text.begin(), text.end(),
+                                       [](char c) { return c == ' ' || c == '"' || IsControl(c); });
 }
 
 std::string Word(std::string_view text) {

@@ -78,7 +78,6 @@ void KelProjectDatabase::ExportProjectData(const std::string& path) const {
 
 void KelProjectDatabase::ExportTestedProject(const std::string& path, ProcessTest test) const {
   if (!IsProjectDatabaseExist()) return;
-  // Terminated after success only: an exception of the XML library needs the library to be read.
   xml::InitializeXMLPlatform();
   xercesc::DOMImplementation* core = xml::WithBadAlloc(
       [] { return xercesc::DOMImplementationRegistry::getDOMImplementation(u"Core"); });

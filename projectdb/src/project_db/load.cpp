@@ -59,7 +59,6 @@ bool KelProjectDatabase::LoadProjectData(const std::string& xml_file,
   const std::string directory =
       paths::ToBytes(std::filesystem::absolute(paths::FromBytes(xml_file)).parent_path());
   messages::Post(messages::MsgReadingProject(xml_file));
-  // Terminated after success only: an exception of the XML library needs the library to be read.
   xml::InitializeXMLPlatform();
   xml::Owned<xercesc::DOMDocument> document =
       xml::ParseProjectXMLFile(xml_file, SchemaLocation(schema_file));

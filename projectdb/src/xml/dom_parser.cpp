@@ -4,19 +4,21 @@
 #include <vector>
 
 #include <xercesc/dom/DOMAttr.hpp>
+#include <xercesc/dom/DOMConfiguration.hpp>
 #include <xercesc/dom/DOMElement.hpp>
 #include <xercesc/dom/DOMImplementation.hpp>
 #include <xercesc/dom/impl/DOMDocumentImpl.hpp>
+#include <xercesc/framework/Wrapper4InputSource.hpp>
 #include <xercesc/framework/XMLAttr.hpp>
 #include <xercesc/internal/IGXMLScanner.hpp>
 #include <xercesc/util/XMLString.hpp>
-#include <xercesc/util/XMLUni.hpp>
 
 namespace projectdb::xml {
 namespace {
 
 using xercesc::XMLAttr;
 using xercesc::XMLString;
+using xercesc::XMLUni;
 
 using XmlAttributes = xercesc::RefVectorOf<XMLAttr>;
 
@@ -126,8 +128,7 @@ void DomParser::AddAttribute(const XMLAttr& attribute) {
   const XMLCh* prefix = attribute.getPrefix();
   const XMLCh* name = attribute.getName();
   const bool has_prefix = prefix && *prefix;
-  const bool is_default_namespace =
-      !has_prefix && XMLString::equals(name, xercesc::XMLUni::fgXMLNSString);
+  const bool is_default_namespace = !has_prefix && XMLString::equals(name, XMLUni::fgXMLNSString);
   const unsigned int uri =
       is_default_namespace ? fScanner->getXMLNSNamespaceId() : attribute.getURIId();
   const bool has_namespace = uri != fScanner->getEmptyNamespaceId();
@@ -135,6 +136,47 @@ void DomParser::AddAttribute(const XMLAttr& attribute) {
                                          prefix, name, attribute.getQName());
   added->setValue(attribute.getValue());
   static_cast<xercesc::DOMElement*>(fCurrentNode)->setAttributeNode(added);
+}
+
+void SyntaxParser::startElement(const xercesc::XMLElementDecl& /*declaration*/,
+                                unsigned int /*uri*/, const XMLCh* /*prefix*/,
+                                const XmlAttributes& attributes, XMLSize_t count, bool is_empty,
+                                bool /*is_root*/) {
+  EnterElement(attributes, count);
+  if (is_empty) LeaveElement();
+}
+
+void SyntaxParser::endElement(const xercesc::XMLElementDecl& /*declaration*/, unsigned int /*uri*/,
+                              bool /*is_root*/, const XMLCh* /*prefix*/) {
+  LeaveElement();
+}
+
+void Configure(xercesc::DOMLSParser& parser, xercesc::DOMErrorHandler& error_handler) {
+  Set(parser, XMLUni::fgDOMComments, false);
+  Set(parser, XMLUni::fgDOMDatatypeNormalization, true);
+  Set(parser, XMLUni::fgDOMEntities, false);
+  Set(parser, XMLUni::fgDOMNamespaces, true);
+  Set(parser, XMLUni::fgDOMElementContentWhitespace, false);
+  Set(parser, XMLUni::fgDOMValidate, true);
+  Set(parser, XMLUni::fgXercesSchema, true);
+  Set(parser, XMLUni::fgXercesSchemaFullChecking, false);
+  Set(parser, XMLUni::fgXercesUserAdoptsDOMDocument, true);
+  // A document type declaration could make a small file expand without bound or read other files.
+  Set(parser, XMLUni::fgDOMDisallowDoctype, true);
+  parser.getDomConfig()->setParameter(XMLUni::fgDOMErrorHandler, &error_handler);
+}
+
+void Set(xercesc::DOMLSParser& parser, const XMLCh* parameter, bool value) {
+  xercesc::DOMConfiguration& configuration = *parser.getDomConfig();
+  if (configuration.canSetParameter(parameter, value)) {
+    configuration.setParameter(parameter, value);
+  }
+}
+
+Owned<xercesc::DOMDocument> Parse(xercesc::DOMLSParser& parser, const xercesc::InputSource& input) {
+  // The wrapper wants a pointer that it could adopt; it is told not to.
+  const xercesc::Wrapper4InputSource source(const_cast<xercesc::InputSource*>(&input), false);
+  return Owned<xercesc::DOMDocument>(parser.parse(&source));
 }
 
 }  // namespace projectdb::xml

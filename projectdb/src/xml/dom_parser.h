@@ -3,7 +3,12 @@
 #include <set>
 #include <string>
 
+#include <xercesc/dom/DOMErrorHandler.hpp>
 #include <xercesc/parsers/DOMLSParserImpl.hpp>
+#include <xercesc/sax/InputSource.hpp>
+#include <xercesc/util/XMLUni.hpp>
+
+#include "xml/owned.h"
 
 namespace projectdb::xml {
 
@@ -43,5 +48,25 @@ class DomParser : public xercesc::DOMLSParserImpl {
   std::set<std::u16string> prefixes_;
   XMLSize_t depth_ = 0;
 };
+
+/// Keeps no elements: only the errors matter.
+class SyntaxParser : public DomParser {
+ public:
+  void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
+                    const XMLCh* prefix, const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                    XMLSize_t count, bool is_empty, bool is_root) override;
+  void endElement(const xercesc::XMLElementDecl& declaration, unsigned int uri, bool is_root,
+                  const XMLCh* prefix) override;
+};
+
+/// Gives a new parser the settings that every parse of this library shares: namespaces, schema
+/// validation, no document type declarations.
+/// @param error_handler must outlive the parser
+void Configure(xercesc::DOMLSParser& parser, xercesc::DOMErrorHandler& error_handler);
+
+/// Sets a parameter if the parser can take the value.
+void Set(xercesc::DOMLSParser& parser, const XMLCh* parameter, bool value);
+
+Owned<xercesc::DOMDocument> Parse(xercesc::DOMLSParser& parser, const xercesc::InputSource& input);
 
 }  // namespace projectdb::xml

@@ -6,9 +6,9 @@
 #include <xercesc/framework/Wrapper4InputSource.hpp>
 
 #include "base/paths.h"
+#include "xml/dom_parser.h"
 #include "xml/errors.h"
 #include "xml/input.h"
-#include "xml/parser_settings.h"
 #include "xml/schema.h"
 
 namespace projectdb::xml {
@@ -53,8 +53,9 @@ Owned<xercesc::DOMDocument> ParseProjectXMLFile(const std::string& xml_path,
   return WithOnlyRuntimeErrors(prefix, [&] {
     try {
       KelProjectDbErrorHandler errors;
-      const Owned<xercesc::DOMLSParser> parser = CreateParser(errors);
-      Owned<xercesc::DOMDocument> document = ParseWith(*parser, errors, xml_path, schema_location);
+      DomParser parser;
+      Configure(parser, errors);
+      Owned<xercesc::DOMDocument> document = ParseWith(parser, errors, xml_path, schema_location);
       if (errors.failed) document.reset();
       return document;
     } catch (const xercesc::DOMException& exception) {

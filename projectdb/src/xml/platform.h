@@ -1,7 +1,10 @@
 #pragma once
 
-/// The XML library counts its initialisations but does not guard the count; these two may be
+/// The XML library counts its initialisations but does not guard the count; what stands here may be
 /// called from any thread. Each initialisation keeps the library usable until its termination.
+///
+/// Loading and exporting terminate it after success only, as one of its exceptions that leaves them
+/// needs it to be read. All else that uses it has a Platform.
 namespace projectdb::xml {
 
 /// Initialises the XML library with its default locale.

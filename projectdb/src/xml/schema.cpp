@@ -10,36 +10,19 @@
 #include "xml/dom_parser.h"
 #include "xml/file_uri.h"
 #include "xml/input.h"
-#include "xml/parser_settings.h"
 #include "xml/text.h"
 
 namespace projectdb::xml {
 namespace {
 
-/// Keeps no elements: only the errors matter.
-class SyntaxParser : public DomParser {
- public:
-  void startElement(const xercesc::XMLElementDecl& /*declaration*/, unsigned int /*uri*/,
-                    const XMLCh* /*prefix*/,
-                    const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes, XMLSize_t count,
-                    bool is_empty, bool /*is_root*/) override {
-    EnterElement(attributes, count);
-    if (is_empty) LeaveElement();
-  }
-  void endElement(const xercesc::XMLElementDecl& /*declaration*/, unsigned int /*uri*/,
-                  bool /*is_root*/, const XMLCh* /*prefix*/) override {
-    LeaveElement();
-  }
-};
-
 bool IsWellFormedWithoutDoctype(const xercesc::InputSource& input,
                                 KelProjectDbErrorHandler& errors) {
   const bool failed_before = std::exchange(errors.failed, false);
-  const Owned<xercesc::DOMLSParser> parser(new SyntaxParser);
-  Configure(*parser, errors);
-  Set(*parser, xercesc::XMLUni::fgXercesSchema, false);
-  Set(*parser, xercesc::XMLUni::fgDOMValidate, false);
-  Parse(*parser, input);
+  SyntaxParser parser;
+  Configure(parser, errors);
+  Set(parser, xercesc::XMLUni::fgXercesSchema, false);
+  Set(parser, xercesc::XMLUni::fgDOMValidate, false);
+  Parse(parser, input);
   const bool is_refused = errors.failed;
   errors.failed = is_refused || failed_before;
   return !is_refused;

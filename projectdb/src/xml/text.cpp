@@ -1,14 +1,17 @@
 #include "xml/text.h"
 
 #include <algorithm>
+#include <new>
 
 #include <fmt/format.h>
+#include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLChar.hpp>
 #include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
-#include "xml/errors.h"
+#include "base/failure.h"
+#include "base/utf8.h"
 
 namespace projectdb::xml {
 namespace {
@@ -28,12 +31,6 @@ bool IsForbidden(char16_t unit) {
   return !IsSurrogate(unit) && !xercesc::XMLChar1_0::isXMLChar(unit);
 }
 
-// The transcoder takes these for the start of a character beyond the last one.
-bool HasByteBeyondUnicode(std::string_view text) {
-  return std::any_of(text.begin(), text.end(),
-                     [](char c) { return static_cast<unsigned char>(c) > 0xF4; });
-}
-
 }  // namespace
 
 Transcoder::Transcoder() try
@@ -43,23 +40,16 @@ Transcoder::Transcoder() try
   throw std::bad_alloc();
 }
 
-// Whether the text is UTF-8.
-bool Transcoder::Transcode(std::string_view text) {
+// The text must be UTF-8.
+void Transcoder::Transcode(std::string_view text) {
   // A character takes no more 16-bit units than it has bytes.
   xml_text_.resize(text.size());
   sizes_.resize(text.size());
   XMLSize_t bytes_read = 0;
-  XMLSize_t length = 0;
-  try {
-    length = transcoder_.transcodeFrom(reinterpret_cast<const XMLByte*>(text.data()), text.size(),
-                                       xml_text_.data(), xml_text_.size(), bytes_read,
-                                       reinterpret_cast<unsigned char*>(sizes_.data()));
-  } catch (const xercesc::XMLException&) {
-    bytes_read = 0;
-  }
-  const bool has_characters_beyond_ascii = length != text.size();
+  const XMLSize_t length = transcoder_.transcodeFrom(
+      reinterpret_cast<const XMLByte*>(text.data()), text.size(), xml_text_.data(),
+      xml_text_.size(), bytes_read, reinterpret_cast<unsigned char*>(sizes_.data()));
   xml_text_.resize(length);
-  return bytes_read == text.size() && !(has_characters_beyond_ascii && HasByteBeyondUnicode(text));
 }
 
 const std::u16string& Transcoder::ToXml(std::string_view text) {
@@ -68,7 +58,8 @@ const std::u16string& Transcoder::ToXml(std::string_view text) {
     std::copy(text.begin(), text.end(), xml_text_.begin());
     return xml_text_;
   }
-  if (!Transcode(text)) throw Failure(fmt::format("the text {:?} is not UTF-8", text));
+  if (!utf8::IsValid(text)) throw Failure(fmt::format("the text {:?} is not UTF-8", text));
+  Transcode(text);
   const auto forbidden = std::find_if(xml_text_.begin(), xml_text_.end(), IsForbidden);
   if (forbidden != xml_text_.end()) {
     throw Failure(fmt::format("the text {:?} has the character U+{:04X}, which XML cannot carry",
@@ -78,7 +69,9 @@ const std::u16string& Transcoder::ToXml(std::string_view text) {
 }
 
 std::u16string Transcoder::ToElementName(std::string_view name) {
-  return Transcode(name) && IsNCName(xml_text_) ? xml_text_ : std::u16string();
+  if (!utf8::IsValid(name)) return {};
+  Transcode(name);
+  return IsNCName(xml_text_) ? xml_text_ : std::u16string();
 }
 
 std::string Transcoder::ToUtf8(const XMLCh* text) {

@@ -30,7 +30,7 @@ class Transcoder {
   std::string ToUtf8(const XMLCh* text);
 
  private:
-  bool Transcode(std::string_view text);
+  void Transcode(std::string_view text);
 
   xercesc::XMLUTF8Transcoder transcoder_;
   std::u16string xml_text_;

@@ -1,4 +1,4 @@
-#include "check/positions.h"
+#include "check/locating_parser.h"
 
 #include <optional>
 #include <string>
@@ -8,8 +8,8 @@
 
 namespace {
 
-using projectdb::xml::FirstInvalidUtf8;
-using projectdb::xml::Position;
+using projectdb::check::FirstInvalidUtf8;
+using projectdb::check::Position;
 
 /// "line:column"; "none" if all is UTF-8.
 std::string PlaceIn(std::string_view bytes) {
