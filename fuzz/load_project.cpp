@@ -13,14 +13,14 @@
 #include "round_trip.h"
 #include "testing/checking.h"
 #include "testing/temporary_directory.h"
-#include "whole_project.h"
+#include "written_project.h"
 
 namespace {
 
 using fuzz::ExportAndCheck;
 using fuzz::LoadAndCheck;
 using fuzz::Loaded;
-using fuzz::MemoryOf;
+using projectdb::GetProjectContents;
 using projectdb::KelProjectDatabase;
 
 // The files of this process.
@@ -63,7 +63,7 @@ void RequireSameWithAndWithoutSchema(const Files& files) {
   KelProjectDatabase with_schema;
   LoadAndCheck(without_schema, files.project.path(), "");
   LoadAndCheck(with_schema, files.project.path(), fuzz::SchemaPath());
-  fuzz::RequireSame(MemoryOf(without_schema), MemoryOf(with_schema),
+  fuzz::RequireSame(GetProjectContents(without_schema), GetProjectContents(with_schema),
                     "a file gives another project with the schema than without");
 }
 

@@ -1,25 +1,22 @@
 #include "round_trip.h"
 
-#include <algorithm>
 #include <stdexcept>
 
 #include <kel/version.h>
 
 #include "checks.h"
 #include "testing/message_recorder.h"
-#include "whole_project.h"
+#include "testing/project_loading.h"
+#include "written_project.h"
 
 namespace fuzz {
 namespace {
 
+using projectdb::GetProjectContents;
 using projectdb::KelProjectDatabase;
+using test_support::MalformedMessage;
 using test_support::MessageRecorder;
-
-bool IsRefusal(const MessageRecorder::Message& message) {
-  return StartsWith(message.text, "Failed to parse the project XML file ") ||
-         (StartsWith(message.text, "Project XML file ") &&
-          message.type == Diag::MessageType::kError);
-}
+using test_support::MissingMessage;
 
 bool LoadsAs(KelProjectDatabase& database, const std::string& path, const std::string& schema,
              bool& refused) {
@@ -27,7 +24,8 @@ bool LoadsAs(KelProjectDatabase& database, const std::string& path, const std::s
   try {
     const bool result = database.LoadProjectData(path, schema);
     const auto messages = recorder.messages();
-    refused = path.empty() || std::any_of(messages.begin(), messages.end(), IsRefusal);
+    refused = path.empty() || (!messages.empty() && (messages.back() == MalformedMessage(path) ||
+                                                     messages.back() == MissingMessage(path)));
     return result;
   } catch (const std::runtime_error&) {
     refused = true;
@@ -58,7 +56,7 @@ void RequireSameProject(const KelProjectDatabase& written, const std::string& pa
 
 Loaded LoadAndCheck(KelProjectDatabase& database, const std::string& path,
                     const std::string& schema) {
-  const auto before = MemoryOf(database);
+  const auto before = GetProjectContents(database);
   bool refused = false;
   const bool result = LoadsAs(database, path, schema, refused);
   if (!refused) {
@@ -66,14 +64,14 @@ Loaded LoadAndCheck(KelProjectDatabase& database, const std::string& path,
     return result ? Loaded::kWhole : Loaded::kInPart;
   }
   Require(!result, "a load that is refused gives true");
-  RequireSame(before, MemoryOf(database), "a refused load changes the project");
+  RequireSame(before, GetProjectContents(database), "a refused load changes the project");
   return Loaded::kRefused;
 }
 
 bool ExportAndCheck(const KelProjectDatabase& database, MemoryFile& file) {
   const std::string former = "what was there before";
   file.Write(former);
-  const auto before = MemoryOf(database);
+  const auto before = GetProjectContents(database);
   bool written = database.IsProjectDatabaseExist();
   try {
     database.ExportProjectData(file.path());
@@ -83,7 +81,7 @@ bool ExportAndCheck(const KelProjectDatabase& database, MemoryFile& file) {
             std::string("an export fails with ") + error.what());
     Require(!IsPlain(database), std::string("a plain project is not exported: ") + error.what());
   }
-  RequireSame(before, MemoryOf(database), "an export changes the project");
+  RequireSame(before, GetProjectContents(database), "an export changes the project");
   if (!written) {
     RequireSame(former, file.Read(), "an export that writes nothing changes the file");
     return false;

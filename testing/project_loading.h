@@ -1,8 +1,6 @@
 #pragma once
 
 #include <filesystem>
-#include <ostream>
-#include <regex>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -10,9 +8,10 @@
 #include <projectdb/project_db.h>
 
 #include "testing/checking.h"
+#include "testing/complete_project.h"
 #include "testing/files.h"
 #include "testing/message_recorder.h"
-#include "testing/project_snapshot.h"
+#include "testing/project_differences.h"
 #include "testing/temporary_directory.h"
 
 /// Making project files and loading them.
@@ -56,35 +55,11 @@ inline std::string DeviceInfoXml(const std::string& family) {
   return "<device_info><family name=\"" + family + "\"/></device_info>";
 }
 
-/// A small project file with every section, every kind of entry and every parameter type.
-inline std::string CompleteProjectXml() {
-  return ProjectXml(R"(
-  <device_info><family name="Orrin"/><device name="O40"/><timing_model name="slow"/></device_info>
-  <design_info def_veri_version="v2k" def_vhdl_version="vhdl08">
-    <top_module name="top"/>
-    <design_file name="a.v" version="v2k" library="work"/>
-    <design_file name="b.vhd" version="" library="lib"/>
-    <top_vhdl_arch name="rtl"/>
-  </design_info>
-  <constraint_info><sdc_file name="c.sdc"/><inter_file name="c.interface.csv"/></constraint_info>
-  <isf_info><isf_file name="d.isf"/></isf_info>
-  <sim_info><sim_file name="tb.v" version="sv" library="sim"/></sim_info>
-  <misc_info><misc_file name="notes.txt" version="1" library="docs"/></misc_info>
-  <ip_info><ip instance_name="u" path="ip/u.cfg"><ip_src_file name="u.v"/></ip></ip_info>
-  <synthesis tool_name="syn">
-    <param name="mode" value="fast" value_type="e_option"/>
-    <param name="flat" value="" value_type="e_noarg"/>
-    <dynparam name="W" value="8" value_type="e_string"/>
-    <defmacro name="SIM" value="1"/>
-  </synthesis>
-  <place_and_route tool_name="pnr"><param name="seed" value="1" value_type="e_string"/></place_and_route>
-  <bitstream_generation><param name="zip" value="true" value_type="e_bool"/></bitstream_generation>
-  <debugger tool_name="dbg"/>
-)",
-                    R"(name="demo" vendor_id="77" sw_version="0.0.1" last_change_date="long ago")");
+// The messages of the library, each with its severity.
+inline MessageRecorder::Message ProjectExistsMessage() {
+  return {Diag::MessageType::kError,
+          "Project database has already existed. Fail to create new project"};
 }
-
-// The messages of a load, each with its severity.
 inline MessageRecorder::Message ReadingMessage(const std::string& path) {
   return {Diag::MessageType::kInfo, "Reading project database \"" + path + "\""};
 }
@@ -140,6 +115,9 @@ class Loading {
     return result;
   }
 
+  /// What the database holds; see ProjectLines.
+  Lines project() const { return ProjectLines(database); }
+
   /// The path that LoadBytes loads.
   std::string path() const { return directory / "p.xml"; }
 
@@ -147,46 +125,5 @@ class Loading {
   projectdb::KelProjectDatabase database;
   std::vector<MessageRecorder::Message> messages;
 };
-
-/// The project as a file, without the time stamp; "" without a project.
-inline std::string ExportedText(const projectdb::KelProjectDatabase& database) {
-  if (!database.IsProjectDatabaseExist()) return {};
-  const TemporaryDirectory directory;
-  database.ExportProjectData(directory / "exported.xml");
-  return std::regex_replace(ReadFile(directory / "exported.xml"),
-                            std::regex("last_change_date=\"[^\"]*\""), "");
-}
-
-/// The values of an attribute of all exported elements of one name, in order.
-inline std::vector<std::string> ExportedValues(const projectdb::KelProjectDatabase& database,
-                                               const std::string& element,
-                                               const std::string& attribute) {
-  const std::string text = ExportedText(database);
-  const std::regex pattern("<kel:" + element + " [^>]*\\b" + attribute + "=\"([^\"]*)\"");
-  std::vector<std::string> values;
-  for (std::sregex_iterator match(text.begin(), text.end(), pattern), end; match != end; ++match) {
-    values.push_back((*match)[1]);
-  }
-  return values;
-}
-
-/// All that a project holds, whether a getter gives it or only an export.
-struct WholeProject {
-  explicit WholeProject(const projectdb::KelProjectDatabase& database)
-      : exists(database.IsProjectDatabaseExist()),
-        snapshot(TakeSnapshot(database)),
-        exported(ExportedText(database)) {}
-  bool operator==(const WholeProject& other) const {
-    return exists == other.exists && snapshot == other.snapshot && exported == other.exported;
-  }
-
-  bool exists;
-  ProjectSnapshot snapshot;
-  std::string exported;
-};
-
-inline std::ostream& operator<<(std::ostream& out, const WholeProject& project) {
-  return out << (project.exists ? "" : "no project\n") << project.snapshot << project.exported;
-}
 
 }  // namespace test_support

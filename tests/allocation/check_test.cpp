@@ -6,6 +6,7 @@
 #include <projectdb/check.h>
 
 #include "testing/files.h"
+#include "testing/project_loading.h"
 #include "testing/temporary_directory.h"
 #include "testing/xml_platform.h"
 #include "tests/allocation/failing_allocation.h"
@@ -18,11 +19,11 @@ using test_support::Outcome;
 using test_support::Shortage;
 
 /// A file with problems of many kinds.
-constexpr char kProject[] =
-    "<project xmlns=\"http://schema.kel.example/wdp_proj\"><bogus/><package_info/>"
+const std::string kProject = test_support::ProjectXml(
+    "<bogus/><package_info/>"
     "<debugger><param name=\"a\"/><param name=\"b\" value=\"1\" "
     "value_type=\"text\"/><x/></debugger>"
-    "<sim_info><y/></sim_info><isf_info><isf_file/></isf_info></project>";
+    "<sim_info><y/></sim_info><isf_info><isf_file/></isf_info>");
 
 std::vector<std::string> Show(const std::vector<FileProblem>& problems) {
   std::vector<std::string> shown;

@@ -36,32 +36,10 @@
 
 namespace {
 
+using namespace test_support;
+using projectdb::GetProjectContents;
 using projectdb::KelProjectDatabase;
-using test_support::AllDifferences;
-using test_support::CallStack;
-using test_support::Complaints;
-using test_support::CompleteProjectXml;
-using test_support::CountLiveBlocks;
-using test_support::DeviceInfoXml;
-using test_support::DeviceOnlySchema;
-using test_support::FaultPoints;
-using test_support::FileState;
-using test_support::kSanitized;
-using test_support::LibraryFunction;
-using test_support::LiveBlocks;
-using test_support::NamesIn;
-using test_support::Operation;
-using test_support::Outcome;
-using test_support::Processes;
-using test_support::ProjectXml;
-using test_support::ReadFile;
-using test_support::RunAtFaultPoint;
-using test_support::ShippedSchema;
-using test_support::Shortage;
-using test_support::TemporaryDirectory;
-using test_support::WalkFaultPoints;
-using test_support::WriteFile;
-using test_support::XmlPlatform;
+using projectdb::ProjectContents;
 
 /// Keeps the messages off the console, without memory.
 class Silence {
@@ -90,19 +68,6 @@ class ErrorText {
  private:
   static constexpr std::size_t kSize = 400;
   std::array<char, kSize + 1> text_{};
-};
-
-/// All that an object holds.
-struct Project {
-  explicit Project(const KelProjectDatabase& database)
-      : exists(database.IsProjectDatabaseExist()),
-        contents(projectdb::GetProjectContents(database)) {}
-  bool operator==(const Project& other) const {
-    return exists == other.exists && AllDifferences(contents, other.contents).empty();
-  }
-
-  bool exists;
-  projectdb::ProjectContents contents;
 };
 
 const std::string kInitializing = "Failed to initialize ";
@@ -234,10 +199,10 @@ class LoadOutOfMemory : public XmlOutOfMemory,
     return database.LoadProjectData(file_, load().schema_is_given ? schema_ : "");
   }
 
-  Project ProjectBefore() const {
+  ProjectContents ProjectBefore() const {
     KelProjectDatabase database;
     Prepare(database);
-    return Project(database);
+    return GetProjectContents(database);
   }
 
   /// The XML library keeps some memory from the first time on.
@@ -263,16 +228,16 @@ class LoadOutOfMemory : public XmlOutOfMemory,
 
   /// The project must be as before if the parser was at work, and can be another only later.
   Complaints JudgeProject(FaultPoints& points, const KelProjectDatabase& database,
-                          const Project& before) const {
+                          const ProjectContents& before) const {
     Complaints complaints;
     const bool may_differ = !points.in_parser && points.first_with_effect >= 0;
-    if (may_differ || Project(database) == before) return complaints;
+    if (may_differ || AllDifferences(before, database).empty()) return complaints;
     complaints.Unless(!points.in_parser, "the project is another");
     points.first_with_effect = points.number;
     return complaints;
   }
 
-  Complaints RunOnce(FaultPoints& points, const Project& before) {
+  Complaints RunOnce(FaultPoints& points, const ProjectContents& before) {
     KelProjectDatabase database;
     Prepare(database);
     bool result = false;
@@ -295,7 +260,7 @@ class LoadOutOfMemory : public XmlOutOfMemory,
 
 TEST_P(LoadOutOfMemory, LoadProjectData_AnyAllocationFails_ThrowsAndLosesNothing) {
   const XmlPlatform platform;
-  const Project before = ProjectBefore();
+  const ProjectContents before = ProjectBefore();
   LoadForTheFirstTime();
   const FaultPoints points = WalkFaultPoints(
       {shortage(), load().is_long ? kStrideOfLongWalks : 1},
@@ -359,13 +324,13 @@ class ExportOutOfMemory : public XmlOutOfMemory,
     database.LoadProjectData(project_file_, "");
   }
 
-  Project ProjectBefore() const {
+  ProjectContents ProjectBefore() const {
     KelProjectDatabase database;
     Prepare(database);
-    return Project(database);
+    return GetProjectContents(database);
   }
 
-  Complaints RunOnce(FaultPoints& points, const Project& before) {
+  Complaints RunOnce(FaultPoints& points, const ProjectContents& before) {
     KelProjectDatabase database;
     Prepare(database);
     const std::optional<FileState> former = StateOf(path_);
@@ -383,7 +348,7 @@ class ExportOutOfMemory : public XmlOutOfMemory,
     complaints.Unless(was_opened || StateOf(path_) == former, "the file is harmed");
     const std::size_t files = former || was_opened ? 2 : 1;
     complaints.Unless(NamesIn(directory_.path()).size() == files, "another file is left");
-    complaints.Unless(Project(database) == before, "the project is another");
+    complaints.Unless(AllDifferences(before, database).empty(), "the project is another");
     save().save(database, path_);
     complaints.Unless(JudgeSavedFile(database).text().empty(), "the object is not usable");
     return complaints;
@@ -404,7 +369,7 @@ class ExportOutOfMemory : public XmlOutOfMemory,
 
 TEST_P(ExportOutOfMemory, AnyAllocationFails_ThrowsAndLosesNothing) {
   const XmlPlatform platform;
-  const Project before = ProjectBefore();
+  const ProjectContents before = ProjectBefore();
   const FaultPoints points = WalkFaultPoints({shortage()}, [&](FaultPoints& run) {
     return WithoutLeaks(run, [&] { return RunOnce(run, before); });
   });
@@ -431,7 +396,7 @@ class FirstUseOutOfMemory : public XmlOutOfMemory, public testing::WithParamInte
   Complaints RunOnce(FaultPoints& points) {
     KelProjectDatabase database;
     database.CreateNewProjectDatabase("first");
-    const Project before(database);
+    const ProjectContents before = GetProjectContents(database);
     bool initialisation_failed = false;
     const Outcome outcome = RunAtFaultPoint(
         points, KeepingItsError([this](KelProjectDatabase& db) { db.ExportProjectData(path_); }),
@@ -440,7 +405,7 @@ class FirstUseOutOfMemory : public XmlOutOfMemory, public testing::WithParamInte
     if (points.completed) return {};
     Complaints complaints =
         JudgeFailure(outcome, database, {"Failed writing XML file " + path_ + ": "});
-    complaints.Unless(Project(database) == before, "the project is another");
+    complaints.Unless(AllDifferences(before, database).empty(), "the project is another");
     complaints.Unless(LoadError(database) == (initialisation_failed ? kFailedBefore : ""),
                       "a load ends in " + LoadError(database));
     return complaints;

@@ -14,12 +14,6 @@ using testing::Not;
 
 Kel::BasicStringRef<char> Ref(std::string_view text) { return {text.size(), text.data()}; }
 
-TEST(InternalErrorDeathTest, InternalErrorImpl_ConditionAndMessage_WritesBothAndAborts) {
-  EXPECT_EXIT(Kel::Detail::InternalErrorImpl(Ref("net != nullptr"), Ref("net list of top")),
-              testing::KilledBySignal(SIGABRT),
-              AllOf(HasSubstr("net != nullptr"), HasSubstr("net list of top")));
-}
-
 TEST(InternalErrorDeathTest, InternalErrorImpl_EmptyMessage_WritesConditionAndAborts) {
   EXPECT_EXIT(Kel::Detail::InternalErrorImpl(Ref("net != nullptr"), {}),
               testing::KilledBySignal(SIGABRT), HasSubstr("net != nullptr"));

@@ -17,29 +17,22 @@
 #include <projectdb/project_db.h>
 
 #include "contents/record_text.h"
+#include "testing/complete_project.h"
 #include "testing/project_differences.h"
-#include "testing/project_loading.h"
 
 namespace {
 
 using namespace projectdb;
-using test_support::CompleteProjectXml;
-using test_support::Loading;
+using test_support::AllDifferences;
+using test_support::CompleteProject;
+using test_support::Lines;
 using test_support::Show;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-using Lines = std::vector<std::string>;
-
 Lines Differences(const ProjectContents& before, const ProjectContents& after) {
   return Show(CompareProjects(before, after));
-}
-
-ProjectContents CompleteProject() {
-  Loading loading;
-  loading.LoadBytes(CompleteProjectXml());
-  return GetProjectContents(loading.database);
 }
 
 // Single changes of a project with something in every section.
@@ -204,6 +197,19 @@ TEST_P(CompareChanged, CompareProjects_OneChange_GivesThatDifference) {
   EXPECT_EQ(Differences(before, after), GetParam().differences);
 }
 
+// What the other tests add to the comparison.
+TEST(Compare, AllDifferences_StampsAndDirectory_AreAmongThem) {
+  const ProjectContents before = CompleteProject("/work");
+  ProjectContents after = before;
+  after.current_path = "/elsewhere";
+  after.software_version = "9";
+  after.last_modify_time = "now";
+  EXPECT_THAT(
+      AllDifferences(before, after),
+      ElementsAre(R"(info.last_change_date: "long ago" -> "now")",
+                  R"(info.sw_version: "0.0.1" -> "9")", R"(directory: "/work" -> "/elsewhere")"));
+}
+
 TEST(Compare, CompareProjects_ManyChanges_GivesThemInTheOrderOfTheProject) {
   const ProjectContents before = CompleteProject();
   const ProjectContents none;
@@ -224,13 +230,10 @@ TEST(Compare, CompareProjects_ManyChanges_GivesThemInTheOrderOfTheProject) {
 
 // Database objects.
 
-TEST(Compare, CompareProjects_SameObject_GivesNothing) {
+TEST(Compare, CompareProjects_SameObjectOrNoProjects_GivesNothing) {
   KelProjectDatabase database;
   database.CreateNewProjectDatabase("blinker");
   EXPECT_THAT(CompareProjects(database, database), IsEmpty());
-}
-
-TEST(Compare, CompareProjects_NoProjects_GivesNothing) {
   EXPECT_THAT(CompareProjects(KelProjectDatabase(), KelProjectDatabase()), IsEmpty());
 }
 
@@ -240,17 +243,9 @@ TEST(Compare, CompareProjects_NoProjectAndAnEmptyOne_GivesTheProcesses) {
   EXPECT_THAT(CompareProjects(KelProjectDatabase(), database), SizeIs(8));
 }
 
-TEST(Compare, CompareProjects_TwoObjects_GivesTheirDifferences) {
-  KelProjectDatabase before;
-  before.CreateNewProjectDatabase("blinker");
-  KelProjectDatabase after;
-  after.CreateNewProjectDatabase("blinker");
-  after.SetDeviceModel("Q8R40");
-  EXPECT_EQ(Show(CompareProjects(before, after)), (Lines{R"(device.device: "Q8R25" -> "Q8R40")"}));
-}
-
 /// A project with many names in its hash tables, put in from the first to the last or the reverse.
-void AddManyNames(KelProjectDatabase& database, bool reverse) {
+void CreateWithManyNames(KelProjectDatabase& database, bool reverse) {
+  database.CreateNewProjectDatabase("blinker");
   constexpr int kNames = 200;
   for (int i = 0; i < kNames; ++i) {
     const std::string name = "n" + std::to_string(reverse ? kNames - 1 - i : i);
@@ -260,25 +255,14 @@ void AddManyNames(KelProjectDatabase& database, bool reverse) {
   }
 }
 
-TEST(Compare, CompareProjects_OtherOrderOfHashing_GivesNothing) {
-  KelProjectDatabase before;
-  before.CreateNewProjectDatabase("blinker");
-  AddManyNames(before, false);
-  KelProjectDatabase after;
-  after.CreateNewProjectDatabase("blinker");
-  AddManyNames(after, true);
-  EXPECT_THAT(CompareProjects(before, after), IsEmpty());
-}
-
-TEST(Compare, CompareProjects_OtherOrderOfHashing_GivesTheSameDifferencesInTheSameOrder) {
+TEST(Compare, CompareProjects_OtherOrderOfHashing_MakesNoDifference) {
   KelProjectDatabase none;
   none.CreateNewProjectDatabase("blinker");
   KelProjectDatabase forwards;
-  forwards.CreateNewProjectDatabase("blinker");
-  AddManyNames(forwards, false);
+  CreateWithManyNames(forwards, false);
   KelProjectDatabase backwards;
-  backwards.CreateNewProjectDatabase("blinker");
-  AddManyNames(backwards, true);
+  CreateWithManyNames(backwards, true);
+  EXPECT_THAT(CompareProjects(forwards, backwards), IsEmpty());
   EXPECT_EQ(Show(CompareProjects(none, forwards)), Show(CompareProjects(none, backwards)));
 }
 
@@ -302,83 +286,80 @@ ProjectContents WithIps(std::vector<IP> ips) {
   return project;
 }
 
-TEST(CompareLists, CompareProjects_EntriesPutInAtSeveralPlaces_GivesOnlyThese) {
-  EXPECT_THAT(
-      Differences(WithConstraintFiles({"a", "b", "c"}),
-                  WithConstraintFiles({"x", "a", "b", "y", "c", "z"})),
-      ElementsAre(R"(constraint.sdc[0]: nothing -> "x")", R"(constraint.sdc[3]: nothing -> "y")",
-                  R"(constraint.sdc[5]: nothing -> "z")"));
+struct ListCase {
+  const char* name;
+  ProjectContents before;
+  ProjectContents after;
+  Lines differences;
+};
+
+void PrintTo(const ListCase& c, std::ostream* out) { *out << c.name; }
+
+class CompareLists : public testing::TestWithParam<ListCase> {};
+
+TEST_P(CompareLists, CompareProjects_GivesWhatWasPutInTakenOutAndChanged) {
+  EXPECT_EQ(Differences(GetParam().before, GetParam().after), GetParam().differences);
 }
 
-TEST(CompareLists, CompareProjects_EntryMoved_IsRemovedAndAdded) {
-  EXPECT_THAT(
-      Differences(WithConstraintFiles({"a", "b", "c"}), WithConstraintFiles({"b", "c", "a"})),
-      ElementsAre(R"(constraint.sdc[0]: "a" -> nothing)", R"(constraint.sdc[2]: nothing -> "a")"));
-}
+const ListCase kLists[] = {
+    {"EntriesPutInAtSeveralPlaces",
+     WithConstraintFiles({"a", "b", "c"}),
+     WithConstraintFiles({"x", "a", "b", "y", "c", "z"}),
+     {R"(constraint.sdc[0]: nothing -> "x")", R"(constraint.sdc[3]: nothing -> "y")",
+      R"(constraint.sdc[5]: nothing -> "z")"}},
+    {"EntryMoved_IsRemovedAndAdded",
+     WithConstraintFiles({"a", "b", "c"}),
+     WithConstraintFiles({"b", "c", "a"}),
+     {R"(constraint.sdc[0]: "a" -> nothing)", R"(constraint.sdc[2]: nothing -> "a")"}},
+    {"EntryRepeated_IsOneDifference",
+     WithConstraintFiles({"a", "b"}),
+     WithConstraintFiles({"a", "a", "b"}),
+     {R"(constraint.sdc[1]: nothing -> "a")"}},
+    {"EntriesReplacedByMore_AreChangesAndThenAdditions",
+     WithConstraintFiles({"a", "b", "z"}),
+     WithConstraintFiles({"c", "d", "e", "z"}),
+     {R"(constraint.sdc[0]: "a" -> "c")", R"(constraint.sdc[1]: "b" -> "d")",
+      R"(constraint.sdc[2]: nothing -> "e")"}},
+    {"ChangeBehindARemoval_HasThePlaceBefore",
+     WithConstraintFiles({"a", "b", "c"}),
+     WithConstraintFiles({"b", "d"}),
+     {R"(constraint.sdc[0]: "a" -> nothing)", R"(constraint.sdc[2]: "c" -> "d")"}},
+    {"ChangedEntryBesideANewOne_IsComparedWithItsOwnName",
+     WithDesignFiles({{"a.v", "v2k", ""}}),
+     WithDesignFiles({{"pkg.v", "sv", ""}, {"a.v", "sv", ""}}),
+     {R"(design.files[0]: nothing -> "pkg.v version=sv")",
+      R"(design.files[0]: "a.v version=v2k" -> "a.v version=sv")"}},
+    {"InstanceChangedBehindANewOne_IsFollowed",
+     WithIps({{"u", "u.cfg", {}}}),
+     WithIps({{"new", "", {}}, {"u", "v.cfg", {}}}),
+     {R"(ip[0]: nothing -> "new")", R"(ip.u.path: "u.cfg" -> "v.cfg")"}},
+    {"SourceFilesOfAnInstance_AreComparedAsASequence",
+     WithIps({{"u", "", {{"a.v"}, {"b.v"}, {"c.v"}}}}),
+     WithIps({{"u", "", {{"b.v"}, {"x.v"}, {"c.v"}}}}),
+     {R"(ip.u.files[0]: "a.v" -> nothing)", R"(ip.u.files[1]: nothing -> "x.v")"}},
+    {"InstanceMovedAndChanged_IsRemovedAndAdded",
+     WithIps({{"u", "1", {}}, {"v", "", {}}, {"w", "", {}}}),
+     WithIps({{"v", "", {}}, {"w", "", {}}, {"u", "2", {}}}),
+     {R"(ip[0]: "u path=1" -> nothing)", R"(ip[2]: nothing -> "u path=2")"}},
+    {"InstancesOfTheSameName_AreEntriesAsAWhole",
+     WithIps({{"u", "1", {}}, {"u", "2", {}}}),
+     WithIps({{"u", "1", {}}, {"u", "3", {}}}),
+     {R"(ip[1]: "u path=2" -> "u path=3")"}},
+    {"InstanceWithoutName_IsFollowedToo",
+     WithIps({{"", "1", {}}}),
+     WithIps({{"", "2", {}}}),
+     {R"(ip..path: "1" -> "2")"}},
+};
 
-TEST(CompareLists, CompareProjects_EntryRepeated_IsOneDifference) {
-  EXPECT_THAT(Differences(WithConstraintFiles({"a", "b"}), WithConstraintFiles({"a", "a", "b"})),
-              ElementsAre(R"(constraint.sdc[1]: nothing -> "a")"));
-}
+INSTANTIATE_TEST_SUITE_P(Lists, CompareLists, testing::ValuesIn(kLists),
+                         [](const auto& param_info) { return param_info.param.name; });
 
-TEST(CompareLists, CompareProjects_EntriesReplacedByMore_GivesChangesAndThenAdditions) {
-  EXPECT_THAT(
-      Differences(WithConstraintFiles({"a", "b", "z"}), WithConstraintFiles({"c", "d", "e", "z"})),
-      ElementsAre(R"(constraint.sdc[0]: "a" -> "c")", R"(constraint.sdc[1]: "b" -> "d")",
-                  R"(constraint.sdc[2]: nothing -> "e")"));
-}
-
-TEST(CompareLists, CompareProjects_ChangedEntryBesideANewOne_IsComparedWithItsOwnName) {
-  EXPECT_THAT(Differences(WithDesignFiles({{"a.v", "v2k", ""}}),
-                          WithDesignFiles({{"pkg.v", "sv", ""}, {"a.v", "sv", ""}})),
-              ElementsAre(R"(design.files[0]: nothing -> "pkg.v version=sv")",
-                          R"(design.files[0]: "a.v version=v2k" -> "a.v version=sv")"));
-}
-
-TEST(CompareLists, CompareProjects_ChangeBehindARemoval_HasThePlaceBefore) {
-  EXPECT_THAT(
-      Differences(WithConstraintFiles({"a", "b", "c"}), WithConstraintFiles({"b", "d"})),
-      ElementsAre(R"(constraint.sdc[0]: "a" -> nothing)", R"(constraint.sdc[2]: "c" -> "d")"));
-}
-
-TEST(CompareLists, CompareProjects_AHundredThousandFilesAndOnePutInFront_GivesOneDifference) {
+TEST(Compare, CompareProjects_AHundredThousandFilesAndOnePutInFront_GivesOneDifference) {
   std::vector<std::string> files(100'000);
   for (std::size_t i = 0; i < files.size(); ++i) files[i] = "f" + std::to_string(i) + ".sdc";
   const ProjectContents before = WithConstraintFiles(files);
   files.insert(files.begin(), "new.sdc");
   EXPECT_THAT(Differences(before, WithConstraintFiles(std::move(files))), SizeIs(1));
-}
-
-// IP instances.
-
-TEST(CompareIps, CompareProjects_InstanceChangedBehindANewOne_IsFollowed) {
-  EXPECT_THAT(
-      Differences(WithIps({{"u", "u.cfg", {}}}), WithIps({{"new", "", {}}, {"u", "v.cfg", {}}})),
-      ElementsAre(R"(ip[0]: nothing -> "new")", R"(ip.u.path: "u.cfg" -> "v.cfg")"));
-}
-
-TEST(CompareIps, CompareProjects_SourceFilesChanged_AreComparedAsASequence) {
-  EXPECT_THAT(
-      Differences(WithIps({{"u", "", {{"a.v"}, {"b.v"}, {"c.v"}}}}),
-                  WithIps({{"u", "", {{"b.v"}, {"x.v"}, {"c.v"}}}})),
-      ElementsAre(R"(ip.u.files[0]: "a.v" -> nothing)", R"(ip.u.files[1]: nothing -> "x.v")"));
-}
-
-TEST(CompareIps, CompareProjects_InstanceMovedAndChanged_IsRemovedAndAdded) {
-  EXPECT_THAT(Differences(WithIps({{"u", "1", {}}, {"v", "", {}}, {"w", "", {}}}),
-                          WithIps({{"v", "", {}}, {"w", "", {}}, {"u", "2", {}}})),
-              ElementsAre(R"(ip[0]: "u path=1" -> nothing)", R"(ip[2]: nothing -> "u path=2")"));
-}
-
-TEST(CompareIps, CompareProjects_InstancesOfTheSameName_AreEntriesAsAWhole) {
-  EXPECT_THAT(Differences(WithIps({{"u", "1", {}}, {"u", "2", {}}}),
-                          WithIps({{"u", "1", {}}, {"u", "3", {}}})),
-              ElementsAre(R"(ip[1]: "u path=2" -> "u path=3")"));
-}
-
-TEST(CompareIps, CompareProjects_InstanceWithoutName_IsFollowedToo) {
-  EXPECT_THAT(Differences(WithIps({{"", "1", {}}}), WithIps({{"", "2", {}}})),
-              ElementsAre(R"(ip..path: "1" -> "2")"));
 }
 
 // Whatever projects.
@@ -532,14 +513,6 @@ class Rows {
   std::vector<std::vector<std::string>> rows_;
 };
 
-TEST(CompareAnyProjects, CompareProjects_ProjectWithItself_GivesNothing) {
-  EXPECT_TRUE(rc::check([] {
-    ProjectContents project;
-    ChangeParts(project, 40);
-    RC_ASSERT(Differences(project, project).empty());
-  }));
-}
-
 TEST(CompareAnyProjects, CompareProjects_TwoProjects_GivesNothingOnlyIfTheyAreEqual) {
   EXPECT_TRUE(rc::check([] {
     const auto [before, after] = PickTwoProjects();
@@ -563,20 +536,12 @@ TEST(CompareAnyProjects, CompareProjects_Exchanged_ExchangesBeforeAndAfter) {
   }));
 }
 
-TEST(CompareAnyProjects, CompareProjects_AnyDifference_IsOne) {
-  EXPECT_TRUE(rc::check([] {
-    const auto [before, after] = PickTwoProjects();
-    for (const ProjectDifference& difference : CompareProjects(before, after)) {
-      RC_ASSERT(difference.before != difference.after);
-    }
-  }));
-}
-
-TEST(CompareAnyProjects, CompareProjects_NamesOfDifferences_AreOfOneThingEach) {
+TEST(CompareAnyProjects, CompareProjects_Differences_AreChangesOfOneThingEach) {
   EXPECT_TRUE(rc::check([] {
     const auto [before, after] = PickTwoProjects();
     std::vector<std::string> places;
     for (const ProjectDifference& difference : CompareProjects(before, after)) {
+      RC_ASSERT(difference.before != difference.after);
       const char* side = difference.before ? " before " : " after ";
       places.push_back(difference.what + side + difference.where);
     }
@@ -608,16 +573,6 @@ std::vector<std::string> Apply(const std::vector<ProjectDifference>& differences
     result.insert(result.begin() + static_cast<std::ptrdiff_t>(place), entry);
   }
   return result;
-}
-
-TEST(CompareAnyLists, CompareProjects_NamesOfFiles_TurnTheOneListIntoTheOther) {
-  EXPECT_TRUE(rc::check([] {
-    const auto before = *TextList();
-    const auto after = *TextList();
-    const auto differences =
-        CompareProjects(WithConstraintFiles(before), WithConstraintFiles(after));
-    RC_ASSERT(Apply(differences, before) == after);
-  }));
 }
 
 std::vector<std::string> TextsOf(const std::vector<DesignFile>& files) {

@@ -15,8 +15,7 @@
 namespace {
 
 using namespace projectdb;
-using test_support::CompleteProjectXml;
-using test_support::Loading;
+using namespace test_support;
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::Field;
@@ -24,87 +23,17 @@ using testing::IsEmpty;
 using testing::Pair;
 using testing::SizeIs;
 
-auto IsFile(const char* name, const char* version, const char* library) {
-  return AllOf(Field(&DesignFile::name, name), Field(&DesignFile::version, version),
-               Field(&DesignFile::library, library));
-}
-
 auto IsParameter(const char* name, const char* value, ParameterType type) {
   return AllOf(Field(&Parameter::name, name), Field(&Parameter::value, value),
                Field(&Parameter::type, type));
 }
 
-/// The contents of a project with something in every section.
-class CompleteProject : public testing::Test {
- protected:
-  void SetUp() override {
-    ASSERT_TRUE(loading_.LoadBytes(CompleteProjectXml()));
-    contents_ = GetProjectContents(loading_.database);
-  }
-
-  Loading loading_;
-  ProjectContents contents_;
-};
-
-TEST_F(CompleteProject, GetProjectContents_Root_GivesNameStampsAndDirectory) {
-  EXPECT_EQ(contents_.project_name, "demo");
-  EXPECT_EQ(contents_.current_path, loading_.directory.path().string());
-  EXPECT_EQ(contents_.software_version, "0.0.1");
-  EXPECT_EQ(contents_.last_modify_time, "long ago");
-}
-
-TEST_F(CompleteProject, GetProjectContents_InfoAttributes_GivesThoseThatAreNoFields) {
-  EXPECT_THAT(contents_.info_attributes, ElementsAre(Pair("vendor_id", "77")));
-}
-
-TEST_F(CompleteProject, GetProjectContents_Device_GivesItsThreeTexts) {
-  EXPECT_EQ(contents_.device_info.family, "Orrin");
-  EXPECT_EQ(contents_.device_info.device, "O40");
-  EXPECT_EQ(contents_.device_info.timing_model, "slow");
-}
-
-TEST_F(CompleteProject, GetProjectContents_Design_GivesTopLevelAndVersions) {
-  EXPECT_EQ(contents_.design_info.top_module, "top");
-  EXPECT_EQ(contents_.design_info.top_vhdl_arch, "rtl");
-  EXPECT_EQ(contents_.design_info.def_veri_version, "v2k");
-  EXPECT_EQ(contents_.design_info.def_vhdl_version, "vhdl08");
-}
-
-TEST_F(CompleteProject, GetProjectContents_FileLists_GivesNamesAsStored) {
-  EXPECT_THAT(contents_.design_info.design_files,
-              ElementsAre(IsFile("a.v", "v2k", "work"), IsFile("b.vhd", "", "lib")));
-  EXPECT_THAT(contents_.sim_files, ElementsAre(IsFile("tb.v", "sv", "sim")));
-  EXPECT_THAT(contents_.misc_files, ElementsAre(IsFile("notes.txt", "1", "docs")));
-  EXPECT_THAT(contents_.design_constraint.sdc_files, ElementsAre("c.sdc"));
-  EXPECT_EQ(contents_.design_constraint.inter_file, "c.interface.csv");
-  EXPECT_THAT(contents_.design_isf.isf_files, ElementsAre("d.isf"));
-}
-
-TEST_F(CompleteProject, GetProjectContents_IpInstances_GivesTheirSourceFiles) {
-  EXPECT_THAT(
-      contents_.ip_info.ips,
-      ElementsAre(AllOf(Field(&IP::instance_name, "u"), Field(&IP::path, "ip/u.cfg"),
-                        Field(&IP::src_files, ElementsAre(Field(&IPSrcFile::name, "u.v"))))));
-}
-
-TEST_F(CompleteProject, GetProjectContents_FlowProcesses_GivesThemByTheirType) {
-  const auto process = [](const char* name, const char* tool) {
-    return AllOf(Field(&FlowProcessContents::name, name),
-                 Field(&FlowProcessContents::tool_name, tool));
-  };
-  EXPECT_THAT(contents_.flow_processes,
-              ElementsAre(process("synthesis", "syn"), process("place_and_route", "pnr"),
-                          process("bitstream_generation", ""), process("debugger", "dbg")));
-}
-
-TEST_F(CompleteProject, GetProjectContents_ParameterMaps_GivesParametersByMapAndName) {
-  EXPECT_THAT(
-      contents_.flow_processes.at(e_synthesis).parameter_maps,
-      ElementsAre(
-          Pair("defmacro", ElementsAre(Pair("SIM", IsParameter("SIM", "1", kNoParameterType)))),
-          Pair("dynparam", ElementsAre(Pair("W", IsParameter("W", "8", e_string)))),
-          Pair("param", ElementsAre(Pair("flat", IsParameter("flat", "", e_noarg)),
-                                    Pair("mode", IsParameter("mode", "fast", e_option))))));
+TEST(ProjectContents, GetProjectContents_CompleteProject_GivesEveryField) {
+  Loading loading;
+  ASSERT_TRUE(loading.LoadBytes(CompleteProjectXml()));
+  EXPECT_THAT(AllDifferences(CompleteProject(loading.directory.path()),
+                             GetProjectContents(loading.database)),
+              IsEmpty());
 }
 
 TEST(ProjectContents, GetProjectContents_NoProject_IsEmpty) {

@@ -10,38 +10,22 @@ namespace {
 
 using namespace projectdb;
 
-TEST(RecordText, QuotedText_CharactersWithAMeaning_AreEscaped) {
+TEST(RecordText, QuotedText_EscapesWhatHasAMeaningOrIsNoLetter) {
   EXPECT_EQ(QuotedText("a \"b\" \\ c"), R"("a \"b\" \\ c")");
-}
-
-TEST(RecordText, QuotedText_ControlCharacters_AreEscaped) {
   EXPECT_EQ(QuotedText(std::string("\n\r\t\x01\x1F\x7F\0", 7)), R"("\n\r\t\x01\x1f\x7f\x00")");
-}
-
-TEST(RecordText, QuotedText_BytesOutsideAscii_StayAsTheyAre) {
   EXPECT_EQ(QuotedText("gr\xC3\xBC\xFF"), "\"gr\xC3\xBC\xFF\"");
 }
 
-TEST(RecordText, TextOf_DesignFile_NamesTheFieldsBehindTheFirst) {
+TEST(RecordText, TextOf_DesignFile_NamesTheFieldsBehindTheFirstThatAreNotEmpty) {
   EXPECT_EQ(TextOf(DesignFile("src/top.v", "v2001", "work")),
             "src/top.v version=v2001 library=work");
+  EXPECT_EQ(TextOf(DesignFile("src\\top.v", "", "default")), "src\\top.v library=default");
 }
 
-TEST(RecordText, TextOf_EmptyFields_AreLeftOut) {
-  EXPECT_EQ(TextOf(DesignFile("notes.txt", "", "default")), "notes.txt library=default");
-}
-
-TEST(RecordText, TextOf_EmptyFirstField_IsQuoted) {
+TEST(RecordText, TextOf_FieldThatIsNoWordOrAnEmptyFirstOne_IsQuoted) {
   EXPECT_EQ(TextOf(DesignFile("", "", "")), "\"\"");
-}
-
-TEST(RecordText, TextOf_FieldsOfSeveralWords_AreQuoted) {
   EXPECT_EQ(TextOf(DesignFile("my top.v", "v 2", "a\"b")),
             R"("my top.v" version="v 2" library="a\"b")");
-}
-
-TEST(RecordText, TextOf_PathWithBackslashes_StaysAsItIs) {
-  EXPECT_EQ(TextOf(DesignFile("src\\top.v", "", "")), "src\\top.v");
 }
 
 TEST(RecordText, TextOf_IpInstance_ShowsItsSourceFilesInOrder) {
@@ -49,23 +33,14 @@ TEST(RecordText, TextOf_IpInstance_ShowsItsSourceFilesInOrder) {
             R"(uart path=ip/uart.cfg file=uart.v file=fifo.v file="")");
 }
 
-TEST(RecordText, TextOf_Parameter_ShowsValueAndType) {
+TEST(RecordText, TextOf_Parameter_ShowsValueAndTypeIfItHasOne) {
   EXPECT_EQ(TextOf(Parameter("effort", "high", e_option)), "effort value=high type=e_option");
-}
-
-TEST(RecordText, TextOf_ParameterWithoutType_ShowsNone) {
   EXPECT_EQ(TextOf(Parameter("WIDTH", "8", kNoParameterType)), "WIDTH value=8");
-}
-
-TEST(RecordText, TextOf_ParameterOfAnotherType_ShowsItsNumber) {
   EXPECT_EQ(TextOf(Parameter("WIDTH", "8", static_cast<ParameterType>(7))), "WIDTH value=8 type=7");
 }
 
-TEST(RecordText, TextUnderKey_Parameter_BeginsWithTheValue) {
+TEST(RecordText, TextUnderKey_Parameter_BeginsWithTheValueAndShowsAnotherName) {
   EXPECT_EQ(TextUnderKey("quiet", Parameter("quiet", "", e_noarg)), "\"\" type=e_noarg");
-}
-
-TEST(RecordText, TextUnderKey_OtherName_ShowsIt) {
   EXPECT_EQ(TextUnderKey("a", Parameter("b", "1", e_bool)), "1 type=e_bool name=b");
 }
 

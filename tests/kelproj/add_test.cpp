@@ -8,8 +8,8 @@ namespace {
 
 using test_support::Done;
 using test_support::Failed;
+using test_support::IsWrongUse;
 using test_support::KelprojTest;
-using test_support::WrongArguments;
 using ::testing::HasSubstr;
 
 class Add : public KelprojTest {
@@ -31,41 +31,35 @@ class Add : public KelprojTest {
   }
 };
 
-TEST_F(Add, DesignFiles_HaveTheVersionAndLibraryThatAreGiven) {
-  EXPECT_EQ(Run({"add", "blinker.xml", "--rtl", "a.v", "b.v", "--hdl-version", "verilog_2001",
-                 "--library", "work"}),
-            Done());
-  EXPECT_THAT(Shown(), HasSubstr("Design files (2)\n"
-                                 "  a.v  verilog_2001  work\n"
-                                 "  b.v  verilog_2001  work\n"));
+struct AddCase {
+  std::vector<std::string> arguments;
+  const char* shown;
+};
+
+void PrintTo(const AddCase& c, std::ostream* out) { *out << c.shown; }
+
+class AddedFiles : public Add, public ::testing::WithParamInterface<AddCase> {};
+
+TEST_P(AddedFiles, StandInTheListOfTheirKindWithWhatIsGiven) {
+  EXPECT_EQ(Run(GetParam().arguments), Done());
+  EXPECT_THAT(Shown(), HasSubstr(GetParam().shown));
 }
 
-TEST_F(Add, DesignFileAlone_HasNoVersionAndTheDefaultLibrary) {
-  EXPECT_EQ(Run({"add", "blinker.xml", "--rtl", "a.v"}), Done());
-  EXPECT_THAT(Shown(), HasSubstr("Design files (1)\n  a.v    default\n"));
-}
-
-TEST_F(Add, SimulationFile_HasTheVersionAndLibraryThatAreGiven) {
-  EXPECT_EQ(
-      Run({"add", "blinker.xml", "--sim", "a.v", "--hdl-version", "sv_2017", "--library", "bench"}),
-      Done());
-  EXPECT_THAT(Shown(), HasSubstr("Simulation files (1)\n  a.v  sv_2017  bench\n"));
-}
-
-TEST_F(Add, MiscellaneousFile_IsAdded) {
-  EXPECT_EQ(Run({"add", "blinker.xml", "--misc", "notes.md"}), Done());
-  EXPECT_THAT(Shown(), HasSubstr("Miscellaneous files (1)\n  notes.md    default\n"));
-}
-
-TEST_F(Add, TimingConstraintFile_IsAdded) {
-  EXPECT_EQ(Run({"add", "blinker.xml", "--sdc", "a.sdc"}), Done());
-  EXPECT_THAT(Shown(), HasSubstr("Timing constraint files (1)\n  a.sdc\n"));
-}
-
-TEST_F(Add, KindBeforeTheProjectFile_IsTheSame) {
-  EXPECT_EQ(Run({"add", "--sdc", "blinker.xml", "a.sdc"}), Done());
-  EXPECT_THAT(Shown(), HasSubstr("Timing constraint files (1)\n  a.sdc\n"));
-}
+INSTANTIATE_TEST_SUITE_P(
+    Add, AddedFiles,
+    ::testing::Values(
+        AddCase{{"add", "blinker.xml", "--rtl", "a.v", "b.v", "--hdl-version", "verilog_2001",
+                 "--library", "work"},
+                "Design files (2)\n  a.v  verilog_2001  work\n  b.v  verilog_2001  work\n"},
+        AddCase{{"add", "blinker.xml", "--rtl", "a.v"}, "Design files (1)\n  a.v    default\n"},
+        AddCase{{"add", "blinker.xml", "--sim", "a.v", "--hdl-version", "sv_2017", "--library",
+                 "bench"},
+                "Simulation files (1)\n  a.v  sv_2017  bench\n"},
+        AddCase{{"add", "blinker.xml", "--misc", "notes.md"},
+                "Miscellaneous files (1)\n  notes.md    default\n"},
+        AddCase{{"add", "blinker.xml", "--sdc", "a.sdc"}, "Timing constraint files (1)\n  a.sdc\n"},
+        AddCase{{"add", "--sdc", "blinker.xml", "a.sdc"},
+                "Timing constraint files (1)\n  a.sdc\n"}));
 
 TEST_F(Add, FilesBehindOthers_KeepTheirOrder) {
   ASSERT_EQ(Run({"add", "blinker.xml", "--misc", "b.v"}), Done());
@@ -104,46 +98,46 @@ TEST_F(Add, FromAnotherDirectory_NamesStayRelativeToTheProject) {
   EXPECT_THAT(Shown(), HasSubstr("Design files (1)\n  a.v    default\n"));
 }
 
-TEST_F(Add, NoKind_IsRefused) {
-  ExpectUnchangedBy({"add", "blinker.xml", "a.v"},
-                    Failed("one of --rtl, --sim, --misc and --sdc is needed"));
+struct RefusedFile {
+  std::vector<std::string> arguments;
+  const char* reason;
+};
+
+void PrintTo(const RefusedFile& refusal, std::ostream* out) { *out << refusal.reason; }
+
+class RefusedAdd : public Add, public ::testing::WithParamInterface<RefusedFile> {};
+
+TEST_P(RefusedAdd, FailsAndLeavesTheFile) {
+  ExpectUnchangedBy(GetParam().arguments, Failed(GetParam().reason));
 }
 
-TEST_F(Add, TwoKinds_AreRefused) {
-  ExpectUnchangedBy({"add", "blinker.xml", "--rtl", "--misc", "a.v"},
-                    WrongArguments("--rtl excludes --misc", "kelproj add"));
-}
+INSTANTIATE_TEST_SUITE_P(
+    Add, RefusedAdd,
+    ::testing::Values(
+        RefusedFile{{"add", "blinker.xml", "a.v"},
+                    "one of --rtl, --sim, --misc and --sdc is needed"},
+        RefusedFile{{"add", "blinker.xml", "--rtl", "a.v", ""}, "the empty text names no file"},
+        RefusedFile{{"add", "blinker.xml", "--misc", "a.v", "--library", "work"},
+                    "only --rtl and --sim files have an HDL version and a library"},
+        RefusedFile{
+            {"add", "blinker.xml", "--sdc", "a.sdc", "notes.md"},
+            "\"notes.md\" is no timing constraint file: its name must end in .sdc and not be "
+            "that of a directory"},
+        RefusedFile{{"set-interface", "blinker.xml", "pins.csv"},
+                    "\"pins.csv\" is no interface constraint file: its name must be "
+                    "NAME.interface.csv"}));
 
-TEST_F(Add, NoPath_IsRefused) {
-  ExpectUnchangedBy({"add", "blinker.xml", "--rtl"},
-                    WrongArguments("PATH is required", "kelproj add"));
-}
-
-TEST_F(Add, EmptyPath_IsRefused) {
-  ExpectUnchangedBy({"add", "blinker.xml", "--rtl", "a.v", ""},
-                    Failed("the empty text names no file"));
-}
-
-TEST_F(Add, LibraryOfAFileThatHasNone_IsRefused) {
-  ExpectUnchangedBy({"add", "blinker.xml", "--misc", "a.v", "--library", "work"},
-                    Failed("only --rtl and --sim files have an HDL version and a library"));
-}
-
-TEST_F(Add, OneWrongTimingConstraintFile_KeepsTheOthersOut) {
-  ExpectUnchangedBy({"add", "blinker.xml", "--sdc", "a.sdc", "notes.md"},
-                    Failed("\"notes.md\" is no timing constraint file: its name must end in .sdc "
-                           "and not be that of a directory"));
+TEST_F(Add, TwoKindsOrNoPath_IsWrongUse) {
+  const std::string before = Read("blinker.xml");
+  EXPECT_THAT(Run({"add", "blinker.xml", "--rtl", "--misc", "a.v"}),
+              IsWrongUse("kelproj add", {"--rtl", "--misc"}));
+  EXPECT_THAT(Run({"add", "blinker.xml", "--rtl"}), IsWrongUse("kelproj add", {"PATH"}));
+  EXPECT_EQ(Read("blinker.xml"), before);
 }
 
 TEST_F(Add, InterfaceConstraint_IsSet) {
   EXPECT_EQ(Run({"set-interface", "blinker.xml", "pins.interface.csv"}), Done());
   EXPECT_EQ(Get("blinker.xml", "constraint.interface"), "pins.interface.csv\n");
-}
-
-TEST_F(Add, OtherFileAsInterfaceConstraint_IsRefused) {
-  ExpectUnchangedBy({"set-interface", "blinker.xml", "pins.csv"},
-                    Failed("\"pins.csv\" is no interface constraint file: its name must be "
-                           "NAME.interface.csv"));
 }
 
 }  // namespace

@@ -3,76 +3,46 @@
 
 namespace {
 
-using test_support::AnsweredNo;
-using test_support::Failed;
-using test_support::KelprojTest;
-using test_support::Printed;
-using test_support::SampleProject;
+using namespace test_support;
 
-class Get : public KelprojTest {
- protected:
-  test_support::Outcome GetFromSample(const std::string& key) const {
-    return Run({"get", SampleProject(), key});
-  }
+struct GetCase {
+  const char* key;
+  Outcome outcome;
 };
 
-TEST_F(Get, Property_PrintsItsValue) {
-  EXPECT_EQ(GetFromSample("design.top_module"), Printed("soc_top\n"));
+void PrintTo(const GetCase& c, std::ostream* out) { *out << c.key; }
+
+class GetFromSample : public KelprojTest, public ::testing::WithParamInterface<GetCase> {};
+
+TEST_P(GetFromSample, PrintsTheValueOrAnswersNo) {
+  EXPECT_EQ(Run({"get", SampleProject(), GetParam().key}), GetParam().outcome);
 }
 
-TEST_F(Get, EmptyProperty_PrintsAnEmptyLine) {
+INSTANTIATE_TEST_SUITE_P(
+    Get, GetFromSample,
+    ::testing::Values(GetCase{"design.top_module", Printed("soc_top\n")},
+                      GetCase{"design.def_veri_version", Printed("verilog_2001\n")},
+                      GetCase{"design.def_vhdl_version", Printed("vhdl_2008\n")},
+                      GetCase{"sw_version", Printed("0.1.0\n")},
+                      GetCase{"last_change_date", Printed("Sat Nov 21 2026 08:36:55\n")},
+                      GetCase{"info.owner", Printed("Søren Þórsson\n")},
+                      GetCase{"info.review:round", Printed("4\n")},
+                      GetCase{"info.budget", AnsweredNo()},
+                      GetCase{"debugger.tool", Printed("kel_debug\n")},
+                      GetCase{"synthesis.param.max_threads", Printed("4\n")},
+                      GetCase{"place_and_route.param.max_threads", Printed("8\n")},
+                      GetCase{"bitstream_generation.param.mode", Printed("spi_x4\n")},
+                      GetCase{"debugger.param.cable", Printed("usb_jtag\n")},
+                      GetCase{"synthesis.dynparam.RESET_VECTOR", Printed("32'h0001_0000\n")},
+                      GetCase{"synthesis.defmacro.BUILD_LABEL", Printed("\"soc demo\"\n")},
+                      GetCase{"synthesis.param.keep_hierarchy", Printed("\n")},
+                      GetCase{"synthesis.param.speed", AnsweredNo()}));
+
+class Get : public KelprojTest {};
+
+TEST_F(Get, EmptyPropertyAndMapThatIsNotThere_PrintAnEmptyLineAndAnswerNo) {
   MakeProject();
   EXPECT_EQ(Run({"get", "blinker.xml", "device.timing_model"}), Printed("\n"));
-}
-
-TEST_F(Get, DefaultLanguageVersions_PrintsThem) {
-  EXPECT_EQ(GetFromSample("design.def_veri_version"), Printed("verilog_2001\n"));
-  EXPECT_EQ(GetFromSample("design.def_vhdl_version"), Printed("vhdl_2008\n"));
-}
-
-TEST_F(Get, StampsOfTheLastWriting_PrintsThem) {
-  EXPECT_EQ(GetFromSample("sw_version"), Printed("0.1.0\n"));
-  EXPECT_EQ(GetFromSample("last_change_date"), Printed("Sat Nov 21 2026 08:36:55\n"));
-}
-
-TEST_F(Get, InfoAttribute_PrintsItInUtf8) {
-  EXPECT_EQ(GetFromSample("info.owner"), Printed("Søren Þórsson\n"));
-}
-
-TEST_F(Get, InfoAttributeWithAPrefix_PrintsIt) {
-  EXPECT_EQ(GetFromSample("info.review:round"), Printed("4\n"));
-}
-
-TEST_F(Get, MissingInfoAttribute_PrintsNothingAndAnswersNo) {
-  EXPECT_EQ(GetFromSample("info.budget"), AnsweredNo());
-}
-
-TEST_F(Get, Tool_PrintsTheExecutable) {
-  EXPECT_EQ(GetFromSample("debugger.tool"), Printed("kel_debug\n"));
-}
-
-TEST_F(Get, ParameterOfEachProcess_PrintsItsValue) {
-  EXPECT_EQ(GetFromSample("synthesis.param.max_threads"), Printed("4\n"));
-  EXPECT_EQ(GetFromSample("place_and_route.param.max_threads"), Printed("8\n"));
-  EXPECT_EQ(GetFromSample("bitstream_generation.param.mode"), Printed("spi_x4\n"));
-  EXPECT_EQ(GetFromSample("debugger.param.cable"), Printed("usb_jtag\n"));
-}
-
-TEST_F(Get, DefineParameterAndMacro_PrintTheirValues) {
-  EXPECT_EQ(GetFromSample("synthesis.dynparam.RESET_VECTOR"), Printed("32'h0001_0000\n"));
-  EXPECT_EQ(GetFromSample("synthesis.defmacro.BUILD_LABEL"), Printed("\"soc demo\"\n"));
-}
-
-TEST_F(Get, SwitchWithoutValue_PrintsAnEmptyLine) {
-  EXPECT_EQ(GetFromSample("synthesis.param.keep_hierarchy"), Printed("\n"));
-}
-
-TEST_F(Get, MissingParameter_PrintsNothingAndAnswersNo) {
-  EXPECT_EQ(GetFromSample("synthesis.param.speed"), AnsweredNo());
-}
-
-TEST_F(Get, MapThatTheProjectDoesNotHave_AnswersNo) {
-  MakeProject();
   EXPECT_EQ(Run({"get", "blinker.xml", "synthesis.defmacro.WIDTH"}), AnsweredNo());
 }
 
@@ -93,7 +63,7 @@ TEST_F(Get, MissingFile_FailsWithTheReason) {
 
 TEST_F(Get, FullStandardOutput_Fails) {
   MakeProject();
-  test_support::ProcessSettings settings;
+  ProcessSettings settings;
   settings.output = "/dev/full";
   EXPECT_EQ(Run({"get", "blinker.xml", "name"}, settings),
             Failed("standard output cannot be written"));

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "testing/files.h"
@@ -22,8 +23,19 @@ inline Outcome AnsweredNo(std::string out = "") { return {1, std::move(out), ""}
 inline Outcome Failed(const std::string& reason) {
   return {2, "", "kelproj: error: " + reason + "\n"};
 }
-inline Outcome WrongArguments(const std::string& reason, const std::string& command) {
-  return {2, "", "kelproj: error: " + reason + "\nTry: " + command + " --help\n"};
+/// The outcome of wrong arguments: trouble, with a reason and the command's help named.
+/// @param words that the reason has; the rest of it is the argument parser's
+inline ::testing::Matcher<const Outcome&> IsWrongUse(const std::string& command,
+                                                     const std::vector<std::string>& words) {
+  ::testing::Matcher<const std::string&> error =
+      ::testing::AllOf(::testing::StartsWith("kelproj: error: "),
+                       ::testing::EndsWith("\nTry: " + command + " --help\n"));
+  for (const std::string& word : words) {
+    error = ::testing::AllOf(error, ::testing::HasSubstr(word));
+  }
+  return ::testing::AllOf(::testing::Field(&Outcome::status, 2),
+                          ::testing::Field(&Outcome::out, ""),
+                          ::testing::Field(&Outcome::err, error));
 }
 
 /// Gives a file or directory other permissions for as long as it lives.

@@ -6,8 +6,8 @@ namespace {
 
 using test_support::Done;
 using test_support::Failed;
+using test_support::IsWrongUse;
 using test_support::KelprojTest;
-using test_support::WrongArguments;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
@@ -74,56 +74,44 @@ TEST_F(Set, EmptyValueOfAProperty_IsStored) {
   EXPECT_EQ(Value("design.top_module"), "\n");
 }
 
-TEST_F(Set, ValueInBrackets_IsOneText) {
-  EXPECT_EQ(SetValue("info.bus", "[7,0]"), Done());
-  EXPECT_EQ(Value("info.bus"), "[7,0]\n");
-}
-
-TEST_F(Set, NegativeNumber_IsAValue) {
-  EXPECT_EQ(SetValue("place_and_route.param.slack", "-5"), Done());
-  EXPECT_EQ(Value("place_and_route.param.slack"), "-5\n");
-}
-
-TEST_F(Set, ValueBehindHyphens_MayLookLikeAnOption) {
+TEST_F(Set, ValuesThatLookLikeSomethingElse_AreTexts) {
+  for (const std::string value : {"[7,0]", "-5", "one\n\ttwo"}) {
+    EXPECT_EQ(SetValue("info.text", value), Done());
+    EXPECT_EQ(Value("info.text"), value + "\n");
+  }
   EXPECT_EQ(Run({"set", "blinker.xml", "synthesis.param.flags", "--", "--type"}), Done());
   EXPECT_EQ(Value("synthesis.param.flags"), "--type\n");
 }
 
-TEST_F(Set, LineBreaksAndTabs_AreKept) {
-  EXPECT_EQ(SetValue("info.note", "one\n\ttwo"), Done());
-  EXPECT_EQ(Value("info.note"), "one\n\ttwo\n");
+struct TypeCase {
+  std::vector<std::vector<std::string>> sets;  ///< Key, value and perhaps a type of each.
+  const char* shown;                           ///< The parameter then.
+};
+
+void PrintTo(const TypeCase& c, std::ostream* out) { *out << c.shown; }
+
+class TypeOfParameter : public Set, public ::testing::WithParamInterface<TypeCase> {};
+
+TEST_P(TypeOfParameter, IsTheStoredOneTheGivenOneOrThatOfItsMap) {
+  for (const auto& set : GetParam().sets) {
+    EXPECT_EQ(SetValue(set[0], set[1], set.size() > 2 ? set[2] : ""), Done());
+  }
+  const std::string shown = GetParam().shown;
+  EXPECT_EQ(ShownParameter(shown.substr(0, shown.find(' '))), shown);
 }
 
-TEST_F(Set, OtherValues_StayAsTheyAre) {
-  ASSERT_EQ(SetValue("device.family", "Varel II"), Done());
-  EXPECT_EQ(Value("device.device"), "Q8R25\n");
-}
-
-TEST_F(Set, NewParameter_IsAString) {
-  ASSERT_EQ(SetValue("synthesis.param.goal", "speed"), Done());
-  EXPECT_EQ(ShownParameter("goal"), "goal  speed  e_string");
-}
-
-TEST_F(Set, NewMacro_HasNoType) {
-  ASSERT_EQ(SetValue("synthesis.defmacro.WIDTH", "8"), Done());
-  EXPECT_EQ(ShownParameter("WIDTH"), "WIDTH  8");
-}
-
-TEST_F(Set, Type_IsThatOfTheNewParameter) {
-  EXPECT_EQ(SetValue("synthesis.param.retiming", "true", "e_bool"), Done());
-  EXPECT_EQ(ShownParameter("retiming"), "retiming  true  e_bool");
-}
-
-TEST_F(Set, TypeNone_MakesAParameterWithoutType) {
-  EXPECT_EQ(SetValue("synthesis.param.retiming", "true", "none"), Done());
-  EXPECT_EQ(ShownParameter("retiming"), "retiming  true");
-}
-
-TEST_F(Set, StoredParameter_KeepsItsType) {
-  ASSERT_EQ(SetValue("synthesis.param.retiming", "true", "e_bool"), Done());
-  EXPECT_EQ(SetValue("synthesis.param.retiming", "false"), Done());
-  EXPECT_EQ(ShownParameter("retiming"), "retiming  false  e_bool");
-}
+INSTANTIATE_TEST_SUITE_P(
+    Set, TypeOfParameter,
+    ::testing::Values(TypeCase{{{"synthesis.param.goal", "speed"}}, "goal  speed  e_string"},
+                      TypeCase{{{"synthesis.defmacro.WIDTH", "8"}}, "WIDTH  8"},
+                      TypeCase{{{"synthesis.param.retiming", "true", "e_bool"}},
+                               "retiming  true  e_bool"},
+                      TypeCase{{{"synthesis.param.retiming", "true", "none"}}, "retiming  true"},
+                      TypeCase{{{"synthesis.param.retiming", "true", "e_bool"},
+                                {"synthesis.param.retiming", "false"}},
+                               "retiming  false  e_bool"},
+                      TypeCase{{{"synthesis.param.keep_hierarchy", "", "e_noarg"}},
+                               "keep_hierarchy    e_noarg"}));
 
 TEST_F(Set, OtherTypeThanTheStoredOne_IsRefused) {
   ASSERT_EQ(SetValue("synthesis.param.retiming", "true", "e_bool"), Done());
@@ -132,47 +120,41 @@ TEST_F(Set, OtherTypeThanTheStoredOne_IsRefused) {
       Failed("retiming: a parameter of type e_bool cannot become one of type e_option"));
 }
 
-TEST_F(Set, EmptyStringParameter_IsRefused) {
-  ExpectUnchangedBy({"set", "blinker.xml", "synthesis.param.goal", ""},
-                    Failed("goal: a parameter of type e_string needs a value"));
+struct RefusedValue {
+  std::vector<std::string> arguments;  ///< Behind the project file.
+  const char* reason;
+};
+
+void PrintTo(const RefusedValue& refusal, std::ostream* out) { *out << refusal.reason; }
+
+class RefusedSet : public Set, public ::testing::WithParamInterface<RefusedValue> {};
+
+TEST_P(RefusedSet, FailsAndLeavesTheFile) {
+  std::vector<std::string> arguments = GetParam().arguments;
+  arguments.insert(arguments.begin(), {"set", "blinker.xml"});
+  ExpectUnchangedBy(arguments, Failed(GetParam().reason));
 }
 
-TEST_F(Set, SwitchWithoutValue_IsStored) {
-  EXPECT_EQ(SetValue("synthesis.param.keep_hierarchy", "", "e_noarg"), Done());
-  EXPECT_EQ(ShownParameter("keep_hierarchy"), "keep_hierarchy    e_noarg");
-}
-
-TEST_F(Set, SwitchWithAValue_IsRefused) {
-  ExpectUnchangedBy(
-      {"set", "blinker.xml", "synthesis.param.keep_hierarchy", "yes", "--type", "e_noarg"},
-      Failed("keep_hierarchy: a parameter of type e_noarg takes no value"));
-}
+INSTANTIATE_TEST_SUITE_P(
+    Set, RefusedSet,
+    ::testing::Values(
+        RefusedValue{{"synthesis.param.goal", ""},
+                     "goal: a parameter of type e_string needs a value"},
+        RefusedValue{{"synthesis.param.keep_hierarchy", "yes", "--type", "e_noarg"},
+                     "keep_hierarchy: a parameter of type e_noarg takes no value"},
+        RefusedValue{{"device.device", "R40", "--type", "e_string"},
+                     "device.device has no type: only parameters have one"},
+        RefusedValue{{"info.xmlns:board", "x"}, "a project does not keep info.xmlns:board"},
+        RefusedValue{{"info.name", "x"}, "a project does not keep info.name"},
+        RefusedValue{{"info.two words", "x"},
+                     "Failed writing XML file blinker.xml: \"two words\" cannot be the name of an "
+                     "attribute"}));
 
 TEST_F(Set, UnknownType_IsRefused) {
-  ExpectUnchangedBy(
-      {"set", "blinker.xml", "synthesis.param.goal", "speed", "--type", "text"},
-      WrongArguments("--type: text not in {e_string,e_bool,e_option,e_noarg,none}", "kelproj set"));
-}
-
-TEST_F(Set, TypeOfAProperty_IsRefused) {
-  ExpectUnchangedBy({"set", "blinker.xml", "device.device", "R40", "--type", "e_string"},
-                    Failed("device.device has no type: only parameters have one"));
-}
-
-TEST_F(Set, InfoAttributeThatXmlUsesItself_IsRefused) {
-  ExpectUnchangedBy({"set", "blinker.xml", "info.xmlns:board", "x"},
-                    Failed("a project does not keep info.xmlns:board"));
-}
-
-TEST_F(Set, InfoAttributeThatStandsForAProperty_IsRefused) {
-  ExpectUnchangedBy({"set", "blinker.xml", "info.name", "x"},
-                    Failed("a project does not keep info.name"));
-}
-
-TEST_F(Set, InfoAttributeThatXmlCannotName_IsRefused) {
-  ExpectUnchangedBy({"set", "blinker.xml", "info.two words", "x"},
-                    Failed("Failed writing XML file blinker.xml: \"two words\" cannot be the name "
-                           "of an attribute"));
+  const std::string before = Read("blinker.xml");
+  EXPECT_THAT(SetValue("synthesis.param.goal", "speed", "text"),
+              IsWrongUse("kelproj set", {"--type", "text", "e_option"}));
+  EXPECT_EQ(Read("blinker.xml"), before);
 }
 
 TEST_F(Set, TextThatXmlCannotHold_IsRefused) {

@@ -6,7 +6,6 @@
 #include <future>
 #include <ostream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <fcntl.h>
@@ -20,9 +19,9 @@
 #include <projectdb/project_db.h>
 
 #include "testing/files.h"
+#include "testing/flow_processes.h"
 #include "testing/message_recorder.h"
 #include "testing/project_loading.h"
-#include "testing/project_snapshot.h"
 #include "testing/temporary_directory.h"
 #include "testing/xml_tree.h"
 
@@ -33,9 +32,10 @@ using projectdb::KelProjectDatabase;
 using projectdb::Parameter;
 using projectdb::ParameterType;
 using projectdb::ProcType;
+using test_support::AllDifferences;
 using test_support::AllElements;
-using test_support::Attributes;
 using test_support::ChildNames;
+using test_support::CompleteProject;
 using test_support::CompleteProjectXml;
 using test_support::MessageRecorder;
 using test_support::ProjectXml;
@@ -43,20 +43,18 @@ using test_support::ReadFile;
 using test_support::ReadXmlFile;
 using test_support::Show;
 using test_support::ShowSortedChildren;
-using test_support::TakeSnapshot;
 using test_support::TemporaryDirectory;
 using test_support::WithoutTimeStamp;
 using test_support::WorkingDirectory;
 using test_support::WriteFile;
 using test_support::XmlElement;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
 using testing::StartsWith;
 using testing::UnorderedElementsAre;
 
-constexpr char kNamespace[] = "http://schema.kel.example/wdp_proj";
+constexpr char kNamespaceInFile[] = "http://schema.kel.example/wdp_proj";
 
 class Export : public testing::Test {
  protected:
@@ -104,21 +102,12 @@ class ExportOfCompleteProject : public Export {
 
 // Whether there is anything to write.
 
-TEST_F(Export, ExportProjectData_NoProject_WritesNoFile) {
+TEST_F(Export, ExportProjectData_NoProject_WritesNoFileAndLeavesAnExistingOne) {
   database_.ExportProjectData(path_);
   EXPECT_FALSE(std::filesystem::exists(path_));
-}
-
-TEST_F(Export, ExportProjectData_NoProject_LeavesAnExistingFile) {
   WriteFile(path_, "former");
   database_.ExportProjectData(path_);
   EXPECT_EQ(ReadFile(path_), "former");
-}
-
-TEST_F(ExportOfNewProject, ExportProjectData_CleanedProject_WritesNoFile) {
-  database_.CleanProjectDatabase();
-  database_.ExportProjectData(path_);
-  EXPECT_FALSE(std::filesystem::exists(path_));
 }
 
 TEST_F(ExportOfNewProject, ExportProjectData_EmptyPath_DoesNothing) {
@@ -135,16 +124,11 @@ TEST_F(ExportOfNewProject, ExportProjectData_RelativePath_IsBelowTheWorkingDirec
   EXPECT_TRUE(std::filesystem::exists(path_));
 }
 
-TEST_F(ExportOfNewProject, ExportProjectData_AnyExtension_IsWritten) {
-  const std::string path = directory_ / "project.backup";
-  database_.ExportProjectData(path);
-  EXPECT_EQ(ReadXmlFile(path).name, "kel:project");
-}
-
-TEST_F(ExportOfNewProject, ExportProjectData_PathThatIsNotUtf8_IsWrittenUnderItsBytes) {
-  const std::string path = directory_ / "pr\xFC.xml";
-  database_.ExportProjectData(path);
-  EXPECT_EQ(ReadXmlFile(path).name, "kel:project");
+TEST_F(ExportOfNewProject, ExportProjectData_AnyNameEvenOneThatIsNotUtf8_IsWritten) {
+  for (const std::string& path : {directory_ / "project.backup", directory_ / "pr\xFC.xml"}) {
+    database_.ExportProjectData(path);
+    EXPECT_EQ(ReadXmlFile(path).name, "kel:project");
+  }
 }
 
 TEST_F(ExportOfNewProject, ExportProjectData_LongerFileThere_IsReplaced) {
@@ -175,26 +159,14 @@ TEST_F(ExportOfCompleteProject, ExportProjectData_IsPrettyPrinted) {
   }
 }
 
-TEST_F(ExportOfCompleteProject, ExportProjectData_HasNoTextBetweenTags) {
+TEST_F(ExportOfCompleteProject, ExportProjectData_EveryElementHasNamespacePrefixAndNoText) {
   const XmlElement root = ExportedRoot();
   for (const XmlElement* element : AllElements(root)) {
+    EXPECT_EQ(element->namespace_uri, kNamespaceInFile) << element->name;
+    EXPECT_THAT(element->name, StartsWith("kel:"));
     EXPECT_TRUE(std::all_of(element->text.begin(), element->text.end(),
                             [](unsigned char c) { return std::isspace(c) != 0; }))
         << element->name << ": " << element->text;
-  }
-}
-
-TEST_F(ExportOfCompleteProject, ExportProjectData_EveryElementIsInTheProjectNamespace) {
-  const XmlElement root = ExportedRoot();
-  for (const XmlElement* element : AllElements(root)) {
-    EXPECT_EQ(element->namespace_uri, kNamespace) << element->name;
-  }
-}
-
-TEST_F(ExportOfCompleteProject, ExportProjectData_EveryElementHasThePrefix) {
-  const XmlElement root = ExportedRoot();
-  for (const XmlElement* element : AllElements(root)) {
-    EXPECT_THAT(element->name, StartsWith("kel:"));
   }
 }
 
@@ -214,103 +186,41 @@ TEST_F(ExportOfCompleteProject, ExportProjectData_SecondExport_IsTheSameButForTh
   EXPECT_EQ(WithoutTimeStamp(ExportedText()), WithoutTimeStamp(first));
 }
 
-TEST_F(ExportOfCompleteProject, ExportProjectData_ASecondLater_HasAnotherTimeStamp) {
-  const std::string first = ExportedAttribute("last_change_date");
-  std::this_thread::sleep_for(std::chrono::milliseconds(1010));
-  EXPECT_NE(ExportedAttribute("last_change_date"), first);
-}
-
-TEST_F(ExportOfCompleteProject, ExportProjectData_LeavesTheProjectAsItWas) {
-  const auto before = TakeSnapshot(database_, {"vendor_id"});
+TEST_F(ExportOfCompleteProject, ExportProjectData_LeavesTheProjectAsItWasAndPostsNothing) {
+  const MessageRecorder recorder;
   database_.ExportProjectData(path_);
-  EXPECT_EQ(TakeSnapshot(database_, {"vendor_id"}), before);
-}
-
-TEST_F(ExportOfNewProject, ExportProjectData_PostsNoMessage) {
-  database_.ExportProjectData(path_);
-  EXPECT_THAT(recorder_.messages(), IsEmpty());
+  EXPECT_THAT(AllDifferences(CompleteProject(directory_.path()), database_), IsEmpty());
+  EXPECT_THAT(recorder.messages(), IsEmpty());
 }
 
 // The root element.
 
-TEST_F(ExportOfNewProject, ExportProjectData_RootIsTheProject) {
-  EXPECT_EQ(ExportedRoot().name, "kel:project");
-}
-
-TEST_F(ExportOfNewProject, ExportProjectData_SchemaLocationIsNamespaceAndFileName) {
-  EXPECT_EQ(ExportedAttribute("xsi:schemaLocation"), std::string(kNamespace) + " wdp_proj.xsd");
-}
-
 TEST_F(ExportOfNewProject, ExportProjectData_NewProject_RootHasTheFixedAttributesOnly) {
-  std::vector<std::string> names;
-  for (const auto& [name, value] : ExportedRoot().attributes) names.push_back(name);
-  EXPECT_THAT(names,
-              UnorderedElementsAre("xsi:schemaLocation", "name", "sw_version", "last_change_date"));
-}
-
-TEST_F(ExportOfNewProject, ExportProjectData_Name_IsThatOfTheProject) {
-  EXPECT_EQ(ExportedAttribute("name"), "soc");
+  const XmlElement root = ExportedRoot();
+  EXPECT_EQ(root.name, "kel:project");
+  EXPECT_THAT(root.attributes,
+              UnorderedElementsAre(
+                  Pair("xsi:schemaLocation", std::string(kNamespaceInFile) + " wdp_proj.xsd"),
+                  Pair("name", "soc"), Pair("sw_version", KEL_VERSION_NO),
+                  Pair("last_change_date", testing::_)));
 }
 
 TEST_F(ExportOfNewProject, ExportProjectData_EmptyName_IsAnEmptyAttribute) {
-  database_.SetProjectName("");
+  database_.AddProjectInfoAttribute("name", "");
   EXPECT_EQ(ExportedAttribute("name"), "");
 }
 
-TEST_F(ExportOfNewProject, ExportProjectData_InfoAttributes_AreAttributesOfTheRoot) {
-  database_.AddProjectInfoAttribute("board", "b7");
-  database_.AddProjectInfoAttribute("note", "");
-  const Attributes attributes = ExportedRoot().attributes;
-  EXPECT_THAT(attributes, Contains(Pair("board", "b7")));
-  EXPECT_THAT(attributes, Contains(Pair("note", "")));
-}
-
-TEST_F(ExportOfNewProject, ExportProjectData_ReservedInfoAttributeName_NamesTheProject) {
-  database_.AddProjectInfoAttribute("name", "renamed");
-  EXPECT_EQ(ExportedAttribute("name"), "renamed");
-}
-
-TEST_F(Export, ExportProjectData_LoadedRootAttributes_AreWrittenBack) {
-  Load(ProjectXml("", "name=\"p\" board=\"b7\" xmlns:v=\"urn:v\" v:id=\"3\""));
-  const Attributes attributes = ExportedRoot().attributes;
-  EXPECT_THAT(attributes, Contains(Pair("board", "b7")));
-  EXPECT_THAT(attributes, Contains(Pair("v:id", "3")));
-}
-
-TEST_F(Export, ExportProjectData_LoadedSchemaLocation_IsWrittenAfresh) {
-  Load(ProjectXml("", "xsi:schemaLocation=\"urn:other other.xsd\""));
-  EXPECT_EQ(ExportedAttribute("xsi:schemaLocation"), std::string(kNamespace) + " wdp_proj.xsd");
-}
-
-TEST_F(Export, ExportProjectData_LoadedSchemaInstanceAttributes_AreNotWritten) {
-  Load(ProjectXml("", "xsi:noNamespaceSchemaLocation=\"other.xsd\""));
-  EXPECT_EQ(ExportedRoot().attributes.count("xsi:noNamespaceSchemaLocation"), 0U);
-}
-
-TEST_F(Export, ExportProjectData_LoadedNamespaceDeclarations_AreNotWritten) {
-  Load(ProjectXml("", "xmlns:unused=\"urn:unused\""));
+TEST_F(Export, ExportProjectData_LoadedRootAttributes_AreWrittenBackButTheDeclarationsAndStamps) {
+  Load(ProjectXml("", R"(name="p" board="b7" note="" xmlns:v="urn:v" v:id="3" )"
+                      R"(sw_version="0.0.1-other" xsi:schemaLocation="urn:other other.xsd" )"
+                      R"(xsi:noNamespaceSchemaLocation="other.xsd" xmlns:unused="urn:unused")"));
+  EXPECT_THAT(ExportedRoot().attributes,
+              UnorderedElementsAre(
+                  Pair("xsi:schemaLocation", std::string(kNamespaceInFile) + " wdp_proj.xsd"),
+                  Pair("name", "p"), Pair("sw_version", KEL_VERSION_NO),
+                  Pair("last_change_date", testing::_), Pair("board", "b7"), Pair("note", ""),
+                  Pair("v:id", "3")));
   EXPECT_EQ(ExportedText().find("unused"), std::string::npos);
-}
-
-TEST_F(ExportOfNewProject, ExportProjectData_Version_IsThatOfTheLibrary) {
-  EXPECT_EQ(ExportedAttribute("sw_version"), KEL_VERSION_NO);
-}
-
-TEST_F(Export, ExportProjectData_ProjectOfAnotherVersion_IsStampedWithThatOfTheLibrary) {
-  Load(ProjectXml("", "sw_version=\"0.0.1-other\""));
-  EXPECT_EQ(ExportedAttribute("sw_version"), KEL_VERSION_NO);
-}
-
-TEST_F(Export, ExportProjectData_ProjectOfAnotherVersion_KeepsItInMemory) {
-  Load(ProjectXml("", "sw_version=\"0.0.1-other\""));
-  database_.ExportProjectData(path_);
-  EXPECT_EQ(database_.GetProjectSoftwareVersion(), "0.0.1-other");
-}
-
-TEST_F(Export, ExportProjectData_StoredTime_IsKeptInMemory) {
-  Load(ProjectXml("", "last_change_date=\"long ago\""));
-  database_.ExportProjectData(path_);
-  EXPECT_EQ(database_.GetProjectLastModifyTime(), "long ago");
 }
 
 TEST_F(ExportOfNewProject, ExportProjectData_TimeStamp_HasTheClassicForm) {
@@ -341,14 +251,6 @@ TEST_F(ExportOfNewProject, ExportProjectData_SectionsAreInTheFixedOrder) {
       ElementsAre("kel:device_info", "kel:design_info", "kel:constraint_info", "kel:isf_info",
                   "kel:sim_info", "kel:misc_info", "kel:ip_info", "kel:synthesis",
                   "kel:place_and_route", "kel:bitstream_generation", "kel:debugger"));
-}
-
-TEST_F(Export, ExportProjectData_SectionsLoadedInAnotherOrder_AreInTheFixedOrder) {
-  Load(ProjectXml("<debugger/><ip_info/><isf_info/><device_info/><synthesis/>"));
-  const XmlElement root = ExportedRoot();
-  ASSERT_EQ(root.children.size(), 11U);
-  EXPECT_EQ(root.children.front().name, "kel:device_info");
-  EXPECT_EQ(root.children.back().name, "kel:debugger");
 }
 
 TEST_F(Export, ExportProjectData_TagsOutsideTheFormat_AreNotWritten) {
@@ -404,79 +306,36 @@ TEST_F(ExportOfCompleteProject, ExportProjectData_FilledSections_AreWritten) {
   }
 }
 
-TEST_F(ExportOfNewProject, ExportProjectData_EmptyDevice_IsWrittenAsEmptyAttributes) {
-  database_.SetDeviceFamily("");
-  database_.SetDeviceModel("");
-  EXPECT_EQ(
-      ExportedSection("device_info"),
-      R"(<device_info><family name=""/><device name=""/><timing_model name=""/></device_info>)");
-}
-
-TEST_F(ExportOfNewProject, ExportProjectData_DesignFiles_AreInListOrderWithDuplicates) {
-  for (const char* name : {"z.v", "a.v", "z.v"}) database_.AddDesignRTLFile(name, "", "");
-  EXPECT_EQ(
-      ExportedSection("design_info"),
-      R"(<design_info def_veri_version="" def_vhdl_version=""><top_module name=""/>)"
-      R"(<design_file library="" name="z.v" version=""/>)"
-      R"(<design_file library="" name="a.v" version=""/>)"
-      R"(<design_file library="" name="z.v" version=""/><top_vhdl_arch name=""/></design_info>)");
-}
-
-TEST_F(ExportOfNewProject, ExportProjectData_ConstraintFiles_AreInListOrderBeforeTheInterfaceFile) {
-  database_.AddTimingConstraintFile(std::vector<std::string>{"z.sdc", "a.sdc"});
-  database_.SetInterfaceConstraint("io.interface.csv");
-  EXPECT_EQ(ExportedSection("constraint_info"),
-            R"(<constraint_info><sdc_file name="z.sdc"/><sdc_file name="a.sdc"/>)"
-            R"(<inter_file name="io.interface.csv"/></constraint_info>)");
-}
-
-TEST_F(ExportOfNewProject, ExportProjectData_SimulationFiles_AreInListOrder) {
-  std::vector<DesignFile> files = {{"z.v", "", "w"}, {"a.v", "sv", ""}};
-  database_.AddSimulationTestBenchFile(files);
-  EXPECT_EQ(ExportedSection("sim_info"),
-            R"(<sim_info><sim_file library="w" name="z.v" version=""/>)"
-            R"(<sim_file library="" name="a.v" version="sv"/></sim_info>)");
-}
-
-TEST_F(ExportOfNewProject, ExportProjectData_MiscellaneousFiles_AreInListOrder) {
-  database_.AddMiscellaneousFile("z.txt");
-  database_.AddMiscellaneousFile("a.txt");
-  EXPECT_EQ(ExportedSection("misc_info"),
-            R"(<misc_info><misc_file library="default" name="z.txt" version=""/>)"
-            R"(<misc_file library="default" name="a.txt" version=""/></misc_info>)");
-}
-
-TEST_F(Export, ExportProjectData_IsfFiles_AreInListOrder) {
-  Load(ProjectXml("<isf_info><isf_file name=\"z.isf\"/><isf_file name=\"a.isf\"/></isf_info>"));
-  EXPECT_EQ(ExportedSection("isf_info"),
-            R"(<isf_info><isf_file name="z.isf"/><isf_file name="a.isf"/></isf_info>)");
-}
-
-TEST_F(Export, ExportProjectData_IpInstances_AreInListOrderEachWithItsFiles) {
-  const std::string section =
-      R"(<ip_info><ip instance_name="z" path="p"><ip_src_file name="2.v"/><ip_src_file name="1.v"/></ip>)"
-      R"(<ip instance_name="a" path=""/></ip_info>)";
-  Load(ProjectXml(section));
-  EXPECT_EQ(ExportedSection("ip_info"), section);
-}
-
-TEST_F(ExportOfNewProject, ExportProjectData_FileNames_AreWrittenAsStored) {
-  database_.SetProjectCurrentPath("/somewhere");
-  database_.AddMiscellaneousFile("../x/./a b.txt");
-  EXPECT_EQ(
-      ExportedSection("misc_info"),
-      R"(<misc_info><misc_file library="default" name="../x/./a b.txt" version=""/></misc_info>)");
+TEST_F(Export, ExportProjectData_ListsOfSections_AreWrittenInListOrderWithDuplicates) {
+  const std::pair<const char*, std::string> sections[] = {
+      {"device_info",
+       R"(<device_info><family name=""/><device name=""/><timing_model name=""/></device_info>)"},
+      {"design_info",
+       R"(<design_info def_veri_version="" def_vhdl_version=""><top_module name=""/>)"
+       R"(<design_file library="" name="z.v" version=""/>)"
+       R"(<design_file library="" name="a.v" version=""/>)"
+       R"(<design_file library="" name="z.v" version=""/><top_vhdl_arch name=""/></design_info>)"},
+      {"constraint_info", R"(<constraint_info><sdc_file name="z.sdc"/><sdc_file name="a.sdc"/>)"
+                          R"(<inter_file name="io.interface.csv"/></constraint_info>)"},
+      {"isf_info", R"(<isf_info><isf_file name="z.isf"/><isf_file name="a.isf"/></isf_info>)"},
+      {"sim_info", R"(<sim_info><sim_file library="w" name="z.v" version=""/>)"
+                   R"(<sim_file library="" name="a.v" version="sv"/></sim_info>)"},
+      {"misc_info", R"(<misc_info><misc_file library="default" name="z.txt" version=""/>)"
+                    R"(<misc_file library="" name="../x/./a b.txt" version=""/></misc_info>)"},
+      {"ip_info", R"(<ip_info><ip instance_name="z" path="p"><ip_src_file name="2.v"/>)"
+                  R"(<ip_src_file name="1.v"/></ip><ip instance_name="a" path=""/></ip_info>)"}};
+  for (const auto& [name, section] : sections) {
+    database_.CleanProjectDatabase();
+    Load(ProjectXml(section));
+    EXPECT_EQ(ExportedSection(name), section);
+  }
 }
 
 // Flow processes.
 
-TEST_F(ExportOfNewProject, ExportProjectData_Tool_IsAnAttributeOfItsProcess) {
-  database_.SetFlowProcessExecutableName(projectdb::e_debugger, "dbg");
-  EXPECT_EQ(ExportedSection("debugger"), R"(<debugger tool_name="dbg"/>)");
-}
-
 TEST_F(ExportOfNewProject, ExportProjectData_ToolSetBackToEmpty_IsOmitted) {
   database_.SetSynthesisExecutableName("syn");
+  EXPECT_EQ(ExportedSection("synthesis"), R"(<synthesis tool_name="syn"/>)");
   database_.SetSynthesisExecutableName("");
   EXPECT_EQ(ExportedSection("synthesis"), "<synthesis/>");
 }
@@ -502,12 +361,8 @@ TEST_F(ExportOfNewProject, ExportProjectData_MapOutsideTheFormat_IsWrittenUnderI
             R"(<debugger><probes name="p" value="v" value_type="e_string"/></debugger>)");
 }
 
-TEST_F(ExportOfNewProject, ExportProjectData_EmptyMap_LeavesNoTrace) {
+TEST_F(ExportOfNewProject, ExportProjectData_EmptyMapAndPlainParameters_LeaveNoTrace) {
   database_.AddFlowProcessParameterMap(projectdb::e_debugger, "param");
-  EXPECT_EQ(ExportedSection("debugger"), "<debugger/>");
-}
-
-TEST_F(ExportOfNewProject, ExportProjectData_PlainParameters_AreNotWritten) {
   database_.GetFlowProcess(projectdb::e_debugger)
       ->parameters.emplace_back("p", "v", projectdb::e_string);
   EXPECT_EQ(ExportedSection("debugger"), "<debugger/>");
@@ -571,61 +426,39 @@ TEST_F(ExportOfNewProject, ExportProjectData_ValueThatDoesNotGoWithItsType_IsWri
                   R"(<param name="e" value=""/>)", R"(<param name="f" value="" value_type=""/>)"));
 }
 
-struct TypeCase {
-  int type;
-  const char* value;
-  const char* expected;
-};
-
-void PrintTo(const TypeCase& c, std::ostream* out) { *out << "type " << c.type; }
-
-class ExportedParameterType : public ExportOfNewProject,
-                              public testing::WithParamInterface<TypeCase> {};
-
-TEST_P(ExportedParameterType, ExportProjectData_WritesTheTypeAsText) {
-  database_.AddDebuggerParameter("p", GetParam().value, ParameterType(GetParam().type));
-  EXPECT_EQ(Show(ExportedRoot().Child("debugger").Child("param")), GetParam().expected);
+TEST_F(ExportOfNewProject, ExportProjectData_ParameterTypes_AreWrittenAsText) {
+  for (const int type : {0, 1, 2, 3, 4, 7, -1}) {
+    const std::string name = std::to_string(type);
+    ASSERT_TRUE(database_.AddDebuggerParameter(name, type == 3 ? "" : "v", ParameterType(type)));
+  }
+  EXPECT_THAT(ShowSortedChildren(ExportedRoot().Child("debugger")),
+              ElementsAre(R"(<param name="-1" value="v" value_type=""/>)",
+                          R"(<param name="0" value="v" value_type="e_string"/>)",
+                          R"(<param name="1" value="v" value_type="e_bool"/>)",
+                          R"(<param name="2" value="v" value_type="e_option"/>)",
+                          R"(<param name="3" value="" value_type="e_noarg"/>)",
+                          R"(<param name="4" value="v"/>)",
+                          R"(<param name="7" value="v" value_type=""/>)"));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Types, ExportedParameterType,
-    testing::Values(TypeCase{0, "v", R"(<param name="p" value="v" value_type="e_string"/>)"},
-                    TypeCase{1, "v", R"(<param name="p" value="v" value_type="e_bool"/>)"},
-                    TypeCase{2, "v", R"(<param name="p" value="v" value_type="e_option"/>)"},
-                    TypeCase{3, "", R"(<param name="p" value="" value_type="e_noarg"/>)"},
-                    TypeCase{4, "v", R"(<param name="p" value="v"/>)"},
-                    TypeCase{7, "v", R"(<param name="p" value="v" value_type=""/>)"},
-                    TypeCase{-1, "v", R"(<param name="p" value="v" value_type=""/>)"}));
-
-/// With a project whose flow processes have no names yet.
-class ExportOfUnnamedProcesses : public Export, public testing::WithParamInterface<int> {
- protected:
-  ExportOfUnnamedProcesses() { database_.SetupProjectDatabase(); }
-};
-
-TEST_P(ExportOfUnnamedProcesses, ExportProjectData_UsesTheDefaultName) {
-  const std::vector<std::string> names = {"kel:synthesis", "kel:place_and_route",
-                                          "kel:bitstream_generation", "kel:debugger"};
-  const auto type = static_cast<std::size_t>(GetParam());
-  EXPECT_EQ(ExportedRoot().children.at(7 + type).name, names[type]);
+TEST_F(Export, ExportProjectData_UnnamedProcesses_AreWrittenUnderTheirDefaultNames) {
+  database_.SetupProjectDatabase();
+  for (const ProcType type : test_support::kProcesses) {
+    database_.SetFlowProcessExecutableName(type, "tool" + std::to_string(type));
+    database_.AddFlowProcessParameter(type, "param", "p", std::to_string(type),
+                                      projectdb::kNoParameterType);
+  }
+  const XmlElement root = ExportedRoot();
+  const char* const names[] = {"synthesis", "place_and_route", "bitstream_generation", "debugger"};
+  for (const ProcType type : test_support::kProcesses) {
+    const std::string number = std::to_string(type);
+    const std::string name = names[type];
+    EXPECT_EQ(Show(root.children.at(7 + static_cast<std::size_t>(type))),
+              "<" + name + " tool_name=\"tool" + number + "\"><param name=\"p\" value=\"" + number +
+                  "\"/></" + name + ">");
+    EXPECT_EQ(database_.GetFlowProcess(type)->name, "");
+  }
 }
-
-TEST_P(ExportOfUnnamedProcesses, ExportProjectData_WritesToolAndParameters) {
-  const auto type = static_cast<ProcType>(GetParam());
-  database_.SetFlowProcessExecutableName(type, "tool");
-  database_.AddFlowProcessParameter(type, "param", "p", "v", projectdb::e_string);
-  const XmlElement process = ExportedRoot().children.at(7 + static_cast<std::size_t>(type));
-  EXPECT_EQ(process.attributes, (Attributes{{"tool_name", "tool"}}));
-  EXPECT_THAT(ShowSortedChildren(process),
-              ElementsAre(R"(<param name="p" value="v" value_type="e_string"/>)"));
-}
-
-TEST_P(ExportOfUnnamedProcesses, ExportProjectData_LeavesTheProcessUnnamed) {
-  database_.ExportProjectData(path_);
-  EXPECT_EQ(database_.GetFlowProcess(static_cast<ProcType>(GetParam()))->name, "");
-}
-
-INSTANTIATE_TEST_SUITE_P(Processes, ExportOfUnnamedProcesses, testing::Range(0, 4));
 
 // Other threads.
 
@@ -676,29 +509,6 @@ TEST_F(ExportOfNewProject, ExportProjectData_WhileTheFileIsWritten_TheProjectCan
   const XmlElement root = ReadXmlFile(directory_ / "read.xml");
   EXPECT_EQ(root.attributes.at("name"), "soc");
   EXPECT_EQ(root.Child("misc_info").children.size(), 20000U);
-}
-
-TEST(ExportThreads, ExportProjectData_ManyObjectsAtOnce_EveryFileIsWhole) {
-  const MessageRecorder recorder;
-  const TemporaryDirectory directory;
-  const auto export_and_load = [&](int number) {
-    const std::string path = directory / (std::to_string(number) + ".xml");
-    for (int round = 0; round < 20; ++round) {
-      KelProjectDatabase database;
-      database.CreateNewProjectDatabase("p" + std::to_string(number));
-      database.ExportProjectData(path);
-      KelProjectDatabase loaded;
-      if (!loaded.LoadProjectData(path, "")) return std::string("not loaded");
-      if (loaded.GetProjectName() != database.GetProjectName()) return loaded.GetProjectName();
-    }
-    return std::string();
-  };
-  std::vector<std::future<std::string>> threads;
-  threads.reserve(8);
-  for (int number = 0; number < 8; ++number) {
-    threads.push_back(std::async(std::launch::async, export_and_load, number));
-  }
-  for (auto& thread : threads) EXPECT_EQ(thread.get(), "");
 }
 
 }  // namespace

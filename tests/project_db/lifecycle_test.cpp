@@ -4,7 +4,6 @@
 #include <locale>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -18,60 +17,37 @@
 
 #include "testing/flow_processes.h"
 #include "testing/message_recorder.h"
-#include "testing/project_snapshot.h"
+#include "testing/project_loading.h"
 #include "testing/temporary_directory.h"
 
 namespace {
 
 using namespace projectdb;
-using test_support::kProcesses;
-using test_support::MessageRecorder;
-using test_support::ProjectSnapshot;
-using test_support::TakeSnapshot;
-using test_support::TemporaryDirectory;
-using test_support::WorkingDirectory;
+using namespace test_support;
 using testing::AnyOfArray;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::MatchesRegex;
+using testing::SizeIs;
 
 static_assert(!std::is_copy_constructible_v<KelProjectDatabase>);
 static_assert(!std::is_copy_assignable_v<KelProjectDatabase>);
 static_assert(!std::is_move_constructible_v<KelProjectDatabase>);
 static_assert(!std::is_move_assignable_v<KelProjectDatabase>);
 static_assert(!std::is_polymorphic_v<KelProjectDatabase>);
-
 static_assert(std::is_nothrow_default_constructible_v<KelProjectDatabase>);
 static_assert(std::is_nothrow_destructible_v<KelProjectDatabase>);
-
-const MessageRecorder::Message kProjectExists = {
-    Diag::MessageType::kError, "Project database has already existed. Fail to create new project"};
-
-std::vector<std::string> ProcessNames(const KelProjectDatabase& database) {
-  std::vector<std::string> names;
-  for (const ProcType type : kProcesses) names.push_back(database.GetFlowProcess(type)->name);
-  return names;
-}
 
 TEST(Lifecycle, Construct_NewObject_HoldsNoProject) {
   EXPECT_FALSE(KelProjectDatabase().IsProjectDatabaseExist());
 }
 
-TEST(Lifecycle, SetupProjectDatabase_NoProject_CreatesOne) {
-  KelProjectDatabase database;
-  EXPECT_TRUE(database.SetupProjectDatabase());
-  EXPECT_TRUE(database.IsProjectDatabaseExist());
-}
-
 TEST(Lifecycle, SetupProjectDatabase_NoProject_CreatesAnEmptyOneWithFourUnnamedProcesses) {
   KelProjectDatabase database;
-  ASSERT_TRUE(database.SetupProjectDatabase());
-  ProjectSnapshot expected;
-  expected.properties = {{"family", ""},     {"device", ""},        {"timing_model", ""},
-                         {"top_module", ""}, {"top_vhdl_arch", ""}, {"inter_file", ""}};
-  expected.file_lists = {{"sim", {}}, {"misc", {}}, {"sdc", {}}, {"ip_src", {}}};
-  expected.processes.resize(4);
-  EXPECT_EQ(TakeSnapshot(database), expected);
+  EXPECT_TRUE(database.SetupProjectDatabase());
+  EXPECT_THAT(ProjectLines(database), IsEmpty());
+  EXPECT_EQ(database.GetProjectCurrentPath(), "");
+  EXPECT_THAT(GetProjectContents(database).flow_processes, SizeIs(4));
 }
 
 TEST(Lifecycle, SetupProjectDatabase_NoProject_ProcessesHaveNoParametersAndOneBucketIndex) {
@@ -81,55 +57,11 @@ TEST(Lifecycle, SetupProjectDatabase_NoProject_ProcessesHaveNoParametersAndOneBu
     SCOPED_TRACE(type);
     const FlowProcess* process = database.GetFlowProcess(type);
     ASSERT_NE(process, nullptr);
-    EXPECT_THAT(process->parameters, IsEmpty());
     EXPECT_THAT(process->parameter_maps, IsEmpty());
     EXPECT_THAT(process->parameter_map_index, IsEmpty());
     EXPECT_EQ(process->parameter_map_index.bucket_count(), 1u);
     EXPECT_EQ(process->parameter_map_index.max_load_factor(), 1.0F);
   }
-}
-
-TEST(Lifecycle, SetupProjectDatabase_ProjectExists_ReturnsFalseAndKeepsIt) {
-  KelProjectDatabase database;
-  ASSERT_TRUE(database.CreateNewProjectDatabase("blinker"));
-  database.AddMiscellaneousFile("readme.txt");
-  database.AddSynthesisParameter("effort", "high", e_option);
-  const ProjectSnapshot before = TakeSnapshot(database);
-  EXPECT_FALSE(database.SetupProjectDatabase());
-  EXPECT_EQ(TakeSnapshot(database), before);
-}
-
-TEST(Lifecycle, SetupProjectDatabase_CalledTwice_ReturnsTrueThenFalse) {
-  KelProjectDatabase database;
-  EXPECT_TRUE(database.SetupProjectDatabase());
-  EXPECT_FALSE(database.SetupProjectDatabase());
-}
-
-TEST(Lifecycle, SetupProjectDatabase_ProjectExists_PostsNothing) {
-  KelProjectDatabase database;
-  database.SetupProjectDatabase();
-  const MessageRecorder recorder;
-  database.SetupProjectDatabase();
-  EXPECT_THAT(recorder.messages(), IsEmpty());
-}
-
-TEST(Lifecycle, CreateNewProjectDatabase_NoProject_ReturnsTrueAndHoldsAProject) {
-  KelProjectDatabase database;
-  EXPECT_TRUE(database.CreateNewProjectDatabase("blinker"));
-  EXPECT_TRUE(database.IsProjectDatabaseExist());
-}
-
-TEST(Lifecycle, CreateNewProjectDatabase_NoProject_PostsNothing) {
-  KelProjectDatabase database;
-  const MessageRecorder recorder;
-  database.CreateNewProjectDatabase("blinker");
-  EXPECT_THAT(recorder.messages(), IsEmpty());
-}
-
-TEST(Lifecycle, CreateNewProjectDatabase_EmptyName_NamesItNewProject) {
-  KelProjectDatabase database;
-  database.CreateNewProjectDatabase("");
-  EXPECT_EQ(database.GetProjectName(), "new_project");
 }
 
 TEST(Lifecycle, CreateNewProjectDatabase_AnyName_IsKeptUnchanged) {
@@ -142,20 +74,32 @@ TEST(Lifecycle, CreateNewProjectDatabase_AnyName_IsKeptUnchanged) {
   }
 }
 
-/// A project just created in a directory of its own.
+/// A project just created, without a name of its own, in a directory of its own.
 class NewProject : public testing::Test {
  protected:
   void SetUp() override {
     const WorkingDirectory working_directory(directory_.path());
-    ASSERT_TRUE(database_.CreateNewProjectDatabase("blinker"));
+    const MessageRecorder recorder;
+    ASSERT_TRUE(database_.CreateNewProjectDatabase(""));
+    ASSERT_THAT(recorder.messages(), IsEmpty());
   }
 
   TemporaryDirectory directory_;
   KelProjectDatabase database_;
 };
 
-TEST_F(NewProject, CreateNewProjectDatabase_Version_IsTheRunningSoftwares) {
-  EXPECT_EQ(database_.GetProjectSoftwareVersion(), KEL_VERSION_NO);
+TEST_F(NewProject, CreateNewProjectDatabase_NoProject_HasTheDefaultsAndNamedProcesses) {
+  EXPECT_THAT(
+      ProjectLines(database_),
+      ElementsAre("name: new_project",
+                  "info.last_change_date: " + database_.GetProjectLastModifyTime(),
+                  std::string("info.sw_version: ") + KEL_VERSION_NO, "device.family: Varel",
+                  "device.device: Q8R25", "synthesis.name: synthesis",
+                  "place_and_route.name: place_and_route",
+                  "bitstream_generation.name: bitstream_generation", "debugger.name: debugger"));
+  for (const ProcType type : kProcesses) {
+    EXPECT_THAT(database_.GetFlowProcess(type)->parameter_maps, IsEmpty());
+  }
 }
 
 TEST_F(NewProject, CreateNewProjectDatabase_Directory_IsTheWorkingDirectory) {
@@ -163,68 +107,35 @@ TEST_F(NewProject, CreateNewProjectDatabase_Directory_IsTheWorkingDirectory) {
             std::filesystem::canonical(directory_.path()).string());
 }
 
-TEST_F(NewProject, CreateNewProjectDatabase_Device_HasDefaultFamilyAndModel) {
-  EXPECT_EQ(database_.GetDeviceFamily(), "Varel");
-  EXPECT_EQ(database_.GetDeviceModel(), "Q8R25");
-  EXPECT_EQ(database_.GetDeviceTimingModel(), "");
-}
-
-TEST_F(NewProject, CreateNewProjectDatabase_Design_IsEmpty) {
-  EXPECT_EQ(database_.GetDesignTopModuleName(), "");
-  EXPECT_EQ(database_.GetDesignTopVHDLArchitecture(), "");
-  EXPECT_EQ(database_.GetInterfaceConstraint(), "");
-}
-
-TEST_F(NewProject, CreateNewProjectDatabase_FileLists_AreEmpty) {
-  const ProjectSnapshot snapshot = TakeSnapshot(database_);
-  EXPECT_THAT(snapshot.design_files, IsEmpty());
-  EXPECT_THAT(snapshot.ip_instances, IsEmpty());
-  for (const auto& [name, list] : snapshot.file_lists) EXPECT_THAT(list, IsEmpty()) << name;
-}
-
-TEST_F(NewProject, CreateNewProjectDatabase_Processes_AreNamedWithoutToolsAndMaps) {
-  EXPECT_THAT(ProcessNames(database_),
-              ElementsAre("synthesis", "place_and_route", "bitstream_generation", "debugger"));
-  for (const ProcType type : kProcesses) {
-    EXPECT_EQ(database_.GetFlowProcessExecutableName(type), "");
-    EXPECT_THAT(database_.GetFlowProcess(type)->parameter_maps, IsEmpty());
+/// A project with a value of its own in every field that the creation of one sets.
+class ProjectExists : public testing::Test {
+ protected:
+  ProjectExists() {
+    database_.SetupProjectDatabase();
+    database_.SetProjectName("former");
+    database_.SetDeviceFamily("other family");
+    database_.AddProjectInfoAttribute("last_change_date", "some time ago");
+    database_.AddDesignRTLFile("src/top.v", "v2001", "work");
+    database_.AddSynthesisParameter("effort", "high", e_option);
+    before_ = GetProjectContents(database_);
   }
+  void TearDown() override { EXPECT_THAT(AllDifferences(before_, database_), IsEmpty()); }
+
+  KelProjectDatabase database_;
+  ProjectContents before_;
+};
+
+TEST_F(ProjectExists, SetupProjectDatabase_IsRefusedWithoutMessageOrChange) {
+  const MessageRecorder recorder;
+  EXPECT_FALSE(database_.SetupProjectDatabase());
+  EXPECT_THAT(recorder.messages(), IsEmpty());
 }
 
-TEST_F(NewProject, CreateNewProjectDatabase_ProjectExists_PostsOneErrorAndReturnsFalse) {
+TEST_F(ProjectExists, CreateNewProjectDatabase_IsRefusedWithOneErrorEachTimeAndNoChange) {
   const MessageRecorder recorder;
   EXPECT_FALSE(database_.CreateNewProjectDatabase("other"));
-  EXPECT_THAT(recorder.messages(), ElementsAre(kProjectExists));
-}
-
-TEST_F(NewProject, CreateNewProjectDatabase_ProjectExists_LeavesEveryFieldAsItWas) {
-  database_.SetProjectName("renamed");
-  database_.SetProjectSoftwareVersion("0.0.1-former");
-  database_.SetProjectCurrentPath("/work/former");
-  database_.SetDeviceFamily("other family");
-  database_.SetDeviceModel("other model");
-  database_.AddProjectInfoAttribute("last_change_date", "some time ago");
-  database_.SetFlowProcessName(e_synthesis, "syn");
-  database_.AddDesignRTLFile("src/top.v", "v2001", "work");
-  const ProjectSnapshot before = TakeSnapshot(database_);
-  const MessageRecorder recorder;
-  database_.CreateNewProjectDatabase("other");
-  EXPECT_EQ(TakeSnapshot(database_), before);
-}
-
-TEST_F(NewProject, CreateNewProjectDatabase_SetUpProjectExists_IsRefusedToo) {
-  KelProjectDatabase database;
-  ASSERT_TRUE(database.SetupProjectDatabase());
-  const MessageRecorder recorder;
-  EXPECT_FALSE(database.CreateNewProjectDatabase("other"));
-  EXPECT_THAT(recorder.messages(), ElementsAre(kProjectExists));
-}
-
-TEST_F(NewProject, CreateNewProjectDatabase_RefusedTwice_PostsOneErrorEachTime) {
-  const MessageRecorder recorder;
-  database_.CreateNewProjectDatabase("other");
-  database_.CreateNewProjectDatabase("other");
-  EXPECT_THAT(recorder.messages(), ElementsAre(kProjectExists, kProjectExists));
+  EXPECT_FALSE(database_.CreateNewProjectDatabase("other"));
+  EXPECT_THAT(recorder.messages(), ElementsAre(ProjectExistsMessage(), ProjectExistsMessage()));
 }
 
 /// Puts a handler in the place of the console for as long as it lives.
@@ -240,7 +151,7 @@ class HandlerScope {
   Diag::DiagService::Handler former_;
 };
 
-TEST_F(NewProject, CreateNewProjectDatabase_ProjectExists_PostsEmptyReferences) {
+TEST_F(ProjectExists, CreateNewProjectDatabase_PostsEmptyReferences) {
   std::optional<Diag::DiagStorage> posted;
   const HandlerScope scope([&posted](const Diag::DiagStorage& message) { posted = message; });
   database_.CreateNewProjectDatabase("other");
@@ -251,56 +162,25 @@ TEST_F(NewProject, CreateNewProjectDatabase_ProjectExists_PostsEmptyReferences) 
   EXPECT_STREQ(posted->second().data, "");
 }
 
-TEST_F(NewProject, CreateNewProjectDatabase_PostThrows_ReachesTheCallerAndLeavesTheProject) {
-  const ProjectSnapshot before = TakeSnapshot(database_);
-  const HandlerScope scope(
-      [](const Diag::DiagStorage&) { throw std::runtime_error("log is full"); });
-  EXPECT_THROW(database_.CreateNewProjectDatabase("other"), std::runtime_error);
-  EXPECT_EQ(TakeSnapshot(database_), before);  // Would wait for ever if the lock were still held.
-}
-
-TEST_F(NewProject, CleanProjectDatabase_ProjectExists_LeavesNone) {
-  database_.CleanProjectDatabase();
-  EXPECT_FALSE(database_.IsProjectDatabaseExist());
-}
-
 TEST_F(NewProject, CleanProjectDatabase_ThenCreate_GivesAFreshProject) {
   database_.SetDeviceTimingModel("slow");
+  database_.AddProjectInfoAttribute("owner", "lab 3");
   database_.AddDesignRTLFile("src/top.v", "v2001", "work");
-  database_.SetSynthesisExecutableName("syn");
   database_.AddSynthesisParameter("effort", "high", e_option);
   database_.CleanProjectDatabase();
+  EXPECT_FALSE(database_.IsProjectDatabaseExist());
   ASSERT_TRUE(database_.CreateNewProjectDatabase("blinker"));
-
   KelProjectDatabase fresh;
   ASSERT_TRUE(fresh.CreateNewProjectDatabase("blinker"));
-  EXPECT_EQ(TakeSnapshot(database_).WithoutStamps(), TakeSnapshot(fresh).WithoutStamps());
+  EXPECT_THAT(DifferencesButStamps(GetProjectContents(fresh), GetProjectContents(database_)),
+              IsEmpty());
 }
 
-TEST_F(NewProject, CleanProjectDatabase_ThenSetup_CreatesAProjectAgain) {
-  database_.CleanProjectDatabase();
-  EXPECT_TRUE(database_.SetupProjectDatabase());
-}
-
-TEST(Lifecycle, CleanProjectDatabase_NoProject_DoesNothing) {
+TEST(Lifecycle, CleanProjectDatabase_NoProject_LeavesAUsableObject) {
   KelProjectDatabase database;
-  const MessageRecorder recorder;
   database.CleanProjectDatabase();
   EXPECT_FALSE(database.IsProjectDatabaseExist());
-  EXPECT_THAT(recorder.messages(), IsEmpty());
-}
-
-TEST(Lifecycle, CleanProjectDatabase_NoProject_CreateSucceedsAfterwards) {
-  KelProjectDatabase database;
-  database.CleanProjectDatabase();
   EXPECT_TRUE(database.CreateNewProjectDatabase("blinker"));
-}
-
-TEST(Lifecycle, TwoObjects_OneHoldsAProject_TheOtherDoesNot) {
-  KelProjectDatabase one;
-  const KelProjectDatabase other;
-  ASSERT_TRUE(one.CreateNewProjectDatabase("blinker"));
-  EXPECT_FALSE(other.IsProjectDatabaseExist());
 }
 
 /// The time stamp of a project created now.
@@ -413,12 +293,16 @@ TEST(TimeStamp, CreateNewProjectDatabase_LocaleGivesUtf8Text_KeepsIt) {
 
 TEST(TimeStamp, CreateNewProjectDatabase_LocaleGivesOtherText_IsWrittenInTheClassicLocale) {
   const char* const cases[] = {
-      "\xFB",            // One byte of an 8-bit encoding.
-      "m\xE1jus",        // The same inside a word.
-      "\xE6\x9C",        // A character that breaks off.
-      "\xC0\xAF",        // A character in a longer form than it needs.
-      "\xED\xA0\x80",    // Half of a pair of UTF-16, which is no character.
-      "\x1B$B7n\x1B(B",  // An encoding that shifts with escapes.
+      "\xFB",              // One byte of an 8-bit encoding.
+      "m\xE1jus",          // The same inside a word.
+      "\xE6\x9C",          // A character that breaks off.
+      "\xC0\xAF",          // A character in a longer form than it needs.
+      "\xED\xA0\x80",      // Half of a pair of UTF-16, which is no character.
+      "\x1B$B7n\x1B(B",    // An encoding that shifts with escapes.
+      "\x0En\x0F",         // The same with shift characters.
+      "\xF5\x80\x80\x80",  // Beyond the last character.
+      "\x01",              // A character that no XML file may hold.
+      "\xEF\xBF\xBE",      // The same, U+FFFE.
   };
   for (const char* const part : cases) {
     SCOPED_TRACE(testing::PrintToString(std::string(part)));
@@ -427,13 +311,6 @@ TEST(TimeStamp, CreateNewProjectDatabase_LocaleGivesOtherText_IsWrittenInTheClas
     const std::string stamp = NewTimeStamp();
     EXPECT_THAT(stamp, AnyOfArray(ClassicStamps(before, std::time(nullptr))));
   }
-}
-
-TEST(TimeStamp, CreateNewProjectDatabase_LocaleRestored_IsClassicAgain) {
-  { const TimeTextLocale locale("sábado"); }
-  const std::time_t before = std::time(nullptr);
-  const std::string stamp = NewTimeStamp();
-  EXPECT_THAT(stamp, AnyOfArray(ClassicStamps(before, std::time(nullptr))));
 }
 
 }  // namespace

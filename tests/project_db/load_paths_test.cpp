@@ -1,4 +1,3 @@
-#include <clocale>
 #include <filesystem>
 #include <iterator>
 #include <string>
@@ -52,9 +51,10 @@ class LoadPaths : public testing::Test, public Loading {
     EXPECT_FALSE(database.IsProjectDatabaseExist());
   }
 
-  void ExpectSchemaMissing(const std::string& schema) {
-    EXPECT_TRUE(LoadBytes(ProjectXml("<isf_info/>"), schema));
-    EXPECT_THAT(messages, ElementsAre(ReadingMessage(path()), SchemaMissingMessage(schema)));
+  void ExpectRefused() {
+    EXPECT_FALSE(LoadFile(path()));
+    EXPECT_EQ(messages, RefusedMessages(path()));
+    EXPECT_FALSE(database.IsProjectDatabaseExist());
   }
 };
 
@@ -65,20 +65,12 @@ TEST_F(LoadPaths, LoadProjectData_ProjectFileOfAnyName_Loads) {
   }
 }
 
-TEST_F(LoadPaths, LoadProjectData_DirectoryOfAnyName_IsTheProjects) {
+TEST_F(LoadPaths, LoadProjectData_DirectoryOfAnyName_IsTheProjectsByAnyPath) {
   for (const std::string& name : kNames) {
     SCOPED_TRACE(name);
     std::filesystem::create_directory(directory / name);
     ExpectLoaded(Write(name + "/p.xml", ProjectXml(DeviceInfoXml("Orrin"))));
     EXPECT_EQ(database.GetProjectCurrentPath(), directory / name);
-  }
-}
-
-TEST_F(LoadPaths, LoadProjectData_WorkingDirectoryOfAnyName_IsTheProjects) {
-  for (const std::string& name : kNames) {
-    SCOPED_TRACE(name);
-    std::filesystem::create_directory(directory / name);
-    Write(name + "/p.xml", ProjectXml(DeviceInfoXml("Orrin")));
     const WorkingDirectory working_directory(directory / name);
     ExpectLoaded("p.xml");
     EXPECT_EQ(database.GetProjectCurrentPath(), directory / name);
@@ -138,33 +130,48 @@ TEST_F(LoadPaths, LoadProjectData_NameWithSeveralDots_EndsInTheLast) {
 
 // ---- Names that count as missing
 
-TEST_F(LoadPaths, LoadProjectData_NameWithNul_CountsAsMissing) {
-  const std::string existing = Write("p.xml", ProjectXml(""));
-  for (const std::string& name :
-       {existing + '\0', existing + '\0' + ".xml", std::string(1, '\0') + ".xml",
-        directory / "a" + '\0' + "/p.xml"}) {
-    ExpectMissing(name);
+TEST_F(LoadPaths, LoadProjectData_EmptyName_ReturnsFalseWithoutMessage) {
+  EXPECT_FALSE(LoadFile("", directory / "missing.xsd"));
+  EXPECT_THAT(messages, testing::IsEmpty());
+  EXPECT_FALSE(database.IsProjectDatabaseExist());
+}
+
+TEST_F(LoadPaths, LoadProjectData_OtherExtension_CountsAsMissing) {
+  for (const std::string name : {"p.XML", "p.Xml", "p.xmL", "p.xmlx", "p.xm", "p.xml.bak", "p.xml ",
+                                 "p.xml.", "p", "pxml", ".xml"}) {
+    SCOPED_TRACE(name);
+    ExpectMissing(Write(name, ProjectXml("")));
   }
 }
 
-TEST_F(LoadPaths, LoadProjectData_NameTooLong_CountsAsMissing) {
-  ExpectMissing(directory / (std::string(300, 'n') + ".xml"));
+TEST_F(LoadPaths, LoadProjectData_NameOfNoFile_CountsAsMissing) {
+  const std::string existing = Write("p.xml", ProjectXml(""));
+  std::filesystem::create_symlink(directory / "gone", directory / "nowhere.xml");
+  std::filesystem::create_symlink(directory / "loop.xml", directory / "loop.xml");
+  std::string long_path = directory.path().string();
+  while (long_path.size() < 10000) long_path += "/.";
+  for (const std::string& path :
+       {directory / "gone.xml", directory / "no/such/p.xml", directory / "nowhere.xml",
+        directory / "loop.xml", existing + '/', existing + "/p.xml", existing + '\0',
+        existing + '\0' + ".xml", std::string(1, '\0') + ".xml", directory / "a" + '\0' + "/p.xml",
+        directory / (std::string(300, 'n') + ".xml"), long_path + "/p.xml",
+        // The message has the path as it was passed.
+        std::string("./a/../{}.xml"), std::string("no//such.xml"), std::string("{0}{1:x}.xml"),
+        std::string("a\"b.xml")}) {
+    SCOPED_TRACE(path);
+    ExpectMissing(path);
+  }
 }
 
-TEST_F(LoadPaths, LoadProjectData_PathTooLong_CountsAsMissing) {
-  std::string path = directory.path().string();
-  while (path.size() < 10000) path += "/.";
-  Write("p.xml", ProjectXml(""));
-  ExpectMissing(path + "/p.xml");
+TEST_F(LoadPaths, LoadProjectData_FileAndSchemaMissing_SaysNothingOfTheSchema) {
+  EXPECT_FALSE(LoadFile(directory / "gone.xml", directory / "gone.xsd"));
+  EXPECT_THAT(messages, ElementsAre(MissingMessage(directory / "gone.xml")));
 }
 
-TEST_F(LoadPaths, LoadProjectData_FileBelowAFile_CountsAsMissing) {
-  ExpectMissing(Write("q.xml", ProjectXml("")) + "/p.xml");
-}
-
-TEST_F(LoadPaths, LoadProjectData_LinkToItself_CountsAsMissing) {
-  std::filesystem::create_symlink(directory / "p.xml", directory / "p.xml");
-  ExpectMissing(directory / "p.xml");
+TEST_F(LoadPaths, LoadProjectData_MissingFile_LeavesTheProjectUntouched) {
+  ASSERT_TRUE(LoadBytes(CompleteProjectXml()));
+  EXPECT_FALSE(LoadFile(directory / "gone.xml"));
+  EXPECT_THAT(AllDifferences(CompleteProject(directory.path()), database), testing::IsEmpty());
 }
 
 TEST_F(LoadPaths, LoadProjectData_DirectoryWithoutPermission_CountsAsMissing) {
@@ -175,19 +182,15 @@ TEST_F(LoadPaths, LoadProjectData_DirectoryWithoutPermission_CountsAsMissing) {
   ExpectMissing(path);
 }
 
-TEST_F(LoadPaths, LoadProjectData_SchemaNameWithNul_CountsAsMissing) {
+TEST_F(LoadPaths, LoadProjectData_NameOfNoSchema_CountsAsMissing) {
   const std::string existing = Write("s.xsd", DeviceOnlySchema());
-  ExpectSchemaMissing(existing + '\0');
-  ExpectSchemaMissing(existing + '\0' + ".xsd");
-  ExpectSchemaMissing(std::string(1, '\0'));
-}
-
-TEST_F(LoadPaths, LoadProjectData_SchemaNameTooLong_CountsAsMissing) {
-  ExpectSchemaMissing(directory / (std::string(300, 'n') + ".xsd"));
-}
-
-TEST_F(LoadPaths, LoadProjectData_SchemaBelowAFile_CountsAsMissing) {
-  ExpectSchemaMissing(Write("q.xml", "") + "/s.xsd");
+  for (const std::string& schema :
+       {existing + '\0', existing + '\0' + ".xsd", std::string(1, '\0'), existing + "/s.xsd",
+        directory / (std::string(300, 'n') + ".xsd")}) {
+    SCOPED_TRACE(schema);
+    EXPECT_TRUE(LoadBytes(ProjectXml("<isf_info/>"), schema));
+    EXPECT_THAT(messages, ElementsAre(ReadingMessage(path()), SchemaMissingMessage(schema)));
+  }
 }
 
 TEST_F(LoadPaths, LoadProjectData_SchemaInADirectoryWithoutPermission_CountsAsMissing) {
@@ -203,35 +206,35 @@ TEST_F(LoadPaths, LoadProjectData_SchemaInADirectoryWithoutPermission_CountsAsMi
 
 // ---- Files that cannot be read
 
+TEST_F(LoadPaths, LoadProjectData_Directory_IsReadAndRefusedAsMalformed) {
+  std::filesystem::create_directory(path());
+  ExpectRefused();
+}
+
+TEST_F(LoadPaths, LoadProjectData_FileThatCannotBeOpened_IsRefusedAsMalformed) {
+  Write("p.xml", ProjectXml(""));
+  std::filesystem::permissions(directory.path(), std::filesystem::perms(0755));
+  const Denied denied(path());
+  if (!denied.effective() || !std::filesystem::exists(path())) GTEST_SKIP() << "cannot be denied";
+  ExpectRefused();
+}
+
 TEST_F(LoadPaths, LoadProjectData_FileThatCannotBeReadToItsEnd_IsRefusedAsMalformed) {
   const std::string unreadable = "/proc/self/mem";
   if (!std::filesystem::exists(unreadable)) GTEST_SKIP() << "no " << unreadable;
   std::filesystem::create_symlink(unreadable, path());
-  EXPECT_FALSE(LoadFile(path()));
-  EXPECT_EQ(messages, RefusedMessages(path()));
-  EXPECT_FALSE(database.IsProjectDatabaseExist());
+  ExpectRefused();
 }
 
 // ---- The file is opened once
 
-TEST_F(LoadPaths, LoadProjectData_PipeAsProjectFile_IsReadOnce) {
-  const std::string path = directory / "p.xml";
-  const NamedPipe pipe(path);
-  bool result = false;
-  EXPECT_TRUE(pipe.RunWith(ProjectXml(DeviceInfoXml("Orrin")), [&] { result = LoadFile(path); }));
-  EXPECT_TRUE(result);
-  EXPECT_EQ(database.GetDeviceFamily(), "Orrin");
-}
-
-TEST_F(LoadPaths, LoadProjectData_PipeAsProjectFileWithSchema_IsReadOnce) {
-  const std::string schema = Write("s.xsd", DeviceOnlySchema());
-  const std::string path = directory / "p.xml";
-  const NamedPipe pipe(path);
-  bool result = false;
-  EXPECT_TRUE(
-      pipe.RunWith(ProjectXml(DeviceInfoXml("Orrin")), [&] { result = LoadFile(path, schema); }));
-  EXPECT_TRUE(result);
-  EXPECT_EQ(database.GetDeviceFamily(), "Orrin");
+TEST_F(LoadPaths, LoadProjectData_PipeAsProjectFile_IsReadOnceWithAndWithoutSchema) {
+  const NamedPipe pipe(path());
+  for (const std::string& schema : {std::string(), Write("s.xsd", DeviceOnlySchema())}) {
+    SCOPED_TRACE(schema);
+    EXPECT_TRUE(
+        pipe.RunWith(ProjectXml(DeviceInfoXml("Orrin")), [&] { ExpectLoaded(path(), schema); }));
+  }
 }
 
 TEST_F(LoadPaths, LoadProjectData_ManyLoads_LeaveNoFileOpen) {
@@ -250,65 +253,5 @@ TEST_F(LoadPaths, LoadProjectData_ManyLoads_LeaveNoFileOpen) {
   }
   EXPECT_EQ(open_files(), before);
 }
-
-// ---- Locales
-
-/// Makes a locale of the C library that of the process for as long as it lives.
-class ProcessLocale {
- public:
-  explicit ProcessLocale(const char* name)
-      : former_(std::setlocale(LC_ALL, nullptr)), set_(std::setlocale(LC_ALL, name) != nullptr) {}
-  ~ProcessLocale() { std::setlocale(LC_ALL, former_.c_str()); }
-  ProcessLocale(const ProcessLocale&) = delete;
-  ProcessLocale& operator=(const ProcessLocale&) = delete;
-
-  bool set() const { return set_; }
-
- private:
-  std::string former_;
-  bool set_;
-};
-
-class LoadLocale : public LoadPaths, public testing::WithParamInterface<const char*> {};
-
-TEST_P(LoadLocale, LoadProjectData_TextOutsideAscii_IsTheSameInEveryLocale) {
-  const ProcessLocale locale(GetParam());
-  if (!locale.set()) GTEST_SKIP() << "no such locale";
-  std::filesystem::create_directory(directory / "größe 日本");
-  Write("größe 日本/schéma.xsd", DeviceOnlySchema());
-  const std::string path =
-      Write("größe 日本/🐟.xml",
-            ProjectXml(DeviceInfoXml("Ørrin 日本 🐟"),
-                       "name=\"größe\" attribüt=\"wért\""
-                       " xsi:schemaLocation=\"http://schema.kel.example/wdp_proj schéma.xsd\""));
-  EXPECT_TRUE(LoadFile(path));
-  EXPECT_THAT(messages, ElementsAre(ReadingMessage(path)));
-  EXPECT_EQ(database.GetProjectName(), "größe");
-  EXPECT_EQ(database.GetProjectCurrentPath(), directory / "größe 日本");
-  EXPECT_EQ(database.GetDeviceFamily(), "Ørrin 日本 🐟");
-  std::string value;
-  EXPECT_TRUE(database.GetProjectInfoAttribute("attribüt", value));
-  EXPECT_EQ(value, "wért");
-}
-
-TEST_P(LoadLocale, LoadProjectData_TagOutsideAscii_IsReportedAlikeInEveryLocale) {
-  const ProcessLocale locale(GetParam());
-  if (!locale.set()) GTEST_SKIP() << "no such locale";
-  EXPECT_FALSE(LoadBytes(ProjectXml("<größe/>")));
-  EXPECT_THAT(messages, ElementsAre(ReadingMessage(path()), UnexpectedMessage("größe")));
-}
-
-TEST_P(LoadLocale, LoadProjectData_HintOutsideAscii_IsFollowedInEveryLocale) {
-  const ProcessLocale locale(GetParam());
-  if (!locale.set()) GTEST_SKIP() << "no such locale";
-  Write("schéma.xsd", DeviceOnlySchema());
-  EXPECT_FALSE(LoadBytes(ProjectXml(
-      "<isf_info/>", "xsi:schemaLocation=\"http://schema.kel.example/wdp_proj schéma.xsd\"")));
-}
-
-INSTANTIATE_TEST_SUITE_P(All, LoadLocale, testing::Values("C", "C.UTF-8"),
-                         [](const auto& test_info) {
-                           return std::string(test_info.param) == "C" ? "Classic" : "Utf8";
-                         });
 
 }  // namespace

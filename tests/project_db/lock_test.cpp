@@ -20,23 +20,8 @@
 
 namespace {
 
+using namespace test_support;
 using projectdb::KelProjectDatabase;
-using test_support::BeforeLock;
-using test_support::CompleteProjectXml;
-using test_support::DeprecatedMessage;
-using test_support::HandlerFailure;
-using test_support::Loading;
-using test_support::MalformedMessage;
-using test_support::MessageRecorder;
-using test_support::MissingMessage;
-using test_support::NamesIn;
-using test_support::ProjectXml;
-using test_support::ReadFile;
-using test_support::ReadingMessage;
-using test_support::SaveError;
-using test_support::SchemaMissingMessage;
-using test_support::ThrowingHandler;
-using test_support::UnexpectedMessage;
 using testing::ElementsAre;
 
 void InAnotherThread(const std::function<void()>& work) {
@@ -45,159 +30,143 @@ void InAnotherThread(const std::function<void()>& work) {
 
 // --- Between the stretches in which an operation holds the lock ---
 
-/// What another thread does before an operation locks its object once more.
-class Interruption : public testing::Test, protected Loading {
+/// An operation on an object, which another thread disturbs before each of the locks that the
+/// operation takes: each time in a new directory and with a new object.
+class Interruption : public testing::Test {
  protected:
-  /// Does something in another thread before the operation takes the object's lock for that time.
-  void Interrupt(int lock, const std::function<void()>& operation,
-                 const std::function<void()>& work) {
-    const BeforeLock before_lock(database, lock, [&work] { InAnotherThread(work); });
-    operation();
-    ASSERT_TRUE(before_lock.happened());
+  using Action = std::function<void(Loading&)>;
+
+  /// @param expect is called after each operation
+  /// @return how many locks the operation takes
+  static int BeforeEachLock(const Action& prepare, const Action& operation, const Action& disturb,
+                            const Action& expect) {
+    const MessageRecorder recorder;
+    int locks = 0;
+    for (bool happened = true; happened; ++locks) {
+      SCOPED_TRACE("before lock " + std::to_string(locks + 1));
+      Loading loading;
+      prepare(loading);
+      const BeforeLock before_lock(loading.database, locks + 1,
+                                   [&] { InAnotherThread([&] { disturb(loading); }); });
+      operation(loading);
+      happened = before_lock.happened();
+      if (happened) expect(loading);
+    }
+    return locks - 1;
   }
 
-  const std::function<void()> clean_ = [this] { database.CleanProjectDatabase(); };
-  const std::function<void()> replace_ = [this] {
-    database.CleanProjectDatabase();
-    database.CreateNewProjectDatabase("other");
-  };
-};
+  static void Clean(Loading& loading) { loading.database.CleanProjectDatabase(); }
+  static void Replace(Loading& loading) {
+    loading.database.CleanProjectDatabase();
+    loading.database.CreateNewProjectDatabase("other");
+  }
+  static void Load(Loading& loading) { EXPECT_TRUE(loading.LoadFile(loading.path())); }
 
-class InterruptedLoad : public Interruption {
- protected:
-  static constexpr int kBeforeReading = 1;
-  static constexpr int kBeforeStoringTheDirectory = 2;
-
-  InterruptedLoad() { Write("p.xml", CompleteProjectXml()); }
-
-  void InterruptLoad(int lock, const std::function<void()>& work) {
-    Interrupt(
-        lock, [this] { result_ = LoadFile(path()); }, work);
+  static void PrepareLoad(Loading& loading) {
+    loading.Write("p.xml", CompleteProjectXml());
+    loading.database.CreateNewProjectDatabase("former");
+    loading.database.AddMiscellaneousFile("former.txt");
+  }
+  static void PrepareExport(Loading& loading) {
+    loading.Write("p.xml", "former");
+    loading.database.CreateNewProjectDatabase("exported");
   }
 
-  bool result_ = false;
-};
-
-TEST_F(InterruptedLoad, LoadProjectData_CleanedBeforeTheDirectoryIsStored_ReturnsTrue) {
-  InterruptLoad(kBeforeStoringTheDirectory, clean_);
-  EXPECT_TRUE(result_);
-}
-
-TEST_F(InterruptedLoad, LoadProjectData_CleanedBeforeTheDirectoryIsStored_LeavesNoProject) {
-  InterruptLoad(kBeforeStoringTheDirectory, clean_);
-  EXPECT_FALSE(database.IsProjectDatabaseExist());
-}
-
-TEST_F(InterruptedLoad, LoadProjectData_ReplacedBeforeTheDirectoryIsStored_GivesItToTheNewProject) {
-  InterruptLoad(kBeforeStoringTheDirectory, replace_);
-  EXPECT_EQ(database.GetProjectName(), "other");
-  EXPECT_EQ(database.GetDesignTopModuleName(), "");
-  EXPECT_EQ(database.GetProjectCurrentPath(), directory.path());
-}
-
-TEST_F(InterruptedLoad, LoadProjectData_CleanedBeforeReading_LoadsAFreshProject) {
-  database.CreateNewProjectDatabase("former");
-  database.AddMiscellaneousFile("former.txt");
-  InterruptLoad(kBeforeReading, clean_);
-  EXPECT_TRUE(result_);
-  std::vector<std::string> names;
-  database.GetMiscellaneousFileList(names);
-  EXPECT_THAT(names, ElementsAre(directory / "notes.txt"));
-}
-
-TEST_F(InterruptedLoad, LoadProjectData_LoadedByAnotherThreadBeforeReading_MergesTheTwo) {
-  Write("other.xml", ProjectXml("<misc_info><misc_file name=\"/a.txt\"/></misc_info>"));
-  InterruptLoad(kBeforeReading, [this] { database.LoadProjectData(directory / "other.xml", ""); });
-  EXPECT_TRUE(result_);
-  std::vector<std::string> names;
-  database.GetMiscellaneousFileList(names);
-  EXPECT_THAT(names, ElementsAre("/a.txt", directory / "notes.txt"));
-}
-
-class InterruptedExport : public Interruption {
- protected:
-  static constexpr int kBeforeCopying = 2;
-
-  InterruptedExport() { database.CreateNewProjectDatabase("former"); }
-
-  void InterruptExport(const std::function<void()>& work) {
-    Interrupt(
-        kBeforeCopying, [this] { database.ExportProjectData(path()); }, work);
-  }
-
-  std::string NameInFile() const {
+  /// The name of the project in the file; "former" if the file is as it was.
+  static std::string NameInFile(const Loading& loading) {
+    if (ReadFile(loading.path()) == "former") return "former";
     KelProjectDatabase loaded;
-    loaded.LoadProjectData(path(), "");
+    EXPECT_TRUE(loaded.LoadProjectData(loading.path(), ""));
     return loaded.GetProjectName();
   }
-
-  const MessageRecorder recorder_;
 };
 
-TEST_F(InterruptedExport, ExportProjectData_CleanedAfterTheTestForAProject_WritesNoFile) {
-  InterruptExport(clean_);
-  EXPECT_THAT(NamesIn(directory.path()), ElementsAre());
-}
-
-TEST_F(InterruptedExport,
-       ExportProjectData_CleanedAfterTheTestForAProject_LeavesTheFileThatWasThere) {
-  Write("p.xml", "former");
-  InterruptExport(clean_);
-  EXPECT_EQ(ReadFile(path()), "former");
-}
-
-TEST_F(InterruptedExport, ExportProjectData_ReplacedAfterTheTestForAProject_WritesTheNewProject) {
-  InterruptExport(replace_);
-  EXPECT_EQ(NameInFile(), "other");
-}
-
-class InterruptedDurableExport : public InterruptedExport,
-                                 public testing::WithParamInterface<int> {};
-
-TEST_P(InterruptedDurableExport, ExportProjectDataDurably_Cleaned_LeavesTheFileThatWasThereAlone) {
-  Write("p.xml", "former");
-  Interrupt(
-      GetParam(), [this] { projectdb::ExportProjectDataDurably(database, path()); }, clean_);
-  EXPECT_EQ(ReadFile(path()), "former");
-  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
-}
-
-INSTANTIATE_TEST_SUITE_P(Locks, InterruptedDurableExport, testing::Values(1, 2, 3));
-
-/// What no load would read as it is.
-void ChangeSoThatNoLoadReadsIt(KelProjectDatabase& database) {
-  database.AddFlowProcessParameterMap(projectdb::e_debugger, "param")
-      ->emplace("key", projectdb::Parameter("name", "v", projectdb::e_string));
-}
-
-TEST_F(InterruptedExport, ExportProjectDataDurably_ChangedBeforeAnyOfItsLocks_IsRefused) {
-  int locks = 0;
-  for (bool happened = true; happened; ++locks) {
-    KelProjectDatabase changed;
-    changed.CreateNewProjectDatabase("changed");
-    const BeforeLock before_lock(
-        changed, locks + 1, [&] { InAnotherThread([&] { ChangeSoThatNoLoadReadsIt(changed); }); });
-    const std::string error = SaveError(changed, path());
-    happened = before_lock.happened();
-    EXPECT_EQ(error.empty(), !happened) << "before lock " << locks + 1;
-  }
+TEST_F(Interruption, LoadProjectData_Cleaned_LoadsAFreshProjectOrLeavesNone) {
+  const int locks = BeforeEachLock(PrepareLoad, Load, Clean, [](Loading& loading) {
+    if (!loading.database.IsProjectDatabaseExist()) return;
+    EXPECT_THAT(AllDifferences(CompleteProject(loading.directory.path()), loading.database),
+                ElementsAre());
+  });
   EXPECT_GT(locks, 1);
 }
 
-class InterruptedCreation : public Interruption {
- protected:
-  static constexpr int kBeforeCreating = 2;
+TEST_F(Interruption, LoadProjectData_Replaced_LoadsIntoTheNewProjectOrGivesItTheDirectory) {
+  BeforeEachLock(PrepareLoad, Load, Replace, [](Loading& loading) {
+    const bool is_loaded = loading.database.GetDesignTopModuleName() == "top";
+    EXPECT_EQ(loading.database.GetProjectName(), is_loaded ? "demo" : "other");
+    EXPECT_EQ(loading.database.GetProjectCurrentPath(), loading.directory.path());
+  });
+}
 
-  const MessageRecorder recorder_;
+TEST_F(Interruption, LoadProjectData_LoadedByAnotherThread_MergesTheTwo) {
+  const auto load_other = [](Loading& loading) {
+    const std::string other = loading.Write(
+        "other.xml", ProjectXml("<misc_info><misc_file name=\"other.txt\"/></misc_info>"));
+    loading.database.LoadProjectData(other, "");
+  };
+  BeforeEachLock(PrepareLoad, Load, load_other, [](Loading& loading) {
+    std::vector<std::string> names;
+    loading.database.GetMiscellaneousFileList(names);
+    EXPECT_EQ(names.size(), 3U);
+    EXPECT_EQ(loading.database.GetDesignTopModuleName(), "top");
+  });
+}
+
+/// Both ways to save a project.
+class InterruptedExport
+    : public Interruption,
+      public testing::WithParamInterface<void (*)(const KelProjectDatabase&, const std::string&)> {
+ protected:
+  static void Export(Loading& loading) { GetParam()(loading.database, loading.path()); }
 };
 
-TEST_F(InterruptedCreation, CreateNewProjectDatabase_LoadedByAnotherThread_SetsTheDefaultsInIt) {
-  Write("p.xml", CompleteProjectXml());
-  Interrupt(
-      kBeforeCreating, [this] { EXPECT_TRUE(database.CreateNewProjectDatabase("created")); },
-      [this] { database.LoadProjectData(path(), ""); });
-  EXPECT_EQ(database.GetProjectName(), "created");
-  EXPECT_EQ(database.GetDesignTopModuleName(), "top");
+TEST_P(InterruptedExport, Cleaned_LeavesTheFileThatWasThereAndNoOther) {
+  const int locks = BeforeEachLock(PrepareExport, Export, Clean, [](Loading& loading) {
+    EXPECT_EQ(NameInFile(loading), "former");
+    EXPECT_THAT(NamesIn(loading.directory.path()), ElementsAre("p.xml"));
+  });
+  EXPECT_GT(locks, 1);
+}
+
+TEST_P(InterruptedExport, Replaced_WritesTheNewProject) {
+  BeforeEachLock(PrepareExport, Export, Replace,
+                 [](Loading& loading) { EXPECT_EQ(NameInFile(loading), "other"); });
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Saves, InterruptedExport,
+    testing::Values([](const KelProjectDatabase& database,
+                       const std::string& path) { database.ExportProjectData(path); },
+                    projectdb::ExportProjectDataDurably));
+
+TEST_F(Interruption, ExportProjectDataDurably_ChangedSoThatNoLoadReadsIt_IsRefused) {
+  const auto change = [](Loading& loading) {
+    loading.database.AddFlowProcessParameterMap(projectdb::e_debugger, "param")
+        ->emplace("key", projectdb::Parameter("name", "v", projectdb::e_string));
+  };
+  std::string error;
+  BeforeEachLock(
+      PrepareExport, [&](Loading& loading) { error = SaveError(loading.database, loading.path()); },
+      change,
+      [&](Loading& loading) {
+        EXPECT_NE(error, "");
+        EXPECT_EQ(NameInFile(loading), "former");
+      });
+}
+
+TEST_F(Interruption, CreateNewProjectDatabase_LoadedByAnotherThread_IsRefusedOrSetsTheDefaults) {
+  int created = 0;
+  bool result = false;
+  BeforeEachLock(
+      [](Loading& loading) { loading.Write("p.xml", CompleteProjectXml()); },
+      [&](Loading& loading) { result = loading.database.CreateNewProjectDatabase("created"); },
+      Load,
+      [&](Loading& loading) {
+        EXPECT_EQ(loading.database.GetProjectName(), result ? "created" : "demo");
+        EXPECT_EQ(loading.database.GetDesignTopModuleName(), "top");
+        if (result) ++created;
+      });
+  EXPECT_GT(created, 0);
 }
 
 // --- How often an operation takes the lock ---
@@ -261,11 +230,7 @@ std::vector<Posting> Postings() {
   const auto posts = [](const char* name, const std::string& sections, auto message) {
     return Posting{name, ProjectXml(sections), message, LoadWithoutSchema};
   };
-  return {{"ProjectExists", "",
-           [](const std::string&) -> MessageRecorder::Message {
-             return {Diag::MessageType::kError,
-                     "Project database has already existed. Fail to create new project"};
-           },
+  return {{"ProjectExists", "", [](const std::string&) { return ProjectExistsMessage(); },
            [](KelProjectDatabase& database, const std::string&) {
              database.CreateNewProjectDatabase("next");
            }},
@@ -302,10 +267,6 @@ class PostThatThrows : public testing::TestWithParam<Posting>, protected Loading
 };
 
 // A lock that is still held shows as a test that does not end.
-
-TEST_P(PostThatThrows, ObjectAnswersOtherThreads) {
-  InAnotherThread([this] { EXPECT_TRUE(database.IsProjectDatabaseExist()); });
-}
 
 TEST_P(PostThatThrows, OtherThreadsLoadAndExport) {
   Write("next.xml", CompleteProjectXml());

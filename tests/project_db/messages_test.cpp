@@ -1,9 +1,9 @@
+#include <cstddef>
 #include <functional>
 #include <ostream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,125 +22,80 @@ using testing::ElementsAre;
 
 namespace messages = projectdb::messages;
 
+/// A message and its text, with "%" in the place of the argument.
 struct MessageCase {
   const char* name;
-  std::function<DiagStorage()> make;
+  std::function<DiagStorage(std::string_view)> make;
   MessageType type;
   std::string text;
+
+  std::string TextWith(const std::string& argument) const {
+    const std::size_t place = text.find('%');
+    return place == std::string::npos ? text : std::string(text).replace(place, 1, argument);
+  }
 };
 
 void PrintTo(const MessageCase& c, std::ostream* out) { *out << c.name; }
 
 const MessageCase kMessages[] = {
-    {"ProjectExists", messages::MsgProjectExists, MessageType::kError,
-     "Project database has already existed. Fail to create new project"},
-    {"DeprecatedTag", [] { return messages::MsgDeprecatedTag("old_tag"); }, MessageType::kWarning,
-     "Found a deprecated tag name old_tag. Skipping ..."},
-    {"UnexpectedTag", [] { return messages::MsgUnexpectedTag("odd_tag"); }, MessageType::kError,
-     "Unexpected tag name odd_tag"},
-    {"ProjectFileMissing", [] { return messages::MsgProjectFileMissing("a/p.xml"); },
-     MessageType::kError, "Project XML file \"a/p.xml\" does not exist"},
-    {"ReadingProject", [] { return messages::MsgReadingProject("a/p.xml"); }, MessageType::kInfo,
-     "Reading project database \"a/p.xml\""},
-    {"SchemaFileMissing", [] { return messages::MsgSchemaFileMissing("a/s.xsd"); },
-     MessageType::kWarning, "XML schema file \"a/s.xsd\" does not exist"},
-    {"ProjectFileMalformed", [] { return messages::MsgProjectFileMalformed("a/p.xml"); },
-     MessageType::kError,
-     "Failed to parse the project XML file \"a/p.xml\". The file format is unexpected"},
+    {"ProjectExists", [](std::string_view) { return messages::MsgProjectExists(); },
+     MessageType::kError, "Project database has already existed. Fail to create new project"},
+    {"DeprecatedTag", messages::MsgDeprecatedTag, MessageType::kWarning,
+     "Found a deprecated tag name %. Skipping ..."},
+    {"UnexpectedTag", messages::MsgUnexpectedTag, MessageType::kError, "Unexpected tag name %"},
+    {"ProjectFileMissing", messages::MsgProjectFileMissing, MessageType::kError,
+     "Project XML file \"%\" does not exist"},
+    {"ReadingProject", messages::MsgReadingProject, MessageType::kInfo,
+     "Reading project database \"%\""},
+    {"SchemaFileMissing", messages::MsgSchemaFileMissing, MessageType::kWarning,
+     "XML schema file \"%\" does not exist"},
+    {"ProjectFileMalformed", messages::MsgProjectFileMalformed, MessageType::kError,
+     "Failed to parse the project XML file \"%\". The file format is unexpected"},
 };
 
 class Messages : public testing::TestWithParam<MessageCase> {};
 
 INSTANTIATE_TEST_SUITE_P(Catalogue, Messages, testing::ValuesIn(kMessages));
 
-TEST_P(Messages, HasItsSeverity) { EXPECT_EQ(GetParam().make().type(), GetParam().type); }
-
-TEST_P(Messages, HasItsText) { EXPECT_EQ(GetParam().make().text(), GetParam().text); }
-
 TEST_P(Messages, HasAnEmptyIdentifierAndSecondReference) {
-  const DiagStorage message = GetParam().make();
+  const DiagStorage message = GetParam().make("a");
   EXPECT_EQ(message.identifier().size, 0U);
   EXPECT_STREQ(message.identifier().data, "");
   EXPECT_EQ(message.second().size, 0U);
   EXPECT_STREQ(message.second().data, "");
 }
 
-TEST_P(Messages, Post_DeliversItOnce) {
+TEST_P(Messages, Post_DeliversItOnceWithItsSeverityAndText) {
   const MessageRecorder recorder;
-  messages::Post(GetParam().make());
-  EXPECT_THAT(recorder.messages(),
-              ElementsAre(MessageRecorder::Message{GetParam().type, GetParam().text}));
+  messages::Post(GetParam().make("a/p.xml"));
+  EXPECT_THAT(recorder.messages(), ElementsAre(MessageRecorder::Message{
+                                       GetParam().type, GetParam().TextWith("a/p.xml")}));
 }
 
-// Arguments.
-
-struct ArgumentCase {
-  const char* name;
-  std::function<DiagStorage(std::string_view)> make;
-  std::string before;
-  std::string after;
-};
-
-void PrintTo(const ArgumentCase& c, std::ostream* out) { *out << c.name; }
-
-class MessageArguments : public testing::TestWithParam<ArgumentCase> {};
-
-INSTANTIATE_TEST_SUITE_P(
-    Catalogue, MessageArguments,
-    testing::Values(ArgumentCase{"DeprecatedTag", messages::MsgDeprecatedTag,
-                                 "Found a deprecated tag name ", ". Skipping ..."},
-                    ArgumentCase{"UnexpectedTag", messages::MsgUnexpectedTag,
-                                 "Unexpected tag name ", ""},
-                    ArgumentCase{"ProjectFileMissing", messages::MsgProjectFileMissing,
-                                 "Project XML file \"", "\" does not exist"},
-                    ArgumentCase{"ReadingProject", messages::MsgReadingProject,
-                                 "Reading project database \"", "\""},
-                    ArgumentCase{"SchemaFileMissing", messages::MsgSchemaFileMissing,
-                                 "XML schema file \"", "\" does not exist"},
-                    ArgumentCase{"ProjectFileMalformed", messages::MsgProjectFileMalformed,
-                                 "Failed to parse the project XML file \"",
-                                 "\". The file format is unexpected"}));
-
-TEST_P(MessageArguments, AnyText_IsShownUnchanged) {
-  const std::vector<std::string> arguments = {"",
-                                              "{}",
-                                              "{",
-                                              "}}",
-                                              "{0} {1} {name} {:>10}",
-                                              "%s %d",
-                                              "a \"b\" \\c",
-                                              "a\nb\t",
-                                              "gr\xC3\xBCn",
-                                              "not \xFF UTF-8",
-                                              std::string("a\0b", 3),
-                                              std::string(10000, 'x')};
+TEST_P(Messages, Argument_IsShownUnchanged) {
+  const std::string arguments[] = {"",
+                                   "{}",
+                                   "{",
+                                   "}}",
+                                   "{0} {1} {name} {:>10}",
+                                   "%s %d",
+                                   "a \"b\" \\c",
+                                   "a\nb\t",
+                                   "gr\xC3\xBCn",
+                                   "not \xFF UTF-8",
+                                   std::string("a\0b", 3),
+                                   std::string(10000, 'x')};
   for (const std::string& argument : arguments) {
-    EXPECT_EQ(GetParam().make(argument).text(), GetParam().before + argument + GetParam().after);
+    EXPECT_EQ(GetParam().make(argument).text(), GetParam().TextWith(argument));
   }
 }
 
-TEST_P(MessageArguments, PartOfALongerText_IsShownAlone) {
-  EXPECT_EQ(GetParam().make(std::string_view("tag_and_more").substr(0, 3)).text(),
-            GetParam().before + "tag" + GetParam().after);
-}
-
-TEST_P(MessageArguments, Argument_NeedNotOutliveTheMessage) {
-  std::string argument = "temporary text that is too long to be kept in place";
-  const DiagStorage message = GetParam().make(argument);
+TEST_P(Messages, Argument_MayBePartOfALongerTextAndNeedNotOutliveTheMessage) {
+  std::string argument = "temporary text that is too long to be kept in place_and_more";
+  const std::string part = argument.substr(0, argument.find('_'));
+  const DiagStorage message = GetParam().make(std::string_view(argument).substr(0, part.size()));
   argument.assign(argument.size(), 'x');
-  EXPECT_EQ(
-      message.text(),
-      GetParam().before + "temporary text that is too long to be kept in place" + GetParam().after);
-}
-
-TEST(MessagePosting, Post_SeveralMessages_KeepsTheirOrder) {
-  const MessageRecorder recorder;
-  messages::Post(messages::MsgReadingProject("a"));
-  messages::Post(messages::MsgUnexpectedTag("b"));
-  EXPECT_THAT(
-      recorder.messages(),
-      ElementsAre(MessageRecorder::Message{MessageType::kInfo, "Reading project database \"a\""},
-                  MessageRecorder::Message{MessageType::kError, "Unexpected tag name b"}));
+  EXPECT_EQ(message.text(), GetParam().TextWith(part));
 }
 
 TEST(MessagePosting, Post_HandlerThrows_ReachesTheCaller) {

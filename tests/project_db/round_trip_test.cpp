@@ -134,23 +134,13 @@ TEST_P(RoundTrip, NewProject_ComesBack) {
   EXPECT_THAT(WhatWasLost(trip_), IsEmpty());
 }
 
-TEST_P(RoundTrip, CompleteProject_ComesBack) {
+TEST_P(RoundTrip, CompleteProject_ComesBackWithTheStampsOfTheFileAndNoMessageButThatItIsRead) {
   ASSERT_TRUE(trip_.Merge(CompleteProjectXml()));
+  const std::size_t before = trip_.messages().size();
   ASSERT_TRUE(trip_.ExportAndLoad());
   EXPECT_THAT(WhatWasLost(trip_), IsEmpty());
-}
-
-TEST_P(RoundTrip, CompleteProject_PostsNothingButThatItIsRead) {
-  trip_.Merge(CompleteProjectXml());
-  const std::size_t before = trip_.messages().size();
-  trip_.ExportAndLoad();
   EXPECT_EQ(trip_.messages().size(), before + 1);
   EXPECT_EQ(trip_.messages().back(), test_support::ReadingMessage(trip_.path()));
-}
-
-TEST_P(RoundTrip, CompleteProject_HasTheStampsOfTheFile) {
-  trip_.Merge(CompleteProjectXml());
-  trip_.ExportAndLoad();
   const auto attributes = ReadXmlFile(trip_.path()).attributes;
   EXPECT_EQ(trip_.returned.GetProjectSoftwareVersion(), attributes.at("sw_version"));
   EXPECT_EQ(trip_.returned.GetProjectLastModifyTime(), attributes.at("last_change_date"));
@@ -192,52 +182,22 @@ TEST_P(RoundTrip, FileWithoutAProcess_GivesItItsDefaultName) {
   EXPECT_EQ(trip_.returned.GetDebuggerParameterValue("p"), "v");
 }
 
-TEST_P(RoundTrip, ParametersWithTheSameNameInDifferentMaps_ComeBackApart) {
+TEST_P(RoundTrip, Parameters_ComeBackFromTheirMapsButTheirUnknownTypesAndPlainOnes) {
   trip_.project.AddSynthesisParameter("p", "1", projectdb::e_string);
   trip_.project.AddSynthesisVerilogDefineParameter("p", "2");
   trip_.project.AddSynthesisVerilogMacro("p", "3");
   trip_.project.AddPlaceAndRouteParameter("p", "4", projectdb::e_option);
-  ASSERT_TRUE(trip_.ExportAndLoad());
-  EXPECT_THAT(WhatWasLost(trip_), IsEmpty());
-}
-
-TEST_P(RoundTrip, ManyParameters_ComeBack) {
   for (int i = 0; i < 5000; ++i) {
     trip_.project.AddSynthesisParameter("p" + std::to_string(i), "v", projectdb::e_string);
   }
-  ASSERT_TRUE(trip_.ExportAndLoad());
-  EXPECT_THAT(WhatWasLost(trip_), IsEmpty());
-}
-
-TEST_P(RoundTrip, UnknownParameterTypes_ComeBackAsNoType) {
   trip_.project.AddDebuggerParameter("p", "v", ParameterType(7));
   ASSERT_TRUE(trip_.ExportAndLoad());
+  EXPECT_THAT(WhatWasLost(trip_), IsEmpty());
   EXPECT_EQ(trip_.returned.GetDebuggerParameter("p")->type, projectdb::kNoParameterType);
-}
-
-TEST_P(RoundTrip, PlainParameters_DoNotComeBack) {
   trip_.project.GetFlowProcess(projectdb::e_debugger)
-      ->parameters.emplace_back("p", "v", projectdb::e_string);
+      ->parameters.emplace_back("plain", "v", projectdb::e_string);
   ASSERT_TRUE(trip_.ExportAndLoad());
-  EXPECT_TRUE(trip_.returned.GetFlowProcess(projectdb::e_debugger)->parameters.empty());
-}
-
-TEST_P(RoundTrip, SecondLoad_DoublesTheListsAndLeavesTheRest) {
-  trip_.Merge(CompleteProjectXml());
-  ASSERT_TRUE(trip_.ExportAndLoad());
-  ProjectContents twice = GetProjectContents(trip_.returned);
-  ASSERT_TRUE(trip_.Load(trip_.returned));
-  const auto double_list = [](auto& list) {
-    const auto copy = list;
-    list.insert(list.end(), copy.begin(), copy.end());
-  };
-  double_list(twice.design_info.design_files);
-  double_list(twice.design_constraint.sdc_files);
-  double_list(twice.design_isf.isf_files);
-  double_list(twice.ip_info.ips);
-  double_list(twice.sim_files);
-  double_list(twice.misc_files);
-  EXPECT_THAT(AllDifferences(twice, GetProjectContents(trip_.returned)), IsEmpty());
+  EXPECT_THAT(trip_.returned.GetFlowProcess(projectdb::e_debugger)->parameters, IsEmpty());
 }
 
 // Texts.
@@ -616,8 +576,7 @@ TEST(RoundTripOfAnyProject, IsNotChangedByItsExport) {
   CheckForAnyProject(Schema::kNone, [](Trip& trip) {
     const ProjectContents before = GetProjectContents(trip.project);
     trip.project.ExportProjectData(trip.path());
-    RC_ASSERT(AllDifferences(before, GetProjectContents(trip.project)) ==
-              std::vector<std::string>());
+    RC_ASSERT(AllDifferences(before, trip.project).empty());
   });
 }
 

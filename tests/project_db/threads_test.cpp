@@ -10,6 +10,7 @@
 #include <projectdb/project_db.h>
 
 #include "testing/message_recorder.h"
+#include "testing/project_loading.h"
 #include "testing/threads.h"
 
 namespace {
@@ -164,28 +165,7 @@ TEST(ThreadsWithoutProject, CreateNewProjectDatabase_EightThreads_EachRefusalPos
   EXPECT_GE(created, 1);
   EXPECT_EQ(messages.size() + static_cast<std::size_t>(created.load()),
             std::size_t{kThreads} * kRounds);
-  EXPECT_THAT(messages, Each(MessageRecorder::Message{
-                            Diag::MessageType::kError,
-                            "Project database has already existed. Fail to create new project"}));
-}
-
-TEST(ThreadsWithoutProject, CreateAndClean_WhileOthersUseTheProject_LeavesAUsableObject) {
-  const MessageRecorder recorder;
-  KelProjectDatabase database;
-  std::atomic<int> foreign_names{0};
-  InAllThreads([&](int thread) {
-    for (int round = 0; round < kRounds; ++round) {
-      if (thread == 0) database.CreateNewProjectDatabase("blinker");
-      if (thread == 1) database.CleanProjectDatabase();
-      database.AddSynthesisParameter("effort", "high", e_option);
-      database.AddMiscellaneousFile("/readme.txt");
-      const std::string name = database.GetProjectName();
-      if (!name.empty() && name != "blinker") ++foreign_names;
-    }
-  });
-  EXPECT_EQ(foreign_names, 0);
-  database.CleanProjectDatabase();
-  EXPECT_TRUE(database.CreateNewProjectDatabase("next"));
+  EXPECT_THAT(messages, Each(test_support::ProjectExistsMessage()));
 }
 
 TEST(ThreadsWithoutProject, SeveralObjects_OnePerThread_DoNotMeet) {

@@ -136,12 +136,12 @@ TEST_F(FileLock, FileThatIsReplacedBySymbolicLink_StaysLocked) {
 }
 
 TEST_F(FileLock, FileThatIsReplacedWhileOthersWait_IsLockedByOneAtATime) {
-  constexpr int kThreads = 8;
-  constexpr int kRounds = 20;
+  constexpr int kLockingThreads = 8;
+  constexpr int kLockingRounds = 20;
   std::atomic<int> holders{0};
   std::atomic<int> most_holders{0};
-  test_support::InThreads(kThreads, [&](int) {
-    for (int round = 0; round < kRounds; ++round) {
+  test_support::InThreads(kLockingThreads, [&](int) {
+    for (int round = 0; round < kLockingRounds; ++round) {
       const ProjectFileLock lock(path_);
       const int now = ++holders;
       if (now > most_holders) most_holders = now;

@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <string>
 #include <typeinfo>
+#include <utility>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -65,63 +66,37 @@ class XmlErrors : public testing::Test {
   XmlPlatform platform_;
 };
 
-TEST_F(XmlErrors, WithPrefixedErrors_NoException_GivesTheResult) {
+TEST_F(XmlErrors, EitherWrapper_NoException_GivesTheResult) {
   EXPECT_EQ(WithPrefixedErrors("P ", [] { return 42; }), 42);
+  EXPECT_EQ(WithOnlyRuntimeErrors("P ", [] { return std::string("result"); }), "result");
 }
 
-TEST_F(XmlErrors, WithPrefixedErrors_Failure_ThrowsPrefixReasonAndLineEnd) {
-  EXPECT_EQ(RuntimeErrorOf([] { WithPrefixedErrors("P ", [] { throw Failure("why {}"); }); }),
-            "P why {}\n");
+TEST_F(XmlErrors, EitherWrapper_ExceptionWithReason_ThrowsPrefixReasonAndLineEnd) {
+  const std::pair<void (*)(), std::string> cases[] = {
+      {[] { throw Failure("why {}"); }, "why {}"},
+      {ThrowXmlException, ReasonOf<xercesc::XMLException>(ThrowXmlException)},
+      {ThrowDomException, ReasonOf<xercesc::DOMException>(ThrowDomException)}};
+  for (const auto& [call, reason] : cases) {
+    ASSERT_NE(reason, "");
+    EXPECT_EQ(RuntimeErrorOf([&, c = call] { WithPrefixedErrors("P ", c); }), "P " + reason + "\n");
+    EXPECT_EQ(RuntimeErrorOf([&, c = call] { WithOnlyRuntimeErrors("P ", c); }),
+              "P " + reason + "\n");
+  }
 }
 
-TEST_F(XmlErrors, WithPrefixedErrors_XmlException_ThrowsPrefixReasonAndLineEnd) {
-  const std::string reason = ReasonOf<xercesc::XMLException>(ThrowXmlException);
-  ASSERT_NE(reason, "");
-  EXPECT_EQ(RuntimeErrorOf([] { WithPrefixedErrors("P ", ThrowXmlException); }),
-            "P " + reason + "\n");
-}
-
-TEST_F(XmlErrors, WithPrefixedErrors_DomException_ThrowsPrefixReasonAndLineEnd) {
-  const std::string reason = ReasonOf<xercesc::DOMException>(ThrowDomException);
-  ASSERT_NE(reason, "");
-  EXPECT_EQ(RuntimeErrorOf([] { WithPrefixedErrors("P ", ThrowDomException); }),
-            "P " + reason + "\n");
-}
-
-TEST_F(XmlErrors, WithPrefixedErrors_OtherException_LeavesAsItIs) {
+TEST_F(XmlErrors, WithPrefixedErrors_OtherException_LeavesAsItIsOrAsBadAlloc) {
   EXPECT_THROW(WithPrefixedErrors("P ", [] { throw 7; }), int);
   EXPECT_THROW(WithPrefixedErrors("P ", [] { throw std::bad_alloc(); }), std::bad_alloc);
-}
-
-TEST_F(XmlErrors, WithPrefixedErrors_XmlLibraryOutOfMemory_ThrowsBadAlloc) {
   EXPECT_THROW(WithPrefixedErrors("P ", [] { throw xercesc::OutOfMemoryException(); }),
                std::bad_alloc);
 }
 
-TEST_F(XmlErrors, WithOnlyRuntimeErrors_NoException_GivesTheResult) {
-  EXPECT_EQ(WithOnlyRuntimeErrors("P ", [] { return std::string("result"); }), "result");
-}
-
-TEST_F(XmlErrors, WithOnlyRuntimeErrors_ExceptionWithReason_ThrowsPrefixReasonAndLineEnd) {
-  EXPECT_EQ(RuntimeErrorOf([] { WithOnlyRuntimeErrors("P ", [] { throw Failure("why"); }); }),
-            "P why\n");
-  EXPECT_EQ(RuntimeErrorOf([] { WithOnlyRuntimeErrors("P ", ThrowXmlException); }),
-            "P " + ReasonOf<xercesc::XMLException>(ThrowXmlException) + "\n");
-  EXPECT_EQ(RuntimeErrorOf([] { WithOnlyRuntimeErrors("P ", ThrowDomException); }),
-            "P " + ReasonOf<xercesc::DOMException>(ThrowDomException) + "\n");
-}
-
 TEST_F(XmlErrors, WithOnlyRuntimeErrors_OtherException_ThrowsUnexpectedException) {
-  const std::string unexpected = "Unexpected Exception\n";
-  EXPECT_EQ(RuntimeErrorOf([] { WithOnlyRuntimeErrors("P ", [] { throw 7; }); }), unexpected);
-  EXPECT_EQ(RuntimeErrorOf([] { WithOnlyRuntimeErrors("P ", [] { throw std::bad_alloc(); }); }),
-            unexpected);
-  EXPECT_EQ(
-      RuntimeErrorOf([] { WithOnlyRuntimeErrors("P ", [] { throw std::logic_error("x"); }); }),
-      unexpected);
-  EXPECT_EQ(RuntimeErrorOf(
-                [] { WithOnlyRuntimeErrors("P ", [] { throw xercesc::OutOfMemoryException(); }); }),
-            unexpected);
+  for (void (*call)() :
+       {+[] { throw 7; }, +[] { throw std::bad_alloc(); }, +[] { throw std::logic_error("x"); },
+        +[] { throw xercesc::OutOfMemoryException(); }}) {
+    EXPECT_EQ(RuntimeErrorOf([&] { WithOnlyRuntimeErrors("P ", call); }), "Unexpected Exception\n");
+  }
 }
 
 // ---- Parsing
@@ -164,12 +139,9 @@ TEST_F(XmlParser, ParseProjectXMLFile_RelativePath_IsBelowTheWorkingDirectory) {
   EXPECT_NE(ParseProjectXMLFile("p.xml", ""), nullptr);
 }
 
-TEST_F(XmlParser, ParseProjectXMLFile_FileThatCannotBeRead_GivesNull) {
+TEST_F(XmlParser, ParseProjectXMLFile_FileThatCannotBeReadOrIsMalformed_GivesNull) {
   EXPECT_EQ(ParseProjectXMLFile(directory_ / "gone.xml", ""), nullptr);
   EXPECT_EQ(ParseProjectXMLFile(directory_.path().string(), ""), nullptr);
-}
-
-TEST_F(XmlParser, ParseProjectXMLFile_MalformedFile_GivesNull) {
   EXPECT_EQ(Parse("<root>"), nullptr);
   EXPECT_EQ(Parse("<!DOCTYPE root><root/>"), nullptr);
 }

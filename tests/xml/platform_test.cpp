@@ -7,10 +7,6 @@
 #include <gtest/gtest.h>
 #include <xercesc/util/RuntimeException.hpp>
 
-#include <projectdb/project_db.h>
-
-#include "testing/message_recorder.h"
-#include "testing/project_loading.h"
 #include "testing/threads.h"
 #include "testing/xml_platform.h"
 #include "xml/text.h"
@@ -80,46 +76,6 @@ TEST(XmlPlatform, InitializeXMLPlatform_EightThreads_EachCanUseTheLibrary) {
     }
   });
   EXPECT_EQ(good, 8 * 200);
-}
-
-TEST(XmlPlatform, LoadProjectData_EightThreadsWithTheirOwnObjects_EachLoadsItsOwnFile) {
-  const MessageRecorder recorder;
-  const TemporaryDirectory directory;
-  std::atomic<int> good{0};
-  test_support::InThreads(8, [&](int number) {
-    const std::string name = std::to_string(number);
-    const std::string path = directory / (name + ".xml");
-    WriteFile(path, ProjectXml(DeviceInfoXml("family " + name), "name=\"project " + name + "\""));
-    for (int i = 0; i < 50; ++i) {
-      projectdb::KelProjectDatabase database;
-      if (database.LoadProjectData(path, "") && database.GetProjectName() == "project " + name &&
-          database.GetDeviceFamily() == "family " + name) {
-        ++good;
-      }
-    }
-  });
-  EXPECT_EQ(good, 8 * 50);
-}
-
-TEST(XmlPlatform, LoadProjectData_EightThreadsWithSomeThatFail_EachGetsItsOwnResult) {
-  const MessageRecorder recorder;
-  const TemporaryDirectory directory;
-  const std::string schema = directory / "s.xsd";
-  WriteFile(schema, DeviceOnlySchema());
-  std::atomic<int> good{0};
-  test_support::InThreads(8, [&](int number) {
-    const bool loads = number % 2 == 0;
-    const std::string path = directory / (std::to_string(number) + ".xml");
-    WriteFile(path, loads             ? ProjectXml(DeviceInfoXml("Orrin"))
-                    : number % 4 == 1 ? ProjectXml("<isf_info/>")
-                                      : std::string("<project>"));
-    for (int i = 0; i < 50; ++i) {
-      projectdb::KelProjectDatabase database;
-      const bool result = database.LoadProjectData(path, schema);
-      if (result == loads && database.IsProjectDatabaseExist() == loads) ++good;
-    }
-  });
-  EXPECT_EQ(good, 8 * 50);
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include "save/system_calls.h"
+
 namespace projectdb::files {
 namespace {
 
@@ -16,7 +18,7 @@ constexpr char kAccessList[] = "system.posix_acl_access";
 
 // Whether the process may do that.
 bool ChangeOwner(const FileDescriptor& file, uid_t owner, gid_t group) {
-  if (::fchown(file.number(), owner, group) == 0) return true;
+  if (CallSystem("fchown", ::fchown, file.number(), owner, group) == 0) return true;
   // EINVAL: a user or group that the process's user namespace does not know.
   if (errno != EPERM && errno != EINVAL) ThrowSystemFailure();
   return false;
@@ -30,15 +32,17 @@ mode_t WithoutPrivilegesOfGroup(mode_t mode) {
 
 // A file may have a list without having been given one: that of its directory for new files.
 void RemoveAccessList(const FileDescriptor& file) {
-  if (::fremovexattr(file.number(), kAccessList) != 0 && errno != ENODATA) ThrowSystemFailure();
+  const int result = CallSystem("fremovexattr", ::fremovexattr, file.number(), kAccessList);
+  if (result != 0 && errno != ENODATA) ThrowSystemFailure();
 }
 
 void CopyAccessList(const std::string& former_path, const FileDescriptor& file) {
   std::string list(XATTR_SIZE_MAX, '\0');
-  const ssize_t size = ::getxattr(former_path.c_str(), kAccessList, list.data(), list.size());
+  const ssize_t size = CallSystem("getxattr", ::getxattr, former_path.c_str(), kAccessList,
+                                  list.data(), list.size());
   if (size >= 0) {
-    RequireSuccess(
-        ::fsetxattr(file.number(), kAccessList, list.data(), static_cast<std::size_t>(size), 0));
+    RequireSuccess(CallSystem("fsetxattr", ::fsetxattr, file.number(), kAccessList, list.data(),
+                              static_cast<std::size_t>(size), 0));
   } else if (errno == ENODATA) {
     RemoveAccessList(file);
   } else if (errno != ENOTSUP) {
@@ -58,7 +62,7 @@ void CopyPermissions(const std::string& former_path, const struct stat& former,
   const mode_t mode = has_group ? former_mode : WithoutPrivilegesOfGroup(former_mode);
   CopyAccessList(former_path, file);
   if ((file.Status().st_mode & kPermissionBits) != mode) {
-    RequireSuccess(::fchmod(file.number(), mode));
+    RequireSuccess(CallSystem("fchmod", ::fchmod, file.number(), mode));
   }
   if (created.st_uid != former.st_uid) ChangeOwner(file, former.st_uid, kSameGroup);
 }

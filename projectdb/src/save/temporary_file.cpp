@@ -11,19 +11,21 @@
 #include <sys/random.h>
 #include <unistd.h>
 
+#include "save/system_calls.h"
+
 namespace projectdb::files {
 namespace {
 
 std::string UnforeseeableName() {
   std::array<std::uint64_t, 2> number{};
-  RequireSuccess(::getentropy(number.data(), sizeof(number)));
+  RequireSuccess(CallSystem("getentropy", ::getentropy, number.data(), sizeof(number)));
   return fmt::format(".kel_save_{:016x}{:016x}", number[0], number[1]);
 }
 
 int FlushToDisk(int descriptor) {
   int result = 0;
   do {
-    result = ::fsync(descriptor);
+    result = CallSystem("fsync", ::fsync, descriptor);
   } while (result != 0 && errno == EINTR);
   return result;
 }
@@ -42,8 +44,8 @@ void Directory::Flush() const {
 TemporaryFile::TemporaryFile(const Directory& directory, mode_t mode)
     : directory_(directory),
       name_(UnforeseeableName()),
-      descriptor_(::openat(directory.descriptor(), name_.c_str(),
-                           O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode)) {}
+      descriptor_(CallSystem("openat", ::openat, directory.descriptor(), name_.c_str(),
+                             O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode)) {}
 
 TemporaryFile::~TemporaryFile() {
   if (!stays_) ::unlinkat(directory_.descriptor(), name_.c_str(), 0);
@@ -53,7 +55,8 @@ void TemporaryFile::Flush() const { RequireSuccess(FlushToDisk(descriptor_.numbe
 
 void TemporaryFile::RenameTo(const std::filesystem::path& name) {
   const int directory = directory_.descriptor();
-  RequireSuccess(::renameat(directory, name_.c_str(), directory, name.c_str()));
+  RequireSuccess(
+      CallSystem("renameat", ::renameat, directory, name_.c_str(), directory, name.c_str()));
   stays_ = true;
 }
 

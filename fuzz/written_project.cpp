@@ -1,8 +1,7 @@
-#include "whole_project.h"
+#include "written_project.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <map>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -22,10 +21,8 @@ using projectdb::IP;
 using projectdb::IPSrcFile;
 using projectdb::KelProjectDatabase;
 using projectdb::Parameter;
-using projectdb::ParameterMap;
 using projectdb::ProcType;
 using projectdb::ProjectContents;
-using projectdb::SortedParameters;
 
 using projectdb::kFlowProcesses;
 
@@ -49,25 +46,6 @@ void ForEachProcess(const KelProjectDatabase& database, Visit visit) {
       visit(type, *process);
     }
   }
-}
-
-// The maps as they lie in memory, whether the index leads to them or not.
-std::map<std::string, SortedParameters> MapsInMemory(const FlowProcess& process) {
-  const auto number = [](auto value) {
-    return Parameter("", std::to_string(value), projectdb::kNoParameterType);
-  };
-  std::map<std::string, SortedParameters> maps;
-  for (std::size_t i = 0; i < process.parameter_maps.size(); ++i) {
-    const ParameterMap& map = process.parameter_maps[i];
-    maps.try_emplace(std::to_string(i), map.begin(), map.end());
-  }
-  // Without these, empty maps would not count.
-  maps["number of maps"].emplace("", number(process.parameter_maps.size()));
-  SortedParameters& index = maps["index"];
-  for (const auto& [name, position] : process.parameter_map_index) {
-    index.emplace(name, number(position));
-  }
-  return maps;
 }
 
 // Plain parameters are not written, and a type outside the four is written as none.
@@ -170,14 +148,6 @@ bool IsReadAsItIs(std::size_t type, const FlowProcessContents& process) {
 }
 
 }  // namespace
-
-ProjectContents MemoryOf(const KelProjectDatabase& database) {
-  ProjectContents memory = projectdb::GetProjectContents(database);
-  ForEachProcess(database, [&](std::size_t type, const FlowProcess& process) {
-    memory.flow_processes.at(type).parameter_maps = MapsInMemory(process);
-  });
-  return memory;
-}
 
 ProjectContents ContentsForFile(const KelProjectDatabase& database,
                                 const KelProjectDatabase& written) {

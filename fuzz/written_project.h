@@ -7,10 +7,6 @@
 
 namespace fuzz {
 
-/// Every field of memory, to the last: the maps of the processes stand by their positions, and the
-/// index that leads to them is a map of its own.
-projectdb::ProjectContents MemoryOf(const projectdb::KelProjectDatabase& database);
-
 /// What a project file gives back of the project from which it was written.
 /// @param database that project, or the one that was read from the file
 /// @param written that project: its processes and maps of names outside the format do not come back
