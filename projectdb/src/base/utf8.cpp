@@ -12,7 +12,7 @@ using Byte = unsigned char;
 /// out encodings longer than needed, surrogates and what is beyond U+10FFFF.
 struct Form {
   Byte last_first;
-  std::size_t size;  ///< 0 if no character begins so.
+  Byte size;  ///< 0 if no character begins so.
   Byte smallest_second;
   Byte largest_second;
 };

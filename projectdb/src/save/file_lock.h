@@ -39,6 +39,7 @@ class LockHandover {
   /// @param former status of the file that is to be replaced
   /// @exception Failure if the replacement cannot be locked
   LockHandover(const struct stat& former, const FileDescriptor& replacement);
+  ~LockHandover() = default;
   LockHandover(const LockHandover&) = delete;
   LockHandover& operator=(const LockHandover&) = delete;
 

@@ -133,8 +133,9 @@ void ShowProcess(Report& report, const std::string& title, const FlowProcessCont
   report.Values(title, Texts(projectdb::FlowProcessTerms(), process, [](const auto& term) {
                   return term.kind == projectdb::TermKind::kValue;
                 }));
+  const std::string prefix = title + ": ";
   for (const auto& [map, parameters] : process.parameter_maps) {
-    report.List(title + ": " + map, parameters.size(), Rows(parameters));
+    report.List(prefix + map, parameters.size(), Rows(parameters));
   }
 }
 
