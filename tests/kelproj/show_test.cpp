@@ -1,4 +1,9 @@
+#include <array>
+#include <cstdlib>
+
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <unistd.h>
 #include <nlohmann/json.hpp>
 
 #include "testing/shipped_files.h"
@@ -138,10 +143,22 @@ TEST_F(Show, StandardOutputThatIsNoTerminal_IsNotColoured) {
   EXPECT_THAT(Run({"show", SampleProject()}).out, Not(HasSubstr("\x1b")));
 }
 
+bool HasPseudoTerminals() {
+  const int master = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+  if (master < 0) return false;
+  std::array<char, 64> name;
+  const bool has_terminal = grantpt(master) == 0 && unlockpt(master) == 0 &&
+                            ptsname_r(master, name.data(), name.size()) == 0 &&
+                            access(name.data(), R_OK | W_OK) == 0;
+  close(master);
+  return has_terminal;
+}
+
 class ShowOnATerminal : public Show {
  protected:
   void SetUp() override {
     if (RunProcess({"script", "--version"}).status != 0) GTEST_SKIP() << "there is no script";
+    if (!HasPseudoTerminals()) GTEST_SKIP() << "there are no pseudo-terminals";
   }
 
   Outcome ShowSample(const std::string& no_colour) const {

@@ -315,6 +315,26 @@ TEST_F(FileLists, Adders_AppendNameVersionAndLibraryAndLeaveTheirVectors) {
   EXPECT_THAT(names, ElementsAre("notes.txt", ""));
 }
 
+TEST_F(FileLists, FlatListGetters_EmptyVector_ReserveTheirCountAndNoMore) {
+  constexpr std::size_t kCount = 3;  // Growing one by one, a vector would have room for four.
+  for (const char* name : {"a.sdc", "b.sdc", "c.sdc"}) {
+    database_.AddDesignRTLFile(name, "v2001", "work");
+    database_.AddSimulationTestBenchFile(name, "v2001");
+    database_.AddMiscellaneousFile(name);
+    ASSERT_TRUE(database_.AddTimingConstraintFile(name));
+  }
+  std::vector<DesignFile> files;
+  database_.GetDesignFileList(files);
+  EXPECT_EQ(files.capacity(), kCount);
+  for (const auto get : {&KelProjectDatabase::GetSimulationTestBenchFileList,
+                         &KelProjectDatabase::GetMiscellaneousFileList,
+                         &KelProjectDatabase::GetTimingConstraintFileList}) {
+    Strings paths;
+    (database_.*get)(paths);
+    EXPECT_EQ(paths.capacity(), kCount);
+  }
+}
+
 TEST_F(FileLists, GetDesignFileList_ResultChanged_LeavesTheProject) {
   database_.AddDesignRTLFile("/a.v", "v2001", "work");
   std::vector<DesignFile> files;

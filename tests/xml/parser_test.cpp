@@ -161,6 +161,15 @@ TEST_F(XmlParser, ParseProjectXMLFile_SchemaThatCannotBeUsed_GivesNull) {
             nullptr);
 }
 
+// An element may belong to two declarations of this schema, which only full checking objects to.
+TEST_F(XmlParser, ParseProjectXMLFile_AmbiguousSchema_IsUsed) {
+  const std::string schema =
+      "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\"><xs:element name=\"root\">"
+      "<xs:complexType><xs:sequence><xs:element name=\"a\" minOccurs=\"0\"/>"
+      "<xs:element name=\"a\"/></xs:sequence></xs:complexType></xs:element></xs:schema>";
+  EXPECT_NE(Parse("<root><a/></root>", schema), nullptr);
+}
+
 TEST_F(XmlParser, ParseProjectXMLFile_Comments_AreNotInTheDocument) {
   const auto document = Parse("<root><!-- c --></root>");
   ASSERT_NE(document, nullptr);

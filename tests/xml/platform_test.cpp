@@ -5,8 +5,15 @@
 #include <string>
 
 #include <gtest/gtest.h>
+#include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/RuntimeException.hpp>
 
+#include <projectdb/project_db.h>
+
+#include "testing/child_process.h"
+#include "testing/files.h"
+#include "testing/message_recorder.h"
+#include "testing/project_loading.h"
 #include "testing/threads.h"
 #include "testing/xml_platform.h"
 #include "xml/text.h"
@@ -76,6 +83,44 @@ TEST(XmlPlatform, InitializeXMLPlatform_EightThreads_EachCanUseTheLibrary) {
     }
   });
   EXPECT_EQ(good, 8 * 200);
+}
+
+/// Whether the work ends the use of the XML library that it begins, in a process of its own, as
+/// failed loads of other tests have left theirs open.
+template <typename Work>
+std::string StateOfTheLibraryAfter(Work work) {
+  return InChildProcess([&] {
+    while (xercesc::XMLPlatformUtils::fgMemoryManager) TerminateXMLPlatform();
+    work();
+    return std::string(xercesc::XMLPlatformUtils::fgMemoryManager ? "in use" : "terminated");
+  });
+}
+
+TEST(XmlPlatform, LoadProjectData_Successful_TerminatesIt) {
+  const MessageRecorder recorder;
+  const TemporaryDirectory directory;
+  WriteFile(directory / "p.xml", ProjectXml(DeviceInfoXml("Orrin")));
+  projectdb::KelProjectDatabase database;
+  EXPECT_EQ(StateOfTheLibraryAfter([&] { database.LoadProjectData(directory / "p.xml", ""); }),
+            "terminated");
+}
+
+TEST(XmlPlatform, ExportProjectData_Successful_TerminatesIt) {
+  const TemporaryDirectory directory;
+  projectdb::KelProjectDatabase database;
+  database.CreateNewProjectDatabase("mixer");
+  EXPECT_EQ(StateOfTheLibraryAfter([&] { database.ExportProjectData(directory / "p.xml"); }),
+            "terminated");
+  EXPECT_NE(ReadFile(directory / "p.xml"), "");
+}
+
+TEST(XmlPlatform, LoadProjectData_Malformed_LeavesItInUse) {
+  const MessageRecorder recorder;
+  const TemporaryDirectory directory;
+  WriteFile(directory / "p.xml", "<project>");
+  projectdb::KelProjectDatabase database;
+  EXPECT_EQ(StateOfTheLibraryAfter([&] { database.LoadProjectData(directory / "p.xml", ""); }),
+            "in use");
 }
 
 }  // namespace
