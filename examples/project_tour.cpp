@@ -4,7 +4,6 @@
 //   project_tour PROJECT.xml SCHEMA.xsd OUTPUT_DIRECTORY
 
 #include <algorithm>
-#include <array>
 #include <exception>
 #include <filesystem>
 #include <iostream>
@@ -13,25 +12,12 @@
 #include <vector>
 
 #include <projectdb/project_db.h>
+#include <projectdb/vocabulary.h>
 
 namespace {
 
 using projectdb::KelProjectDatabase;
-using projectdb::ProcType;
 using Lines = std::vector<std::string>;
-
-constexpr std::array<const char*, 3> kMaps = {"param", "dynparam", "defmacro"};
-
-struct Process {
-  ProcType type;
-  const char* title;
-};
-constexpr std::array<Process, 4> kProcesses = {{
-    {projectdb::e_synthesis, "Synthesis"},
-    {projectdb::e_place_and_route, "Place and route"},
-    {projectdb::e_bitstream_generation, "Bitstream generation"},
-    {projectdb::e_debugger, "Debugger"},
-}};
 
 void Section(Lines& lines, const std::string& title) { lines.push_back(title); }
 
@@ -88,17 +74,17 @@ void DescribeFiles(Lines& lines, const KelProjectDatabase& database) {
 }
 
 void DescribeProcesses(Lines& lines, const KelProjectDatabase& database) {
-  for (const Process& process : kProcesses) {
+  for (const projectdb::FlowProcessName& process : projectdb::kFlowProcesses) {
     Section(lines, process.title);
     Item(lines, "tool", database.GetFlowProcessExecutableName(process.type));
-    for (const char* map : kMaps) {
+    for (const projectdb::ParameterMapName& map : projectdb::MapsOf(process.type)) {
       std::vector<projectdb::Parameter> parameters;
-      database.GetFlowProcessParameterList(process.type, map, parameters);
+      database.GetFlowProcessParameterList(process.type, map.name, parameters);
       std::sort(parameters.begin(), parameters.end(),
                 [](const auto& a, const auto& b) { return a.name < b.name; });
       for (const auto& parameter : parameters) {
-        Item(lines, std::string(map) + " " + parameter.name,
-             parameter.value + "  " + KelProjectDatabase::getParameterTypeStr(parameter.type));
+        Item(lines, std::string(map.name) + " " + parameter.name,
+             parameter.value + "  " + projectdb::TextOf(parameter.type));
       }
     }
   }

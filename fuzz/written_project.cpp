@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string_view>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include <projectdb/vocabulary.h>
@@ -76,43 +77,35 @@ bool ArePlainTexts(const Texts&... texts) {
   return (IsPlainText(texts) && ...);
 }
 
-// Whether all fields of all records are plain.
-template <typename Record, typename... Members>
-bool HoldPlainTexts(const std::vector<Record>& records, Members... members) {
-  return std::all_of(records.begin(), records.end(),
-                     [&](const Record& record) { return ArePlainTexts(record.*members...); });
+template <typename Terms, typename Record>
+bool HasPlainFields(const Terms& terms, const Record& record);
+
+bool IsPlainField(const std::string& text) { return IsPlainText(text); }
+bool IsPlainField(const IPSrcFile& file) { return IsPlainText(file.name); }
+bool IsPlainField(const DesignFile& file) {
+  return HasPlainFields(projectdb::DesignFileTerms(), file);
+}
+bool IsPlainField(const IP& ip) { return HasPlainFields(projectdb::IPTerms(), ip); }
+
+bool IsPlainField(const projectdb::InfoAttributes& attributes) {
+  return std::all_of(attributes.begin(), attributes.end(), [](const auto& attribute) {
+    return IsPlainName(attribute.first) && IsPlainText(attribute.second);
+  });
 }
 
-bool ArePlainFiles(const std::vector<DesignFile>& files) {
-  return HoldPlainTexts(files, &DesignFile::name, &DesignFile::version, &DesignFile::library);
+template <typename Entry>
+bool IsPlainField(const std::vector<Entry>& entries) {
+  return std::all_of(entries.begin(), entries.end(),
+                     [](const Entry& entry) { return IsPlainField(entry); });
 }
 
-bool ArePlainNames(const std::vector<std::string>& names) {
-  return std::all_of(names.begin(), names.end(), IsPlainText);
-}
-
-bool IsPlainIp(const IP& ip) {
-  return ArePlainTexts(ip.instance_name, ip.path) && HoldPlainTexts(ip.src_files, &IPSrcFile::name);
-}
-
-bool HasPlainProperties(const ProjectContents& project) {
-  const auto& device = project.device_info;
-  const auto& design = project.design_info;
-  return ArePlainTexts(project.project_name, device.family, device.device, device.timing_model,
-                       design.top_module, design.top_vhdl_arch, design.def_veri_version,
-                       design.def_vhdl_version, project.design_constraint.inter_file) &&
-         std::all_of(project.info_attributes.begin(), project.info_attributes.end(),
-                     [](const auto& attribute) {
-                       return IsPlainName(attribute.first) && IsPlainText(attribute.second);
-                     });
-}
-
-bool HasPlainFiles(const ProjectContents& project) {
-  const auto& ips = project.ip_info.ips;
-  return ArePlainFiles(project.design_info.design_files) && ArePlainFiles(project.sim_files) &&
-         ArePlainFiles(project.misc_files) && ArePlainNames(project.design_constraint.sdc_files) &&
-         ArePlainNames(project.design_isf.isf_files) &&
-         std::all_of(ips.begin(), ips.end(), IsPlainIp);
+// The stamps and the directory are not written as they are.
+template <typename Terms, typename Record>
+bool HasPlainFields(const Terms& terms, const Record& record) {
+  return std::all_of(terms.begin(), terms.end(), [&](const auto& term) {
+    const auto is_plain = [&](const auto& access) { return IsPlainField(access(record)); };
+    return term.kind != projectdb::TermKind::kValue || std::visit(is_plain, term.access);
+  });
 }
 
 bool HasPlainTexts(const FlowProcessContents& process) {
@@ -197,8 +190,8 @@ bool IsReadAsItIs(const KelProjectDatabase& database) {
 bool IsPlain(const KelProjectDatabase& database) {
   const ProjectContents project = projectdb::GetProjectContents(database);
   const auto& processes = project.flow_processes;
-  return database.IsProjectDatabaseExist() && HasPlainProperties(project) &&
-         HasPlainFiles(project) && std::all_of(processes.begin(), processes.end(), HasPlainTexts);
+  return database.IsProjectDatabaseExist() && HasPlainFields(projectdb::ProjectTerms(), project) &&
+         std::all_of(processes.begin(), processes.end(), HasPlainTexts);
 }
 
 }  // namespace fuzz

@@ -149,7 +149,7 @@ TEST_F(DiagServiceTest, PostImpl_HandlerPostsItself_BothMessagesArrive) {
   EXPECT_THAT(texts, ElementsAre("outer", "inner"));
 }
 
-constexpr int kThreads = 8;
+constexpr int kPostingThreads = 8;
 constexpr int kPostsPerThread = 500;
 
 std::string TextOf(int thread, int post) {
@@ -157,7 +157,7 @@ std::string TextOf(int thread, int post) {
 }
 
 void PostFromAllThreads(Diag::DiagService& service) {
-  test_support::InThreads(kThreads, [&](int thread) {
+  test_support::InThreads(kPostingThreads, [&](int thread) {
     for (int post = 0; post < kPostsPerThread; ++post) {
       service.PostImpl(Message(MessageType::kInfo, TextOf(thread, post)));
     }
@@ -171,7 +171,7 @@ std::vector<std::string> Sorted(std::vector<std::string> texts) {
 
 std::vector<std::string> AllTextsSorted() {
   std::vector<std::string> texts;
-  for (int thread = 0; thread < kThreads; ++thread) {
+  for (int thread = 0; thread < kPostingThreads; ++thread) {
     for (int post = 0; post < kPostsPerThread; ++post) texts.push_back(TextOf(thread, post));
   }
   return Sorted(std::move(texts));
@@ -213,7 +213,7 @@ TEST_F(DiagServiceTest, SetHandler_WhileOtherThreadsPost_EveryMessageReachesOneH
   });
   PostFromAllThreads(service_);
   changer.join();
-  EXPECT_EQ(first + second, kThreads * kPostsPerThread);
+  EXPECT_EQ(first + second, kPostingThreads * kPostsPerThread);
 }
 
 }  // namespace

@@ -293,6 +293,28 @@ TEST(Vocabulary, MapsOf_OtherProcess_AreThatOfOrdinaryParametersAlone) {
   }
 }
 
+TEST(Vocabulary, IsInfoAttributeName_NameOfAFieldOrOfXml_IsFalse) {
+  for (const char* name :
+       {"name", "sw_version", "last_change_date", "xmlns", "xsi", "xmlns:kel", "xsi:type"}) {
+    EXPECT_FALSE(IsInfoAttributeName(name)) << name;
+  }
+}
+
+TEST(Vocabulary, IsInfoAttributeName_OtherName_IsTrue) {
+  for (const char* name : {"owner", "", ":name", "review:xsi", "xmlnsx:y", "xsix", "Name"}) {
+    EXPECT_TRUE(IsInfoAttributeName(name)) << name;
+  }
+}
+
+TEST(Vocabulary, HasValueForItsType_SwitchWithoutAndOthersWithValue_IsTrue) {
+  EXPECT_TRUE(HasValueForItsType({"keep", "", e_noarg}));
+  EXPECT_FALSE(HasValueForItsType({"keep", "yes", e_noarg}));
+  for (const ParameterType type : {e_string, e_bool, e_option, kNoParameterType}) {
+    EXPECT_TRUE(HasValueForItsType({"goal", "speed", type})) << type;
+    EXPECT_FALSE(HasValueForItsType({"goal", "", type})) << type;
+  }
+}
+
 TEST(Vocabulary, ParameterTypes_ToTextAndBack_AreTheSame) {
   for (const ParameterType type : {e_string, e_bool, e_option, e_noarg, kNoParameterType}) {
     EXPECT_EQ(ParameterTypeOf(TextOf(type)), type) << TextOf(type);

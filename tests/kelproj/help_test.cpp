@@ -1,4 +1,8 @@
+#include <variant>
+
 #include <gmock/gmock.h>
+
+#include <projectdb/vocabulary.h>
 
 #include "tests/kelproj/kelproj_test.h"
 
@@ -8,6 +12,7 @@ using test_support::KelprojTest;
 using test_support::Outcome;
 using test_support::Printed;
 using test_support::RunProcess;
+using ::testing::ContainsRegex;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
@@ -47,6 +52,27 @@ TEST_P(HelpOfCommand, HasItsUsageAndAnExample) {
 TEST_P(HelpOfCommand, FitsATerminal) {
   std::istringstream lines(Run({GetParam(), "--help"}).out);
   for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 100u) << line;
+}
+
+class HelpOfGet : public KelprojTest {};
+
+TEST_F(HelpOfGet, NamesEveryValueThatAProjectHasOnce) {
+  const std::string help = Run({"get", "--help"}).out;
+  for (const projectdb::ProjectTerm& term : projectdb::ProjectTerms()) {
+    const bool is_text =
+        std::holds_alternative<projectdb::Access<projectdb::ProjectContents, std::string>>(
+            term.access);
+    if (!is_text || term.kind == projectdb::TermKind::kDirectory) continue;
+    EXPECT_THAT(help, ContainsRegex("[ \n]" + std::string(term.key) + "[,\n]"));
+  }
+}
+
+TEST_F(HelpOfGet, NamesEveryProcessAndMap) {
+  const std::string help = Run({"get", "--help"}).out;
+  for (const auto& process : projectdb::kFlowProcesses) EXPECT_THAT(help, HasSubstr(process.name));
+  for (const auto& map : projectdb::kParameterMaps) {
+    EXPECT_THAT(help, HasSubstr("." + std::string(map.name) + ".NAME "));
+  }
 }
 
 class ManualPage : public KelprojTest {

@@ -63,20 +63,6 @@ for with --files, if the project file itself has no error.
 Example:
   kelproj check blinker.xml --files)";
 
-constexpr char kKeysHelp[] =
-    R"(Keys:
-  name, sw_version, last_change_date
-  device.family, device.device, device.timing_model
-  design.top_module, design.top_vhdl_arch
-  design.def_veri_version, design.def_vhdl_version
-  constraint.interface
-  info.NAME                    an info attribute
-  PROCESS.tool                 the executable of a flow process
-  PROCESS.param.NAME           a parameter of a flow process
-  synthesis.dynparam.NAME      a Verilog define parameter
-  synthesis.defmacro.NAME      a Verilog macro
-PROCESS is synthesis, place_and_route, bitstream_generation or debugger.)";
-
 constexpr char kGetHelp[] =
     R"(The status is 1, and nothing is printed, if the project has no such info
 attribute or parameter.
@@ -249,8 +235,8 @@ void DefineCheck(CLI::App& program, Request& request) {
 }
 
 void DefineGet(CLI::App& program, Request& request) {
-  CLI::App& command = AddCommand(program, "get", "Print one value of a project",
-                                 std::string(kKeysHelp) + "\n\n" + kGetHelp);
+  CLI::App& command =
+      AddCommand(program, "get", "Print one value of a project", KeysHelp() + "\n\n" + kGetHelp);
   auto& arguments = Requested<GetArguments>(command, request);
   AddFile(command, arguments.file);
   command.add_option("KEY", arguments.key, "The dotted key of the value")->required();

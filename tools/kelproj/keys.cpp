@@ -1,7 +1,11 @@
 #include "keys.h"
 
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <string_view>
+#include <utility>
+#include <variant>
 
 #include <projectdb/vocabulary.h>
 
@@ -10,69 +14,43 @@
 namespace kelproj {
 namespace {
 
+using projectdb::Access;
 using projectdb::FlowProcessContents;
 using projectdb::FlowProcessName;
-using projectdb::KelProjectDatabase;
+using projectdb::FlowProcessTerm;
 using projectdb::kFlowProcesses;
 using projectdb::Parameter;
+using projectdb::ParameterMapName;
 using projectdb::ParameterType;
 using projectdb::ProcType;
 using projectdb::ProjectContents;
+using projectdb::ProjectTerm;
+using projectdb::TermKind;
 
 constexpr char kNoTypeName[] = "none";
-constexpr char kToolKey[] = "tool";  // Of a process's executable.
 
-/// A value that every project has once.
-struct Property {
-  std::string_view key;
-  std::string (*get)(const ProjectContents&);
-  void (*set)(KelProjectDatabase&, const std::string&);  ///< Null if it cannot be set.
-};
-
-template <void (KelProjectDatabase::*Setter)(const std::string&)>
-void Set(KelProjectDatabase& database, const std::string& value) {
-  (database.*Setter)(value);
-}
-
-void SetInterfaceConstraint(KelProjectDatabase& database, const std::string& name) {
-  if (!database.SetInterfaceConstraint(name)) {
-    throw Trouble("\"" + name + "\" is no interface constraint file: its name must be NAME" +
-                  KelProjectDatabase::INTERFACE_FILE_EXT);
-  }
-}
-
-constexpr std::array<Property, 11> kProperties = {{
-    {"name", [](const ProjectContents& project) { return project.project_name; },
-     Set<&KelProjectDatabase::SetProjectName>},
-    {"sw_version", [](const ProjectContents& project) { return project.software_version; },
-     nullptr},
-    {"last_change_date", [](const ProjectContents& project) { return project.last_modify_time; },
-     nullptr},
-    {"device.family", [](const ProjectContents& project) { return project.device_info.family; },
-     Set<&KelProjectDatabase::SetDeviceFamily>},
-    {"device.device", [](const ProjectContents& project) { return project.device_info.device; },
-     Set<&KelProjectDatabase::SetDeviceModel>},
-    {"device.timing_model",
-     [](const ProjectContents& project) { return project.device_info.timing_model; },
-     Set<&KelProjectDatabase::SetDeviceTimingModel>},
-    {"design.top_module",
-     [](const ProjectContents& project) { return project.design_info.top_module; },
-     Set<&KelProjectDatabase::SetDesignTopModuleName>},
-    {"design.top_vhdl_arch",
-     [](const ProjectContents& project) { return project.design_info.top_vhdl_arch; },
-     Set<&KelProjectDatabase::SetDesignTopVHDLArchitecture>},
-    {"design.def_veri_version",
-     [](const ProjectContents& project) { return project.design_info.def_veri_version; }, nullptr},
-    {"design.def_vhdl_version",
-     [](const ProjectContents& project) { return project.design_info.def_vhdl_version; }, nullptr},
-    {"constraint.interface",
-     [](const ProjectContents& project) { return project.design_constraint.inter_file; },
-     SetInterfaceConstraint},
-}};
+// Values that the program shows and leaves as they are.
+constexpr std::array kUnchangedKeys = {"design.def_veri_version", "design.def_vhdl_version"};
 
 std::string TypeName(ParameterType type) {
   const std::string name = projectdb::TextOf(type);
   return name.empty() ? kNoTypeName : name;
+}
+
+using ProjectText = Access<ProjectContents, std::string>;
+using FlowProcessText = Access<FlowProcessContents, std::string>;
+
+// The way to a value that is asked for by its key; null if the term is about something else.
+const ProjectText* TextOf(const ProjectTerm& term) {
+  return term.kind == TermKind::kDirectory ? nullptr : std::get_if<ProjectText>(&term.access);
+}
+
+const FlowProcessText* TextOf(const FlowProcessTerm& term) {
+  return term.kind == TermKind::kValue ? std::get_if<FlowProcessText>(&term.access) : nullptr;
+}
+
+bool IsInfo(const ProjectTerm& term) {
+  return std::holds_alternative<Access<ProjectContents, projectdb::InfoAttributes>>(term.access);
 }
 
 // The rest of the text behind a first part and a dot; nothing if it begins otherwise or is empty.
@@ -84,11 +62,27 @@ std::optional<std::string> RestBehind(std::string_view part, std::string_view te
   return std::string(text.substr(part.size() + 1));
 }
 
-Key PropertyKey(const Property& property) {
-  Key key{property.get, {}};
-  if (property.set) {
-    key.write = [set = property.set](KelProjectDatabase& database, const std::string& value,
-                                     std::optional<ParameterType>) { set(database, value); };
+bool CanBeSet(const ProjectTerm& term) {
+  return term.kind == TermKind::kValue &&
+         std::find(kUnchangedKeys.begin(), kUnchangedKeys.end(), term.key) == kUnchangedKeys.end();
+}
+
+void RequireEnding(const ProjectTerm& term, const std::string& value) {
+  if (!term.file_ending || projectdb::HasEnding(value, *term.file_ending)) return;
+  std::string title(term.title);
+  title.front() = static_cast<char>(std::tolower(title.front()));
+  throw Trouble("\"" + value + "\" is no " + title + " file: its name must be NAME" +
+                std::string(*term.file_ending));
+}
+
+Key TextKey(const ProjectTerm& term, const ProjectText& access) {
+  Key key{access, {}};
+  if (CanBeSet(term)) {
+    key.write = [term, access](ProjectContents& project, const std::string& value,
+                               std::optional<ParameterType>) {
+      RequireEnding(term, value);
+      access(project) = value;
+    };
   }
   return key;
 }
@@ -99,24 +93,27 @@ Key InfoKey(const std::string& name) {
     if (attribute == project.info_attributes.end()) return std::nullopt;
     return attribute->second;
   };
-  const auto write = [name](KelProjectDatabase& database, const std::string& value,
+  const auto write = [name](ProjectContents& project, const std::string& value,
                             std::optional<ParameterType>) {
-    database.AddProjectInfoAttribute(name, value);
+    if (!projectdb::IsInfoAttributeName(name))
+      throw Trouble("a project does not keep info." + name);
+    project.info_attributes[name] = value;
   };
   return {read, write};
 }
 
-const FlowProcessContents& ContentsOf(const ProjectContents& project, ProcType type) {
+template <typename Project>
+auto& ProcessOf(Project& project, ProcType type) {
   return project.flow_processes.at(static_cast<std::size_t>(type));
 }
 
-Key ToolKey(ProcType type) {
-  const auto read = [type](const ProjectContents& project) {
-    return ContentsOf(project, type).tool_name;
+Key ProcessTextKey(ProcType type, const FlowProcessText& access) {
+  const auto read = [type, access](const ProjectContents& project) {
+    return access(ProcessOf(project, type));
   };
-  const auto write = [type](KelProjectDatabase& database, const std::string& value,
-                            std::optional<ParameterType>) {
-    database.SetFlowProcessExecutableName(type, value);
+  const auto write = [type, access](ProjectContents& project, const std::string& value,
+                                    std::optional<ParameterType>) {
+    access(ProcessOf(project, type)) = value;
   };
   return {read, write};
 }
@@ -133,55 +130,103 @@ ParameterType TypeOfNew(const ParameterPlace& place) {
   return place.map == projectdb::kParameterMap ? projectdb::e_string : projectdb::kNoParameterType;
 }
 
-std::string RefusalReason(const std::optional<Parameter>& stored, ParameterType type) {
-  if (stored && stored->type != type) {
-    return "a parameter of type " + TypeName(stored->type) + " cannot become one of type " +
-           TypeName(type);
-  }
-  return "a parameter of type " + TypeName(type) +
-         (type == projectdb::e_noarg ? " takes no value" : " needs a value");
+[[noreturn]] void RefuseType(const Parameter& stored, ParameterType type) {
+  throw Trouble(stored.name + ": a parameter of type " + TypeName(stored.type) +
+                " cannot become one of type " + TypeName(type));
 }
 
-void WriteParameter(KelProjectDatabase& database, const ParameterPlace& place,
-                    const std::string& value, std::optional<ParameterType> asked_type) {
-  const auto stored = database.GetFlowProcessParameter(place.process, place.map, place.name);
-  const ParameterType type = asked_type ? *asked_type : (stored ? stored->type : TypeOfNew(place));
-  if (!database.AddFlowProcessParameter(place.process, place.map, place.name, value, type)) {
-    throw Trouble(place.name + ": " + RefusalReason(stored, type));
-  }
+[[noreturn]] void RefuseValue(const Parameter& parameter) {
+  throw Trouble(parameter.name + ": a parameter of type " + TypeName(parameter.type) +
+                (parameter.type == projectdb::e_noarg ? " takes no value" : " needs a value"));
+}
+
+void WriteParameter(ProjectContents& project, const ParameterPlace& place, const std::string& value,
+                    std::optional<ParameterType> asked_type) {
+  projectdb::SortedParameters& map = ProcessOf(project, place.process).parameter_maps[place.map];
+  const auto stored = map.find(place.name);
+  const ParameterType own_type = stored == map.end() ? TypeOfNew(place) : stored->second.type;
+  const Parameter parameter(place.name, value, asked_type.value_or(own_type));
+  if (stored != map.end() && parameter.type != own_type) RefuseType(stored->second, parameter.type);
+  if (!projectdb::HasValueForItsType(parameter)) RefuseValue(parameter);
+  map.insert_or_assign(place.name, parameter);
 }
 
 Key ParameterKey(const ParameterPlace& place) {
   const auto read = [place](const ProjectContents& project) -> std::optional<std::string> {
-    const auto& maps = ContentsOf(project, place.process).parameter_maps;
+    const auto& maps = ProcessOf(project, place.process).parameter_maps;
     const auto map = maps.find(place.map);
     if (map == maps.end()) return std::nullopt;
     const auto parameter = map->second.find(place.name);
     if (parameter == map->second.end()) return std::nullopt;
     return parameter->second.value;
   };
-  const auto write = [place](KelProjectDatabase& database, const std::string& value,
+  const auto write = [place](ProjectContents& project, const std::string& value,
                              std::optional<ParameterType> type) {
-    WriteParameter(database, place, value, type);
+    WriteParameter(project, place, value, type);
   };
   return {read, write, true};
 }
 
 std::optional<Key> ProcessKey(ProcType type, const std::string& text) {
-  if (text == kToolKey) return ToolKey(type);
-  for (const projectdb::ParameterMapName& map : projectdb::MapsOf(type)) {
+  for (const FlowProcessTerm& term : projectdb::FlowProcessTerms()) {
+    const FlowProcessText* const access = TextOf(term);
+    if (access && text == term.key) return ProcessTextKey(type, *access);
+  }
+  for (const ParameterMapName& map : projectdb::MapsOf(type)) {
     if (const auto name = RestBehind(map.name, text)) return ParameterKey({type, map.name, *name});
   }
   return std::nullopt;
 }
 
+// The keys of the project's texts, those of one group on lines of their own.
+std::string GroupedKeys() {
+  constexpr std::size_t kWidth = 60;
+  std::string text;
+  std::string line;
+  std::string_view group;
+  for (const ProjectTerm& term : projectdb::ProjectTerms()) {
+    if (!TextOf(term)) continue;
+    const bool fits = term.group == group && line.size() + term.key.size() < kWidth;
+    if (!fits) text += std::exchange(line, "");
+    line.append(line.empty() ? "\n  " : ", ").append(term.key);
+    group = term.group;
+  }
+  return text + line;
+}
+
+std::string Pattern(std::string key, const std::string& description) {
+  constexpr std::size_t kColumn = 29;
+  key.resize(kColumn, ' ');
+  return "\n  " + key + description;
+}
+
+std::string ParameterPattern(const ParameterMapName& map) {
+  const bool is_of_every_process = std::string_view(map.name) == projectdb::kParameterMap;
+  const std::string process =
+      is_of_every_process ? "PROCESS" : kFlowProcesses[projectdb::e_synthesis].name;
+  return Pattern(process + "." + map.name + ".NAME",
+                 std::string("a ") + map.title + (is_of_every_process ? " of a flow process" : ""));
+}
+
+// "a, b or c".
+std::string ProcessNames() {
+  std::string names;
+  for (const FlowProcessName& process : kFlowProcesses) {
+    const bool is_last = &process == &kFlowProcesses.back();
+    names.append(names.empty() ? "" : (is_last ? " or " : ", ")).append(process.name);
+  }
+  return names;
+}
+
 }  // namespace
 
 Key FindKey(const std::string& text) {
-  for (const Property& property : kProperties) {
-    if (text == property.key) return PropertyKey(property);
+  for (const ProjectTerm& term : projectdb::ProjectTerms()) {
+    const ProjectText* const access = TextOf(term);
+    if (access && text == term.key) return TextKey(term, *access);
+    const auto name = IsInfo(term) ? RestBehind(term.key, text) : std::nullopt;
+    if (name) return InfoKey(*name);
   }
-  if (const auto name = RestBehind("info", text)) return InfoKey(*name);
   for (const FlowProcessName& process : kFlowProcesses) {
     const auto rest = RestBehind(process.name, text);
     const auto key = rest ? ProcessKey(process.type, *rest) : std::nullopt;
@@ -192,12 +237,22 @@ Key FindKey(const std::string& text) {
 
 std::vector<std::string> FixedKeys() {
   std::vector<std::string> keys;
-  keys.reserve(kProperties.size() + kFlowProcesses.size());
-  for (const Property& property : kProperties) keys.emplace_back(property.key);
+  for (const ProjectTerm& term : projectdb::ProjectTerms()) {
+    if (TextOf(term)) keys.emplace_back(term.key);
+  }
   for (const FlowProcessName& process : kFlowProcesses) {
-    keys.push_back(std::string(process.name).append(".").append(kToolKey));
+    for (const FlowProcessTerm& term : projectdb::FlowProcessTerms()) {
+      if (TextOf(term)) keys.push_back(std::string(process.name).append(".").append(term.key));
+    }
   }
   return keys;
+}
+
+std::string KeysHelp() {
+  std::string help = "Keys:" + GroupedKeys() + Pattern("info.NAME", "an info attribute") +
+                     Pattern("PROCESS.tool", "the executable of a flow process");
+  for (const ParameterMapName& map : projectdb::kParameterMaps) help += ParameterPattern(map);
+  return help + "\nPROCESS is " + ProcessNames() + ".";
 }
 
 std::vector<std::string> ParameterTypeNames() {

@@ -6,14 +6,13 @@
 #include <vector>
 
 #include <projectdb/project_contents.h>
-#include <projectdb/project_db.h>
 
 namespace kelproj {
 
 /// A single value of a project, by its dotted key.
 struct Key {
   using Reader = std::function<std::optional<std::string>(const projectdb::ProjectContents&)>;
-  using Writer = std::function<void(projectdb::KelProjectDatabase&, const std::string& value,
+  using Writer = std::function<void(projectdb::ProjectContents&, const std::string& value,
                                     std::optional<projectdb::ParameterType> type)>;
 
   Reader read;   ///< Gives nothing if the project has no such value.
@@ -26,6 +25,9 @@ Key FindKey(const std::string& text);
 
 /// The keys that every project has.
 std::vector<std::string> FixedKeys();
+
+/// What keys there are, for people.
+std::string KeysHelp();
 
 /// The texts that name a parameter's type, "none" among them.
 std::vector<std::string> ParameterTypeNames();

@@ -54,6 +54,9 @@ inline constexpr char kInterfaceConstraintFileEnding[] = ".interface.csv";
 /// is that of any name.
 KEL_EXPORT bool HasEnding(std::string_view path, std::string_view ending);
 
+/// The library that source files are compiled into if none is given.
+inline constexpr char kDefaultLibrary[] = "default";
+
 /// Who decides what a value is.
 enum class TermKind {
   kValue,      ///< The project's user.
@@ -134,6 +137,10 @@ inline constexpr char kProjectNameKey[] = "name";
 inline constexpr char kSoftwareVersionKey[] = "sw_version";
 inline constexpr char kLastModifyTimeKey[] = "last_change_date";
 
+/// Whether a project keeps an info attribute of this name: it has no field of that name, and the
+/// name is none that belongs to XML, "xmlns", "xsi" or one of these and a colon before the rest.
+KEL_EXPORT bool IsInfoAttributeName(std::string_view name);
+
 /// A flow process.
 struct FlowProcessName {
   ProcType type;
@@ -179,5 +186,10 @@ KEL_EXPORT std::string TextOf(ParameterType type);
 
 /// The type of which this is the text, kNoParameterType for any other text.
 KEL_EXPORT ParameterType ParameterTypeOf(std::string_view text);
+
+/// Whether a project keeps a parameter: a switch has no value, every other parameter has one.
+inline bool HasValueForItsType(const Parameter& parameter) {
+  return parameter.value.empty() == (parameter.type == e_noarg);
+}
 
 }  // namespace projectdb

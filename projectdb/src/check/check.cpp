@@ -11,7 +11,6 @@
 
 #include "base/control_characters.h"
 #include "check/located_parse.h"
-#include "contents/parameter_rules.h"
 #include "project_db/format.h"
 #include "project_db/input_files.h"
 #include "project_db/load_observer.h"

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include <projectdb/vocabulary.h>
 
@@ -8,8 +9,8 @@
 namespace projectdb {
 
 /// A namespace declaration or schema-instance attribute: "xmlns", "xsi" or a name so prefixed.
-inline bool IsForXmlItself(const std::string& name) {
-  const std::string prefix = name.substr(0, name.find(':'));
+inline bool IsForXmlItself(std::string_view name) {
+  const std::string_view prefix = name.substr(0, name.find(':'));
   return prefix == "xmlns" || prefix == "xsi";
 }
 

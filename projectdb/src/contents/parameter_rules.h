@@ -6,17 +6,12 @@
 
 #include <projectdb/records.h>
 
-/// What the parameters of a flow process must keep to, wherever they are stored.
+/// How the parameter maps of a flow process are stored.
 namespace projectdb {
 
 /// A map's position is kept in a signed 16-bit index.
 inline constexpr std::size_t kMaximumMaps =
     static_cast<std::size_t>(std::numeric_limits<std::int16_t>::max()) + 1;
-
-/// Whether a parameter may be kept: a switch has no value, every other parameter has one.
-inline bool HasValueForItsType(const Parameter& parameter) {
-  return parameter.value.empty() == (parameter.type == e_noarg);
-}
 
 /// The parameter map at a position that the index of a process gives; null if there is none. The
 /// index is open to callers, who may write any position into it.

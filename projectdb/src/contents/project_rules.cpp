@@ -7,7 +7,6 @@
 #include <fmt/format.h>
 #include <projectdb/vocabulary.h>
 
-#include "contents/info_attribute_names.h"
 #include "contents/parameter_rules.h"
 #include "contents/record_text.h"
 
@@ -16,7 +15,7 @@ namespace {
 
 void RequireInfoAttributes(const ProjectContents& contents) {
   for (const auto& [name, value] : contents.info_attributes) {
-    if (IsForXmlItself(name) || ReservedField(contents, name)) {
+    if (!IsInfoAttributeName(name)) {
       throw std::invalid_argument(fmt::format("info.{}: no info attribute has that name", name));
     }
   }

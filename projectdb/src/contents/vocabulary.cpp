@@ -5,6 +5,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "contents/info_attribute_names.h"
+
 namespace projectdb {
 namespace {
 
@@ -117,6 +119,11 @@ Table<ProjectTerm> ProjectTerms() { return TableOf(kProjectTerms); }
 Table<FlowProcessTerm> FlowProcessTerms() { return TableOf(kFlowProcessTerms); }
 Table<DesignFileTerm> DesignFileTerms() { return TableOf(kDesignFileTerms); }
 Table<IPTerm> IPTerms() { return TableOf(kIPTerms); }
+
+bool IsInfoAttributeName(std::string_view name) {
+  return !IsForXmlItself(name) && name != kProjectNameKey && name != kSoftwareVersionKey &&
+         name != kLastModifyTimeKey;
+}
 
 std::string TextOf(ParameterType type) {
   const auto position = static_cast<std::size_t>(type);

@@ -2,13 +2,13 @@
 #include <iterator>
 #include <utility>
 
+#include <projectdb/vocabulary.h>
+
 #include "base/paths.h"
 #include "project_db/project_data.h"
 
 namespace projectdb {
 namespace {
-
-constexpr char kDefaultLibrary[] = "default";
 
 // Copies first and then moves in: an append that fails leaves the list as it was.
 template <typename Record>
@@ -20,24 +20,9 @@ void AppendAll(std::vector<Record>& list, std::vector<Record> records) {
 bool IsTimingConstraintFile(const std::string& name) {
   if (name.empty()) return false;
   const std::filesystem::path path = paths::FromUtf8(name);
-  if (std::filesystem::is_directory(std::filesystem::status(path))) return false;
-  return paths::ToBytes(path.extension()) == KelProjectDatabase::SDC_FILE_EXT;
+  return !std::filesystem::is_directory(std::filesystem::status(path)) &&
+         HasEnding(paths::ToBytes(path), kTimingConstraintFileEnding);
 }
-
-// The last two extensions together, such as ".interface.csv".
-std::string CompoundExtension(std::filesystem::path path) {
-  std::string compound;
-  for (int i = 0; i < 2 && path.has_extension(); ++i) {
-    compound.insert(0, paths::ToBytes(path.extension()));
-    path.replace_extension();
-  }
-  return compound;
-}
-
-const std::string& StoredName(const std::string& name) { return name; }
-const std::string& StoredName(const DesignFile& file) { return file.name; }
-const std::string& StoredName(const IPSrcFile& file) { return file.name; }
-const std::string& StoredName(const IP& ip) { return ip.path; }
 
 // Calls deliver(entry, path) with the path of each entry, resolved against the directory.
 template <typename Entry, typename Deliver>
@@ -46,7 +31,7 @@ void ForEachResolved(const std::string& directory, const std::vector<Entry>& ent
   if (entries.empty()) return;
   const std::filesystem::path base = paths::FromUtf8(directory);
   for (const Entry& entry : entries) {
-    deliver(entry, paths::ResolveProjectPath(base, StoredName(entry)));
+    deliver(entry, paths::ResolveProjectPath(base, FileNameOf(entry)));
   }
 }
 
@@ -116,7 +101,8 @@ bool KelProjectDatabase::AddTimingConstraintFile(const std::vector<std::string>&
 }
 
 bool KelProjectDatabase::SetInterfaceConstraint(const std::string& name) {
-  if (CompoundExtension(paths::FromUtf8(name)) != INTERFACE_FILE_EXT) return false;
+  const std::filesystem::path path = paths::FromUtf8(name);
+  if (!HasEnding(paths::ToBytes(path), kInterfaceConstraintFileEnding)) return false;
   const std::lock_guard<std::mutex> lock(mutex_);
   if (!data_) return false;
   data_->design_constraint.inter_file = name;

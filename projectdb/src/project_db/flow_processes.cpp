@@ -1,5 +1,7 @@
 #include <utility>
 
+#include <projectdb/vocabulary.h>
+
 #include "contents/parameter_rules.h"
 #include "project_db/project_data.h"
 

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include <projectdb/project_db.h>
+#include <projectdb/vocabulary.h>
 
 #include "base/paths.h"
 
@@ -16,7 +16,7 @@ bool FileExists(const std::string& name) {
 }
 
 bool HasProjectFileExtension(const std::string& name) {
-  return paths::ToBytes(paths::FromBytes(name).extension()) == KelProjectDatabase::XML_FILE_EXT;
+  return HasEnding(name, kProjectFileEnding);
 }
 
 }  // namespace projectdb

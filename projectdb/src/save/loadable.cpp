@@ -4,9 +4,9 @@
 #include <cstddef>
 
 #include <fmt/format.h>
+#include <projectdb/vocabulary.h>
 
 #include "base/failure.h"
-#include "contents/parameter_rules.h"
 #include "project_db/format.h"
 
 namespace projectdb {

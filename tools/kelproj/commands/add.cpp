@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include <projectdb/project_db.h>
+#include <projectdb/vocabulary.h>
 
 #include "commands.h"
 #include "named_files.h"
@@ -11,9 +12,6 @@ namespace {
 
 using projectdb::DesignFile;
 using projectdb::KelProjectDatabase;
-
-// What the library gives files for which it is told no library.
-constexpr char kDefaultLibrary[] = "default";
 
 bool IsSource(FileKind kind) { return kind == FileKind::kRtl || kind == FileKind::kSim; }
 
@@ -32,7 +30,7 @@ std::vector<DesignFile> DesignFiles(const AddArguments& arguments) {
   std::vector<DesignFile> files;
   for (const std::string& path : arguments.paths) {
     files.emplace_back(path, arguments.hdl_version.value_or(""),
-                       arguments.library.value_or(kDefaultLibrary));
+                       arguments.library.value_or(projectdb::kDefaultLibrary));
   }
   return files;
 }

@@ -7,6 +7,7 @@
 namespace kelproj {
 
 using projectdb::KelProjectDatabase;
+using projectdb::ProjectContents;
 
 ExitStatus Run(const SetArguments& arguments, const Console& console) {
   const Key key = FindKey(arguments.key);
@@ -17,11 +18,9 @@ ExitStatus Run(const SetArguments& arguments, const Console& console) {
     type = ParameterTypeFromName(*arguments.type);
   }
   ChangeProject(arguments.file, console, [&](KelProjectDatabase& database) {
-    key.write(database, arguments.value, type);
-    // Names that XML itself uses are taken without being kept.
-    if (key.read(projectdb::GetProjectContents(database)) != arguments.value) {
-      throw Trouble("a project does not keep " + arguments.key);
-    }
+    ProjectContents project = projectdb::GetProjectContents(database);
+    key.write(project, arguments.value, type);
+    projectdb::SetProjectContents(database, project);
   });
   return ExitStatus::kYes;
 }

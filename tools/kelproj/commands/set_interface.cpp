@@ -1,3 +1,4 @@
+#include <projectdb/project_contents.h>
 #include <projectdb/project_db.h>
 
 #include "commands.h"
@@ -10,7 +11,9 @@ namespace kelproj {
 ExitStatus Run(const SetInterfaceArguments& arguments, const Console& console) {
   const Key key = FindKey("constraint.interface");
   ChangeProject(arguments.file, console, [&](projectdb::KelProjectDatabase& database) {
-    key.write(database, arguments.path, std::nullopt);
+    projectdb::ProjectContents project = projectdb::GetProjectContents(database);
+    key.write(project, arguments.path, std::nullopt);
+    projectdb::SetProjectContents(database, project);
     WarnOfMissingFiles(console, database.GetProjectCurrentPath(), {arguments.path});
   });
   return ExitStatus::kYes;
