@@ -95,8 +95,9 @@ Key InfoKey(const std::string& name) {
   };
   const auto write = [name](ProjectContents& project, const std::string& value,
                             std::optional<ParameterType>) {
-    if (!projectdb::IsInfoAttributeName(name))
+    if (!projectdb::IsInfoAttributeName(name)) {
       throw Trouble("a project does not keep info." + name);
+    }
     project.info_attributes[name] = value;
   };
   return {read, write};
