@@ -407,7 +407,7 @@ TEST_F(DomElement, AppendFlowProcess_MapWithoutParameters_MayHaveAnyName) {
     FlowProcess process = ProcessWithMap("param", {"p", "v", kNoParameterType});
     process.parameter_maps.emplace_back();
     process.parameter_map_index[name] = 1;
-    EXPECT_TRUE(
+    ASSERT_TRUE(
         database_.AppendFlowProcessToDOMElement(document_.root(), process, kNamespace, kPrefix))
         << testing::PrintToString(name);
     EXPECT_EQ(Show(Appended().back()), R"(<flow><param name="p" value="v"/></flow>)");
@@ -417,7 +417,7 @@ TEST_F(DomElement, AppendFlowProcess_MapWithoutParameters_MayHaveAnyName) {
 TEST_F(DomElement, AppendDesignFileList_NoFiles_ItemTagMayBeAnything) {
   std::vector<DesignFile> files;
   for (const char* tag : kNoNames) {
-    EXPECT_TRUE(database_.AppendDesignFileListToDOMElement(document_.root(), "list", tag, files,
+    ASSERT_TRUE(database_.AppendDesignFileListToDOMElement(document_.root(), "list", tag, files,
                                                            kNamespace, kPrefix))
         << testing::PrintToString(tag);
     EXPECT_EQ(Show(Appended().back()), "<list/>");
