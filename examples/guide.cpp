@@ -8,6 +8,7 @@
 #include <kel/diag.h>
 #include <projectdb/compare.h>
 #include <projectdb/durable_export.h>
+#include <projectdb/merge.h>
 #include <projectdb/project_contents.h>
 #include <projectdb/project_db.h>
 
@@ -96,6 +97,20 @@ void ShowChanges(const projectdb::KelProjectDatabase& before,
   // [comparing]
 }
 
+projectdb::ProjectContents BringTogether(const projectdb::ProjectContents& base,
+                                         const projectdb::ProjectContents& ours,
+                                         const projectdb::ProjectContents& theirs) {
+  // [merging]
+  const projectdb::MergedProjects merged = projectdb::MergeProjects(base, ours, theirs);
+  for (const projectdb::MergeConflict& conflict : merged.conflicts) {
+    std::cout << conflict.what << " " << conflict.where << ": " << conflict.base.value_or("(none)")
+              << " became " << conflict.ours.value_or("(none)") << ", not "
+              << conflict.theirs.value_or("(none)") << "\n";
+  }
+  // [merging]
+  return merged.contents;
+}
+
 }  // namespace
 
 int main() {
@@ -112,5 +127,12 @@ int main() {
   if (!Open(loaded, "lantern.xml")) return 1;
   loaded.SetDeviceModel("Q8R60");
   ShowChanges(database, loaded);
+
+  const projectdb::ProjectContents base = projectdb::GetProjectContents(database);
+  projectdb::ProjectContents theirs = base;
+  theirs.device_info.device = "Q8R40";
+  theirs.misc_files.emplace_back("todo.txt", "", "");
+  const auto merged = BringTogether(base, projectdb::GetProjectContents(loaded), theirs);
+  std::cout << merged.misc_files.size() << " files\n";
   return 0;
 }

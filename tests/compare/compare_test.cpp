@@ -18,6 +18,7 @@
 
 #include "contents/record_text.h"
 #include "testing/complete_project.h"
+#include "testing/generated_projects.h"
 #include "testing/project_differences.h"
 
 namespace {
@@ -26,7 +27,11 @@ using namespace projectdb;
 using test_support::AllDifferences;
 using test_support::CompleteProject;
 using test_support::Lines;
+using test_support::OneFile;
+using test_support::PickTwoProjects;
+using test_support::RowsOf;
 using test_support::Show;
+using test_support::Text;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -364,159 +369,18 @@ TEST(Compare, CompareProjects_AHundredThousandFilesAndOnePutInFront_GivesOneDiff
 
 // Whatever projects.
 
-rc::Gen<std::string> Text() {
-  return rc::gen::element<std::string>("", "a", "b", "c", "a b", "\"a\"", "x.y");
-}
-/// Small, for a project has many of them.
-template <typename Record>
-rc::Gen<std::vector<Record>> Few(rc::Gen<Record> record) {
-  return rc::gen::resize(5, rc::gen::container<std::vector<Record>>(std::move(record)));
-}
-
 rc::Gen<std::vector<std::string>> TextList() {
   return rc::gen::container<std::vector<std::string>>(Text());
 }
-rc::Gen<DesignFile> OneFile() { return rc::gen::construct<DesignFile>(Text(), Text(), Text()); }
 
 rc::Gen<std::vector<DesignFile>> FileList() {
   return rc::gen::container<std::vector<DesignFile>>(OneFile());
 }
-rc::Gen<Parameter> OneParameter() {
-  const auto type =
-      rc::gen::map(rc::gen::inRange(0, 6), [](int i) { return static_cast<ParameterType>(i); });
-  return rc::gen::construct<Parameter>(Text(), Text(), type);
-}
-
-IP PickIp() {
-  IP ip{*Text(), *Text(), {}};
-  for (const std::string& name : *Few(Text())) ip.src_files.push_back({name});
-  return ip;
-}
-
-SortedParameters PickParameters() {
-  SortedParameters parameters;
-  for (const std::string& key : *Few(Text())) parameters.emplace(key, *OneParameter());
-  return parameters;
-}
-
-FlowProcessContents PickProcess() {
-  FlowProcessContents process{*Text(), *Text(), {}};
-  for (const std::string& name : *Few(Text())) process.parameter_maps[name] = PickParameters();
-  process.parameters = *Few(OneParameter());
-  return process;
-}
-
-template <typename Pick>
-auto PickSeveral(std::size_t most, Pick pick) {
-  std::vector<decltype(pick())> records;
-  for (auto i = *rc::gen::inRange<std::size_t>(0, most + 1); i > 0; --i) records.push_back(pick());
-  return records;
-}
-
-/// Gives one part of a project another content.
-using ChangePart = void (*)(ProjectContents&);
-
-const ChangePart kParts[] = {
-    [](auto& p) { p.project_name = *Text(); },
-    [](auto& p) { p.current_path = *Text(); },
-    [](auto& p) { p.software_version = *Text(); },
-    [](auto& p) { p.last_modify_time = *Text(); },
-    [](auto& p) { p.info_attributes[*Text()] = *Text(); },
-    [](auto& p) { p.info_attributes.erase(*Text()); },
-    [](auto& p) { p.device_info.family = *Text(); },
-    [](auto& p) { p.device_info.device = *Text(); },
-    [](auto& p) { p.device_info.timing_model = *Text(); },
-    [](auto& p) { p.design_info.top_module = *Text(); },
-    [](auto& p) { p.design_info.top_vhdl_arch = *Text(); },
-    [](auto& p) { p.design_info.def_veri_version = *Text(); },
-    [](auto& p) { p.design_info.def_vhdl_version = *Text(); },
-    [](auto& p) { p.design_info.design_files = *Few(OneFile()); },
-    [](auto& p) { p.design_constraint.sdc_files = *Few(Text()); },
-    [](auto& p) { p.design_constraint.inter_file = *Text(); },
-    [](auto& p) { p.design_isf.isf_files = *Few(Text()); },
-    [](auto& p) { p.sim_files = *Few(OneFile()); },
-    [](auto& p) { p.misc_files = *Few(OneFile()); },
-    [](auto& p) { p.ip_info.ips = PickSeveral(4, PickIp); },
-    [](auto& p) { p.flow_processes = PickSeveral(5, PickProcess); },
-    [](auto& p) { p.flow_processes.resize(4); },
-    [](auto& p) {
-      if (!p.flow_processes.empty()) p.flow_processes.back().parameter_maps[*Text()].clear();
-    },
-    [](auto& p) {
-      if (!p.flow_processes.empty()) {
-        p.flow_processes.back().parameter_maps[*Text()].emplace(*Text(), *OneParameter());
-      }
-    },
-};
-
-void ChangeParts(ProjectContents& project, std::size_t most) {
-  for (auto i = *rc::gen::inRange<std::size_t>(0, most + 1); i > 0; --i) {
-    kParts[*rc::gen::inRange<std::size_t>(0, std::size(kParts))](project);
-  }
-}
-
-/// Some project and another that was made of it.
-std::pair<ProjectContents, ProjectContents> PickTwoProjects() {
-  ProjectContents before;
-  ChangeParts(before, 40);
-  ProjectContents after = before;
-  ChangeParts(after, *rc::gen::element<std::size_t>(2, 40));
-  return {before, after};
-}
-
-/// All that counts in a project, each record as its fields.
-class Rows {
- public:
-  explicit Rows(const ProjectContents& project) {
-    const DesignInfo& design = project.design_info;
-    rows_ = {{project.project_name, project.device_info.family, project.device_info.device,
-              project.device_info.timing_model, design.top_module, design.top_vhdl_arch,
-              design.def_veri_version, design.def_vhdl_version,
-              project.design_constraint.inter_file}};
-    for (const auto& [name, value] : project.info_attributes) Add({"info", name, value});
-    AddFiles("design", design.design_files);
-    AddFiles("sim", project.sim_files);
-    AddFiles("misc", project.misc_files);
-    for (const auto& name : project.design_constraint.sdc_files) Add({"sdc", name});
-    for (const auto& name : project.design_isf.isf_files) Add({"isf", name});
-    for (const IP& ip : project.ip_info.ips) AddIp(ip);
-    for (const FlowProcessContents& process : project.flow_processes) AddProcess(process);
-  }
-
-  bool operator==(const Rows& other) const { return rows_ == other.rows_; }
-
- private:
-  void Add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
-
-  void AddFiles(const char* title, const std::vector<DesignFile>& files) {
-    for (const DesignFile& file : files) Add({title, file.name, file.version, file.library});
-  }
-
-  void AddIp(const IP& ip) {
-    Add({"ip", ip.instance_name, ip.path});
-    for (const IPSrcFile& file : ip.src_files) Add({"ip file", file.name});
-  }
-
-  void AddProcess(const FlowProcessContents& process) {
-    Add({"process", process.name, process.tool_name});
-    for (const auto& [map, parameters] : process.parameter_maps) {
-      for (const auto& [key, parameter] : parameters) AddParameter(map, key, parameter);
-    }
-    for (const Parameter& parameter : process.parameters) AddParameter("", "", parameter);
-    Add({"end of process"});
-  }
-
-  void AddParameter(const std::string& map, const std::string& key, const Parameter& parameter) {
-    Add({map, key, parameter.name, parameter.value, std::to_string(parameter.type)});
-  }
-
-  std::vector<std::vector<std::string>> rows_;
-};
 
 TEST(CompareAnyProjects, CompareProjects_TwoProjects_GivesNothingOnlyIfTheyAreEqual) {
   EXPECT_TRUE(rc::check([] {
     const auto [before, after] = PickTwoProjects();
-    RC_ASSERT(Differences(before, after).empty() == (Rows(before) == Rows(after)));
+    RC_ASSERT(Differences(before, after).empty() == (RowsOf(before) == RowsOf(after)));
   }));
 }
 

@@ -9,6 +9,7 @@
 
 #include <projectdb/vocabulary.h>
 
+#include "compare/field_texts.h"
 #include "compare/sequence_alignment.h"
 #include "contents/record_text.h"
 
@@ -16,7 +17,6 @@ namespace projectdb {
 namespace {
 
 using Alignment = std::vector<AlignedEntries>;
-using OptionalText = std::optional<std::string>;
 using Texts = std::vector<std::string>;
 
 /// The entries of a list, each seen in three ways.
@@ -35,14 +35,6 @@ List ListOf(const std::vector<Record>& records) {
   }
   list.keys = list.texts;
   return list;
-}
-
-List ListOf(const Texts& texts) { return {texts, texts, texts}; }
-
-List ListOf(const std::vector<IPSrcFile>& files) {
-  Texts names;
-  for (const IPSrcFile& file : files) names.push_back(NameOf(file));
-  return ListOf(names);
 }
 
 /// The entries of two lists from one place to another.
@@ -134,54 +126,12 @@ List InstanceList(const std::vector<IP>& ips, const std::set<std::string_view>& 
   return list;
 }
 
-OptionalText TextIn(const std::map<std::string, std::string>& texts, const std::string& key) {
-  const auto entry = texts.find(key);
-  return entry == texts.end() ? OptionalText() : entry->second;
-}
-
-OptionalText TextIn(const SortedParameters& parameters, const std::string& key) {
-  const auto entry = parameters.find(key);
-  return entry == parameters.end() ? OptionalText() : TextUnderKey(key, entry->second);
-}
-
-// Without a process there is no text either, which is not the same as an empty one.
-OptionalText FieldIn(const FlowProcessContents* process,
-                     const Access<FlowProcessContents, std::string>& access) {
-  return process ? OptionalText(access(*process)) : std::nullopt;
-}
-
-template <typename Field>
-const Field& FieldIn(const FlowProcessContents* process,
-                     const Access<FlowProcessContents, Field>& access) {
-  static const Field none;
-  return process ? access(*process) : none;
-}
-
-template <typename Map>
-std::set<std::string> KeysOf(const Map& before, const Map& after) {
-  std::set<std::string> keys;
-  for (const auto& [key, value] : before) keys.insert(key);
-  for (const auto& [key, value] : after) keys.insert(key);
-  return keys;
-}
-
-const SortedParameters& MapOf(const ParameterMaps& maps, const std::string& name) {
-  static const SortedParameters empty;
-  const auto map = maps.find(name);
-  return map == maps.end() ? empty : map->second;
-}
-
-// A file that is written or loaded elsewhere holds the same project.
-bool IsCompared(const ProjectTerm& term) {
-  return term.kind != TermKind::kStamp && term.kind != TermKind::kDirectory;
-}
-
 /// Collects the differences between two projects.
 class Comparison {
  public:
   void Compare(const ProjectContents& before, const ProjectContents& after) {
     for (const ProjectTerm& term : ProjectTerms()) {
-      if (IsCompared(term)) CompareTerm("", term, before, after);
+      if (IsCompared(term)) CompareTerm("", term, &before, &after);
     }
     CompareProcesses(before.flow_processes, after.flow_processes);
   }
@@ -190,18 +140,19 @@ class Comparison {
 
  private:
   template <typename Term, typename Record>
-  void CompareTerm(std::string prefix, const Term& term, const Record& before,
-                   const Record& after) {
+  void CompareTerm(std::string prefix, const Term& term, const Record* before,
+                   const Record* after) {
     const std::string key = std::move(prefix.append(term.key));
-    std::visit([&](const auto& access) { CompareFields(key, access(before), access(after)); },
-               term.access);
+    const auto compare = [&](const auto& access) {
+      CompareFields(key, FieldIn(before, access), FieldIn(after, access));
+    };
+    std::visit(compare, term.access);
   }
 
   void CompareProcesses(const std::vector<FlowProcessContents>& before,
                         const std::vector<FlowProcessContents>& after) {
     for (std::size_t i = 0; i < std::max(before.size(), after.size()); ++i) {
-      CompareProcess(i < kFlowProcesses.size() ? kFlowProcesses.at(i).name : std::to_string(i),
-                     i < before.size() ? &before[i] : nullptr,
+      CompareProcess(FlowProcessKey(i), i < before.size() ? &before[i] : nullptr,
                      i < after.size() ? &after[i] : nullptr);
     }
   }
@@ -209,12 +160,7 @@ class Comparison {
   void CompareProcess(const std::string& name, const FlowProcessContents* before,
                       const FlowProcessContents* after) {
     for (const FlowProcessTerm& term : FlowProcessTerms()) {
-      const std::string key = (name + ".").append(term.key);
-      std::visit(
-          [&](const auto& access) {
-            CompareFields(key, FieldIn(before, access), FieldIn(after, access));
-          },
-          term.access);
+      CompareTerm(name + ".", term, before, after);
     }
   }
 
@@ -266,7 +212,7 @@ class Comparison {
 
   void CompareInstances(const std::string& what, const IP& before, const IP& after) {
     const std::string prefix = what + "." + NameOf(before) + ".";
-    for (const IPTerm& term : IPTerms()) CompareTerm(prefix, term, before, after);
+    for (const IPTerm& term : IPTerms()) CompareTerm(prefix, term, &before, &after);
   }
 
   void AddListDifferences(const std::string& what, const List& before, const List& after,

@@ -1,9 +1,7 @@
 #include "compare/sequence_alignment.h"
 
 #include <algorithm>
-#include <limits>
 #include <map>
-#include <numeric>
 #include <optional>
 #include <utility>
 
@@ -142,63 +140,6 @@ class ShortestEdit {
   std::vector<std::vector<std::size_t>>
       rounds_;  ///< By edits and by removals, how far a diagonal leads.
 };
-
-/// The positions of a sequence, sorted by what stands there.
-std::vector<std::size_t> SortedPositions(const std::vector<std::size_t>& numbers) {
-  std::vector<std::size_t> positions(numbers.size());
-  std::iota(positions.begin(), positions.end(), std::size_t{0});
-  std::sort(positions.begin(), positions.end(), [&](std::size_t a, std::size_t b) {
-    return std::pair(numbers[a], a) < std::pair(numbers[b], b);
-  });
-  return positions;
-}
-
-/// Each entry with its equal, the first with the first, the second with the second and so on; in
-/// the order of the first sequence.
-Alignment PairEqualEntries(const std::vector<std::size_t>& before,
-                           const std::vector<std::size_t>& after) {
-  const std::vector<std::size_t> before_sorted = SortedPositions(before);
-  const std::vector<std::size_t> after_sorted = SortedPositions(after);
-  Alignment pairs;
-  auto b = before_sorted.begin();
-  auto a = after_sorted.begin();
-  while (b != before_sorted.end() && a != after_sorted.end()) {
-    if (before[*b] == after[*a]) {
-      pairs.push_back({*b++, *a++});
-    } else if (before[*b] < after[*a]) {
-      ++b;
-    } else {
-      ++a;
-    }
-  }
-  std::sort(pairs.begin(), pairs.end(),
-            [](const AlignedEntries& x, const AlignedEntries& y) { return x.before < y.before; });
-  return pairs;
-}
-
-/// As many of the pairs as can stand in ascending order of both positions; they are in that of one.
-Alignment LongestAscent(const Alignment& pairs) {
-  constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
-  std::vector<std::size_t> ends;  // By length less one, the lowest end of an ascent.
-  std::vector<std::size_t> former(pairs.size(), kNone);
-  for (std::size_t i = 0; i < pairs.size(); ++i) {
-    const auto place = std::lower_bound(
-        ends.begin(), ends.end(), pairs[i].after,
-        [&](std::size_t end, std::size_t after) { return pairs[end].after < after; });
-    if (place != ends.begin()) former[i] = *(place - 1);
-    if (place == ends.end()) {
-      ends.push_back(i);
-    } else {
-      *place = i;
-    }
-  }
-  Alignment ascent;
-  for (std::size_t i = ends.empty() ? kNone : ends.back(); i != kNone; i = former[i]) {
-    ascent.push_back(pairs[i]);
-  }
-  std::reverse(ascent.begin(), ascent.end());
-  return ascent;
-}
 
 // A sequence that is turned around needs many edits, but repeats nothing.
 Alignment AlignNumbers(const std::vector<std::size_t>& before,

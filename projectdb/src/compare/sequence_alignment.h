@@ -4,13 +4,9 @@
 #include <string_view>
 #include <vector>
 
-namespace projectdb {
+#include "compare/entry_pairs.h"
 
-/// The positions in two sequences of two entries that stand side by side.
-struct AlignedEntries {
-  std::size_t before;
-  std::size_t after;
-};
+namespace projectdb {
 
 /// Puts equal entries of two sequences side by side, in ascending order of both positions.
 ///

@@ -13,6 +13,10 @@ namespace projectdb {
 /// In double quotes; quotes, backslashes and control characters are escaped as in C.
 std::string QuotedText(std::string_view text);
 
+/// An entry of a list of names is shown as it is.
+inline const std::string& TextOf(const std::string& name) { return name; }
+inline const std::string& TextOf(const IPSrcFile& file) { return file.name; }
+
 /// "src/top.v version=v2001 library=work"
 std::string TextOf(const DesignFile& file);
 
