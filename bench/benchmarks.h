@@ -29,6 +29,9 @@ void RegisterAdderBenchmarks();
 /// Single values, one against the same map under the same lock.
 void RegisterParameterBenchmarks();
 
+/// A merge against one comparison of two of its projects.
+void RegisterMergeBenchmarks();
+
 /// What a comparison gives of its two sides: nanoseconds for each element, or bytes.
 inline constexpr char kLibrary[] = "library";
 inline constexpr char kBare[] = "bare";

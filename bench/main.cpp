@@ -17,6 +17,7 @@ int Run(int argument_count, char** arguments) {
   bench::RegisterGetterBenchmarks();
   bench::RegisterAdderBenchmarks();
   bench::RegisterParameterBenchmarks();
+  bench::RegisterMergeBenchmarks();
   bench::TableReporter reporter;
   return benchmark::RunSpecifiedBenchmarks(&reporter) > 0 ? 0 : 1;
 }

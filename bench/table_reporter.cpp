@@ -28,7 +28,10 @@ constexpr Target kTargets[] = {{"load", 1.08, 10'000},
                                {"peak_memory_export", 1.00, 10'000},
                                {"GetDesignFileList", 1.2, 100'000},
                                {"AddDesignRTLFile", 1.1, 100'000},
-                               {"GetFlowProcessParameterValue", 1.5, 100}};
+                               {"GetFlowProcessParameterValue", 1.5, 100},
+                               {"merge", 3.0, 100'000},
+                               {"merge_shuffled", 3.0, 100'000},
+                               {"merge_repetitive", 3.0, 100'000}};
 
 // Of the time that an element takes in a large project against that in a small one.
 constexpr double kGrowthTarget = 1.25;
