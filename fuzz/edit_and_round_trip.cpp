@@ -18,8 +18,8 @@
 #include <xercesc/util/XMLException.hpp>
 
 #include "checks.h"
-#include "fuzz_input.h"
 #include "memory_file.h"
+#include "record_input.h"
 #include "round_trip.h"
 #include "testing/dom_document.h"
 #include "testing/project_loading.h"
@@ -47,39 +47,16 @@ struct Files {
 };
 
 // What the operations work on, and where their arguments come from.
-struct Run {
-  Files& files;
-  fuzz::Input input;
-  KelProjectDatabase database;
-  int files_left = 4;
+struct Run : fuzz::RecordInput {
+  Run(std::string_view bytes, Files& files_of_process)
+      : fuzz::RecordInput(bytes), files(files_of_process) {}
 
-  std::string Text() { return input.Text(); }
-  ProcType Process() { return static_cast<ProcType>(input.Number()); }
-  ParameterType Type() { return static_cast<ParameterType>(input.Number()); }
-  Parameter OneParameter() {
-    std::string name = Text();
-    std::string value = Text();
-    return Parameter(name, value, Type());
-  }
-  DesignFile OneFile() {
-    std::string name = Text();
-    std::string version = Text();
-    return DesignFile(name, version, Text());
-  }
-  template <typename Make>
-  auto Several(Make make) {
-    std::vector<decltype(make())> records;
-    for (unsigned count = input.Byte() % 10U; count > 0; --count) records.push_back(make());
-    return records;
-  }
-  std::vector<Parameter> Parameters() {
-    return Several([this] { return OneParameter(); });
-  }
-  std::vector<DesignFile> DesignFiles() {
-    return Several([this] { return OneFile(); });
-  }
   /// Files take long, so an input gets a few only.
   bool MayUseFile() { return files_left-- > 0; }
+
+  Files& files;
+  KelProjectDatabase database;
+  int files_left = 4;
 };
 
 using Operation = void (*)(Run&);
@@ -166,7 +143,7 @@ void AddTestBenches(Run& run) {
 void AddMiscellaneous(Run& run) { run.database.AddMiscellaneousFile(run.Text()); }
 
 void AddMiscellaneousList(Run& run) {
-  auto names = run.input.Texts();
+  auto names = run.Texts();
   run.database.AddMiscellaneousFile(names);
 }
 
@@ -181,7 +158,7 @@ void AddConstraint(Run& run) {
 }
 
 void AddConstraints(Run& run) {
-  AllowingBadNames([&] { run.database.AddTimingConstraintFile(run.input.Texts()); });
+  AllowingBadNames([&] { run.database.AddTimingConstraintFile(run.Texts()); });
 }
 
 void SetInterfaceConstraint(Run& run) {
@@ -282,7 +259,7 @@ void ChangeMapIndex(Run& run) {
   FlowProcess* process = run.database.GetFlowProcess(run.Process());
   if (!process) return;
   if (process->parameter_maps.size() < 10) process->parameter_maps.emplace_back();
-  process->parameter_map_index[run.Text()] = static_cast<std::int16_t>(run.input.Number());
+  process->parameter_map_index[run.Text()] = static_cast<std::int16_t>(run.Number());
 }
 
 void EraseFromMap(Run& run) {
@@ -377,7 +354,7 @@ void GetToolParameters(Run& run) {
 
 void GetThreadCounts(Run& run) {
   const std::string text = run.Text();
-  const auto default_number = static_cast<std::uint64_t>(run.input.Number());
+  const auto default_number = static_cast<std::uint64_t>(run.Number());
   const auto check = [&](std::uint64_t count) {
     Require(count != 0 && (count <= 65535 || count == default_number), "a thread count is wrong");
   };
@@ -464,7 +441,7 @@ void ExportToStrangePath(Run& run) {
 // Writers of DOM elements, each with a parent, a namespace and a prefix of which any may be null.
 
 std::optional<std::u16string> WideText(Run& run) {
-  if (run.input.Byte() % 4U == 0) return std::nullopt;
+  if (run.Byte() % 4U == 0) return std::nullopt;
   std::u16string text;
   for (const char c : run.Text()) text += static_cast<char16_t>(static_cast<unsigned char>(c));
   return text;
@@ -473,7 +450,7 @@ std::optional<std::u16string> WideText(Run& run) {
 template <typename Write>
 void WriteElement(Run& run, Write write) {
   const test_support::DomDocument document;
-  DOMElement* const parent = run.input.Byte() % 8U == 0 ? nullptr : document.root();
+  DOMElement* const parent = run.Byte() % 8U == 0 ? nullptr : document.root();
   const auto uri = WideText(run);
   const auto prefix = WideText(run);
   bool written = false;
@@ -502,12 +479,6 @@ void WriteTaggedRecord(Run& run, Record record) {
   });
 }
 
-projectdb::IP OneIp(Run& run) {
-  projectdb::IP ip{run.Text(), run.Text(), {}};
-  for (const std::string& name : run.input.Texts()) ip.src_files.push_back({name});
-  return ip;
-}
-
 void WriteDeviceInfo(Run& run) {
   std::string family = run.Text();
   std::string device = run.Text();
@@ -528,14 +499,14 @@ void WriteDesignInfo(Run& run) {
 
 void WriteConstraint(Run& run) {
   projectdb::DesignConstraint constraint;
-  constraint.sdc_files = run.input.Texts();
+  constraint.sdc_files = run.Texts();
   constraint.inter_file = run.Text();
   WriteRecord<&KelProjectDatabase::AppendDesignConstraintToDOMElement>(run, constraint);
 }
 
 void WriteIsf(Run& run) {
   projectdb::DesignISF isf;
-  isf.isf_files = run.input.Texts();
+  isf.isf_files = run.Texts();
   WriteRecord<&KelProjectDatabase::AppendISFToDOMElement>(run, isf);
 }
 
@@ -555,12 +526,12 @@ void WriteDesignFile(Run& run) {
 
 void WriteIpInfo(Run& run) {
   projectdb::IPInfo info;
-  info.ips.push_back(OneIp(run));
+  info.ips.push_back(run.OneIp());
   WriteRecord<&KelProjectDatabase::AppendIPInfoToDOMElement>(run, info);
 }
 
 void WriteIp(Run& run) {
-  WriteTaggedRecord<&KelProjectDatabase::AppendIPInstanceToDOMElement>(run, OneIp(run));
+  WriteTaggedRecord<&KelProjectDatabase::AppendIPInstanceToDOMElement>(run, run.OneIp());
 }
 
 void WriteIpFile(Run& run) {
@@ -585,7 +556,7 @@ void WriteProcess(Run& run) {
   for (const Parameter& parameter : run.Parameters()) {
     process.parameter_maps.front().insert_or_assign(parameter.name, parameter);
   }
-  process.parameter_map_index[run.Text()] = static_cast<std::int16_t>(run.input.Number());
+  process.parameter_map_index[run.Text()] = static_cast<std::int16_t>(run.Number());
   WriteRecord<&KelProjectDatabase::AppendFlowProcessToDOMElement>(run, process);
 }
 
@@ -652,9 +623,9 @@ constexpr int kMostOperations = 200;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static Files files;
   static const auto former_handler = Diag::GlobalInst().SetHandler([](const Diag::DiagStorage&) {});
-  Run run{files, fuzz::Input({reinterpret_cast<const char*>(data), size}), {}};
-  for (int count = 0; count < kMostOperations && !run.input.empty(); ++count) {
-    const std::size_t operation = run.input.Byte() % 128U;
+  Run run({reinterpret_cast<const char*>(data), size}, files);
+  for (int count = 0; count < kMostOperations && !run.empty(); ++count) {
+    const std::size_t operation = run.Byte() % 128U;
     if (operation < kOperations.size()) kOperations.at(operation)(run);
   }
   fuzz::ExportAndCheck(run.database, files.exported);

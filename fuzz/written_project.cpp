@@ -49,6 +49,11 @@ void ForEachProcess(const KelProjectDatabase& database, Visit visit) {
   }
 }
 
+// A load passes over names that are empty in these lists.
+void RemoveEmptyNames(std::vector<std::string>& names) {
+  names.erase(std::remove(names.begin(), names.end(), ""), names.end());
+}
+
 // Plain parameters are not written, and a type outside the four is written as none.
 FlowProcessContents ProcessForFile(FlowProcessContents process, std::size_t type) {
   process.name = kFlowProcesses.at(type).name;
@@ -148,6 +153,8 @@ ProjectContents ContentsForFile(const KelProjectDatabase& database,
   project.current_path.clear();
   project.software_version.clear();
   project.last_modify_time.clear();
+  RemoveEmptyNames(project.design_constraint.sdc_files);
+  RemoveEmptyNames(project.design_isf.isf_files);
   ForEachProcess(written, [&](std::size_t type, const FlowProcess& process) {
     FlowProcessContents& contents = project.flow_processes.at(type);
     const bool comes_back = IsProcessOfTheFormat(type, process.name);
