@@ -285,6 +285,13 @@ const ProjectMergeCase kProjectMerges[] = {
      [](auto& p) { p.flow_processes.resize(3); },
      {"debugger.tool: dbg -> nothing | probe"}},
 
+    {"process removed by ours, parameter added by theirs",
+     [](auto& p) { p.flow_processes.resize(3); },
+     [](auto& p) { MapIn(p, e_debugger, "new").emplace("x", Parameter("x", "1", e_bool)); },
+     [](auto& p) {
+       p.flow_processes[e_debugger] = {"", "", {{"new", {{"x", Parameter("x", "1", e_bool)}}}}};
+     }},
+
     {"design files of both sides",
      [](auto& p) { p.design_info.design_files.emplace_back("ours.v", "", ""); },
      [](auto& p) { p.design_info.design_files.emplace_back("theirs.v", "", ""); },
@@ -296,6 +303,17 @@ const ProjectMergeCase kProjectMerges[] = {
      [](auto& p) { p.design_info.design_files[1].version = "93"; },
      [](auto& p) { p.design_info.design_files[1].library = "work"; },
      [](auto& p) { p.design_info.design_files[1].version = "93"; },
+     {"design.files[1]: b.vhd library=lib -> b.vhd version=93 library=lib | b.vhd library=work"}},
+    {"design file changed differently behind an added one",
+     [](auto& p) {
+       p.design_info.design_files[1].version = "93";
+       p.design_info.design_files.insert(p.design_info.design_files.begin(), {"ours.v", "", ""});
+     },
+     [](auto& p) { p.design_info.design_files[1].library = "work"; },
+     [](auto& p) {
+       p.design_info.design_files[1].version = "93";
+       p.design_info.design_files.insert(p.design_info.design_files.begin(), {"ours.v", "", ""});
+     },
      {"design.files[1]: b.vhd library=lib -> b.vhd version=93 library=lib | b.vhd library=work"}},
     {"simulation file removed by ours, changed by theirs",
      [](auto& p) { p.sim_files.clear(); },
