@@ -5,10 +5,7 @@
 namespace test_support {
 namespace {
 
-using projectdb::FlowProcessContents;
-using projectdb::KelProjectDatabase;
-using projectdb::ProjectContents;
-using projectdb::ProjectDifference;
+using namespace projectdb;
 
 std::string Show(const std::optional<std::string>& text) {
   return text ? '"' + *text + '"' : "nothing";
@@ -37,7 +34,7 @@ Lines Show(const std::vector<ProjectDifference>& differences) {
 }
 
 Lines DifferencesButStamps(const ProjectContents& before, const ProjectContents& after) {
-  auto differences = projectdb::CompareProjects(before, after);
+  auto differences = CompareProjects(before, after);
   if (before.current_path != after.current_path) {
     differences.push_back({"directory", "", before.current_path, after.current_path});
   }
@@ -49,7 +46,7 @@ Lines AllDifferences(const ProjectContents& before, const ProjectContents& after
 }
 
 Lines AllDifferences(const ProjectContents& before, const KelProjectDatabase& after) {
-  return AllDifferences(before, projectdb::GetProjectContents(after));
+  return AllDifferences(before, GetProjectContents(after));
 }
 
 Lines ProjectLines(const KelProjectDatabase& database) {
@@ -58,7 +55,7 @@ Lines ProjectLines(const KelProjectDatabase& database) {
   empty.flow_processes.assign(4, FlowProcessContents());
   Lines lines;
   for (const auto& difference :
-       projectdb::CompareProjects(WithStamps(empty), WithStamps(GetProjectContents(database)))) {
+       CompareProjects(WithStamps(empty), WithStamps(GetProjectContents(database)))) {
     lines.push_back(PlaceOf(difference) + difference.after.value_or("nothing"));
   }
   return lines;

@@ -1,22 +1,10 @@
 #include <algorithm>
 #include <cstdlib>
-#include <functional>
 #include <memory>
-#include <new>
-#include <optional>
-#include <string>
-#include <utility>
-#include <vector>
 
-#include <gtest/gtest.h>
-
-#include <projectdb/project_db.h>
-
-#include "testing/files.h"
 #include "testing/flow_processes.h"
-#include "testing/message_recorder.h"
 #include "testing/project_loading.h"
-#include "testing/temporary_directory.h"
+#include "testing/test.h"
 #include "tests/allocation/failing_allocation.h"
 #include "tests/allocation/long_text.h"
 
@@ -30,8 +18,6 @@ using Db = KelProjectDatabase;
 void Nothing(Db&) {}
 
 bool HasProcesses(const Db& database) { return database.GetFlowProcess(e_synthesis) != nullptr; }
-
-// --- setting up and creating ---
 
 TEST(OutOfMemory, SetupProjectDatabase_AnyAllocationFails_LeavesNoProjectOrABlockWithoutProcesses) {
   int blocks_without_processes = 0;
@@ -80,14 +66,12 @@ TEST(OutOfMemory, CleanProjectDatabase_NoMemoryLeft_StillDiscardsTheProject) {
   EXPECT_FALSE(database.IsProjectDatabaseExist());
 }
 
-// --- changing a project ---
-
 /// An operation, with the smaller steps that it may stop between; an operation without steps is
 /// done wholly or not at all.
 struct Change {
   const char* name;
   Operation operation;
-  std::vector<Operation> steps;
+  std::vector<Operation> steps = {};
 };
 
 void FillProject(Db& database) {
@@ -130,8 +114,47 @@ struct Samples {
   std::string param = "param";
 };
 
-std::vector<Change> Setters() {
-  const auto samples = std::make_shared<Samples>();
+/// The texts and records that the operations are handed.
+const Samples kSamples;
+
+std::vector<Change> Changes() {
+  const auto& s = kSamples;
+  std::vector<Change> changes = {
+      {"SetInterfaceConstraint", [&](Db& db) { db.SetInterfaceConstraint(s.interface_file); }},
+      {"SetFlowProcessName", [&](Db& db) { db.SetFlowProcessName(e_debugger, s.name.c_str()); }},
+      {"AddDesignRTLFile", [&](Db& db) { db.AddDesignRTLFile(s.name, s.version, s.library); }},
+      {"AddDesignRTLFileVector", [files = s.files](Db& db) mutable { db.AddDesignRTLFile(files); }},
+      {"AddSimulationTestBenchFile",
+       [&](Db& db) { db.AddSimulationTestBenchFile(s.name, s.version); }},
+      {"AddSimulationTestBenchFileVector",
+       [files = s.files](Db& db) mutable { db.AddSimulationTestBenchFile(files); }},
+      {"AddMiscellaneousFile", [&](Db& db) { db.AddMiscellaneousFile(s.name); }},
+      {"AddMiscellaneousFileVector",
+       [names = s.names](Db& db) mutable { db.AddMiscellaneousFile(names); }},
+      {"AddTimingConstraintFile", [&](Db& db) { db.AddTimingConstraintFile(s.first_sdc); }},
+      {"AddTimingConstraintFileVector",
+       [&](Db& db) { db.AddTimingConstraintFile(s.sdc_files); },
+       {[&](Db& db) { db.AddTimingConstraintFile(s.first_sdc); },
+        [&](Db& db) { db.AddTimingConstraintFile(s.second_sdc); }}},
+      {"AddFlowProcessParameter",
+       [&](Db& db) { db.AddFlowProcessParameter(e_synthesis, s.param, s.parameter); }},
+      {"AddFlowProcessParameterInNewMap",
+       [&](Db& db) { db.AddFlowProcessParameter(e_debugger, s.map, s.parameter); }},
+      {"AddFlowProcessParameterAgain",
+       [&](Db& db) { db.AddFlowProcessParameter(e_synthesis, s.param, s.effort); }},
+      {"AddFlowProcessParameterByParts",
+       [&](Db& db) { db.AddFlowProcessParameter(e_debugger, s.map, s.name, s.version, e_string); }},
+      {"AddFlowProcessParameterList",
+       [&](Db& db) {
+         db.AddFlowProcessParameterList(e_synthesis, s.param, {s.parameter, s.effort});
+       },
+       {[&](Db& db) { db.AddFlowProcessParameter(e_synthesis, s.param, s.parameter); },
+        [&](Db& db) { db.AddFlowProcessParameter(e_synthesis, s.param, s.effort); }}},
+      {"AddProjectInfoAttribute", [&](Db& db) { db.AddProjectInfoAttribute(s.owner, s.name); }},
+      {"AddProjectInfoAttributeAgain",
+       [&](Db& db) { db.AddProjectInfoAttribute("owner", s.name); }},
+      {"AddProjectInfoAttributeNamedName",
+       [&](Db& db) { db.AddProjectInfoAttribute("name", s.name); }}};
   const std::pair<const char*, void (Db::*)(const std::string&)> setters[] = {
       {"SetProjectName", &Db::SetProjectName},
       {"SetProjectCurrentPath", &Db::SetProjectCurrentPath},
@@ -140,85 +163,11 @@ std::vector<Change> Setters() {
       {"SetDeviceTimingModel", &Db::SetDeviceTimingModel},
       {"SetDesignTopModuleName", &Db::SetDesignTopModuleName},
       {"SetDesignTopVHDLArchitecture", &Db::SetDesignTopVHDLArchitecture},
-      {"SetSynthesisExecutableName", &Db::SetSynthesisExecutableName},
-  };
-  std::vector<Change> changes;
+      {"SetSynthesisExecutableName", &Db::SetSynthesisExecutableName}};
   for (const auto& [name, setter] : setters) {
-    changes.push_back(
-        {name, [samples, set = setter](Db& database) { (database.*set)(samples->name); }, {}});
+    changes.push_back({name, [&s, set = setter](Db& db) { (db.*set)(s.name); }});
   }
-  changes.push_back(
-      {"SetInterfaceConstraint",
-       [samples](Db& database) { database.SetInterfaceConstraint(samples->interface_file); },
-       {}});
-  changes.push_back(
-      {"SetFlowProcessName",
-       [samples](Db& database) { database.SetFlowProcessName(e_debugger, samples->name.c_str()); },
-       {}});
   return changes;
-}
-
-std::vector<Change> FileAdders() {
-  const auto s = std::make_shared<Samples>();
-  return {
-      {"AddDesignRTLFile",
-       [s](Db& database) { database.AddDesignRTLFile(s->name, s->version, s->library); },
-       {}},
-      {"AddDesignRTLFileVector", [s](Db& database) { database.AddDesignRTLFile(s->files); }, {}},
-      {"AddSimulationTestBenchFile",
-       [s](Db& database) { database.AddSimulationTestBenchFile(s->name, s->version); },
-       {}},
-      {"AddSimulationTestBenchFileVector",
-       [s](Db& database) { database.AddSimulationTestBenchFile(s->files); },
-       {}},
-      {"AddMiscellaneousFile", [s](Db& database) { database.AddMiscellaneousFile(s->name); }, {}},
-      {"AddMiscellaneousFileVector",
-       [s](Db& database) { database.AddMiscellaneousFile(s->names); },
-       {}},
-      {"AddTimingConstraintFile",
-       [s](Db& database) { database.AddTimingConstraintFile(s->first_sdc); },
-       {}},
-      {"AddTimingConstraintFileVector",
-       [s](Db& database) { database.AddTimingConstraintFile(s->sdc_files); },
-       {[s](Db& database) { database.AddTimingConstraintFile(s->first_sdc); },
-        [s](Db& database) { database.AddTimingConstraintFile(s->second_sdc); }}},
-  };
-}
-
-std::vector<Change> ParameterAndAttributeAdders() {
-  const auto s = std::make_shared<Samples>();
-  const auto add_list = [s](Db& database) {
-    database.AddFlowProcessParameterList(e_synthesis, s->param, {s->parameter, s->effort});
-  };
-  return {
-      {"AddFlowProcessParameter",
-       [s](Db& database) { database.AddFlowProcessParameter(e_synthesis, "param", s->parameter); },
-       {}},
-      {"AddFlowProcessParameterInNewMap",
-       [s](Db& database) { database.AddFlowProcessParameter(e_debugger, s->map, s->parameter); },
-       {}},
-      {"AddFlowProcessParameterAgain",
-       [s](Db& database) { database.AddFlowProcessParameter(e_synthesis, "param", s->effort); },
-       {}},
-      {"AddFlowProcessParameterByParts",
-       [s](Db& database) {
-         database.AddFlowProcessParameter(e_debugger, s->map, s->name, s->version, e_string);
-       },
-       {}},
-      {"AddFlowProcessParameterList",
-       add_list,
-       {[s](Db& database) { database.AddFlowProcessParameter(e_synthesis, "param", s->parameter); },
-        [s](Db& database) { database.AddFlowProcessParameter(e_synthesis, "param", s->effort); }}},
-      {"AddProjectInfoAttribute",
-       [s](Db& database) { database.AddProjectInfoAttribute(s->owner, s->name); },
-       {}},
-      {"AddProjectInfoAttributeAgain",
-       [s](Db& database) { database.AddProjectInfoAttribute("owner", s->name); },
-       {}},
-      {"AddProjectInfoAttributeNamedName",
-       [s](Db& database) { database.AddProjectInfoAttribute("name", s->name); },
-       {}},
-  };
 }
 
 class ChangeTest : public testing::TestWithParam<Change> {
@@ -255,16 +204,7 @@ TEST_P(ChangeTest, AnyAllocationFails_LeavesAStateAroundAStepAndSucceedsWhenTrie
   });
 }
 
-std::string NameOf(const testing::TestParamInfo<Change>& param_info) {
-  return param_info.param.name;
-}
-
-void PrintTo(const Change& change, std::ostream* out) { *out << change.name; }
-
-INSTANTIATE_TEST_SUITE_P(Setters, ChangeTest, testing::ValuesIn(Setters()), NameOf);
-INSTANTIATE_TEST_SUITE_P(FileLists, ChangeTest, testing::ValuesIn(FileAdders()), NameOf);
-INSTANTIATE_TEST_SUITE_P(ParametersAndAttributes, ChangeTest,
-                         testing::ValuesIn(ParameterAndAttributeAdders()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Operations, ChangeTest, testing::ValuesIn(Changes()), ByName());
 
 TEST(OutOfMemory, AddFlowProcessParameterMap_AnyAllocationFails_AddsTheMapWhollyOrNotAtAll) {
   WalkAllocations(
@@ -285,19 +225,18 @@ TEST(OutOfMemory, AddFlowProcessParameterMap_AnyAllocationFails_AddsTheMapWholly
 }
 
 TEST(OutOfMemory, InsertOrAssignParameterToMap_AssignmentFails_NameAndValueStayTogether) {
-  const Samples samples;
   WalkAllocations(
       FillProject,
-      [&samples](Db& database) {
+      [](Db& database) {
         ParameterMap* map = database.GetFlowProcess(e_synthesis)->parameter_maps.data();
-        Db::InsertOrAssignParameterToMap(*map, samples.effort_key, samples.renamed);
+        Db::InsertOrAssignParameterToMap(*map, kSamples.effort_key, kSamples.renamed);
       },
-      [&samples](Db& database, Outcome outcome) {
+      [](Db& database, Outcome outcome) {
         const auto stored = database.GetFlowProcessParameter(e_synthesis, "param", "effort");
         ASSERT_TRUE(stored);
         const bool is_new = outcome == Outcome::kCompleted;
-        EXPECT_EQ(stored->name, is_new ? samples.renamed.name : "effort");
-        EXPECT_EQ(stored->value, is_new ? samples.renamed.value : "high");
+        EXPECT_EQ(stored->name, is_new ? kSamples.renamed.name : "effort");
+        EXPECT_EQ(stored->value, is_new ? kSamples.renamed.value : "high");
       });
 }
 
@@ -335,8 +274,6 @@ TEST(OutOfMemory, Getters_AnyAllocationFails_LeaveTheProjectAndTheLock) {
   }
 }
 
-// --- a block without processes ---
-
 /// An object whose project has no flow processes, for memory ran out when they were made.
 class BlockWithoutProcesses : public testing::Test {
  protected:
@@ -370,25 +307,8 @@ TEST_F(BlockWithoutProcesses, CleanThenCreate_GivesAWholeProject) {
 }
 
 TEST_F(BlockWithoutProcesses, FlowProcessOperations_EachType_FindNothingAndPostNothing) {
-  const Parameter parameter("a", "1", e_string);
   const MessageRecorder recorder;
-  for (const ProcType type : kProcesses) {
-    database_->SetFlowProcessName(type, "step");
-    database_->SetFlowProcessExecutableName(type, "tool");
-    EXPECT_FALSE(database_->AddFlowProcessParameter(type, "param", parameter));
-    EXPECT_FALSE(database_->AddFlowProcessParameter(type, "param", "a", "1", e_string));
-    EXPECT_FALSE(database_->AddFlowProcessParameterList(type, "param", {parameter}));
-    EXPECT_FALSE(database_->AddFlowProcessParameterList(type, "param", {}));
-    EXPECT_EQ(database_->AddFlowProcessParameterMap(type, "param"), nullptr);
-    EXPECT_EQ(database_->GetFlowProcess(type), nullptr);
-    EXPECT_EQ(database_->FindFlowProcessParameterMap(type, "param"), nullptr);
-    EXPECT_EQ(database_->GetFlowProcessExecutableName(type), "");
-    EXPECT_FALSE(database_->GetFlowProcessParameter(type, "param", "a"));
-    EXPECT_EQ(database_->GetFlowProcessParameterValue(type, "param", "a"), "");
-    std::vector<Parameter> parameters = {parameter};
-    database_->GetFlowProcessParameterList(type, "param", parameters);
-    EXPECT_EQ(parameters.size(), 1u);
-  }
+  for (const ProcType type : kProcesses) ExpectNoFlowProcess(*database_, type);
   EXPECT_EQ(database_->GetSynthesisMaxThreads(3), 3u);
   EXPECT_EQ(database_->GetPnRMaxThreads(3), 3u);
   EXPECT_TRUE(recorder.messages().empty());

@@ -1,31 +1,23 @@
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 #include <projectdb/check.h>
 
-#include "testing/files.h"
 #include "testing/project_loading.h"
-#include "testing/temporary_directory.h"
+#include "testing/test.h"
 #include "testing/xml_platform.h"
 #include "tests/allocation/failing_allocation.h"
 
 namespace {
 
-using projectdb::CheckProjectFile;
-using projectdb::FileProblem;
-using test_support::Outcome;
-using test_support::Shortage;
+using namespace projectdb;
+using namespace test_support;
 
 /// A file with problems of many kinds.
-const std::string kProject = test_support::ProjectXml(
+const std::string kProject = ProjectXml(
     "<bogus/><package_info/>"
     "<debugger><param name=\"a\"/><param name=\"b\" value=\"1\" "
     "value_type=\"text\"/><x/></debugger>"
     "<sim_info><y/></sim_info><isf_info><isf_file/></isf_info>");
 
-std::vector<std::string> Show(const std::vector<FileProblem>& problems) {
+std::vector<std::string> ShowProblems(const std::vector<FileProblem>& problems) {
   std::vector<std::string> shown;
   for (const FileProblem& problem : problems) {
     shown.push_back(std::to_string(problem.column) + ": " + problem.message);
@@ -36,34 +28,31 @@ std::vector<std::string> Show(const std::vector<FileProblem>& problems) {
 class CheckOutOfMemory : public testing::TestWithParam<Shortage> {
  protected:
   /// A failed start of the XML library would be for the whole process.
-  test_support::XmlPlatform platform_;
-  test_support::TemporaryDirectory directory_;
+  XmlPlatform platform_;
+  TemporaryDirectory directory_;
   std::string path_ = directory_ / "p.xml";
 };
 
 TEST_P(CheckOutOfMemory, CheckProjectFile_AnyAllocationFails_ThrowsOrGivesAllProblems) {
-  test_support::WriteFile(path_, kProject);
-  const std::vector<std::string> expected = Show(CheckProjectFile(path_, ""));
+  WriteFile(path_, kProject);
+  const std::vector<std::string> expected = ShowProblems(CheckProjectFile(path_, ""));
   ASSERT_EQ(expected.size(), 7U);
-  projectdb::KelProjectDatabase unused;
+  KelProjectDatabase unused;
   Outcome outcome = Outcome::kOutOfMemory;
   long failures = 0;
   for (; outcome != Outcome::kCompleted; ++failures) {
     SCOPED_TRACE(failures);
     std::vector<FileProblem> problems;
-    outcome = test_support::RunWithFailure(
+    outcome = RunWithFailure(
         failures, GetParam(), [&](auto&) { problems = CheckProjectFile(path_, ""); }, unused);
     if (outcome != Outcome::kOutOfMemory) {
-      EXPECT_EQ(Show(problems), expected);
+      EXPECT_EQ(ShowProblems(problems), expected);
     }
   }
   EXPECT_GT(failures, 100);
 }
 
 INSTANTIATE_TEST_SUITE_P(Shortages, CheckOutOfMemory,
-                         testing::Values(Shortage::kOneAllocation, Shortage::kEveryFromThereOn),
-                         [](const auto& test_info) {
-                           return test_info.param == Shortage::kOneAllocation ? "One" : "All";
-                         });
+                         testing::Values(Shortage::kOneAllocation, Shortage::kEveryFromThereOn));
 
 }  // namespace

@@ -1,26 +1,12 @@
-#include <projectdb/compare.h>
-
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
-
-#include <projectdb/project_contents.h>
-#include <projectdb/project_db.h>
-
 #include "testing/project_differences.h"
+#include "testing/test.h"
 #include "tests/allocation/failing_allocation.h"
 #include "tests/allocation/long_text.h"
 
 namespace {
 
 using namespace projectdb;
-using test_support::AllDifferences;
-using test_support::DifferencesButStamps;
-using test_support::Lines;
-using test_support::Long;
-using test_support::Outcome;
-using test_support::WalkAllocations;
+using namespace test_support;
 
 /// A project with something in every part that a contents or a comparison copies.
 void FillEveryPart(KelProjectDatabase& database) {
@@ -81,12 +67,12 @@ TEST_F(OutOfMemoryInComparison, CompareProjects_AnyAllocationFails_LeavesTheCont
   before.ip_info.ips = {{Long("u"), Long("u.cfg"), {{Long("u.v")}}}};
   ProjectContents after = GetProjectContents(changed_);
   after.ip_info.ips = {{"new", "", {}}, {Long("u"), Long("v.cfg"), {{Long("v.v")}}}};
-  const Lines expected = test_support::Show(CompareProjects(before, after));
+  const Lines expected = Show(CompareProjects(before, after));
   ASSERT_FALSE(expected.empty());
   WalkAllocations([](KelProjectDatabase&) {},
                   [&](KelProjectDatabase&) { CompareProjects(before, after); },
                   [&](KelProjectDatabase&, Outcome) {
-                    EXPECT_EQ(test_support::Show(CompareProjects(before, after)), expected);
+                    EXPECT_EQ(Show(CompareProjects(before, after)), expected);
                   });
 }
 

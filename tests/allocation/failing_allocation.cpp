@@ -6,13 +6,15 @@
 #include <cstdlib>
 #include <new>
 #include <stdexcept>
-#include <utility>
 
-#include <gtest/gtest.h>
 #include <link.h>
 #include <xercesc/util/PlatformUtils.hpp>
 
+#include "testing/test.h"
+
 namespace {
+
+using namespace test_support;
 
 /// Allocations of this thread that still succeed before one fails; negative: none fails.
 thread_local long allocations_before_failure = -1;
@@ -115,7 +117,7 @@ void operator delete(void* memory, std::size_t) noexcept { operator delete(memor
 namespace test_support {
 namespace {
 
-using projectdb::KelProjectDatabase;
+using namespace projectdb;
 
 Outcome Run(const Operation& operation, KelProjectDatabase& database) {
   try {

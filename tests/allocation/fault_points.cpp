@@ -6,15 +6,14 @@
 #include <exception>
 #include <new>
 #include <ostream>
-#include <vector>
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include "testing/child_process.h"
+#include "testing/test.h"
 #include "tests/allocation/library_function.h"
 
 namespace test_support {

@@ -5,29 +5,17 @@
 #include <future>
 #include <iostream>
 #include <optional>
-#include <ostream>
 #include <stdexcept>
-#include <string>
 #include <string_view>
 #include <tuple>
-#include <utility>
-#include <vector>
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <projectdb/compare.h>
-#include <projectdb/durable_export.h>
-#include <projectdb/project_contents.h>
-#include <projectdb/project_db.h>
-
-#include "testing/files.h"
-#include "testing/project_differences.h"
 #include "testing/project_loading.h"
 #include "testing/sanitizers.h"
 #include "testing/saving.h"
 #include "testing/shipped_files.h"
-#include "testing/temporary_directory.h"
+#include "testing/test.h"
 #include "testing/xml_platform.h"
 #include "tests/allocation/failing_allocation.h"
 #include "tests/allocation/fault_points.h"
@@ -37,9 +25,7 @@
 namespace {
 
 using namespace test_support;
-using projectdb::GetProjectContents;
-using projectdb::KelProjectDatabase;
-using projectdb::ProjectContents;
+using namespace projectdb;
 
 /// Keeps the messages off the console, without memory.
 class Silence {
@@ -148,11 +134,17 @@ constexpr long kStrideOfLongWalks = kSanitized ? 23 : 1;
 
 const Shortage kShortages[] = {Shortage::kOneAllocation, Shortage::kEveryFromThereOn};
 
-std::string NameOf(Shortage shortage) {
-  return shortage == Shortage::kOneAllocation ? "OneAllocation" : "EveryFromThereOn";
-}
-
-// --- loading ---
+/// Names a test after its case and the shortage, or after the shortage alone.
+struct NameOf {
+  std::string operator()(const testing::TestParamInfo<Shortage>& test) const {
+    return test.param == Shortage::kOneAllocation ? "OneAllocation" : "EveryFromThereOn";
+  }
+  template <typename Case>
+  std::string operator()(const testing::TestParamInfo<std::tuple<Case, Shortage>>& test) const {
+    const auto& [row, shortage] = test.param;
+    return row.name + (*this)(testing::TestParamInfo<Shortage>(shortage, 0));
+  }
+};
 
 struct LoadCase {
   const char* name;
@@ -270,18 +262,10 @@ TEST_P(LoadOutOfMemory, LoadProjectData_AnyAllocationFails_ThrowsAndLosesNothing
   EXPECT_EQ(points.first_with_effect > points.last_in_parser, load().is_read);
 }
 
-std::string NameOfLoad(const testing::TestParamInfo<std::tuple<LoadCase, Shortage>>& param_info) {
-  return std::get<LoadCase>(param_info.param).name + NameOf(std::get<Shortage>(param_info.param));
-}
-
 INSTANTIATE_TEST_SUITE_P(Files, LoadOutOfMemory,
                          testing::Combine(testing::ValuesIn(LoadCases()),
                                           testing::ValuesIn(kShortages)),
-                         NameOfLoad);
-
-void PrintTo(const LoadCase& load, std::ostream* out) { *out << load.name; }
-
-// --- exporting ---
+                         NameOf());
 
 struct ExportCase {
   const char* name;
@@ -297,8 +281,8 @@ void Export(const KelProjectDatabase& database, const std::string& path) {
 const ExportCase kExportCases[] = {
     {"Export", Export, false, true},
     {"ExportToNewFile", Export, false, false},
-    {"DurableExport", projectdb::ExportProjectDataDurably, true, true},
-    {"DurableExportToNewFile", projectdb::ExportProjectDataDurably, true, false}};
+    {"DurableExport", ExportProjectDataDurably, true, true},
+    {"DurableExportToNewFile", ExportProjectDataDurably, true, false}};
 
 /// What stands at a path; nothing if there is no file.
 std::optional<FileState> StateOf(const std::string& path) {
@@ -359,8 +343,7 @@ class ExportOutOfMemory : public XmlOutOfMemory,
     KelProjectDatabase loaded;
     Complaints complaints;
     complaints.Unless(loaded.LoadProjectData(path_, ""), "the file does not load");
-    complaints.Unless(projectdb::CompareProjects(loaded, database).empty(),
-                      "the file is not whole");
+    complaints.Unless(CompareProjects(loaded, database).empty(), "the file is not whole");
     return complaints;
   }
 
@@ -377,19 +360,10 @@ TEST_P(ExportOutOfMemory, AnyAllocationFails_ThrowsAndLosesNothing) {
   EXPECT_EQ(points.first_with_effect >= 0, !save().is_durable);
 }
 
-std::string NameOfExport(
-    const testing::TestParamInfo<std::tuple<ExportCase, Shortage>>& param_info) {
-  return std::get<ExportCase>(param_info.param).name + NameOf(std::get<Shortage>(param_info.param));
-}
-
 INSTANTIATE_TEST_SUITE_P(Saves, ExportOutOfMemory,
                          testing::Combine(testing::ValuesIn(kExportCases),
                                           testing::ValuesIn(kShortages)),
-                         NameOfExport);
-
-void PrintTo(const ExportCase& save, std::ostream* out) { *out << save.name; }
-
-// --- the first use of the XML library ---
+                         NameOf());
 
 class FirstUseOutOfMemory : public XmlOutOfMemory, public testing::WithParamInterface<Shortage> {
  protected:
@@ -442,7 +416,6 @@ TEST_P(FirstUseOutOfMemory, ExportProjectData_AnyAllocationFails_ThrowsAndLeaves
   EXPECT_GT(points.tried, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Shortages, FirstUseOutOfMemory, testing::ValuesIn(kShortages),
-                         [](const auto& param_info) { return NameOf(param_info.param); });
+INSTANTIATE_TEST_SUITE_P(Shortages, FirstUseOutOfMemory, testing::ValuesIn(kShortages), NameOf());
 
 }  // namespace

@@ -1,10 +1,9 @@
 #include "base/utf8.h"
 
 #include <cstdint>
-#include <string>
 #include <string_view>
 
-#include <gtest/gtest.h>
+#include "testing/test.h"
 
 namespace {
 
@@ -64,10 +63,7 @@ TEST(Utf8, LeadingCharacterSize_BeyondTheLastCodePoint_IsNone) {
 
 TEST(Utf8, LeadingCharacterSize_ByteThatBeginsNoCharacter_IsNone) {
   for (const std::string_view rest : {"", "x", "\x80", "\x80\x80\x80\x80\x80"}) {
-    for (int first = 0x80; first < 0xC2; ++first) {
-      EXPECT_EQ(LeadingCharacterSize(static_cast<char>(first) + std::string(rest)), 0) << first;
-    }
-    for (int first = 0xF5; first <= 0xFF; ++first) {
+    for (int first = 0x80; first <= 0xFF; first = first == 0xC1 ? 0xF5 : first + 1) {
       EXPECT_EQ(LeadingCharacterSize(static_cast<char>(first) + std::string(rest)), 0) << first;
     }
   }

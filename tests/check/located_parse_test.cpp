@@ -1,14 +1,7 @@
 #include "check/located_parse.h"
 
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "testing/files.h"
 #include "testing/project_loading.h"
-#include "testing/temporary_directory.h"
+#include "testing/test.h"
 #include "testing/xml_platform.h"
 #include "testing/xml_tree.h"
 #include "xml/dom.h"
@@ -19,9 +12,6 @@ namespace {
 using namespace projectdb::check;
 using namespace projectdb::xml;
 using namespace test_support;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::StartsWith;
 
 class LocatedParsing : public testing::Test {
  protected:

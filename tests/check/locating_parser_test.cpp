@@ -1,10 +1,9 @@
 #include "check/locating_parser.h"
 
 #include <optional>
-#include <string>
 #include <string_view>
 
-#include <gtest/gtest.h>
+#include "testing/test.h"
 
 namespace {
 

@@ -3,14 +3,11 @@
 #include <csignal>
 #include <string_view>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "testing/test.h"
 
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::Not;
+using namespace test_support;
 
 Kel::BasicStringRef<char> Ref(std::string_view text) { return {text.size(), text.data()}; }
 

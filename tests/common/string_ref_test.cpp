@@ -2,10 +2,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <type_traits>
 
-#include <gtest/gtest.h>
+#include "testing/test.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include <kel/version.h>
 
-#include <gtest/gtest.h>
+#include "testing/test.h"
 
 namespace {
 

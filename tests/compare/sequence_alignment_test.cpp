@@ -2,23 +2,18 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <rapidcheck.h>
+
+#include "testing/test.h"
 
 namespace {
 
+using namespace test_support;
 using projectdb::AlignedEntries;
 using projectdb::AlignEqualEntries;
 using projectdb::kMostEdits;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Pair;
 
 using Positions = std::vector<std::pair<std::size_t, std::size_t>>;
 using Sequence = std::vector<std::string>;

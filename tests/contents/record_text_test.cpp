@@ -1,10 +1,8 @@
 #include "contents/record_text.h"
 
 #include <set>
-#include <string>
-#include <vector>
 
-#include <gtest/gtest.h>
+#include "testing/test.h"
 
 namespace {
 
@@ -61,18 +59,12 @@ TEST(RecordText, TextOf_DifferentDesignFiles_AreDifferent) {
   EXPECT_EQ(texts.size(), kTrickyTexts.size() * kTrickyTexts.size() * kTrickyTexts.size());
 }
 
-/// No source files, one, or two.
-std::vector<std::vector<IPSrcFile>> TrickySourceFiles() {
-  std::vector<std::vector<IPSrcFile>> lists = {{}};
-  for (const std::string& first : kTrickyTexts) {
-    lists.push_back({{first}});
-    for (const std::string& second : kTrickyTexts) lists.push_back({{first}, {second}});
-  }
-  return lists;
-}
-
 TEST(RecordText, TextOf_DifferentIpInstances_AreDifferent) {
-  const auto source_files = TrickySourceFiles();
+  std::vector<std::vector<IPSrcFile>> source_files = {{}};
+  for (const std::string& first : kTrickyTexts) {
+    source_files.push_back({{first}});
+    for (const std::string& second : kTrickyTexts) source_files.push_back({{first}, {second}});
+  }
   std::set<std::string> texts;
   for (const std::string& name : kTrickyTexts) {
     for (const std::string& path : kTrickyTexts) {

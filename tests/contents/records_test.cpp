@@ -1,20 +1,16 @@
 #include <projectdb/records.h>
 
-#include <string>
 #include <type_traits>
-#include <utility>
-#include <vector>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <projectdb/project_db.h>
 
+#include "contents/record_text.h"
+#include "testing/test.h"
+
 namespace {
 
+using namespace test_support;
 using namespace projectdb;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 template <typename Record>
 constexpr bool kIsPlainValue =
@@ -82,10 +78,7 @@ TEST(Records, Parameter_Construct_StoresNameValueAndAnyType) {
 }
 
 TEST(Records, DesignFile_Construct_StoresNameVersionAndLibrary) {
-  const DesignFile file("src/top.v", "v2001", "work");
-  EXPECT_EQ(file.name, "src/top.v");
-  EXPECT_EQ(file.version, "v2001");
-  EXPECT_EQ(file.library, "work");
+  EXPECT_EQ(TextOf(DesignFile("a.v", "v2001", "work")), "a.v version=v2001 library=work");
 }
 
 TEST(Records, DeviceInfo_Construct_CopiesFamilyDeviceAndTimingModel) {
@@ -163,16 +156,6 @@ TEST(Records, FlowProcess_Construct_MapIndexIsEmptyWithOneBucketAndLoadFactorOne
     EXPECT_EQ(process.parameter_map_index.bucket_count(), 1u);
     EXPECT_EQ(process.parameter_map_index.max_load_factor(), 1.0F);
   }
-}
-
-TEST(Records, ListWithReservedRoom_HandedOver_IsUsableAfterwards) {
-  std::vector<std::string> files;
-  files.reserve(10);
-  files.push_back("board.isf");
-  const DesignISF isf(files);
-  files.push_back("next.isf");
-  EXPECT_THAT(files, ElementsAre("next.isf"));
-  EXPECT_THAT(isf.isf_files, ElementsAre("board.isf"));
 }
 
 TEST(FileEndings, Constants_Values_AreTheFormats) {

@@ -1,22 +1,16 @@
 #include <projectdb/vocabulary.h>
 
-#include <algorithm>
+#include <map>
 #include <set>
-#include <string>
 #include <string_view>
-#include <utility>
 #include <variant>
-#include <vector>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "testing/test.h"
 
 namespace {
 
+using namespace test_support;
 using namespace projectdb;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Not;
 
 /// Where the fields of a record lie.
 using Fields = std::set<const void*>;
@@ -139,75 +133,34 @@ TEST(Vocabulary, ProjectTerms_Keys_StandInTheOrderOfAProjectFile) {
                   "simulation.files", "misc.files", "ip"));
 }
 
-TEST(Vocabulary, FlowProcessTerms_Keys_StandInTheOrderOfAComparison) {
+TEST(Vocabulary, OtherTerms_Keys_StandInTheOrderOfTheirFields) {
   EXPECT_THAT(Keys(FlowProcessTerms()), ElementsAre("name", "tool", "", "parameters"));
-}
-
-TEST(Vocabulary, DesignFileTerms_Keys_AreTheAttributesOfAProjectFile) {
   EXPECT_THAT(Keys(DesignFileTerms()), ElementsAre("name", "version", "library"));
-}
-
-TEST(Vocabulary, IPTerms_Keys_BeginWithTheName) {
   EXPECT_THAT(Keys(IPTerms()), ElementsAre("instance_name", "path", "files"));
 }
 
-/// A key of a project, and the field for which it stands.
-struct KeyedText {
-  const char* key;
-  std::string& (*field)(ProjectContents&);
-};
-
-class TextTerm : public testing::TestWithParam<KeyedText> {};
-
-TEST_P(TextTerm, Written_StandsInItsField) {
-  ProjectContents project;
+TEST(Vocabulary, TextTerm_Written_StandsInItsField) {
+  ProjectContents p;
+  const std::map<std::string_view, const std::string*> fields = {
+      {"name", &p.project_name},
+      {"directory", &p.current_path},
+      {"sw_version", &p.software_version},
+      {"last_change_date", &p.last_modify_time},
+      {"device.family", &p.device_info.family},
+      {"device.device", &p.device_info.device},
+      {"device.timing_model", &p.device_info.timing_model},
+      {"design.top_module", &p.design_info.top_module},
+      {"design.top_vhdl_arch", &p.design_info.top_vhdl_arch},
+      {"design.def_veri_version", &p.design_info.def_veri_version},
+      {"design.def_vhdl_version", &p.design_info.def_vhdl_version},
+      {"constraint.interface", &p.design_constraint.inter_file}};
   for (const ProjectTerm& term : ProjectTerms()) {
-    if (term.key != GetParam().key) continue;
-    const auto& access = std::get<Access<ProjectContents, std::string>>(term.access);
-    access(project) = "lantern";
+    const auto* access = std::get_if<Access<ProjectContents, std::string>>(&term.access);
+    if (access == nullptr) continue;
+    (*access)(p) = term.key;
+    EXPECT_EQ(*fields.at(term.key), term.key);
   }
-  EXPECT_EQ(GetParam().field(project), "lantern");
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Vocabulary, TextTerm,
-    testing::Values(
-        KeyedText{"name", [](auto& p) -> auto& { return p.project_name;
-}  // namespace
-}
-, KeyedText{"directory", [](auto& p) -> auto& {return p.current_path;
-}
-}
-, KeyedText{"sw_version", [](auto& p) -> auto& {return p.software_version;
-}
-}
-, KeyedText{"last_change_date", [](auto& p) -> auto& {return p.last_modify_time;
-}
-}
-, KeyedText{"device.family", [](auto& p) -> auto& {return p.device_info.family;
-}
-}
-, KeyedText{"device.device", [](auto& p) -> auto& {return p.device_info.device;
-}
-}
-, KeyedText{"device.timing_model", [](auto& p) -> auto& {return p.device_info.timing_model;
-}
-}
-, KeyedText{"design.top_module", [](auto& p) -> auto& {return p.design_info.top_module;
-}
-}
-, KeyedText{"design.top_vhdl_arch", [](auto& p) -> auto& {return p.design_info.top_vhdl_arch;
-}
-}
-, KeyedText{"design.def_veri_version", [](auto& p) -> auto& {return p.design_info.def_veri_version;
-}
-}
-, KeyedText{"design.def_vhdl_version", [](auto& p) -> auto& {return p.design_info.def_vhdl_version;
-}
-}
-, KeyedText{"constraint.interface", [](auto& p) -> auto& {return p.design_constraint.inter_file;
-}
-}));
 
 std::vector<std::string_view> KeysOfKind(TermKind kind) {
   std::vector<std::string_view> keys;
@@ -217,11 +170,8 @@ std::vector<std::string_view> KeysOfKind(TermKind kind) {
   return keys;
 }
 
-TEST(Vocabulary, ProjectTerms_Stamps_AreVersionAndTimeOfTheLastWriting) {
+TEST(Vocabulary, ProjectTerms_StampsAndDirectory_AreNoValuesOfTheUser) {
   EXPECT_THAT(KeysOfKind(TermKind::kStamp), ElementsAre("sw_version", "last_change_date"));
-}
-
-TEST(Vocabulary, ProjectTerms_Directory_IsNoValueOfTheUser) {
   EXPECT_THAT(KeysOfKind(TermKind::kDirectory), ElementsAre("directory"));
 }
 
@@ -237,33 +187,22 @@ TEST(Vocabulary, ProjectTerms_FileEndings_AreThoseThatAddingAsksFor) {
                           std::pair("misc.files", ""), std::pair("ip", "")));
 }
 
-struct Ending {
-  const char* path;
-  const char* ending;
-  bool has_it;
-};
-
-class EndingOfName : public testing::TestWithParam<Ending> {};
-
-TEST_P(EndingOfName, HasEnding_GoesByTheLastPartBehindAStem) {
-  EXPECT_EQ(HasEnding(GetParam().path, GetParam().ending), GetParam().has_it)
-      << GetParam().path << " " << GetParam().ending;
+TEST(Vocabulary, HasEnding_GoesByTheLastPartBehindAStem) {
+  for (const char* path : {"clocks.sdc", "a/b.c/clocks.sdc"}) {
+    EXPECT_TRUE(HasEnding(path, ".sdc")) << path;
+  }
+  for (const char* path :
+       {"a.sdc/clocks", "clocks.SDC", "clocks.sdc.bak", ".sdc", "a/.sdc", "a.sdc/", "", "sdc"}) {
+    EXPECT_FALSE(HasEnding(path, ".sdc")) << path;
+  }
+  for (const char* path : {"pins.interface.csv", "a.b.interface.csv", "..interface.csv"}) {
+    EXPECT_TRUE(HasEnding(path, ".interface.csv")) << path;
+  }
+  for (const char* path : {".interface.csv", "io/.interface.csv", "pins.csv"}) {
+    EXPECT_FALSE(HasEnding(path, ".interface.csv")) << path;
+  }
+  for (const char* path : {"notes", ""}) EXPECT_TRUE(HasEnding(path, "")) << path;
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Vocabulary, EndingOfName,
-    testing::Values(Ending{"clocks.sdc", ".sdc", true}, Ending{"a/b.c/clocks.sdc", ".sdc", true},
-                    Ending{"a.sdc/clocks", ".sdc", false}, Ending{"clocks.SDC", ".sdc", false},
-                    Ending{"clocks.sdc.bak", ".sdc", false}, Ending{".sdc", ".sdc", false},
-                    Ending{"a/.sdc", ".sdc", false}, Ending{"a.sdc/", ".sdc", false},
-                    Ending{"", ".sdc", false}, Ending{"sdc", ".sdc", false},
-                    Ending{"pins.interface.csv", ".interface.csv", true},
-                    Ending{"a.b.interface.csv", ".interface.csv", true},
-                    Ending{"..interface.csv", ".interface.csv", true},
-                    Ending{".interface.csv", ".interface.csv", false},
-                    Ending{"io/.interface.csv", ".interface.csv", false},
-                    Ending{"pins.csv", ".interface.csv", false}, Ending{"notes", "", true},
-                    Ending{"", "", true}));
 
 TEST(Vocabulary, FlowProcesses_StandAtThePositionsOfTheirTypes) {
   std::vector<int> types;
@@ -283,24 +222,18 @@ std::vector<std::string_view> NamesOfMaps(ProcType type) {
   return names;
 }
 
-TEST(Vocabulary, MapsOf_Synthesis_AreThoseOfVerilogToo) {
+TEST(Vocabulary, MapsOf_Process_AreThoseOfVerilogForSynthesisOnly) {
   EXPECT_THAT(NamesOfMaps(e_synthesis), ElementsAre("param", "dynparam", "defmacro"));
-}
-
-TEST(Vocabulary, MapsOf_OtherProcess_AreThatOfOrdinaryParametersAlone) {
   for (const ProcType type : {e_place_and_route, e_bitstream_generation, e_debugger}) {
     EXPECT_THAT(NamesOfMaps(type), ElementsAre("param")) << type;
   }
 }
 
-TEST(Vocabulary, IsInfoAttributeName_NameOfAFieldOrOfXml_IsFalse) {
+TEST(Vocabulary, IsInfoAttributeName_NameOfAFieldOrOfXml_IsFalseOnly) {
   for (const char* name :
        {"name", "sw_version", "last_change_date", "xmlns", "xsi", "xmlns:kel", "xsi:type"}) {
     EXPECT_FALSE(IsInfoAttributeName(name)) << name;
   }
-}
-
-TEST(Vocabulary, IsInfoAttributeName_OtherName_IsTrue) {
   for (const char* name : {"owner", "", ":name", "review:xsi", "xmlnsx:y", "xsix", "Name"}) {
     EXPECT_TRUE(IsInfoAttributeName(name)) << name;
   }
@@ -321,19 +254,15 @@ TEST(Vocabulary, ParameterTypes_ToTextAndBack_AreTheSame) {
   }
 }
 
-TEST(Vocabulary, NameOf_Entry_IsItsFirstField) {
-  EXPECT_EQ(NameOf(std::string("a.isf")), "a.isf");
-  EXPECT_EQ(NameOf(DesignFile("a.v", "v2001", "work")), "a.v");
-  EXPECT_EQ(NameOf(IPSrcFile{"fifo.v"}), "fifo.v");
-  EXPECT_EQ(NameOf(IP{"uart", "ip/uart.cfg", {}}), "uart");
+TEST(Vocabulary, NameAndFileNameOf_Entry_AreItsFirstFieldAndTheFileThatItStandsFor) {
+  const IP ip{"uart", "ip/uart.cfg", {}};
+  const DesignFile file("a.v", "v2001", "work");
+  EXPECT_EQ(NameOf(std::string("a.isf")) + FileNameOf(std::string("b.isf")), "a.isfb.isf");
+  EXPECT_EQ(NameOf(file) + FileNameOf(file), "a.va.v");
+  EXPECT_EQ(NameOf(IPSrcFile{"fifo.v"}) + FileNameOf(IPSrcFile{"ram.v"}), "fifo.vram.v");
+  EXPECT_EQ(NameOf(ip), "uart");
+  EXPECT_EQ(FileNameOf(ip), "ip/uart.cfg");
   EXPECT_EQ(NameOf(Parameter("effort", "high", e_option)), "effort");
-}
-
-TEST(Vocabulary, FileNameOf_Entry_IsTheFileThatItStandsFor) {
-  EXPECT_EQ(FileNameOf(std::string("a.isf")), "a.isf");
-  EXPECT_EQ(FileNameOf(DesignFile("a.v", "v2001", "work")), "a.v");
-  EXPECT_EQ(FileNameOf(IPSrcFile{"fifo.v"}), "fifo.v");
-  EXPECT_EQ(FileNameOf(IP{"uart", "ip/uart.cfg", {}}), "ip/uart.cfg");
 }
 
 }  // namespace

@@ -5,22 +5,17 @@
 #include <memory>
 #include <regex>
 #include <sstream>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <projectdb/check.h>
 
 #include "testing/files.h"
 #include "testing/shipped_files.h"
 #include "testing/temporary_directory.h"
+#include "testing/test.h"
 
 namespace {
 
-using test_support::SourcePath;
-using testing::IsEmpty;
+using namespace test_support;
 
 /// A piece of code in a document, between two lines of three backticks.
 struct CodeBlock {
@@ -83,7 +78,7 @@ std::vector<std::string> BuiltCode() {
   std::vector<std::string> code;
   for (const auto& entry : std::filesystem::directory_iterator(SourcePath("examples"))) {
     if (entry.path().extension() != ".cpp") continue;
-    code.push_back(test_support::ReadFile(entry.path()));
+    code.push_back(ReadFile(entry.path()));
     std::istringstream lines(code.back());
     bool inside = false;
     for (std::string line; std::getline(lines, line);) {
@@ -111,7 +106,7 @@ std::vector<std::string> Lines(const std::string& text) {
 
 /// Those lines that do not stand in the file, as they are.
 std::vector<std::string> LinesMissingIn(const std::string& file, const std::string& text) {
-  const std::vector<std::string> known = Lines(test_support::ReadFile(SourcePath(file)));
+  const std::vector<std::string> known = Lines(ReadFile(SourcePath(file)));
   std::vector<std::string> missing;
   for (const std::string& line : Lines(text)) {
     if (std::count(known.begin(), known.end(), line) == 0) missing.push_back(line);
@@ -153,7 +148,7 @@ std::string RunCommands(const std::string& text, const std::filesystem::path& di
 
 /// What a document names between single backticks and by its form is a file or directory.
 std::vector<std::string> NamedPaths(const std::string& document) {
-  const std::string text = test_support::ReadFile(SourcePath(document));
+  const std::string text = ReadFile(SourcePath(document));
   const std::regex path("`([a-z_./-]*(/|\\.(h|cpp|xsd|md))[a-z_./-]*)`");
   std::vector<std::string> names;
   for (std::sregex_iterator match(text.begin(), text.end(), path), end; match != end; ++match) {
@@ -178,7 +173,7 @@ std::vector<std::string> SourceTree() {
 TEST(Documents, EveryCodeBlock_IsTestedOrPlainText) {
   for (const std::string& document : Documents()) {
     for (const CodeBlock& block : BlocksOf(document)) {
-      EXPECT_THAT(block.language, testing::AnyOf("cpp", "xml", "cmake", "sh", "console", "text"))
+      EXPECT_THAT(block.language, AnyOf("cpp", "xml", "cmake", "sh", "console", "text"))
           << document << ":" << block.line;
     }
   }
@@ -187,7 +182,7 @@ TEST(Documents, EveryCodeBlock_IsTestedOrPlainText) {
 TEST(Documents, Architecture_EveryPathThatItNames_IsThere) {
   const std::vector<std::string> tree = SourceTree();
   for (const std::string& name : NamedPaths("docs/architecture.md")) {
-    EXPECT_THAT(tree, testing::Contains(testing::EndsWith("/" + name)));
+    EXPECT_THAT(tree, Contains(EndsWith("/" + name)));
   }
 }
 
@@ -195,25 +190,23 @@ TEST(Documents, Architecture_EveryRoomOfTheLibrary_IsInIt) {
   const std::vector<std::string> names = NamedPaths("docs/architecture.md");
   for (const auto& entry : std::filesystem::directory_iterator(SourcePath("projectdb/src"))) {
     const std::string name = entry.path().filename().string();
-    EXPECT_THAT(names, testing::Contains(entry.is_directory() ? name + "/" : name));
+    EXPECT_THAT(names, Contains(entry.is_directory() ? name + "/" : name));
   }
 }
 
 class CppBlocks : public testing::TestWithParam<CodeBlock> {};
 
-TEST_P(CppBlocks, IsBuiltWithTheTests) {
-  EXPECT_THAT(BuiltCode(), testing::Contains(GetParam().text));
-}
+TEST_P(CppBlocks, IsBuiltWithTheTests) { EXPECT_THAT(BuiltCode(), Contains(GetParam().text)); }
 
 INSTANTIATE_TEST_SUITE_P(Documents, CppBlocks, testing::ValuesIn(BlocksIn({"cpp"})));
 
 class XmlBlocks : public testing::TestWithParam<CodeBlock> {};
 
 TEST_P(XmlBlocks, IsAProjectFileWithoutProblems) {
-  const test_support::TemporaryDirectory directory;
+  const TemporaryDirectory directory;
   const std::string path = directory.path() / "example.xml";
-  test_support::WriteFile(path, GetParam().text);
-  EXPECT_THAT(projectdb::CheckProjectFile(path, test_support::ShippedSchema()), IsEmpty());
+  WriteFile(path, GetParam().text);
+  EXPECT_THAT(projectdb::CheckProjectFile(path, ShippedSchema()), IsEmpty());
 }
 
 INSTANTIATE_TEST_SUITE_P(Documents, XmlBlocks, testing::ValuesIn(BlocksIn({"xml"})));
@@ -222,7 +215,7 @@ class ConsoleDocuments : public testing::TestWithParam<std::string> {};
 
 // The commands of a document follow upon each other in one directory.
 TEST_P(ConsoleDocuments, ShowsWhatTheCommandsPrint) {
-  const test_support::TemporaryDirectory directory;
+  const TemporaryDirectory directory;
   std::string shown;
   std::string printed;
   for (const CodeBlock& block : BlocksOf(GetParam())) {

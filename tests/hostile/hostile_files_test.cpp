@@ -6,30 +6,22 @@
 #include <fstream>
 #include <iomanip>
 #include <iostream>
-#include <ostream>
 #include <sstream>
 #include <stdexcept>
-#include <string>
 #include <system_error>
-#include <vector>
 
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 
-#include <projectdb/project_db.h>
-
 #include "testing/child_process.h"
-#include "testing/files.h"
-#include "testing/message_recorder.h"
 #include "testing/project_loading.h"
 #include "testing/sanitizers.h"
 #include "testing/shipped_files.h"
-#include "testing/temporary_directory.h"
+#include "testing/test.h"
 
 namespace {
 
 using namespace test_support;
-using projectdb::KelProjectDatabase;
+using namespace projectdb;
 
 using Messages = std::vector<MessageRecorder::Message>;
 
@@ -41,120 +33,65 @@ struct HostileFile {
   const char* name;
   const char* unit;          ///< What the size counts.
   std::size_t largest_size;  ///< Without a sanitizer.
-  void (*write)(std::ostream& file, std::size_t size);
+  std::string before;        ///< What stands behind the name of the root.
+  std::string each;          ///< What is repeated, with "#" for its number.
+  std::string after;
   Reader read;  ///< Gives the size again.
   bool satisfies_schema = true;
   bool result = true;
+  std::string middle = "";      ///< Behind all that is repeated, with "#" for the size.
+  std::string each_after = "";  ///< What is repeated behind that.
+
+  void Write(std::ostream& file, std::size_t size) const {
+    file << "<project xmlns=\"http://schema.kel.example/wdp_proj\"" << before;
+    for (std::size_t i = 0; i < size; ++i) WriteNumbered(file, each, i);
+    WriteNumbered(file, middle, size);
+    for (std::size_t i = 0; i < size; ++i) file << each_after;
+    file << after << "</project>\n";
+  }
+
+ private:
+  static void WriteNumbered(std::ostream& file, const std::string& text, std::size_t number) {
+    const std::size_t place = text.find('#');
+    file << text.substr(0, place);
+    if (place != std::string::npos) file << number << text.substr(place + 1);
+  }
 };
 
-void PrintTo(const HostileFile& file, std::ostream* out) { *out << file.name; }
-
-// ---- What the files say
-
-constexpr char kStart[] = "<project xmlns=\"http://schema.kel.example/wdp_proj\"";
-constexpr char kEnd[] = "</project>\n";
-
-void WriteTimes(std::ostream& file, std::size_t times, const char* text) {
-  for (std::size_t i = 0; i < times; ++i) file << text;
-}
-
-void WriteDesignFiles(std::ostream& file, std::size_t size) {
-  file << kStart << "><design_info>";
-  for (std::size_t i = 0; i < size; ++i) {
-    file << "<design_file name=\"rtl/f" << i << ".v\" version=\"v2k\" library=\"work\"/>";
-  }
-  file << "</design_info>" << kEnd;
-}
-
 std::size_t CountDesignFiles(KelProjectDatabase& database, const Messages& /*messages*/) {
-  std::vector<projectdb::DesignFile> files;
-  database.GetDesignFileList(files);
-  return files.size();
-}
-
-void WriteIps(std::ostream& file, std::size_t size) {
-  file << kStart << "><ip_info>";
-  for (std::size_t i = 0; i < size; ++i) {
-    file << "<ip instance_name=\"u" << i << "\" path=\"ip/u.ip\"/>";
-  }
-  file << "</ip_info>" << kEnd;
-}
-
-std::size_t CountIps(KelProjectDatabase& database, const Messages& /*messages*/) {
-  std::vector<projectdb::IP> instances;
-  database.GetIpInstanceList(instances);
-  return instances.size();
-}
-
-void WriteParameters(std::ostream& file, std::size_t size) {
-  file << kStart << "><synthesis>";
-  for (std::size_t i = 0; i < size; ++i) {
-    file << "<param name=\"p" << i << "\" value=\"v\" value_type=\"e_string\"/>";
-  }
-  file << "</synthesis>" << kEnd;
+  return GetProjectContents(database).design_info.design_files.size();
 }
 
 std::size_t CountParameters(KelProjectDatabase& database, const Messages& /*messages*/) {
-  const auto* map = database.FindFlowProcessParameterMap(projectdb::e_synthesis, "param");
+  const auto* map = database.FindFlowProcessParameterMap(e_synthesis, "param");
   return map ? map->size() : 0;
 }
 
-void WriteUnknownSections(std::ostream& file, std::size_t size) {
-  file << kStart << ">";
-  WriteTimes(file, size, "<unknown/>");
-  file << kEnd;
-}
-
-std::size_t CountUnexpected(KelProjectDatabase& /*database*/, const Messages& messages) {
-  const auto count = std::count(messages.begin(), messages.end(), UnexpectedMessage("unknown"));
-  return static_cast<std::size_t>(count);
-}
-
-// The deepest one has as many levels above it as its name has characters.
-void WriteNestedElements(std::ostream& file, std::size_t size) {
-  file << kStart << "><sim_info>";
-  WriteTimes(file, size, "<a>");
-  file << "<sim_file name=\"/";
-  WriteTimes(file, size - 1, "x");
-  file << "\"/>";
-  WriteTimes(file, size, "</a>");
-  file << "</sim_info>" << kEnd;
-}
-
-std::size_t SizeOfOnlySimulationFile(KelProjectDatabase& database, const Messages& /*messages*/) {
-  std::vector<std::string> files;
-  database.GetSimulationTestBenchFileList(files);
-  return files.size() == 1 ? files.front().size() : 0;
-}
-
-void WriteLongAttribute(std::ostream& file, std::size_t size) {
-  const std::string kilobyte(1000, 'x');
-  file << kStart << " name=\"";
-  WriteTimes(file, size, kilobyte.c_str());
-  file << "\">" << kEnd;
-}
-
-std::size_t KilobytesOfProjectName(KelProjectDatabase& database, const Messages& /*messages*/) {
-  return database.GetProjectName().size() / 1000;
-}
-
-void WriteRootAttributes(std::ostream& file, std::size_t size) {
-  file << kStart;
-  for (std::size_t i = 0; i < size; ++i) file << " a" << i << "=\"v" << i << "\"";
-  file << ">" << kEnd;
-}
-
-std::size_t CountInfoAttributes(KelProjectDatabase& database, const Messages& /*messages*/) {
-  std::size_t count = 0;
-  std::string value;
-  while (database.GetProjectInfoAttribute("a" + std::to_string(count), value) &&
-         value == "v" + std::to_string(count)) {
-    ++count;
-  }
-  return count;
-}
-
-// ---- Measuring
+const HostileFile kHostileFiles[] = {
+    {"DesignFiles", "elements", 1'000'000, "><design_info>",
+     R"(<design_file name="rtl/f#.v" version="v2k" library="work"/>)", "</design_info>",
+     CountDesignFiles},
+    {"Ips", "elements", 1'000'000, "><ip_info>", R"(<ip instance_name="u#" path="ip/u.ip"/>)",
+     "</ip_info>",
+     [](auto& database, auto&) { return GetProjectContents(database).ip_info.ips.size(); }},
+    {"Parameters", "elements", 1'000'000, "><synthesis>",
+     R"(<param name="p#" value="v" value_type="e_string"/>)", "</synthesis>", CountParameters},
+    {"UnknownSections", "elements", 1'000'000, ">", "<unknown/>", "",
+     [](auto&, auto& messages) -> std::size_t {
+       return static_cast<std::size_t>(
+           std::count(messages.begin(), messages.end(), UnexpectedMessage("unknown")));
+     },
+     false, false},
+    {"NestedElements", "levels", 100'000, "><sim_info>", "<a>", "</sim_info>",
+     [](auto& database, auto&) -> std::size_t {
+       const auto files = GetProjectContents(database).sim_files;
+       return files.size() == 1 ? std::stoul(files[0].name) : 0;
+     },
+     false, true, "<sim_file name=\"#\"/>", "</a>"},
+    {"LongAttribute", "kB of text", 100'000, " name=\"", std::string(1000, 'x'), "\">",
+     [](auto& database, auto&) { return database.GetProjectName().size() / 1000; }},
+    {"RootAttributes", "attributes", 100'000, "", " a#=\"v\"", ">",
+     [](auto& database, auto&) { return GetProjectContents(database).info_attributes.size(); }}};
 
 struct Measured {
   bool result = false;
@@ -196,7 +133,7 @@ class Hostile : public testing::TestWithParam<HostileFile> {
   Measured LoadOfSize(std::size_t size, const std::string& schema) {
     const std::string path = directory_ / "p.xml";
     std::ofstream file(path, std::ios::binary);
-    GetParam().write(file, size);
+    GetParam().Write(file, size);
     const double megabytes = static_cast<double>(file.tellp()) / (1024 * 1024);
     file.close();
     if (!file) throw std::runtime_error("cannot write " + path);
@@ -240,21 +177,7 @@ TEST_P(Hostile, LoadProjectData_WithSchema_TakesMemoryInProportion) {
   ExpectProportional(GetParam().largest_size / kPart / 4, ShippedSchema());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Files, Hostile,
-    testing::Values(
-        HostileFile{"DesignFiles", "elements", 1'000'000, WriteDesignFiles, CountDesignFiles},
-        HostileFile{"Ips", "elements", 1'000'000, WriteIps, CountIps},
-        HostileFile{"Parameters", "elements", 1'000'000, WriteParameters, CountParameters},
-        HostileFile{"UnknownSections", "elements", 1'000'000, WriteUnknownSections, CountUnexpected,
-                    false, false},
-        HostileFile{"NestedElements", "levels", 100'000, WriteNestedElements,
-                    SizeOfOnlySimulationFile, false},
-        HostileFile{"LongAttribute", "kB of text", 100'000, WriteLongAttribute,
-                    KilobytesOfProjectName},
-        HostileFile{"RootAttributes", "attributes", 100'000, WriteRootAttributes,
-                    CountInfoAttributes}),
-    [](const auto& test_info) { return test_info.param.name; });
+INSTANTIATE_TEST_SUITE_P(Files, Hostile, testing::ValuesIn(kHostileFiles), ByName());
 
 TEST(HostileSchema, LoadProjectData_HintToAFileOfATerabyte_TakesMemoryForTheLargestSchemaOnly) {
   const TemporaryDirectory directory;

@@ -1,16 +1,8 @@
-#include <filesystem>
-
-#include <gmock/gmock.h>
-
 #include "tests/kelproj/kelproj_test.h"
 
 namespace {
 
-using test_support::Done;
-using test_support::Failed;
-using test_support::IsWrongUse;
-using test_support::KelprojTest;
-using ::testing::HasSubstr;
+using namespace test_support;
 
 class Add : public KelprojTest {
  protected:
@@ -22,44 +14,26 @@ class Add : public KelprojTest {
   }
 
   std::string Shown() const { return Run({"show", "blinker.xml"}).out; }
+};
 
-  void ExpectUnchangedBy(const std::vector<std::string>& arguments,
-                         const test_support::Outcome& outcome) const {
-    const std::string before = Read("blinker.xml");
-    EXPECT_EQ(Run(arguments), outcome);
-    EXPECT_EQ(Read("blinker.xml"), before);
+TEST_F(Add, Files_StandInTheListOfTheirKindWithWhatIsGiven) {
+  const std::pair<std::vector<std::string>, const char*> cases[] = {
+      {{"blinker.xml", "--rtl", "a.v", "b.v", "--hdl-version", "verilog_2001", "--library", "work"},
+       "Design files (2)\n  a.v  verilog_2001  work\n  b.v  verilog_2001  work\n"},
+      {{"blinker.xml", "--rtl", "a.v"}, "Design files (1)\n  a.v    default\n"},
+      {{"blinker.xml", "--sim", "a.v", "--hdl-version", "sv_2017", "--library", "bench"},
+       "Simulation files (1)\n  a.v  sv_2017  bench\n"},
+      {{"blinker.xml", "--misc", "notes.md"}, "Miscellaneous files (1)\n  notes.md    default\n"},
+      {{"blinker.xml", "--sdc", "a.sdc"}, "Timing constraint files (1)\n  a.sdc\n"},
+      {{"--sdc", "blinker.xml", "a.sdc"}, "Timing constraint files (1)\n  a.sdc\n"}};
+  for (auto [arguments, shown] : cases) {
+    std::filesystem::remove(PathOf("blinker.xml"));
+    MakeProject();
+    arguments.insert(arguments.begin(), "add");
+    EXPECT_EQ(Run(arguments), Done());
+    EXPECT_THAT(Shown(), HasSubstr(shown));
   }
-};
-
-struct AddCase {
-  std::vector<std::string> arguments;
-  const char* shown;
-};
-
-void PrintTo(const AddCase& c, std::ostream* out) { *out << c.shown; }
-
-class AddedFiles : public Add, public ::testing::WithParamInterface<AddCase> {};
-
-TEST_P(AddedFiles, StandInTheListOfTheirKindWithWhatIsGiven) {
-  EXPECT_EQ(Run(GetParam().arguments), Done());
-  EXPECT_THAT(Shown(), HasSubstr(GetParam().shown));
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Add, AddedFiles,
-    ::testing::Values(
-        AddCase{{"add", "blinker.xml", "--rtl", "a.v", "b.v", "--hdl-version", "verilog_2001",
-                 "--library", "work"},
-                "Design files (2)\n  a.v  verilog_2001  work\n  b.v  verilog_2001  work\n"},
-        AddCase{{"add", "blinker.xml", "--rtl", "a.v"}, "Design files (1)\n  a.v    default\n"},
-        AddCase{{"add", "blinker.xml", "--sim", "a.v", "--hdl-version", "sv_2017", "--library",
-                 "bench"},
-                "Simulation files (1)\n  a.v  sv_2017  bench\n"},
-        AddCase{{"add", "blinker.xml", "--misc", "notes.md"},
-                "Miscellaneous files (1)\n  notes.md    default\n"},
-        AddCase{{"add", "blinker.xml", "--sdc", "a.sdc"}, "Timing constraint files (1)\n  a.sdc\n"},
-        AddCase{{"add", "--sdc", "blinker.xml", "a.sdc"},
-                "Timing constraint files (1)\n  a.sdc\n"}));
 
 TEST_F(Add, FilesBehindOthers_KeepTheirOrder) {
   ASSERT_EQ(Run({"add", "blinker.xml", "--misc", "b.v"}), Done());
@@ -92,47 +66,28 @@ TEST_F(Add, FileThatDoesNotExist_IsAddedWithAWarning) {
 }
 
 TEST_F(Add, FromAnotherDirectory_NamesStayRelativeToTheProject) {
-  test_support::ProcessSettings elsewhere;
-  elsewhere.directory = "/";
-  EXPECT_EQ(Run({"add", PathOf("blinker.xml"), "--rtl", "a.v"}, elsewhere), Done());
+  EXPECT_EQ(Run({"add", PathOf("blinker.xml"), "--rtl", "a.v"}, {"/"}), Done());
   EXPECT_THAT(Shown(), HasSubstr("Design files (1)\n  a.v    default\n"));
 }
 
-struct RefusedFile {
-  std::vector<std::string> arguments;
-  const char* reason;
-};
-
-void PrintTo(const RefusedFile& refusal, std::ostream* out) { *out << refusal.reason; }
-
-class RefusedAdd : public Add, public ::testing::WithParamInterface<RefusedFile> {};
-
-TEST_P(RefusedAdd, FailsAndLeavesTheFile) {
-  ExpectUnchangedBy(GetParam().arguments, Failed(GetParam().reason));
+TEST_F(Add, RefusedFile_FailsAndLeavesTheProject) {
+  const std::pair<std::vector<std::string>, const char*> cases[] = {
+      {{"add", "blinker.xml", "a.v"}, "one of --rtl, --sim, --misc and --sdc is needed"},
+      {{"add", "blinker.xml", "--rtl", "a.v", ""}, "the empty text names no file"},
+      {{"add", "blinker.xml", "--misc", "a.v", "--library", "work"},
+       "only --rtl and --sim files have an HDL version and a library"},
+      {{"add", "blinker.xml", "--sdc", "a.sdc", "notes.md"},
+       "\"notes.md\" is no timing constraint file: its name must end in .sdc and not be that of "
+       "a directory"},
+      {{"set-interface", "blinker.xml", "pins.csv"},
+       "\"pins.csv\" is no interface constraint file: its name must be NAME.interface.csv"}};
+  for (const auto& [arguments, reason] : cases) ExpectUnchangedBy(arguments, Failed(reason));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Add, RefusedAdd,
-    ::testing::Values(
-        RefusedFile{{"add", "blinker.xml", "a.v"},
-                    "one of --rtl, --sim, --misc and --sdc is needed"},
-        RefusedFile{{"add", "blinker.xml", "--rtl", "a.v", ""}, "the empty text names no file"},
-        RefusedFile{{"add", "blinker.xml", "--misc", "a.v", "--library", "work"},
-                    "only --rtl and --sim files have an HDL version and a library"},
-        RefusedFile{
-            {"add", "blinker.xml", "--sdc", "a.sdc", "notes.md"},
-            "\"notes.md\" is no timing constraint file: its name must end in .sdc and not be "
-            "that of a directory"},
-        RefusedFile{{"set-interface", "blinker.xml", "pins.csv"},
-                    "\"pins.csv\" is no interface constraint file: its name must be "
-                    "NAME.interface.csv"}));
-
 TEST_F(Add, TwoKindsOrNoPath_IsWrongUse) {
-  const std::string before = Read("blinker.xml");
-  EXPECT_THAT(Run({"add", "blinker.xml", "--rtl", "--misc", "a.v"}),
-              IsWrongUse("kelproj add", {"--rtl", "--misc"}));
-  EXPECT_THAT(Run({"add", "blinker.xml", "--rtl"}), IsWrongUse("kelproj add", {"PATH"}));
-  EXPECT_EQ(Read("blinker.xml"), before);
+  ExpectUnchangedBy({"add", "blinker.xml", "--rtl", "--misc", "a.v"},
+                    IsWrongUse("kelproj add", {"--rtl", "--misc"}));
+  ExpectUnchangedBy({"add", "blinker.xml", "--rtl"}, IsWrongUse("kelproj add", {"PATH"}));
 }
 
 TEST_F(Add, InterfaceConstraint_IsSet) {

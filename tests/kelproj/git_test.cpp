@@ -1,15 +1,8 @@
-#include <gmock/gmock.h>
-
 #include "tests/kelproj/kelproj_test.h"
 
 namespace {
 
-using test_support::KelprojTest;
-using test_support::Outcome;
-using test_support::Printed;
-using test_support::RunProcess;
-using ::testing::HasSubstr;
-using ::testing::StartsWith;
+using namespace test_support;
 
 /// The program as the external diff of a real repository, set up as its help tells.
 class Git : public KelprojTest {
@@ -19,7 +12,7 @@ class Git : public KelprojTest {
     Succeed({"init", "--quiet", "--initial-branch=main"});
     Succeed({"config", "user.name", "Zoë Brandt"});
     Succeed({"config", "user.email", "zoe@kel.example"});
-    Succeed({"config", "diff.kelproj.command", "'" + test_support::KelprojProgram() + "' diff"});
+    Succeed({"config", "diff.kelproj.command", "'" + KelprojProgram() + "' diff"});
     Write(".gitattributes", "*.xml diff=kelproj\n");
     Commit();
   }
@@ -40,28 +33,23 @@ class Git : public KelprojTest {
     Succeed({"commit", "--quiet", "--message", "Change the project"});
   }
 
+  void CommitProject() const {
+    MakeProject();
+    Commit();
+  }
+
   void SetName(const std::string& file, const std::string& name) const {
     ASSERT_EQ(Run({"set", file, "name", name}).status, 0);
   }
 };
 
-TEST_F(Git, ChangedProject_ShowsWhatChanged) {
-  MakeProject();
-  Commit();
+TEST_F(Git, ChangedProject_ShowsWhatChangedAlsoInTheLog) {
+  CommitProject();
   SetName("blinker.xml", "blinker2");
-  EXPECT_EQ(RunGit({"diff"}), Printed("--- blinker.xml\n"
-                                      "+++ blinker.xml\n"
-                                      "- name: blinker\n"
-                                      "+ name: blinker2\n"));
-}
-
-TEST_F(Git, CommittedChange_ShowsInTheLog) {
-  MakeProject();
+  const std::string shown = "--- blinker.xml\n+++ blinker.xml\n- name: blinker\n+ name: blinker2\n";
+  EXPECT_EQ(RunGit({"diff"}), Printed(shown));
   Commit();
-  SetName("blinker.xml", "blinker2");
-  Commit();
-  EXPECT_THAT(RunGit({"log", "-1", "--patch", "--ext-diff"}).out,
-              HasSubstr("- name: blinker\n+ name: blinker2\n"));
+  EXPECT_THAT(RunGit({"log", "-1", "--patch", "--ext-diff"}).out, HasSubstr(shown));
 }
 
 TEST_F(Git, ProjectInADirectoryWithBlanksQuotesAndUmlauts_IsNamedAsItIs) {
@@ -74,26 +62,17 @@ TEST_F(Git, ProjectInADirectoryWithBlanksQuotesAndUmlauts_IsNamedAsItIs) {
             Printed("--- " + file + "\n+++ " + file + "\n- name: blinker\n+ name: blinker2\n"));
 }
 
-TEST_F(Git, NewProject_ShowsAllThatItHas) {
+TEST_F(Git, NewOrRemovedProject_ShowsAllThatItHas) {
   MakeProject();
   Succeed({"add", "--all"});
-  const Outcome outcome = RunGit({"diff", "--cached"});
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_THAT(outcome.out, StartsWith("--- /dev/null\n+++ blinker.xml\n+ "));
-}
-
-TEST_F(Git, RemovedProject_ShowsAllThatItHad) {
-  MakeProject();
+  EXPECT_THAT(RunGit({"diff", "--cached"}).out, StartsWith("--- /dev/null\n+++ blinker.xml\n+ "));
   Commit();
   Succeed({"rm", "--quiet", "blinker.xml"});
-  const Outcome outcome = RunGit({"diff", "--cached"});
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_THAT(outcome.out, StartsWith("--- blinker.xml\n+++ /dev/null\n- "));
+  EXPECT_THAT(RunGit({"diff", "--cached"}).out, StartsWith("--- blinker.xml\n+++ /dev/null\n- "));
 }
 
 TEST_F(Git, RenamedProject_ShowsBothNames) {
-  MakeProject();
-  Commit();
+  CommitProject();
   Succeed({"mv", "blinker.xml", "lamp.xml"});
   SetName("lamp.xml", "lamp");
   Succeed({"add", "--all"});
@@ -102,16 +81,14 @@ TEST_F(Git, RenamedProject_ShowsBothNames) {
 }
 
 TEST_F(Git, ProjectThatIsOnlyRenamed_IsEqual) {
-  MakeProject();
-  Commit();
+  CommitProject();
   Succeed({"mv", "blinker.xml", "lamp.xml"});
   EXPECT_EQ(RunGit({"diff", "--cached", "--find-renames"}),
             Printed("blinker.xml => lamp.xml: the projects are equal\n"));
 }
 
 TEST_F(Git, ChangedLayoutAlone_IsEqual) {
-  MakeProject();
-  Commit();
+  CommitProject();
   Write("blinker.xml", Read("blinker.xml") + "\n\n");
   EXPECT_EQ(RunGit({"diff"}), Printed("blinker.xml: the projects are equal\n"));
 }
@@ -154,9 +131,8 @@ TEST_F(Git, ExternalDiffOfOneCommand_Works) {
   Succeed({"config", "--unset", "diff.kelproj.command"});
   Commit();
   SetName("blinker.xml", "blinker2");
-  EXPECT_THAT(
-      RunGit({"-c", "diff.external='" + test_support::KelprojProgram() + "' diff", "diff"}).out,
-      HasSubstr("- name: blinker\n+ name: blinker2\n"));
+  EXPECT_THAT(RunGit({"-c", "diff.external='" + KelprojProgram() + "' diff", "diff"}).out,
+              HasSubstr("- name: blinker\n+ name: blinker2\n"));
 }
 
 TEST_F(Git, FileOfAnotherKind_IsLeftToGit) {

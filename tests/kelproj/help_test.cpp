@@ -1,6 +1,5 @@
+#include <sstream>
 #include <variant>
-
-#include <gmock/gmock.h>
 
 #include <projectdb/vocabulary.h>
 
@@ -8,28 +7,21 @@
 
 namespace {
 
-using test_support::KelprojTest;
-using test_support::Outcome;
-using test_support::Printed;
-using test_support::RunProcess;
-using ::testing::ContainsRegex;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
+using namespace projectdb;
+using namespace test_support;
+using testing::ContainsRegex;
 
 constexpr const char* kCommands[] = {"new", "show",          "check", "get",       "set",
                                      "add", "set-interface", "diff",  "completion"};
 
 class Help : public KelprojTest {};
 
-TEST_F(Help, Program_ListsEveryCommand) {
+TEST_F(Help, Program_ListsEveryCommandWithAnExample) {
   const Outcome outcome = Run({"--help"});
   EXPECT_EQ(outcome.status, 0);
-  for (const char* command : kCommands) {
-    EXPECT_THAT(outcome.out, HasSubstr("\n  " + std::string(command) + " ")) << command;
+  for (const std::string command : kCommands) {
+    EXPECT_THAT(outcome.out, HasSubstr("\n  " + command + " ")) << command;
   }
-}
-
-TEST_F(Help, Program_HasAnExample) {
   EXPECT_THAT(Run({"-h"}).out, HasSubstr("\nExample:\n  kelproj new "));
 }
 
@@ -37,40 +29,31 @@ TEST_F(Help, Version_IsThatOfTheSoftware) {
   EXPECT_EQ(Run({"--version"}), Printed(KELPROJ_VERSION "\n"));
 }
 
-class HelpOfCommand : public KelprojTest, public ::testing::WithParamInterface<const char*> {};
-
-INSTANTIATE_TEST_SUITE_P(, HelpOfCommand, ::testing::ValuesIn(kCommands));
-
-TEST_P(HelpOfCommand, HasItsUsageAndAnExample) {
-  const Outcome outcome = Run({GetParam(), "--help"});
-  EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.err, "");
-  EXPECT_THAT(outcome.out, HasSubstr("\nUsage: kelproj " + std::string(GetParam()) + " "));
-  EXPECT_THAT(outcome.out, HasSubstr("\nExample:\n  "));
+TEST_F(Help, EveryCommand_HasItsUsageAndAnExampleAndFitsATerminal) {
+  for (const std::string command : kCommands) {
+    const Outcome outcome = Run({command, "--help"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_THAT(outcome.out, HasSubstr("\nUsage: kelproj " + command + " "));
+    EXPECT_THAT(outcome.out, HasSubstr("\nExample:\n  "));
+    std::istringstream lines(outcome.out);
+    for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 100u) << line;
+  }
 }
 
-TEST_P(HelpOfCommand, FitsATerminal) {
-  std::istringstream lines(Run({GetParam(), "--help"}).out);
-  for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 100u) << line;
-}
-
-class HelpOfGet : public KelprojTest {};
-
-TEST_F(HelpOfGet, NamesEveryValueThatAProjectHasOnce) {
+TEST_F(Help, OfGet_NamesEveryValueThatAProjectHasOnce) {
   const std::string help = Run({"get", "--help"}).out;
-  for (const projectdb::ProjectTerm& term : projectdb::ProjectTerms()) {
-    const bool is_text =
-        std::holds_alternative<projectdb::Access<projectdb::ProjectContents, std::string>>(
-            term.access);
-    if (!is_text || term.kind == projectdb::TermKind::kDirectory) continue;
+  for (const ProjectTerm& term : ProjectTerms()) {
+    const bool is_text = std::holds_alternative<Access<ProjectContents, std::string>>(term.access);
+    if (!is_text || term.kind == TermKind::kDirectory) continue;
     EXPECT_THAT(help, ContainsRegex("[ \n]" + std::string(term.key) + "[,\n]"));
   }
 }
 
-TEST_F(HelpOfGet, NamesEveryProcessAndMap) {
+TEST_F(Help, OfGet_NamesEveryProcessAndMap) {
   const std::string help = Run({"get", "--help"}).out;
-  for (const auto& process : projectdb::kFlowProcesses) EXPECT_THAT(help, HasSubstr(process.name));
-  for (const auto& map : projectdb::kParameterMaps) {
+  for (const auto& process : kFlowProcesses) EXPECT_THAT(help, HasSubstr(process.name));
+  for (const auto& map : kParameterMaps) {
     EXPECT_THAT(help, HasSubstr("." + std::string(map.name) + ".NAME "));
   }
 }
@@ -129,34 +112,23 @@ class BashCompletion : public KelprojTest {
   }
 };
 
-TEST_F(BashCompletion, FirstWord_IsACommand) {
-  EXPECT_THAT(Completions({"s"}), ElementsAre("show", "set", "set-interface"));
-}
-
-TEST_F(BashCompletion, HyphenBehindACommand_IsAnOptionOfIt) {
-  EXPECT_THAT(Completions({"add", "blinker.xml", "--hdl"}), ElementsAre("--hdl-version"));
-}
-
-TEST_F(BashCompletion, HyphenBeforeTheCommand_IsAnOptionOfTheProgram) {
-  EXPECT_THAT(Completions({"--ver"}), ElementsAre("--version", "--verbose"));
-}
-
-TEST_F(BashCompletion, CommandBehindAnOption_IsFound) {
-  EXPECT_THAT(Completions({"--verbose", "ch"}), ElementsAre("check"));
-}
-
-TEST_F(BashCompletion, SecondWordOfGet_IsAKey) {
-  EXPECT_THAT(Completions({"get", "my project.xml", "device."}),
-              ElementsAre("device.family", "device.device", "device.timing_model"));
-}
-
-TEST_F(BashCompletion, WordBehindType_IsAType) {
-  EXPECT_THAT(Completions({"set", "blinker.xml", "name", "x", "--type", "e_b"}),
-              ElementsAre("e_bool"));
-}
-
-TEST_F(BashCompletion, ProjectFile_IsLeftToTheShell) {
-  EXPECT_THAT(Completions({"show", ""}), ElementsAre(""));
+TEST_F(BashCompletion, UnfinishedWord_IsOfferedWhatMayStandThere) {
+  using Words = std::vector<std::string>;
+  const std::pair<Words, Words> cases[] = {
+      // A command, also behind an option of the program.
+      {{"s"}, {"show", "set", "set-interface"}},
+      {{"--verbose", "ch"}, {"check"}},
+      // An option of the program, or of the command before it.
+      {{"--ver"}, {"--version", "--verbose"}},
+      {{"add", "blinker.xml", "--hdl"}, {"--hdl-version"}},
+      // A key.
+      {{"get", "my project.xml", "device."},
+       {"device.family", "device.device", "device.timing_model"}},
+      // A type.
+      {{"set", "blinker.xml", "name", "x", "--type", "e_b"}, {"e_bool"}},
+      // A file, which is left to the shell.
+      {{"show", ""}, {""}}};
+  for (const auto& [words, completions] : cases) EXPECT_EQ(Completions(words), completions);
 }
 
 TEST_F(BashCompletion, Sourced_CompletesTheProgram) {

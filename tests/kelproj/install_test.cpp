@@ -1,14 +1,8 @@
-#include "testing/shipped_files.h"
 #include "tests/kelproj/kelproj_test.h"
 
 namespace {
 
-using test_support::Done;
-using test_support::KelprojTest;
-using test_support::Outcome;
-using test_support::Printed;
-using test_support::ReadFile;
-using test_support::RunProcess;
+using namespace test_support;
 
 /// The program as it is installed, and then moved.
 class Installation : public KelprojTest {
@@ -24,16 +18,13 @@ class Installation : public KelprojTest {
 };
 
 TEST_F(Installation, Moved_ChecksWithItsOwnSchema) {
-  EXPECT_EQ(RunProcess({Installed("bin/kelproj"), "check", test_support::SampleProject()}), Done());
+  EXPECT_EQ(RunProcess({Installed("bin/kelproj"), "check", SampleProject()}), Done());
   std::filesystem::remove(Installed("share/projectdb/wdp_proj.xsd"));
-  EXPECT_NE(RunProcess({Installed("bin/kelproj"), "check", test_support::SampleProject()}), Done());
+  EXPECT_NE(RunProcess({Installed("bin/kelproj"), "check", SampleProject()}), Done());
 }
 
-TEST_F(Installation, ManualPage_IsTheOneThatTheProgramPrints) {
+TEST_F(Installation, ManualPageAndBashCompletion_AreThoseThatTheProgramPrints) {
   EXPECT_EQ(Run({"man"}), Printed(ReadFile(Installed("share/man/man1/kelproj.1"))));
-}
-
-TEST_F(Installation, BashCompletion_IsTheOneThatTheProgramPrints) {
   EXPECT_EQ(Run({"completion", "bash"}),
             Printed(ReadFile(Installed("share/bash-completion/completions/kelproj"))));
 }

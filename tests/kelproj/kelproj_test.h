@@ -1,15 +1,11 @@
 #pragma once
 
 #include <filesystem>
-#include <string>
-#include <utility>
-#include <vector>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "testing/files.h"
+#include "testing/saving.h"
+#include "testing/shipped_files.h"
 #include "testing/temporary_directory.h"
+#include "testing/test.h"
 #include "tests/kelproj/process.h"
 
 namespace test_support {
@@ -25,17 +21,13 @@ inline Outcome Failed(const std::string& reason) {
 }
 /// The outcome of wrong arguments: trouble, with a reason and the command's help named.
 /// @param words that the reason has; the rest of it is the argument parser's
-inline ::testing::Matcher<const Outcome&> IsWrongUse(const std::string& command,
-                                                     const std::vector<std::string>& words) {
-  ::testing::Matcher<const std::string&> error =
-      ::testing::AllOf(::testing::StartsWith("kelproj: error: "),
-                       ::testing::EndsWith("\nTry: " + command + " --help\n"));
-  for (const std::string& word : words) {
-    error = ::testing::AllOf(error, ::testing::HasSubstr(word));
-  }
-  return ::testing::AllOf(::testing::Field(&Outcome::status, 2),
-                          ::testing::Field(&Outcome::out, ""),
-                          ::testing::Field(&Outcome::err, error));
+inline testing::Matcher<const Outcome&> IsWrongUse(const std::string& command,
+                                                   const std::vector<std::string>& words) {
+  testing::Matcher<const std::string&> error =
+      AllOf(StartsWith("kelproj: error: "), EndsWith("\nTry: " + command + " --help\n"));
+  for (const std::string& word : words) error = AllOf(error, HasSubstr(word));
+  return AllOf(testing::Field(&Outcome::status, 2), testing::Field(&Outcome::out, ""),
+               testing::Field(&Outcome::err, error));
 }
 
 /// Gives a file or directory other permissions for as long as it lives.
@@ -55,7 +47,7 @@ class Permissions {
 };
 
 /// Runs the program in a new directory.
-class KelprojTest : public ::testing::Test {
+class KelprojTest : public testing::Test {
  protected:
   Outcome Run(std::vector<std::string> arguments, ProcessSettings settings = {}) const {
     arguments.insert(arguments.begin(), KelprojProgram());
@@ -65,18 +57,14 @@ class KelprojTest : public ::testing::Test {
 
   // Runs the program so that permissions of files bind it.
   Outcome RunUnprivileged(const std::vector<std::string>& arguments) const {
-    ProcessSettings settings;
-    settings.obeys_permissions = true;
-    return Run(arguments, settings);
+    return Run(arguments, {".", {}, "", true});
   }
 
   // On some systems root cannot give up its rights.
   bool PermissionsBind() const {
     WriteFile(PathOf("secret"), "");
     const Permissions none(PathOf("secret"), 0);
-    ProcessSettings settings;
-    settings.obeys_permissions = true;
-    return RunProcess({"cat", PathOf("secret")}, settings).status != 0;
+    return RunProcess({"cat", PathOf("secret")}, {".", {}, "", true}).status != 0;
   }
 
   void MakeProject(const std::string& file = "blinker.xml") const {
@@ -87,6 +75,13 @@ class KelprojTest : public ::testing::Test {
     return Run({"get", file, key}).out;
   }
 
+  void ExpectUnchangedBy(const std::vector<std::string>& arguments,
+                         const testing::Matcher<const Outcome&>& outcome) const {
+    const std::string before = Read("blinker.xml");
+    EXPECT_THAT(Run(arguments), outcome);
+    EXPECT_EQ(Read("blinker.xml"), before);
+  }
+
   std::string Directory() const { return directory_.path().string(); }
   std::string PathOf(const std::string& name) const { return directory_ / name; }
   std::string Read(const std::string& name) const { return ReadFile(PathOf(name)); }
@@ -94,13 +89,7 @@ class KelprojTest : public ::testing::Test {
     WriteFile(PathOf(name), bytes);
   }
 
-  std::vector<std::string> Names() const {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(directory_.path())) {
-      names.push_back(entry.path().filename().string());
-    }
-    return names;
-  }
+  std::vector<std::string> Names() const { return NamesIn(directory_.path()); }
 
  private:
   TemporaryDirectory directory_;

@@ -1,31 +1,21 @@
-#include <gmock/gmock.h>
-
 #include "tests/kelproj/kelproj_test.h"
 
 namespace {
 
-using test_support::Done;
-using test_support::Failed;
-using test_support::KelprojTest;
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
+using namespace test_support;
 
 class New : public KelprojTest {};
 
-TEST_F(New, NameAndFile_CreatesAProjectOfThatName) {
-  EXPECT_EQ(Run({"new", "blinker", "-o", "blinker.xml"}), Done());
+TEST_F(New, NameAndFile_CreatesAProjectOfThatNameWithTheDefaultsOfTheLibrary) {
+  MakeProject();
   EXPECT_EQ(Get("blinker.xml", "name"), "blinker\n");
+  EXPECT_EQ(Get("blinker.xml", "device.family"), "Varel\n");
+  EXPECT_EQ(Get("blinker.xml", "device.device"), "Q8R25\n");
 }
 
 TEST_F(New, NameOfACommand_IsTheNameOfTheProject) {
   EXPECT_EQ(Run({"new", "show", "--output", "show.xml"}), Done());
   EXPECT_EQ(Get("show.xml", "name"), "show\n");
-}
-
-TEST_F(New, NoOptions_TakesTheDefaultsOfTheLibrary) {
-  MakeProject();
-  EXPECT_EQ(Get("blinker.xml", "device.family"), "Varel\n");
-  EXPECT_EQ(Get("blinker.xml", "device.device"), "Q8R25\n");
 }
 
 TEST_F(New, Options_SetTheirValues) {
@@ -51,13 +41,9 @@ TEST_F(New, FileThatIsThere_IsKept) {
   EXPECT_EQ(Read("blinker.xml"), "precious");
 }
 
-TEST_F(New, FileThatWouldNotLoadForItsName_IsNotCreated) {
+TEST_F(New, FileThatWouldNotLoadForItsNameOrHasNoDirectory_IsNotCreated) {
   EXPECT_EQ(Run({"new", "blinker", "-o", "blinker.prj"}),
             Failed("blinker.prj: the name of a project file ends in .xml"));
-  EXPECT_THAT(Names(), IsEmpty());
-}
-
-TEST_F(New, DirectoryThatIsNotThere_IsNotCreated) {
   EXPECT_EQ(Run({"new", "blinker", "-o", "work/blinker.xml"}),
             Failed("Failed writing XML file work/blinker.xml: No such file or directory"));
   EXPECT_THAT(Names(), IsEmpty());
@@ -65,7 +51,7 @@ TEST_F(New, DirectoryThatIsNotThere_IsNotCreated) {
 
 TEST_F(New, DirectoryThatCannotBeWritten_Fails) {
   if (!PermissionsBind()) GTEST_SKIP() << "permissions do not bind root";
-  const test_support::Permissions read_only(Directory(), 0555);
+  const Permissions read_only(Directory(), 0555);
   EXPECT_EQ(RunUnprivileged({"new", "blinker", "-o", "blinker.xml"}),
             Failed("Failed writing XML file blinker.xml: Permission denied"));
 }

@@ -2,22 +2,14 @@
 #include <cstdlib>
 
 #include <fcntl.h>
-#include <gmock/gmock.h>
 #include <unistd.h>
 #include <nlohmann/json.hpp>
 
-#include "testing/shipped_files.h"
 #include "tests/kelproj/kelproj_test.h"
 
 namespace {
 
-using test_support::KelprojProgram;
-using test_support::KelprojTest;
-using test_support::Outcome;
-using test_support::RunProcess;
-using test_support::SampleProject;
-using ::testing::HasSubstr;
-using ::testing::Not;
+using namespace test_support;
 
 using Json = nlohmann::json;
 
@@ -132,15 +124,12 @@ TEST_F(Show, Project_IsShownAlignedAndGroupedWithCounts) {
   EXPECT_EQ(outcome.status, 0);
 }
 
-TEST_F(Show, StampsAndDirectory_AreShown) {
+TEST_F(Show, StampsAndDirectory_AreShownWithoutColourWhereNoTerminalIs) {
   const std::string shown = Run({"show", SampleProject()}).out;
   EXPECT_THAT(shown, HasSubstr("  software version  0.1.0\n"));
   EXPECT_THAT(shown, HasSubstr("  last change       Sat Nov 21 2026 08:36:55\n"));
   EXPECT_THAT(shown, HasSubstr("/examples/soc_demo\n"));
-}
-
-TEST_F(Show, StandardOutputThatIsNoTerminal_IsNotColoured) {
-  EXPECT_THAT(Run({"show", SampleProject()}).out, Not(HasSubstr("\x1b")));
+  EXPECT_THAT(shown, Not(HasSubstr("\x1b")));
 }
 
 bool HasPseudoTerminals() {
@@ -224,20 +213,17 @@ TEST_F(Show, JsonOfProcesses_HasTheirToolsAndParameters) {
   EXPECT_EQ(project.at("debugger").at("param").at("cable").at("value"), "usb");
 }
 
-TEST_F(Show, BrokenFile_ShowsNothing) {
-  Write("mixer.xml", "<project>");
-  const auto outcome = Run({"show", "mixer.xml"});
-  EXPECT_EQ(outcome.status, 2);
-  EXPECT_EQ(outcome.out, "");
-  EXPECT_THAT(outcome.err, HasSubstr("kelproj: error: mixer.xml does not load\n"));
-}
-
-TEST_F(Show, FileThatLoadsInPart_ShowsNothing) {
-  Write("mixer.xml", R"(<project name="mixer"><floorplan/></project>)");
-  const auto outcome = Run({"show", "mixer.xml"});
-  EXPECT_EQ(outcome.status, 2);
-  EXPECT_EQ(outcome.out, "");
-  EXPECT_THAT(outcome.err, HasSubstr("kelproj: error: Unexpected tag name floorplan\n"));
+TEST_F(Show, FileThatDoesNotLoadOrLoadsInPart_ShowsNothing) {
+  for (const auto& [bytes, reason] :
+       {std::pair("<project>", "kelproj: error: mixer.xml does not load\n"),
+        std::pair(R"(<project name="mixer"><floorplan/></project>)",
+                  "kelproj: error: Unexpected tag name floorplan\n")}) {
+    Write("mixer.xml", bytes);
+    const auto outcome = Run({"show", "mixer.xml"});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_THAT(outcome.err, HasSubstr(reason));
+  }
 }
 
 TEST_F(Show, DeprecatedElement_IsShownWithAWarning) {

@@ -2,34 +2,19 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
-#include <ostream>
-#include <string>
+#include <tuple>
 #include <type_traits>
-#include <utility>
-#include <vector>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <projectdb/project_db.h>
 
 #include "contents/record_text.h"
 #include "testing/flow_processes.h"
 #include "testing/message_recorder.h"
 #include "testing/project_differences.h"
+#include "testing/test.h"
 
 namespace {
 
 using namespace projectdb;
-using test_support::kProcesses;
-using test_support::Lines;
-using test_support::MessageRecorder;
-using test_support::ProjectLines;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Pair;
-using testing::SizeIs;
-using testing::UnorderedElementsAre;
+using namespace test_support;
 
 using Db = KelProjectDatabase;
 
@@ -68,13 +53,11 @@ class FlowProcesses : public testing::Test {
   Db database_;
 };
 
-TEST_F(FlowProcesses, GetFlowProcess_CalledTwice_GivesTheSameRecord) {
-  for (const ProcType type : kProcesses) {
-    EXPECT_EQ(database_.GetFlowProcess(type), database_.GetFlowProcess(type));
-  }
-}
-
 TEST_F(FlowProcesses, NameAndTool_EachType_AreThoseOfTheirProcess) {
+  database_.SetFlowProcessName(e_debugger, "\xFF my name");
+  database_.SetFlowProcessExecutableName(e_debugger, "\xFF my tool");
+  EXPECT_THAT(ProjectLines(database_),
+              ElementsAre("debugger.name: \xFF my name", "debugger.tool: \xFF my tool"));
   for (const ProcType type : kProcesses) {
     database_.SetFlowProcessName(type, ("name" + std::to_string(type)).c_str());
     database_.SetFlowProcessExecutableName(type, "tool" + std::to_string(type));
@@ -86,61 +69,16 @@ TEST_F(FlowProcesses, NameAndTool_EachType_AreThoseOfTheirProcess) {
   }
 }
 
-TEST_F(FlowProcesses, NameAndTool_AnyText_AreStored) {
-  for (const std::string text : {"syn", "my tool", "größe", "\xFF", ""}) {
-    database_.SetFlowProcessName(e_debugger, text.c_str());
-    database_.SetFlowProcessExecutableName(e_debugger, text);
-    EXPECT_EQ(database_.GetFlowProcess(e_debugger)->name, text);
-    EXPECT_EQ(database_.GetFlowProcessExecutableName(e_debugger), text);
+TEST_F(FlowProcesses, ValueThatIsNoProcess_EveryOperation_FindsNothingAndChangesNothing) {
+  ASSERT_TRUE(database_.AddSynthesisParameter("effort", "high", e_option));
+  const MessageRecorder recorder;
+  for (const int value :
+       {4, 5, 256, std::numeric_limits<int>::max(), -1, -4, std::numeric_limits<int>::min()}) {
+    ExpectNoFlowProcess(database_, static_cast<ProcType>(value));
   }
+  EXPECT_THAT(ProjectLines(database_), ElementsAre("synthesis.param.effort: high type=e_option"));
+  EXPECT_THAT(recorder.messages(), IsEmpty());
 }
-
-// --- values that are no process ---
-
-class InvalidProcess : public testing::TestWithParam<int> {
- protected:
-  void SetUp() override {
-    ASSERT_TRUE(database_.SetupProjectDatabase());
-    ASSERT_TRUE(database_.AddSynthesisParameter("effort", "high", e_option));
-    database_.SetSynthesisExecutableName("syn");
-  }
-  void TearDown() override {
-    EXPECT_THAT(ProjectLines(database_),
-                ElementsAre("synthesis.tool: syn", "synthesis.param.effort: high type=e_option"));
-    EXPECT_THAT(recorder_.messages(), IsEmpty());
-  }
-
-  const ProcType type_ = static_cast<ProcType>(GetParam());
-  Db database_;
-  const MessageRecorder recorder_;
-};
-
-TEST_P(InvalidProcess, Getters_GiveNothing) {
-  EXPECT_EQ(database_.GetFlowProcess(type_), nullptr);
-  EXPECT_EQ(database_.FindFlowProcessParameterMap(type_, "param"), nullptr);
-  EXPECT_EQ(database_.GetFlowProcessExecutableName(type_), "");
-  EXPECT_FALSE(database_.GetFlowProcessParameter(type_, "param", "effort"));
-  EXPECT_EQ(database_.GetFlowProcessParameterValue(type_, "param", "effort"), "");
-  std::vector<Parameter> parameters = {{"former", "1", e_string}};
-  database_.GetFlowProcessParameterList(type_, "param", parameters);
-  EXPECT_THAT(Texts(parameters), ElementsAre("former value=1 type=e_string"));
-}
-
-TEST_P(InvalidProcess, SettersAndAdders_ChangeNothing) {
-  database_.SetFlowProcessName(type_, "changed");
-  database_.SetFlowProcessExecutableName(type_, "changed");
-  EXPECT_EQ(database_.AddFlowProcessParameterMap(type_, "param"), nullptr);
-  EXPECT_FALSE(database_.AddFlowProcessParameter(type_, "param", Parameter("a", "1", e_string)));
-  EXPECT_FALSE(database_.AddFlowProcessParameter(type_, "param", "a", "1", e_string));
-  EXPECT_FALSE(database_.AddFlowProcessParameterList(type_, "param", {{"a", "1", e_string}}));
-  EXPECT_FALSE(database_.AddFlowProcessParameterList(type_, "param", {}));
-}
-
-INSTANTIATE_TEST_SUITE_P(Values, InvalidProcess,
-                         testing::Values(4, 5, 256, std::numeric_limits<int>::max(), -1, -4,
-                                         std::numeric_limits<int>::min()));
-
-// --- parameter maps ---
 
 TEST_F(FlowProcesses, AddFlowProcessParameterMap_NewNames_GetEmptyMapsAtTheNextPositions) {
   std::int16_t position = 0;
@@ -161,20 +99,14 @@ TEST_F(FlowProcesses, AddFlowProcessParameterMap_NewNames_GetEmptyMapsAtTheNextP
   }
 }
 
-TEST_F(FlowProcesses, AddFlowProcessParameterMap_NameExists_GivesTheMapWithItsParameters) {
+TEST_F(FlowProcesses, AddAndFindFlowProcessParameterMap_NameExists_GiveTheMapWithItsParameters) {
   database_.AddSynthesisParameter("effort", "high", e_option);
   database_.AddFlowProcessParameterMap(e_synthesis, "own");
   ParameterMap* const again = database_.AddFlowProcessParameterMap(e_synthesis, "param");
   EXPECT_EQ(again, &database_.GetFlowProcess(e_synthesis)->parameter_maps.at(0));
   EXPECT_THAT(*again, SizeIs(1));
+  EXPECT_EQ(database_.FindFlowProcessParameterMap(e_synthesis, "own"), again + 1);
   EXPECT_EQ(MapCount(e_synthesis), 2u);
-}
-
-TEST_F(FlowProcesses, FindFlowProcessParameterMap_NameExists_GivesTheMap) {
-  database_.AddFlowProcessParameterMap(e_synthesis, "param");
-  database_.AddFlowProcessParameterMap(e_synthesis, "own");
-  EXPECT_EQ(database_.FindFlowProcessParameterMap(e_synthesis, "own"),
-            &database_.GetFlowProcess(e_synthesis)->parameter_maps.at(1));
 }
 
 TEST_F(FlowProcesses, Lookups_MapMissing_GiveNothingAndCreateNothing) {
@@ -228,8 +160,6 @@ TEST_F(FullProcess, OneMoreMap_IsRefusedByEveryAdderAndChangesNothing) {
   EXPECT_NE(database_.AddFlowProcessParameterMap(e_debugger, "more"), nullptr);
 }
 
-// --- inserting and assigning ---
-
 constexpr int kTypes[] = {e_string, e_bool, e_option, e_noarg, kNoParameterType, 7, -1};
 
 /// With a value that the type accepts.
@@ -237,26 +167,18 @@ Parameter Accepted(int type, const std::string& name, const std::string& value) 
   return {name, type == e_noarg ? "" : value, static_cast<ParameterType>(type)};
 }
 
-TEST(InsertOrAssignParameter, ValueFitsItsType_IsStored) {
+TEST(InsertOrAssignParameter, Value_IsStoredOnlyIfItFitsItsType) {
   for (const int type : kTypes) {
-    for (const std::string value : {"text", " "}) {
-      const Parameter parameter = Accepted(type, "a", value);
+    for (const std::string value : {"text", " ", ""}) {
+      const Parameter parameter("a", value, static_cast<ParameterType>(type));
       SCOPED_TRACE(TextOf(parameter));
-      ParameterMap map;
-      EXPECT_TRUE(Db::InsertOrAssignParameterToMap(map, "a", parameter));
-      EXPECT_THAT(Texts(map), ElementsAre("a: " + TextUnderKey("a", parameter)));
-    }
-  }
-}
-
-TEST(InsertOrAssignParameter, ValueDoesNotFitItsType_IsRefusedAndTheMapUnchanged) {
-  for (const int type : kTypes) {
-    for (const std::string value : {"1", " "}) {
-      SCOPED_TRACE(type);
-      ParameterMap map;
-      EXPECT_FALSE(Db::InsertOrAssignParameterToMap(
-          map, "a", {"a", type == e_noarg ? value : "", static_cast<ParameterType>(type)}));
-      EXPECT_THAT(map, IsEmpty());
+      ParameterMap map = {{"b", {"b", "1", e_string}}};
+      const bool fits = value.empty() == (type == e_noarg);
+      EXPECT_EQ(Db::InsertOrAssignParameterToMap(map, "a", parameter), fits);
+      EXPECT_EQ(map.count("a"), fits ? 1u : 0u);
+      if (fits) {
+        EXPECT_EQ(TextOf(map.at("a")), TextOf(parameter));
+      }
     }
   }
   ParameterMap map = {{"a", {"a", "1", e_string}}};
@@ -295,8 +217,6 @@ TEST(InsertOrAssignParameter, ParameterOfTheMapItself_IsCopied) {
                           R"(b: "a value too long for the string object" type=e_string name=a)"));
 }
 
-// --- adding and getting parameters ---
-
 TEST_F(FlowProcesses, AddFlowProcessParameter_BothForms_StoreInTheGivenProcessAndMap) {
   for (const ProcType type : kProcesses) {
     const std::string map = "own" + std::to_string(type);
@@ -318,8 +238,6 @@ TEST_F(FlowProcesses, AddFlowProcessParameter_BothForms_RefuseAnotherType) {
       database_.AddFlowProcessParameter(e_debugger, "own", Parameter("a", "true", e_bool)));
   EXPECT_FALSE(database_.AddFlowProcessParameter(e_debugger, "own", "a", "true", e_bool));
   EXPECT_THAT(ProjectLines(database_), ElementsAre("debugger.own.a: 1 type=e_string"));
-  EXPECT_TRUE(database_.AddFlowProcessParameter(e_debugger, "own", "a", "2", e_string));
-  EXPECT_THAT(ProjectLines(database_), ElementsAre("debugger.own.a: 2 type=e_string"));
 }
 
 TEST_F(FlowProcesses, AddFlowProcessParameter_Refused_PostsNothingAndMakesTheEmptyMap) {
@@ -386,24 +304,14 @@ TEST_F(FlowProcesses, GetFlowProcessParameter_Stored_GivesACopy) {
 
 TEST_F(FlowProcesses, GetFlowProcessParameterAndValue_Missing_GiveNothing) {
   database_.AddFlowProcessParameter(e_debugger, "own", "a", "1", e_option);
-  struct Miss {
-    const char* why;
-    ProcType process;
-    const char* map;
-    const char* name;
-  };
-  const Miss misses[] = {
-      {"other process", e_synthesis, "own", "a"}, {"other map", e_debugger, "param", "a"},
-      {"other name", e_debugger, "own", "A"},     {"empty name", e_debugger, "own", ""},
-      {"empty map", e_debugger, "", "a"},
-  };
-  for (const auto& [why, process, map, name] : misses) {
-    EXPECT_FALSE(database_.GetFlowProcessParameter(process, map, name)) << why;
-    EXPECT_EQ(database_.GetFlowProcessParameterValue(process, map, name), "") << why;
+  for (const auto& [process, map, name] :
+       {std::tuple(e_synthesis, "own", "a"), std::tuple(e_debugger, "param", "a"),
+        std::tuple(e_debugger, "own", "A"), std::tuple(e_debugger, "own", ""),
+        std::tuple(e_debugger, "", "a")}) {
+    EXPECT_FALSE(database_.GetFlowProcessParameter(process, map, name)) << process << map << name;
+    EXPECT_EQ(database_.GetFlowProcessParameterValue(process, map, name), "");
   }
 }
-
-// --- shorthands for one tool ---
 
 TEST_F(FlowProcesses, ExecutableNamesOfTools_AreThoseOfTheirProcesses) {
   database_.SetSynthesisExecutableName("syn");
@@ -431,8 +339,6 @@ struct ToolParameters {
   std::string (Db::*get_value)(const std::string&) const;
   std::optional<Parameter> (Db::*get)(const std::string&) const;  ///< Of two tools only.
 };
-
-void PrintTo(const ToolParameters& row, std::ostream* out) { *out << row.name; }
 
 const ToolParameters kTools[] = {
     {"Synthesis", "synthesis.param", &Db::AddSynthesisParameter, &Db::AddSynthesisParameter,
@@ -541,7 +447,6 @@ TEST_P(ToolParametersTest, AddByParts_AfterTheOtherForm_TakesTheToolsTypeOnly) {
   EXPECT_EQ(GetValue("b"), "1");
 }
 
-INSTANTIATE_TEST_SUITE_P(Tools, ToolParametersTest, testing::ValuesIn(kTools),
-                         [](const auto& param_info) { return param_info.param.name; });
+INSTANTIATE_TEST_SUITE_P(Tools, ToolParametersTest, testing::ValuesIn(kTools), ByName());
 
 }  // namespace

@@ -1,18 +1,12 @@
 #include <optional>
-#include <ostream>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <projectdb/project_db.h>
 
 #include "testing/project_differences.h"
+#include "testing/test.h"
 
 namespace {
 
-using projectdb::KelProjectDatabase;
+using namespace test_support;
+using namespace projectdb;
 using testing::Optional;
 
 /// Both operations that store an attribute do the same.
@@ -20,8 +14,6 @@ struct StoreOperation {
   const char* name;
   bool (KelProjectDatabase::*store)(const std::string&, const std::string&);
 };
-
-void PrintTo(const StoreOperation& row, std::ostream* out) { *out << row.name; }
 
 class InfoAttributeTest : public testing::TestWithParam<StoreOperation> {
  protected:
@@ -39,19 +31,16 @@ class InfoAttributeTest : public testing::TestWithParam<StoreOperation> {
   KelProjectDatabase database_;
 };
 
-const std::vector<std::string>& FreeNames() {
-  static const std::vector<std::string> names = {
-      "owner",      "vendor:id",       "",         ":a",        ":xmlns",       ":",
-      "::",         "xmlnsx",          "xmlnsx:y", "xsix",      "xsix:a",       "XMLNS",
-      "Xsi:nil",    "xml:lang",        "Name",     "name ",     ":name",        "kel:name",
-      "SW_VERSION", "last_change_dat", "größe",    "two words", "sw_version:x", "xmln",
-      "x",          "project_name"};
-  return names;
-}
+const std::string kFreeNames[] = {
+    "owner",      "vendor:id",       "",         ":a",        ":xmlns",       ":",
+    "::",         "xmlnsx",          "xmlnsx:y", "xsix",      "xsix:a",       "XMLNS",
+    "Xsi:nil",    "xml:lang",        "Name",     "name ",     ":name",        "kel:name",
+    "SW_VERSION", "last_change_dat", "größe",    "two words", "sw_version:x", "xmln",
+    "x",          "project_name"};
 
 TEST_P(InfoAttributeTest, Store_FreeName_KeepsTheValueUnderTheName) {
-  for (const std::string& name : FreeNames()) EXPECT_TRUE(Store(name, "value of " + name)) << name;
-  for (const std::string& name : FreeNames()) EXPECT_THAT(Get(name), Optional("value of " + name));
+  for (const std::string& name : kFreeNames) EXPECT_TRUE(Store(name, "value of " + name)) << name;
+  for (const std::string& name : kFreeNames) EXPECT_THAT(Get(name), Optional("value of " + name));
 }
 
 TEST_P(InfoAttributeTest, Store_AnyValue_KeepsItExactly) {
@@ -74,29 +63,23 @@ TEST_P(InfoAttributeTest, Store_NameForXmlItself_ReturnsTrueAndDropsIt) {
   for (const std::string name : {"xmlns", "xmlns:kel", "xmlns:", "xmlns:a:b", "xsi",
                                  "xsi:schemaLocation", "xsi:", "xsi:nil"}) {
     EXPECT_TRUE(Store(name, "dropped")) << name;
-    EXPECT_THAT(test_support::AllDifferences(before, database_), testing::IsEmpty()) << name;
+    EXPECT_THAT(test_support::AllDifferences(before, database_), IsEmpty()) << name;
   }
 }
 
-struct ReservedName {
-  const char* name;
-  std::string (KelProjectDatabase::*field)() const;
-};
-
-constexpr ReservedName kReservedNames[] = {
+constexpr std::pair<const char*, std::string (KelProjectDatabase::*)() const> kReservedNames[] = {
     {"name", &KelProjectDatabase::GetProjectName},
     {"sw_version", &KelProjectDatabase::GetProjectSoftwareVersion},
     {"last_change_date", &KelProjectDatabase::GetProjectLastModifyTime},
 };
 
 TEST_P(InfoAttributeTest, Store_ReservedName_AssignsItsFieldAndNoOther) {
-  for (const ReservedName& stored : kReservedNames) {
+  for (const auto& stored : kReservedNames) {
     KelProjectDatabase database;
     ASSERT_TRUE(database.SetupProjectDatabase());
-    EXPECT_TRUE((database.*GetParam().store)(stored.name, "text"));
-    for (const ReservedName& read : kReservedNames) {
-      SCOPED_TRACE(testing::Message() << stored.name << " then " << read.name);
-      EXPECT_EQ((database.*read.field)(), &read == &stored ? "text" : "");
+    EXPECT_TRUE((database.*GetParam().store)(stored.first, "text"));
+    for (const auto& read : kReservedNames) {
+      EXPECT_EQ((database.*read.second)(), &read == &stored ? "text" : "") << stored.first;
     }
   }
 }
@@ -115,31 +98,25 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(StoreOperation{"InsertOrAssign",
                                    &KelProjectDatabase::InsertOrAssignProjectAttribute},
                     StoreOperation{"Add", &KelProjectDatabase::AddProjectInfoAttribute}),
-    [](const auto& param_info) { return param_info.param.name; });
+    ByName());
 
 TEST(InfoAttributes, GetProjectInfoAttribute_ReservedNameWithEmptyField_GivesEmptyText) {
   KelProjectDatabase database;
   ASSERT_TRUE(database.SetupProjectDatabase());
-  for (const ReservedName& reserved : kReservedNames) {
+  for (const auto& [name, field] : kReservedNames) {
     std::string value = "former text";
-    EXPECT_TRUE(database.GetProjectInfoAttribute(reserved.name, value)) << reserved.name;
-    EXPECT_EQ(value, "") << reserved.name;
+    EXPECT_TRUE(database.GetProjectInfoAttribute(name, value)) << name;
+    EXPECT_EQ(value, "") << name;
   }
 }
 
-TEST(InfoAttributes, GetProjectInfoAttribute_NameNeverStored_ReturnsFalseAndLeavesTheText) {
+TEST(InfoAttributes, GetProjectInfoAttribute_OneStringAsNameAndValue_GivesTheValueOrLeavesIt) {
   KelProjectDatabase database;
   ASSERT_TRUE(database.CreateNewProjectDatabase("blinker"));
-  std::string value = "former text";
-  EXPECT_FALSE(database.GetProjectInfoAttribute("owner", value));
-  EXPECT_EQ(value, "former text");
-}
-
-TEST(InfoAttributes, GetProjectInfoAttribute_OneStringAsNameAndValue_GivesTheValue) {
-  KelProjectDatabase database;
-  ASSERT_TRUE(database.CreateNewProjectDatabase("blinker"));
-  database.AddProjectInfoAttribute("owner", "lab 3");
   std::string text = "owner";
+  EXPECT_FALSE(database.GetProjectInfoAttribute(text, text));
+  EXPECT_EQ(text, "owner");
+  database.AddProjectInfoAttribute("owner", "lab 3");
   EXPECT_TRUE(database.GetProjectInfoAttribute(text, text));
   EXPECT_EQ(text, "lab 3");
 }

@@ -2,33 +2,19 @@
 #include <ctime>
 #include <filesystem>
 #include <locale>
-#include <memory>
 #include <optional>
-#include <string>
 #include <type_traits>
-#include <utility>
-#include <vector>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <kel/version.h>
-#include <projectdb/project_db.h>
 
 #include "testing/flow_processes.h"
-#include "testing/message_recorder.h"
 #include "testing/project_loading.h"
-#include "testing/temporary_directory.h"
+#include "testing/test.h"
 
 namespace {
 
 using namespace projectdb;
 using namespace test_support;
-using testing::AnyOfArray;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::MatchesRegex;
-using testing::SizeIs;
 
 static_assert(!std::is_copy_constructible_v<KelProjectDatabase>);
 static_assert(!std::is_copy_assignable_v<KelProjectDatabase>);
@@ -38,21 +24,11 @@ static_assert(!std::is_polymorphic_v<KelProjectDatabase>);
 static_assert(std::is_nothrow_default_constructible_v<KelProjectDatabase>);
 static_assert(std::is_nothrow_destructible_v<KelProjectDatabase>);
 
-TEST(Lifecycle, Construct_NewObject_HoldsNoProject) {
-  EXPECT_FALSE(KelProjectDatabase().IsProjectDatabaseExist());
-}
-
-TEST(Lifecycle, SetupProjectDatabase_NoProject_CreatesAnEmptyOneWithFourUnnamedProcesses) {
+TEST(Lifecycle, SetupProjectDatabase_NoProject_CreatesAnEmptyOneWithFourEmptyProcesses) {
   KelProjectDatabase database;
   EXPECT_TRUE(database.SetupProjectDatabase());
   EXPECT_THAT(ProjectLines(database), IsEmpty());
   EXPECT_EQ(database.GetProjectCurrentPath(), "");
-  EXPECT_THAT(GetProjectContents(database).flow_processes, SizeIs(4));
-}
-
-TEST(Lifecycle, SetupProjectDatabase_NoProject_ProcessesHaveNoParametersAndOneBucketIndex) {
-  KelProjectDatabase database;
-  ASSERT_TRUE(database.SetupProjectDatabase());
   for (const ProcType type : kProcesses) {
     SCOPED_TRACE(type);
     const FlowProcess* process = database.GetFlowProcess(type);
@@ -138,30 +114,6 @@ TEST_F(ProjectExists, CreateNewProjectDatabase_IsRefusedWithOneErrorEachTimeAndN
   EXPECT_THAT(recorder.messages(), ElementsAre(ProjectExistsMessage(), ProjectExistsMessage()));
 }
 
-/// Puts a handler in the place of the console for as long as it lives.
-class HandlerScope {
- public:
-  explicit HandlerScope(Diag::DiagService::Handler handler)
-      : former_(Diag::GlobalInst().SetHandler(std::move(handler))) {}
-  ~HandlerScope() { Diag::GlobalInst().SetHandler(former_); }
-  HandlerScope(const HandlerScope&) = delete;
-  HandlerScope& operator=(const HandlerScope&) = delete;
-
- private:
-  Diag::DiagService::Handler former_;
-};
-
-TEST_F(ProjectExists, CreateNewProjectDatabase_PostsEmptyReferences) {
-  std::optional<Diag::DiagStorage> posted;
-  const HandlerScope scope([&posted](const Diag::DiagStorage& message) { posted = message; });
-  database_.CreateNewProjectDatabase("other");
-  ASSERT_TRUE(posted);
-  EXPECT_EQ(posted->identifier().size, 0u);
-  EXPECT_STREQ(posted->identifier().data, "");
-  EXPECT_EQ(posted->second().size, 0u);
-  EXPECT_STREQ(posted->second().data, "");
-}
-
 TEST_F(NewProject, CleanProjectDatabase_ThenCreate_GivesAFreshProject) {
   database_.SetDeviceTimingModel("slow");
   database_.AddProjectInfoAttribute("owner", "lab 3");
@@ -176,13 +128,6 @@ TEST_F(NewProject, CleanProjectDatabase_ThenCreate_GivesAFreshProject) {
               IsEmpty());
 }
 
-TEST(Lifecycle, CleanProjectDatabase_NoProject_LeavesAUsableObject) {
-  KelProjectDatabase database;
-  database.CleanProjectDatabase();
-  EXPECT_FALSE(database.IsProjectDatabaseExist());
-  EXPECT_TRUE(database.CreateNewProjectDatabase("blinker"));
-}
-
 /// The time stamp of a project created now.
 std::string NewTimeStamp() {
   KelProjectDatabase database;
@@ -190,15 +135,17 @@ std::string NewTimeStamp() {
   return database.GetProjectLastModifyTime();
 }
 
-/// All texts that the local time has from one point in time to another, in the classic locale.
-std::vector<std::string> ClassicStamps(std::time_t from, std::time_t to) {
-  std::vector<std::string> stamps;
-  for (std::time_t time = from; time <= to; ++time) {
+/// Expects that a project created now has the local time of now, in the classic locale.
+void ExpectClassicStampOfNow() {
+  std::time_t time = std::time(nullptr);
+  const std::string stamp = NewTimeStamp();
+  std::vector<std::string> possible;
+  for (const std::time_t end = std::time(nullptr); time <= end; ++time) {
     char text[64];
     const std::tm local = *std::localtime(&time);
-    stamps.emplace_back(text, std::strftime(text, sizeof text, "%a %b %d %Y %H:%M:%S", &local));
+    possible.emplace_back(text, std::strftime(text, sizeof text, "%a %b %d %Y %H:%M:%S", &local));
   }
-  return stamps;
+  EXPECT_THAT(possible, Contains(stamp));
 }
 
 /// Sets an environment variable that rules the local time zone, and restores it.
@@ -225,19 +172,11 @@ class TimeZone {
   std::optional<std::string> former_;
 };
 
-TEST(TimeStamp, CreateNewProjectDatabase_ClassicLocale_HasTheFormatsParts) {
-  EXPECT_THAT(NewTimeStamp(),
-              MatchesRegex("[A-Z][a-z][a-z] [A-Z][a-z][a-z] [0-9][0-9] [0-9][0-9][0-9][0-9] "
-                           "[0-9][0-9]:[0-9][0-9]:[0-9][0-9]"));
-}
-
 TEST(TimeStamp, CreateNewProjectDatabase_AnyTimeZone_IsTheLocalTimeOfTheCall) {
   for (const char* zone : {"UTC0", "AAA-05:30", "BBB+11"}) {
     SCOPED_TRACE(zone);
     const TimeZone time_zone(zone);
-    const std::time_t before = std::time(nullptr);
-    const std::string stamp = NewTimeStamp();
-    EXPECT_THAT(stamp, AnyOfArray(ClassicStamps(before, std::time(nullptr))));
+    ExpectClassicStampOfNow();
   }
 }
 
@@ -277,24 +216,15 @@ TEST(TimeStamp, CreateNewProjectDatabase_AnyLocale_AsksForTheFormatsParts) {
 }
 
 TEST(TimeStamp, CreateNewProjectDatabase_LocaleGivesUtf8Text_KeepsIt) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"abc", "abc abc abc abc abc"},
-      {"sábado", "sábado sábado sábado sábado sábado"},
-      {"月", "月 月 月 月 月"},
-      {"\xF0\x9F\x95\x90",
-       "\xF0\x9F\x95\x90 \xF0\x9F\x95\x90 \xF0\x9F\x95\x90 \xF0\x9F\x95\x90 "
-       "\xF0\x9F\x95\x90"},
-  };
-  for (const auto& [part, stamp] : cases) {
+  for (const std::string part : {"abc", "sábado", "月", "🕐"}) {
     const TimeTextLocale locale(part);
-    EXPECT_EQ(NewTimeStamp(), stamp);
+    EXPECT_EQ(NewTimeStamp(), part + ' ' + part + ' ' + part + ' ' + part + ' ' + part);
   }
 }
 
 TEST(TimeStamp, CreateNewProjectDatabase_LocaleGivesOtherText_IsWrittenInTheClassicLocale) {
   const char* const cases[] = {
-      "\xFB",              // One byte of an 8-bit encoding.
-      "m\xE1jus",          // The same inside a word.
+      "m\xE1jus",          // A word in an 8-bit encoding.
       "\xE6\x9C",          // A character that breaks off.
       "\xC0\xAF",          // A character in a longer form than it needs.
       "\xED\xA0\x80",      // Half of a pair of UTF-16, which is no character.
@@ -307,9 +237,7 @@ TEST(TimeStamp, CreateNewProjectDatabase_LocaleGivesOtherText_IsWrittenInTheClas
   for (const char* const part : cases) {
     SCOPED_TRACE(testing::PrintToString(std::string(part)));
     const TimeTextLocale locale(part);
-    const std::time_t before = std::time(nullptr);
-    const std::string stamp = NewTimeStamp();
-    EXPECT_THAT(stamp, AnyOfArray(ClassicStamps(before, std::time(nullptr))));
+    ExpectClassicStampOfNow();
   }
 }
 

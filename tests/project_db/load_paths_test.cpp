@@ -1,21 +1,14 @@
 #include <filesystem>
 #include <iterator>
-#include <string>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <projectdb/project_db.h>
 
 #include "testing/denied.h"
 #include "testing/named_pipe.h"
 #include "testing/project_loading.h"
-#include "testing/temporary_directory.h"
+#include "testing/test.h"
 
 namespace {
 
 using namespace test_support;
-using testing::ElementsAre;
 
 /// Names that a URI or a locale could get wrong. The last one is not UTF-8.
 const std::string kNames[] = {"two words", " blanks at both ends ",
@@ -88,32 +81,23 @@ TEST_F(LoadPaths, LoadProjectData_SchemaOfAnyName_IsApplied) {
   }
 }
 
-TEST_F(LoadPaths, LoadProjectData_HintInADirectoryOfAnyName_IsFollowed) {
+TEST_F(LoadPaths, LoadProjectData_HintAndIncludeInADirectoryOfAnyName_AreFollowed) {
   for (const std::string& name : kNames) {
     SCOPED_TRACE(name);
     std::filesystem::create_directory(directory / name);
-    Write(name + "/s.xsd", DeviceOnlySchema());
+    Write(name + "/rules.xsd", DeviceOnlySchema());
+    Write(name + "/s.xsd",
+          "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\""
+          " targetNamespace=\"http://schema.kel.example/wdp_proj\">"
+          "<xs:include schemaLocation=\"rules.xsd\"/></xs:schema>");
     ExpectLoaded(Write(name + "/p.xml", HintedXml(DeviceInfoXml("Orrin"))));
     EXPECT_FALSE(LoadFile(Write(name + "/bad.xml", HintedXml("<isf_info/>"))));
   }
 }
 
-TEST_F(LoadPaths, LoadProjectData_SchemaIncludeInADirectoryOfAnyName_IsFollowed) {
-  for (const std::string& name : kNames) {
-    SCOPED_TRACE(name);
-    std::filesystem::create_directory(directory / name);
-    Write(name + "/rules.xsd", DeviceOnlySchema());
-    const std::string schema = Write(name + "/s.xsd",
-                                     "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\""
-                                     " targetNamespace=\"http://schema.kel.example/wdp_proj\">"
-                                     "<xs:include schemaLocation=\"rules.xsd\"/></xs:schema>");
-    EXPECT_TRUE(LoadBytes(ProjectXml(DeviceInfoXml("Orrin")), schema));
-    EXPECT_FALSE(LoadBytes(ProjectXml("<isf_info/>"), schema));
-  }
-}
-
-TEST_F(LoadPaths, LoadProjectData_LongestNameOfAFile_Loads) {
+TEST_F(LoadPaths, LoadProjectData_LongestNameOfAFileOrSeveralDots_Loads) {
   ExpectLoaded(Write(std::string(251, 'n') + ".xml", ProjectXml(DeviceInfoXml("Orrin"))));
+  ExpectLoaded(Write("a.b..xml", ProjectXml(DeviceInfoXml("Orrin"))));
 }
 
 TEST_F(LoadPaths, LoadProjectData_LinkToAFile_ProjectIsInTheLinksDirectory) {
@@ -124,15 +108,9 @@ TEST_F(LoadPaths, LoadProjectData_LinkToAFile_ProjectIsInTheLinksDirectory) {
   EXPECT_EQ(database.GetProjectCurrentPath(), directory / "sub");
 }
 
-TEST_F(LoadPaths, LoadProjectData_NameWithSeveralDots_EndsInTheLast) {
-  ExpectLoaded(Write("a.b..xml", ProjectXml(DeviceInfoXml("Orrin"))));
-}
-
-// ---- Names that count as missing
-
 TEST_F(LoadPaths, LoadProjectData_EmptyName_ReturnsFalseWithoutMessage) {
   EXPECT_FALSE(LoadFile("", directory / "missing.xsd"));
-  EXPECT_THAT(messages, testing::IsEmpty());
+  EXPECT_THAT(messages, IsEmpty());
   EXPECT_FALSE(database.IsProjectDatabaseExist());
 }
 
@@ -163,15 +141,11 @@ TEST_F(LoadPaths, LoadProjectData_NameOfNoFile_CountsAsMissing) {
   }
 }
 
-TEST_F(LoadPaths, LoadProjectData_FileAndSchemaMissing_SaysNothingOfTheSchema) {
+TEST_F(LoadPaths, LoadProjectData_FileAndSchemaMissing_SaysNothingOfTheSchemaAndLeavesTheProject) {
+  ASSERT_TRUE(LoadBytes(CompleteProjectXml()));
   EXPECT_FALSE(LoadFile(directory / "gone.xml", directory / "gone.xsd"));
   EXPECT_THAT(messages, ElementsAre(MissingMessage(directory / "gone.xml")));
-}
-
-TEST_F(LoadPaths, LoadProjectData_MissingFile_LeavesTheProjectUntouched) {
-  ASSERT_TRUE(LoadBytes(CompleteProjectXml()));
-  EXPECT_FALSE(LoadFile(directory / "gone.xml"));
-  EXPECT_THAT(AllDifferences(CompleteProject(directory.path()), database), testing::IsEmpty());
+  EXPECT_THAT(AllDifferences(CompleteProject(directory.path()), database), IsEmpty());
 }
 
 TEST_F(LoadPaths, LoadProjectData_DirectoryWithoutPermission_CountsAsMissing) {
@@ -204,8 +178,6 @@ TEST_F(LoadPaths, LoadProjectData_SchemaInADirectoryWithoutPermission_CountsAsMi
   EXPECT_THAT(messages, ElementsAre(ReadingMessage(project), SchemaMissingMessage(schema)));
 }
 
-// ---- Files that cannot be read
-
 TEST_F(LoadPaths, LoadProjectData_Directory_IsReadAndRefusedAsMalformed) {
   std::filesystem::create_directory(path());
   ExpectRefused();
@@ -225,8 +197,6 @@ TEST_F(LoadPaths, LoadProjectData_FileThatCannotBeReadToItsEnd_IsRefusedAsMalfor
   std::filesystem::create_symlink(unreadable, path());
   ExpectRefused();
 }
-
-// ---- The file is opened once
 
 TEST_F(LoadPaths, LoadProjectData_PipeAsProjectFile_IsReadOnceWithAndWithoutSchema) {
   const NamedPipe pipe(path());

@@ -1,28 +1,16 @@
-#include <filesystem>
 #include <functional>
 #include <future>
-#include <ostream>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <projectdb/durable_export.h>
-#include <projectdb/project_db.h>
 
 #include "testing/before_lock.h"
-#include "testing/files.h"
 #include "testing/project_loading.h"
 #include "testing/saving.h"
+#include "testing/test.h"
 #include "testing/throwing_handler.h"
 
 namespace {
 
 using namespace test_support;
-using projectdb::KelProjectDatabase;
-using testing::ElementsAre;
+using namespace projectdb;
 
 void InAnotherThread(const std::function<void()>& work) {
   std::async(std::launch::async, work).get();
@@ -137,12 +125,12 @@ INSTANTIATE_TEST_SUITE_P(
     Saves, InterruptedExport,
     testing::Values([](const KelProjectDatabase& database,
                        const std::string& path) { database.ExportProjectData(path); },
-                    projectdb::ExportProjectDataDurably));
+                    ExportProjectDataDurably));
 
 TEST_F(Interruption, ExportProjectDataDurably_ChangedSoThatNoLoadReadsIt_IsRefused) {
   const auto change = [](Loading& loading) {
-    loading.database.AddFlowProcessParameterMap(projectdb::e_debugger, "param")
-        ->emplace("key", projectdb::Parameter("name", "v", projectdb::e_string));
+    loading.database.AddFlowProcessParameterMap(e_debugger, "param")
+        ->emplace("key", Parameter("name", "v", e_string));
   };
   std::string error;
   BeforeEachLock(
@@ -192,18 +180,14 @@ TEST_F(Locks, AddTimingConstraintFile_NameOfAnotherKind_TakesNone) {
   }
 }
 
-TEST_F(Locks, AddTimingConstraintFile_NameOfThatKind_TakesItOnce) {
-  const auto add = [this] { EXPECT_TRUE(database_.AddTimingConstraintFile("a.sdc")); };
-  EXPECT_TRUE(IsTaken(1, add));
-  EXPECT_FALSE(IsTaken(2, add));
-}
-
-TEST_F(Locks, AddTimingConstraintFile_List_TakesItOnce) {
-  const auto add = [this] {
-    EXPECT_TRUE(database_.AddTimingConstraintFile(std::vector<std::string>{"a.sdc", "", "b.sdc"}));
-  };
-  EXPECT_TRUE(IsTaken(1, add));
-  EXPECT_FALSE(IsTaken(2, add));
+TEST_F(Locks, AddTimingConstraintFile_NameOfThatKindOrList_TakesItOnce) {
+  const std::vector<std::string> list = {"a.sdc", "", "b.sdc"};
+  for (const int times : {1, 2}) {
+    EXPECT_EQ(IsTaken(times, [&] { EXPECT_TRUE(database_.AddTimingConstraintFile("a.sdc")); }),
+              times == 1);
+    EXPECT_EQ(IsTaken(times, [&] { EXPECT_TRUE(database_.AddTimingConstraintFile(list)); }),
+              times == 1);
+  }
 }
 
 TEST_F(Locks, SetInterfaceConstraint_NameOfAnotherKind_TakesNone) {
@@ -217,41 +201,27 @@ struct Posting {
   const char* name;
   std::string bytes;  ///< Of the file at the path.
   MessageRecorder::Message (*message)(const std::string& path);
-  void (*operation)(KelProjectDatabase&, const std::string& path);
+  void (*operation)(KelProjectDatabase&, const std::string& path) = [](auto& database, auto& path) {
+    database.LoadProjectData(path, "");
+  };
 };
 
-void PrintTo(const Posting& posting, std::ostream* out) { *out << posting.name; }
-
-void LoadWithoutSchema(KelProjectDatabase& database, const std::string& path) {
-  database.LoadProjectData(path, "");
-}
-
 std::vector<Posting> Postings() {
-  const auto posts = [](const char* name, const std::string& sections, auto message) {
-    return Posting{name, ProjectXml(sections), message, LoadWithoutSchema};
-  };
-  return {{"ProjectExists", "", [](const std::string&) { return ProjectExistsMessage(); },
-           [](KelProjectDatabase& database, const std::string&) {
-             database.CreateNewProjectDatabase("next");
-           }},
-          {"ProjectFileMissing", "",
-           [](const std::string& path) { return MissingMessage(path + ".none"); },
-           [](KelProjectDatabase& database, const std::string& path) {
-             database.LoadProjectData(path + ".none", "");
-           }},
-          {"SchemaFileMissing", ProjectXml(""),
-           [](const std::string& path) { return SchemaMissingMessage(path + ".xsd"); },
-           [](KelProjectDatabase& database, const std::string& path) {
-             database.LoadProjectData(path, path + ".xsd");
-           }},
-          {"ProjectFileMalformed", "<project>", MalformedMessage, LoadWithoutSchema},
-          posts("ReadingProject", "", ReadingMessage),
-          posts("UnexpectedTag", "<bogus/>",
-                [](const std::string&) { return UnexpectedMessage("bogus"); }),
-          posts("DeprecatedSection", "<package_info/>",
-                [](const std::string&) { return DeprecatedMessage("package_info"); }),
-          posts("DeprecatedChild", "<constraint_info><core_place_file/></constraint_info>",
-                [](const std::string&) { return DeprecatedMessage("core_place_file"); })};
+  return {
+      {"ProjectExists", "", [](auto&) { return ProjectExistsMessage(); },
+       [](auto& database, auto&) { database.CreateNewProjectDatabase("next"); }},
+      {"ProjectFileMissing", "", [](auto& path) { return MissingMessage(path + ".none"); },
+       [](auto& database, auto& path) { database.LoadProjectData(path + ".none", ""); }},
+      {"SchemaFileMissing", ProjectXml(""),
+       [](auto& path) { return SchemaMissingMessage(path + ".xsd"); },
+       [](auto& database, auto& path) { database.LoadProjectData(path, path + ".xsd"); }},
+      {"ProjectFileMalformed", "<project>", MalformedMessage},
+      {"ReadingProject", ProjectXml(""), ReadingMessage},
+      {"UnexpectedTag", ProjectXml("<bogus/>"), [](auto&) { return UnexpectedMessage("bogus"); }},
+      {"DeprecatedSection", ProjectXml("<package_info/>"),
+       [](auto&) { return DeprecatedMessage("package_info"); }},
+      {"DeprecatedChild", ProjectXml("<constraint_info><core_place_file/></constraint_info>"),
+       [](auto&) { return DeprecatedMessage("core_place_file"); }}};
 }
 
 class PostThatThrows : public testing::TestWithParam<Posting>, protected Loading {
@@ -280,11 +250,10 @@ TEST_P(PostThatThrows, OtherThreadsPostTheSameMessage) {
   InAnotherThread([this] {
     const MessageRecorder recorder;
     GetParam().operation(database, path());
-    EXPECT_THAT(recorder.messages(), testing::Contains(GetParam().message(path())));
+    EXPECT_THAT(recorder.messages(), Contains(GetParam().message(path())));
   });
 }
 
-INSTANTIATE_TEST_SUITE_P(Messages, PostThatThrows, testing::ValuesIn(Postings()),
-                         [](const auto& param_info) { return std::string(param_info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Messages, PostThatThrows, testing::ValuesIn(Postings()), ByName());
 
 }  // namespace

@@ -1,24 +1,17 @@
 #include <cstddef>
 #include <functional>
-#include <ostream>
-#include <stdexcept>
-#include <string>
 #include <string_view>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <kel/diag.h>
 
 #include "messages.h"
-#include "testing/message_recorder.h"
+#include "testing/test.h"
 
 namespace {
 
 using Diag::DiagStorage;
 using Diag::MessageType;
-using test_support::MessageRecorder;
-using testing::ElementsAre;
+using namespace test_support;
 
 namespace messages = projectdb::messages;
 
@@ -34,8 +27,6 @@ struct MessageCase {
     return place == std::string::npos ? text : std::string(text).replace(place, 1, argument);
   }
 };
-
-void PrintTo(const MessageCase& c, std::ostream* out) { *out << c.name; }
 
 const MessageCase kMessages[] = {
     {"ProjectExists", [](std::string_view) { return messages::MsgProjectExists(); },
@@ -55,37 +46,22 @@ const MessageCase kMessages[] = {
 
 class Messages : public testing::TestWithParam<MessageCase> {};
 
-INSTANTIATE_TEST_SUITE_P(Catalogue, Messages, testing::ValuesIn(kMessages));
+INSTANTIATE_TEST_SUITE_P(Catalogue, Messages, testing::ValuesIn(kMessages), ByName());
 
-TEST_P(Messages, HasAnEmptyIdentifierAndSecondReference) {
+TEST_P(Messages, HasItsSeverityAnEmptyIdentifierAndAnEmptySecondReference) {
   const DiagStorage message = GetParam().make("a");
+  EXPECT_EQ(message.type(), GetParam().type);
   EXPECT_EQ(message.identifier().size, 0U);
   EXPECT_STREQ(message.identifier().data, "");
   EXPECT_EQ(message.second().size, 0U);
   EXPECT_STREQ(message.second().data, "");
 }
 
-TEST_P(Messages, Post_DeliversItOnceWithItsSeverityAndText) {
-  const MessageRecorder recorder;
-  messages::Post(GetParam().make("a/p.xml"));
-  EXPECT_THAT(recorder.messages(), ElementsAre(MessageRecorder::Message{
-                                       GetParam().type, GetParam().TextWith("a/p.xml")}));
-}
-
 TEST_P(Messages, Argument_IsShownUnchanged) {
-  const std::string arguments[] = {"",
-                                   "{}",
-                                   "{",
-                                   "}}",
-                                   "{0} {1} {name} {:>10}",
-                                   "%s %d",
-                                   "a \"b\" \\c",
-                                   "a\nb\t",
-                                   "gr\xC3\xBCn",
-                                   "not \xFF UTF-8",
-                                   std::string("a\0b", 3),
-                                   std::string(10000, 'x')};
-  for (const std::string& argument : arguments) {
+  for (const std::string& argument :
+       {std::string(), std::string("{"), std::string("}}"), std::string("{0} {} {name} {:>10}"),
+        std::string("%s %d"), std::string("a \"b\" \\c\nb\t"), std::string("not \xFF UTF-8"),
+        std::string("a\0b", 3), std::string(10000, 'x')}) {
     EXPECT_EQ(GetParam().make(argument).text(), GetParam().TextWith(argument));
   }
 }
@@ -96,12 +72,6 @@ TEST_P(Messages, Argument_MayBePartOfALongerTextAndNeedNotOutliveTheMessage) {
   const DiagStorage message = GetParam().make(std::string_view(argument).substr(0, part.size()));
   argument.assign(argument.size(), 'x');
   EXPECT_EQ(message.text(), GetParam().TextWith(part));
-}
-
-TEST(MessagePosting, Post_HandlerThrows_ReachesTheCaller) {
-  const MessageRecorder restores_the_handler;
-  Diag::GlobalInst().SetHandler([](const DiagStorage&) { throw std::domain_error("refused"); });
-  EXPECT_THROW(messages::Post(messages::MsgProjectExists()), std::domain_error);
 }
 
 }  // namespace

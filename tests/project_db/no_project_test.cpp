@@ -1,24 +1,17 @@
 #include <filesystem>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <kel/exception.h>
 #include <projectdb/project_db.h>
 
+#include "testing/flow_processes.h"
 #include "testing/message_recorder.h"
 #include "testing/temporary_directory.h"
+#include "testing/test.h"
 
 namespace {
 
 using namespace projectdb;
-using test_support::MessageRecorder;
-using test_support::TemporaryDirectory;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::SizeIs;
+using namespace test_support;
 
 enum class Origin { kNew, kDiscarded };
 
@@ -41,10 +34,7 @@ class NoProject : public testing::TestWithParam<Origin> {
   const MessageRecorder recorder_;
 };
 
-INSTANTIATE_TEST_SUITE_P(Objects, NoProject, testing::Values(Origin::kNew, Origin::kDiscarded),
-                         [](const auto& param_info) {
-                           return param_info.param == Origin::kNew ? "New" : "Discarded";
-                         });
+INSTANTIATE_TEST_SUITE_P(Objects, NoProject, testing::Values(Origin::kNew, Origin::kDiscarded));
 
 TEST_P(NoProject, LifecycleAndFiles_DoNothing) {
   database_.CleanProjectDatabase();
@@ -89,9 +79,10 @@ TEST_P(NoProject, InfoAttributes_AreRefusedAndMissing) {
   }
 }
 
-TEST_P(NoProject, FileAdders_RefuseOrDoNothingAndLeaveTheirVectors) {
+TEST_P(NoProject, FileLists_RefuseOrDoNothingAndLeaveTheirVectors) {
   std::vector<DesignFile> files = {{"a.v", "v2001", "work"}};
   std::vector<std::string> names = {"a.txt"};
+  std::vector<IP> instances = {{"former", "", {}}};
   database_.AddDesignRTLFile("a.v", "v2001", "work");
   database_.AddDesignRTLFile(files);
   database_.AddSimulationTestBenchFile("a.v", "v2001");
@@ -100,14 +91,6 @@ TEST_P(NoProject, FileAdders_RefuseOrDoNothingAndLeaveTheirVectors) {
   database_.AddMiscellaneousFile(names);
   EXPECT_FALSE(database_.AddTimingConstraintFile("a.sdc"));
   EXPECT_FALSE(database_.AddTimingConstraintFile(std::vector<std::string>{"a.sdc"}));
-  EXPECT_THAT(files, SizeIs(1));
-  EXPECT_THAT(names, ElementsAre("a.txt"));
-}
-
-TEST_P(NoProject, FileLists_LeaveTheirVectors) {
-  std::vector<DesignFile> files = {{"a.v", "v2001", "work"}};
-  std::vector<std::string> names = {"a.txt"};
-  std::vector<IP> instances = {{"former", "", {}}};
   database_.GetDesignFileList(files);
   database_.GetSimulationTestBenchFileList(names);
   database_.GetMiscellaneousFileList(names);
@@ -120,26 +103,7 @@ TEST_P(NoProject, FileLists_LeaveTheirVectors) {
 }
 
 TEST_P(NoProject, FlowProcesses_AreMissing) {
-  for (const int value : {0, 1, 2, 3, 4}) {
-    SCOPED_TRACE(value);
-    const auto type = static_cast<ProcType>(value);
-    const Parameter parameter("a", "1", e_string);
-    database_.SetFlowProcessName(type, "step");
-    database_.SetFlowProcessExecutableName(type, "tool");
-    EXPECT_EQ(database_.GetFlowProcess(type), nullptr);
-    EXPECT_EQ(database_.GetFlowProcessExecutableName(type), "");
-    EXPECT_EQ(database_.FindFlowProcessParameterMap(type, "param"), nullptr);
-    EXPECT_EQ(database_.AddFlowProcessParameterMap(type, "param"), nullptr);
-    EXPECT_FALSE(database_.AddFlowProcessParameter(type, "param", parameter));
-    EXPECT_FALSE(database_.AddFlowProcessParameter(type, "param", "a", "1", e_string));
-    EXPECT_FALSE(database_.AddFlowProcessParameterList(type, "param", {parameter}));
-    EXPECT_FALSE(database_.AddFlowProcessParameterList(type, "param", {}));
-    std::vector<Parameter> parameters = {parameter};
-    database_.GetFlowProcessParameterList(type, "param", parameters);
-    EXPECT_THAT(parameters, SizeIs(1));
-    EXPECT_FALSE(database_.GetFlowProcessParameter(type, "param", "a"));
-    EXPECT_EQ(database_.GetFlowProcessParameterValue(type, "param", "a"), "");
-  }
+  for (const int value : {0, 1, 2, 3, 4}) ExpectNoFlowProcess(database_, ProcType(value));
 }
 
 /// The shorthands for one tool come down to the operations above.

@@ -1,15 +1,13 @@
 #include <map>
-#include <ostream>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 #include <projectdb/project_db.h>
 
+#include "testing/test.h"
+
 namespace {
 
-using projectdb::KelProjectDatabase;
+using namespace projectdb;
+using namespace test_support;
 using Db = KelProjectDatabase;
 
 struct Property {
@@ -18,29 +16,23 @@ struct Property {
   void (KelProjectDatabase::*set)(const std::string&);
 };
 
-void PrintTo(const Property& row, std::ostream* out) { *out << row.name; }
-
-const std::vector<Property>& SettableProperties() {
-  static const std::vector<Property> properties = {
-      {"ProjectName", &Db::GetProjectName, &Db::SetProjectName},
-      {"ProjectCurrentPath", &Db::GetProjectCurrentPath, &Db::SetProjectCurrentPath},
-      {"ProjectSoftwareVersion", &Db::GetProjectSoftwareVersion, &Db::SetProjectSoftwareVersion},
-      {"DeviceFamily", &Db::GetDeviceFamily, &Db::SetDeviceFamily},
-      {"DeviceModel", &Db::GetDeviceModel, &Db::SetDeviceModel},
-      {"DeviceTimingModel", &Db::GetDeviceTimingModel, &Db::SetDeviceTimingModel},
-      {"DesignTopModuleName", &Db::GetDesignTopModuleName, &Db::SetDesignTopModuleName},
-      {"DesignTopVHDLArchitecture", &Db::GetDesignTopVHDLArchitecture,
-       &Db::SetDesignTopVHDLArchitecture},
-  };
-  return properties;
-}
+const Property kSettableProperties[] = {
+    {"ProjectName", &Db::GetProjectName, &Db::SetProjectName},
+    {"ProjectCurrentPath", &Db::GetProjectCurrentPath, &Db::SetProjectCurrentPath},
+    {"ProjectSoftwareVersion", &Db::GetProjectSoftwareVersion, &Db::SetProjectSoftwareVersion},
+    {"DeviceFamily", &Db::GetDeviceFamily, &Db::SetDeviceFamily},
+    {"DeviceModel", &Db::GetDeviceModel, &Db::SetDeviceModel},
+    {"DeviceTimingModel", &Db::GetDeviceTimingModel, &Db::SetDeviceTimingModel},
+    {"DesignTopModuleName", &Db::GetDesignTopModuleName, &Db::SetDesignTopModuleName},
+    {"DesignTopVHDLArchitecture", &Db::GetDesignTopVHDLArchitecture,
+     &Db::SetDesignTopVHDLArchitecture}};
 
 std::map<std::string, std::string> AllProperties(const KelProjectDatabase& database) {
   std::map<std::string, std::string> texts = {
       {"ProjectLastModifyTime", database.GetProjectLastModifyTime()},
       {"InterfaceConstraint", database.GetInterfaceConstraint()},
   };
-  for (const Property& property : SettableProperties()) {
+  for (const Property& property : kSettableProperties) {
     texts[property.name] = (database.*property.get)();
   }
   return texts;
@@ -82,21 +74,13 @@ TEST_P(PropertyTest, GetAndSet_TextsChangedAfterwards_LeaveTheProject) {
   EXPECT_EQ(Get(), "counter_top");
 }
 
-INSTANTIATE_TEST_SUITE_P(Properties, PropertyTest, testing::ValuesIn(SettableProperties()),
-                         [](const auto& param_info) { return param_info.param.name; });
+INSTANTIATE_TEST_SUITE_P(Properties, PropertyTest, testing::ValuesIn(kSettableProperties),
+                         ByName());
 
 TEST(ReadOnlyProperties, Get_EmptyProject_AreEmpty) {
   KelProjectDatabase database;
   ASSERT_TRUE(database.SetupProjectDatabase());
   for (const auto& [name, text] : AllProperties(database)) EXPECT_EQ(text, "") << name;
-}
-
-TEST(ReadOnlyProperties, GetInterfaceConstraint_ConstraintSet_IsNotResolved) {
-  KelProjectDatabase database;
-  ASSERT_TRUE(database.SetupProjectDatabase());
-  database.SetProjectCurrentPath("/work/proj");
-  ASSERT_TRUE(database.SetInterfaceConstraint("io/pins.interface.csv"));
-  EXPECT_EQ(database.GetInterfaceConstraint(), "io/pins.interface.csv");
 }
 
 }  // namespace

@@ -1,31 +1,21 @@
 #include <cstdint>
 #include <limits>
-#include <ostream>
-#include <string>
 #include <string_view>
-
-#include <gtest/gtest.h>
 
 #include <kel/exception.h>
 #include <projectdb/project_db.h>
 
+#include "testing/test.h"
+
 namespace {
 
-using projectdb::e_place_and_route;
-using projectdb::e_string;
-using projectdb::e_synthesis;
-using projectdb::KelProjectDatabase;
-using projectdb::ProcType;
+using namespace projectdb;
+using namespace test_support;
 
 constexpr std::uint64_t kDefault = 4;
 
-struct CountText {
-  std::string_view text;
-  std::uint64_t count;
-};
-
 TEST(ParseMaxThreads, Text_IsCount_GivesTheCountOfAtMost65535) {
-  const CountText cases[] = {
+  const std::pair<std::string_view, std::uint64_t> cases[] = {
       {"1", 1},
       {"8", 8},
       {"12", 12},
@@ -36,42 +26,38 @@ TEST(ParseMaxThreads, Text_IsCount_GivesTheCountOfAtMost65535) {
       {"70000", 65535},
       {"9223372036854775808", 65535},
       {"18446744073709551615", 65535},
-      {"0000000000000000000000000000007", 7},
-  };
+      {"0000000000000000000000000000007", 7}};
   for (const auto& [text, count] : cases) {
     EXPECT_EQ(KelProjectDatabase::ParseMaxThreads(text, kDefault), count) << text;
   }
 }
 
 TEST(ParseMaxThreads, Text_IsUnusable_GivesTheDefault) {
-  const std::string_view cases[] = {
-      "",
-      "0",
-      "000",
-      "18446744073709551616",
-      "99999999999999999999999999999999999",
-      " 8",
-      "8 ",
-      "+8",
-      "-8",
-      "8.0",
-      "0x10",
-      "8e1",
-      "a",
-      "8a",
-      "a8",
-      "8\n",
-      "\t8",
-      "1,0",
-      "1 0",
-      "\xD9\xA8",
-      "-1",
-      "--8",
-      "1'0",
-      "auto",
-      "0x",
-  };
-  for (const std::string_view text : cases) {
+  for (const std::string_view text : {"",
+                                      "0",
+                                      "000",
+                                      "18446744073709551616",
+                                      "99999999999999999999999999999999999",
+                                      " 8",
+                                      "8 ",
+                                      "+8",
+                                      "-8",
+                                      "8.0",
+                                      "0x10",
+                                      "8e1",
+                                      "a",
+                                      "8a",
+                                      "a8",
+                                      "8\n",
+                                      "\t8",
+                                      "1,0",
+                                      "1 0",
+                                      "\xD9\xA8",
+                                      "-1",
+                                      "--8",
+                                      "1'0",
+                                      "auto",
+                                      "0x"}) {
     EXPECT_EQ(KelProjectDatabase::ParseMaxThreads(text, kDefault), kDefault) << text;
   }
 }
@@ -94,20 +80,9 @@ constexpr char kZeroDefaultText[] =
     "    in function: ParseMaxThreads\n"
     "    with message: ";
 
-/// The text of the kel_exception that the call throws; what it did instead if it throws none.
-template <typename Call>
-std::string ExceptionText(Call call) {
-  try {
-    call();
-  } catch (const kel_exception& exception) {
-    return exception.what();
-  }
-  return "nothing thrown";
-}
-
 TEST(ParseMaxThreads, Default_IsZero_ThrowsWhateverTheTextHolds) {
   for (const std::string_view text : {"", "8", "0", "many", "18446744073709551616"}) {
-    EXPECT_EQ(ExceptionText([text] { KelProjectDatabase::ParseMaxThreads(text, 0); }),
+    EXPECT_EQ(ErrorOf<kel_exception>([text] { KelProjectDatabase::ParseMaxThreads(text, 0); }),
               kZeroDefaultText)
         << text;
   }
@@ -122,8 +97,6 @@ struct ThreadCount {
   GetMaxThreads get_of_other_process;
 };
 
-void PrintTo(const ThreadCount& row, std::ostream* out) { *out << row.name; }
-
 class MaxThreadsTest : public testing::TestWithParam<ThreadCount> {
  protected:
   void SetUp() override { ASSERT_TRUE(database_.CreateNewProjectDatabase("blinker")); }
@@ -136,24 +109,20 @@ class MaxThreadsTest : public testing::TestWithParam<ThreadCount> {
   KelProjectDatabase database_;
 };
 
-TEST_P(MaxThreadsTest, Getter_ParameterStored_GivesItsCountOfItsOwnProcess) {
-  Store("param", "max_threads", "8");
-  EXPECT_EQ(Get(), 8u);
-  EXPECT_EQ((database_.*GetParam().get_of_other_process)(kDefault), kDefault);
-}
-
-TEST_P(MaxThreadsTest, Getter_ParameterMissingOrUnusable_GivesTheDefault) {
-  EXPECT_EQ(Get(), kDefault);
+TEST_P(MaxThreadsTest, Getter_Parameter_GivesItsCountOfItsOwnProcessAndMapOrTheDefault) {
   Store("dynparam", "max_threads", "8");
   Store("param", "MAX_THREADS", "9");
   EXPECT_EQ(Get(), kDefault);
+  Store("param", "max_threads", "8");
+  EXPECT_EQ(Get(), 8u);
+  EXPECT_EQ((database_.*GetParam().get_of_other_process)(kDefault), kDefault);
   Store("param", "max_threads", "eight");
   EXPECT_EQ(Get(), kDefault);
 }
 
 TEST_P(MaxThreadsTest, Getter_DefaultIsZero_ThrowsAndLeavesTheObjectUsable) {
   Store("param", "max_threads", "8");
-  EXPECT_EQ(ExceptionText([this] { (database_.*GetParam().get)(0); }), kZeroDefaultText);
+  EXPECT_EQ(ErrorOf<kel_exception>([this] { (database_.*GetParam().get)(0); }), kZeroDefaultText);
   EXPECT_EQ(Get(), 8u);  // Would wait for ever if the lock were still held.
 }
 
@@ -163,6 +132,6 @@ INSTANTIATE_TEST_SUITE_P(
                                 e_synthesis, &KelProjectDatabase::GetPnRMaxThreads},
                     ThreadCount{"PlaceAndRoute", &KelProjectDatabase::GetPnRMaxThreads,
                                 e_place_and_route, &KelProjectDatabase::GetSynthesisMaxThreads}),
-    [](const auto& param_info) { return param_info.param.name; });
+    ByName());
 
 }  // namespace

@@ -1,31 +1,17 @@
 #include <atomic>
 #include <filesystem>
-#include <functional>
-#include <string>
-#include <thread>
-#include <vector>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <projectdb/compare.h>
 #include <projectdb/durable_export.h>
-#include <projectdb/project_contents.h>
-#include <projectdb/project_db.h>
 
-#include "testing/files.h"
-#include "testing/message_recorder.h"
-#include "testing/project_differences.h"
 #include "testing/project_loading.h"
 #include "testing/shipped_files.h"
-#include "testing/temporary_directory.h"
+#include "testing/test.h"
 #include "testing/threads.h"
 
 namespace {
 
 using namespace projectdb;
 using namespace test_support;
-using testing::IsEmpty;
 
 constexpr int kFileRounds = 25;
 
@@ -100,20 +86,13 @@ std::size_t GetEverything(const KelProjectDatabase& database) {
          database.GetSynthesisMaxThreads(1) + database.GetPnRMaxThreads(1) + (has_seed ? 1 : 0);
 }
 
-class ThreadsAndFiles : public testing::Test {
+class ThreadsAndFiles : public testing::Test, protected Loading {
  protected:
-  std::string Write(const std::string& name, const std::string& bytes) const {
-    WriteFile(directory_ / name, bytes);
-    return directory_ / name;
-  }
-
-  const TemporaryDirectory directory_;
   const MessageRecorder recorder_;
 };
 
 TEST_F(ThreadsAndFiles, OneObject_EightThreadsMixEveryOperation_EachLoadAndSaveIsWhole) {
   const std::string source = Write("source.xml", CompleteProjectXml());
-  KelProjectDatabase database;
   std::atomic<int> failed_loads{0};
   std::atomic<int> damaged_files{0};
   const auto require_whole = [&](const std::string& path) {
@@ -124,8 +103,8 @@ TEST_F(ThreadsAndFiles, OneObject_EightThreadsMixEveryOperation_EachLoadAndSaveI
   };
   InThreads(8, [&](int thread) {
     const std::string name = "t" + std::to_string(thread);
-    const std::string plain = directory_ / (name + ".xml");
-    const std::string durable = directory_ / (name + "_durable.xml");
+    const std::string plain = directory / (name + ".xml");
+    const std::string durable = directory / (name + "_durable.xml");
     for (int round = 0; round < kFileRounds; ++round) {
       if (!database.LoadProjectData(source, "")) ++failed_loads;
       AddOfEverything(database, name);
@@ -162,17 +141,17 @@ TEST_F(ThreadsAndFiles, EightObjects_LoadAndExportAtOnce_EachGetsItsOwnProjectAn
   };
   InThreads(8, [&](int thread) {
     const std::string name = "project " + std::to_string(thread);
-    const std::string path = directory_ / (std::to_string(thread) + ".xml");
+    const std::string path = directory / (std::to_string(thread) + ".xml");
     KelProjectDatabase original;
     original.CreateNewProjectDatabase(name);
     AddOfEverything(original, name);
-    original.SetProjectCurrentPath(directory_.path());
+    original.SetProjectCurrentPath(directory.path());
     for (int round = 0; round < kFileRounds; ++round) {
       original.ExportProjectData(path);
       KelProjectDatabase loaded;
       expect(false, loaded.LoadProjectData(malformed, ""));
       expect(false, loaded.LoadProjectData(invalid, ShippedSchema()));
-      expect(false, loaded.LoadProjectData(directory_ / "missing.xml", ""));
+      expect(false, loaded.LoadProjectData(directory / "missing.xml", ""));
       expect(true, loaded.LoadProjectData(path, round % 2 == 0 ? ShippedSchema() : ""));
       const auto found =
           DifferencesButStamps(GetProjectContents(original), GetProjectContents(loaded));
@@ -183,7 +162,7 @@ TEST_F(ThreadsAndFiles, EightObjects_LoadAndExportAtOnce_EachGetsItsOwnProjectAn
     }
   });
   EXPECT_EQ(wrong_results, 0);
-  EXPECT_THAT(differences, testing::Each(IsEmpty()));
+  EXPECT_THAT(differences, Each(IsEmpty()));
 }
 
 }  // namespace

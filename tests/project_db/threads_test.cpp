@@ -1,48 +1,29 @@
 #include <algorithm>
 #include <atomic>
 #include <functional>
-#include <string>
-#include <vector>
+#include <map>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <projectdb/project_db.h>
-
-#include "testing/message_recorder.h"
 #include "testing/project_loading.h"
+#include "testing/test.h"
 #include "testing/threads.h"
 
 namespace {
 
 using namespace projectdb;
-using test_support::MessageRecorder;
-using testing::Each;
+using namespace test_support;
 
 constexpr int kThreads = 8;
 constexpr int kRounds = 200;
 
-void InAllThreads(const std::function<void(int thread)>& work) {
-  test_support::InThreads(kThreads, work);
-}
+void InAllThreads(const std::function<void(int thread)>& work) { InThreads(kThreads, work); }
 
 std::string NameOf(int thread, int round) {
   return "/" + std::to_string(thread) + "_" + std::to_string(round);
 }
 
-/// All names, or those of one thread that a list holds, in the order of the list.
 std::vector<std::string> NamesOfThread(int thread) {
   std::vector<std::string> names;
-  names.reserve(kRounds);
   for (int round = 0; round < kRounds; ++round) names.push_back(NameOf(thread, round));
-  return names;
-}
-std::vector<std::string> NamesOfThread(const std::vector<std::string>& list, int thread) {
-  std::vector<std::string> names;
-  const std::string prefix = "/" + std::to_string(thread) + "_";
-  for (const std::string& name : list) {
-    if (name.rfind(prefix, 0) == 0) names.push_back(name);
-  }
   return names;
 }
 
@@ -61,9 +42,11 @@ TEST_F(Threads, AddMiscellaneousFile_EightThreads_KeepsEveryNameInTheOrderOfItsT
   });
   std::vector<std::string> names;
   database_.GetMiscellaneousFileList(names);
-  EXPECT_EQ(names.size(), std::size_t{kThreads} * kRounds);
+  ASSERT_EQ(names.size(), std::size_t{kThreads} * kRounds);
+  std::map<char, std::vector<std::string>> names_of_threads;
+  for (const std::string& name : names) names_of_threads[name[1]].push_back(name);
   for (int thread = 0; thread < kThreads; ++thread) {
-    EXPECT_EQ(NamesOfThread(names, thread), NamesOfThread(thread));
+    EXPECT_EQ(names_of_threads[static_cast<char>('0' + thread)], NamesOfThread(thread));
   }
 }
 
@@ -93,32 +76,17 @@ TEST_F(Threads, MixedOperations_EightThreads_CountsAddUp) {
   });
 
   constexpr std::size_t kAdded = std::size_t{kThreads} * kRounds;
-  std::vector<DesignFile> files;
-  database_.GetDesignFileList(files);
-  EXPECT_EQ(files.size(), kAdded);
-  std::vector<std::string> benches;
-  database_.GetSimulationTestBenchFileList(benches);
-  EXPECT_EQ(benches.size(), 2 * kAdded);
-  std::vector<std::string> constraints;
-  database_.GetTimingConstraintFileList(constraints);
-  EXPECT_EQ(constraints.size(), kAdded);
-
-  std::size_t common = 0;
-  std::size_t own = 0;
-  std::size_t attributes = 0;
-  for (int thread = 0; thread < kThreads; ++thread) {
-    const auto process = static_cast<ProcType>(thread % 4);
-    const auto param = *database_.FindFlowProcessParameterMap(process, "param");
-    for (int round = 0; round < kRounds; ++round) {
-      std::string value;
-      common += param.count(NameOf(thread, round));
-      if (database_.GetProjectInfoAttribute(NameOf(thread, round), value)) ++attributes;
+  const ProjectContents project = GetProjectContents(database_);
+  EXPECT_EQ(project.design_info.design_files.size(), kAdded);
+  EXPECT_EQ(project.sim_files.size(), 2 * kAdded);
+  EXPECT_EQ(project.design_constraint.sdc_files.size(), kAdded);
+  EXPECT_EQ(project.info_attributes.size(), kAdded);
+  for (const FlowProcessContents& process : project.flow_processes) {
+    EXPECT_EQ(process.parameter_maps.size(), 3U);
+    for (const auto& [name, map] : process.parameter_maps) {
+      EXPECT_EQ(map.size(), name == "param" ? kAdded / 4 : std::size_t{kRounds}) << name;
     }
-    own += database_.FindFlowProcessParameterMap(process, "own" + std::to_string(thread))->size();
   }
-  EXPECT_EQ(common, kAdded);
-  EXPECT_EQ(own, kAdded);
-  EXPECT_EQ(attributes, kAdded);
 }
 
 TEST_F(Threads, Setters_TextsOfDifferentLength_GettersNeverSeeAMixture) {
@@ -165,25 +133,7 @@ TEST(ThreadsWithoutProject, CreateNewProjectDatabase_EightThreads_EachRefusalPos
   EXPECT_GE(created, 1);
   EXPECT_EQ(messages.size() + static_cast<std::size_t>(created.load()),
             std::size_t{kThreads} * kRounds);
-  EXPECT_THAT(messages, Each(test_support::ProjectExistsMessage()));
-}
-
-TEST(ThreadsWithoutProject, SeveralObjects_OnePerThread_DoNotMeet) {
-  std::vector<KelProjectDatabase> databases(kThreads);
-  InAllThreads([&](int thread) {
-    KelProjectDatabase& database = databases[static_cast<std::size_t>(thread)];
-    database.CreateNewProjectDatabase("project " + std::to_string(thread));
-    for (int round = 0; round < kRounds; ++round) {
-      database.AddMiscellaneousFile(NameOf(thread, round));
-    }
-  });
-  for (int thread = 0; thread < kThreads; ++thread) {
-    const KelProjectDatabase& database = databases[static_cast<std::size_t>(thread)];
-    EXPECT_EQ(database.GetProjectName(), "project " + std::to_string(thread));
-    std::vector<std::string> names;
-    database.GetMiscellaneousFileList(names);
-    EXPECT_EQ(names, NamesOfThread(thread));
-  }
+  EXPECT_THAT(messages, Each(ProjectExistsMessage()));
 }
 
 }  // namespace

@@ -4,36 +4,23 @@
 #include <csignal>
 #include <filesystem>
 #include <map>
-#include <optional>
-#include <ostream>
-#include <string>
-#include <utility>
-#include <vector>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <projectdb/durable_export.h>
-#include <projectdb/project_db.h>
 
 #include "testing/access_list.h"
 #include "testing/child_process.h"
 #include "testing/project_loading.h"
 #include "testing/saving.h"
-#include "testing/temporary_directory.h"
+#include "testing/test.h"
 
 namespace {
 
 using namespace test_support;
-using projectdb::GetProjectContents;
-using projectdb::KelProjectDatabase;
-using projectdb::ProjectContents;
+using namespace projectdb;
 using projectdb::files::FilterOfSystemCalls;
 using projectdb::files::SystemCall;
 using projectdb::files::SystemCallFilter;
-using testing::ElementsAre;
 
 /// Stands before the system calls of this process's saves for as long as it lives.
 class FilteredCalls {
@@ -89,8 +76,6 @@ class FilteredSave : public testing::Test {
   KelProjectDatabase database_;
 };
 
-// --- Calls that fail ---
-
 /// One failing call, the first of that name being number 1, and what the save then comes to.
 struct FailingCall {
   const char* call;
@@ -100,69 +85,49 @@ struct FailingCall {
   const char* found = *reason ? "former" : "next";
 };
 
-void PrintTo(const FailingCall& call, std::ostream* out) {
-  *out << call.call << " number " << call.number << " with errno " << call.error;
-}
-
-class SaveWithFailingCall : public FilteredSave, public testing::WithParamInterface<FailingCall> {
- protected:
-  SaveWithFailingCall() { WriteFormer(); }
-
-  /// Saves with the failing call. @return the error's text
-  std::string Save() {
+TEST_F(FilteredSave, FailingCall_LeavesTheFormerFileOrTheNextAndNoOther) {
+  const FailingCall cases[] = {{"getentropy", 1, ENOSYS, "Function not implemented"},
+                               {"openat", 1, EMFILE, "Too many open files"},
+                               {"fchown", 1, EDQUOT, "Disk quota exceeded"},
+                               {"fchown", 2, EIO, "Input/output error"},
+                               {"getxattr", 1, EIO, "Input/output error"},
+                               {"fsetxattr", 1, ENOSPC, "No space left on device"},
+                               {"fremovexattr", 1, EIO, "Input/output error"},
+                               {"fchmod", 1, EPERM, "Operation not permitted"},
+                               {"fsync", 1, EIO, "Input/output error"},
+                               {"fsync", 1, ENOSPC, "No space left on device"},
+                               {"fsync", 1, EINVAL, "Invalid argument"},
+                               {"renameat", 1, EIO, "Input/output error"},
+                               {"fsync", 2, EIO, "Input/output error", "next"},
+                               {"fsync", 1, EINTR, ""},
+                               {"fsync", 2, EINTR, ""},
+                               // The file system cannot flush directories.
+                               {"fsync", 2, EINVAL, ""},
+                               // The user namespace does not know the owner.
+                               {"fchown", 2, EINVAL, ""},
+                               // The file system has no access lists.
+                               {"getxattr", 1, ENOTSUP, ""}};
+  for (const FailingCall& failing : cases) {
+    SCOPED_TRACE(failing.call + (" number " + std::to_string(failing.number)) + " with errno " +
+                 std::to_string(failing.error));
+    std::filesystem::remove(path_);
+    WriteFormer();
+    const std::string name = failing.call;
+    const bool is_of_permissions = name == "fchown" || name == "fsetxattr";
+    if (is_of_permissions && !GiveFormerEveryPermission()) continue;  // Only root may do that.
+    const FileState former(path_);
     int count = 0;
     const FilteredCalls calls([&](const SystemCall& call) {
-      return call.name == std::string(GetParam().call) && ++count == GetParam().number
-                 ? GetParam().error
-                 : 0;
+      return call.name == name && ++count == failing.number ? failing.error : 0;
     });
-    const std::string error = SaveError(database_, path_);
-    EXPECT_GE(count, GetParam().number) << "the call was not made";
-    return error;
+    const std::string reason = failing.reason;
+    EXPECT_EQ(SaveError(database_, path_), reason.empty() ? "" : WritingError(path_, reason));
+    EXPECT_GE(count, failing.number) << "the call was not made";
+    EXPECT_EQ(Found(path_), failing.found);
+    EXPECT_EQ(FileState(path_) == former, failing.found == std::string("former"));
+    EXPECT_THAT(NamesIn(directory_.path()), ElementsAre("p.xml"));
   }
-};
-
-TEST_P(SaveWithFailingCall, LeavesTheFormerFileOrTheNextAndNoOther) {
-  const std::string call = GetParam().call;
-  const bool is_of_permissions = call == "fchown" || call == "fsetxattr";
-  if (is_of_permissions && !GiveFormerEveryPermission()) {
-    GTEST_SKIP() << "only root may give files away";
-  }
-  const FileState former(path_);
-  const std::string reason = GetParam().reason;
-  EXPECT_EQ(Save(), reason.empty() ? "" : WritingError(path_, reason));
-  EXPECT_EQ(Found(path_), GetParam().found);
-  if (Found(path_) == "former") {
-    EXPECT_EQ(FileState(path_), former);
-  }
-  EXPECT_THAT(NamesIn(directory_.path()), ElementsAre("p.xml"));
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Errors, SaveWithFailingCall,
-    testing::Values(FailingCall{"getentropy", 1, ENOSYS, "Function not implemented"},
-                    FailingCall{"openat", 1, EMFILE, "Too many open files"},
-                    FailingCall{"fchown", 1, EDQUOT, "Disk quota exceeded"},
-                    FailingCall{"fchown", 2, EIO, "Input/output error"},
-                    FailingCall{"getxattr", 1, EIO, "Input/output error"},
-                    FailingCall{"fsetxattr", 1, ENOSPC, "No space left on device"},
-                    FailingCall{"fremovexattr", 1, EIO, "Input/output error"},
-                    FailingCall{"fchmod", 1, EPERM, "Operation not permitted"},
-                    FailingCall{"fsync", 1, EIO, "Input/output error"},
-                    FailingCall{"fsync", 1, ENOSPC, "No space left on device"},
-                    FailingCall{"fsync", 1, EINVAL, "Invalid argument"},
-                    FailingCall{"renameat", 1, EIO, "Input/output error"},
-                    FailingCall{"fsync", 2, EIO, "Input/output error", "next"}));
-
-INSTANTIATE_TEST_SUITE_P(NoErrors, SaveWithFailingCall,
-                         testing::Values(FailingCall{"fsync", 1, EINTR, ""},
-                                         FailingCall{"fsync", 2, EINTR, ""},
-                                         // The file system cannot flush directories.
-                                         FailingCall{"fsync", 2, EINVAL, ""},
-                                         // The user namespace does not know the owner.
-                                         FailingCall{"fchown", 2, EINVAL, ""},
-                                         // The file system has no access lists.
-                                         FailingCall{"getxattr", 1, ENOTSUP, ""}));
 
 TEST_F(FilteredSave, FileSystemWithoutAccessLists_KeepsThePermissions) {
   WriteFormer();
@@ -234,7 +199,7 @@ TEST_F(FilteredSave, TemporaryFile_IsForItsOwnerOnlyAndWholeUnderNoProjectsNameU
   EXPECT_EQ(SaveError(database_, path_), "");
   EXPECT_EQ(SaveError(database_, path_), "");
   ASSERT_EQ(names.size(), 2U);
-  EXPECT_THAT(names, testing::Each(testing::MatchesRegex("\\.kel_save_[0-9a-f]+")));
+  EXPECT_THAT(names, Each(testing::MatchesRegex("\\.kel_save_[0-9a-f]+")));
   EXPECT_NE(names[0], names[1]);
 }
 
@@ -251,56 +216,43 @@ TEST_F(FilteredSave, ProjectThatIsCleanedMeanwhile_LeavesTheFormerFileAndNoOther
   EXPECT_THAT(NamesIn(directory_.path()), ElementsAre("p.xml"));
 }
 
-/// What a save that is killed finds.
-struct Situation {
-  const char* name;
-  bool has_former;
-  bool has_link;
-};
-
-void PrintTo(const Situation& situation, std::ostream* out) { *out << situation.name; }
-
-class KilledSave : public FilteredSave, public testing::WithParamInterface<Situation> {
+class KilledSave : public FilteredSave {
  protected:
-  void Prepare() const {
-    std::filesystem::remove(path_);
-    if (GetParam().has_former) WriteFormer();
-  }
-
   /// Saves in another process, which is killed before a call, the first being number 1.
   /// @return false if the save came to its end before
-  bool SaveAndKill(int number) {
+  bool SaveAndKill(const std::string& path, int number) {
     const std::string end = InChildProcess([&] {
       int count = 0;
       const FilteredCalls calls([&](const SystemCall&) {
         if (++count == number) std::raise(SIGKILL);
         return 0;
       });
-      projectdb::ExportProjectDataDurably(database_, saved_path_);
+      ExportProjectDataDurably(database_, path);
       return "saved";
     });
     if (end == "saved") return false;
     EXPECT_EQ(end, " (child ended with status " + std::to_string(SIGKILL) + ")");
     return true;
   }
-
-  const std::string saved_path_ = GetParam().has_link ? directory_ / "link.xml" : path_;
 };
 
-TEST_P(KilledSave, BeforeAnySystemCall_LeavesTheFormerOrTheNextProjectWhole) {
-  if (GetParam().has_link) std::filesystem::create_symlink("p.xml", saved_path_);
-  const std::string former = GetParam().has_former ? "former" : "nothing";
-  std::map<std::string, int> found;
-  for (int number = 1; Prepare(), SaveAndKill(number); ++number) ++found[Found(saved_path_)];
-  EXPECT_THAT(found, testing::UnorderedElementsAre(testing::Pair(former, testing::Ge(4)),
-                                                   testing::Pair("next", 1)));
-  EXPECT_EQ(Found(saved_path_), "next");
+TEST_F(KilledSave, BeforeAnySystemCall_LeavesTheFormerOrTheNextProjectWhole) {
+  const std::string link = directory_ / "link.xml";
+  std::filesystem::create_symlink("p.xml", link);
+  for (const bool has_former : {true, false}) {
+    for (const std::string& path : {path_, link}) {
+      SCOPED_TRACE(path + (has_former ? " over a file" : " where no file is"));
+      const auto prepare = [&] {
+        std::filesystem::remove(path_);
+        if (has_former) WriteFormer();
+      };
+      std::map<std::string, int> found;
+      for (int number = 1; prepare(), SaveAndKill(path, number); ++number) ++found[Found(path)];
+      const std::string former = has_former ? "former" : "nothing";
+      EXPECT_THAT(found, UnorderedElementsAre(Pair(former, testing::Ge(4)), Pair("next", 1)));
+      EXPECT_EQ(Found(path), "next");
+    }
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Situations, KilledSave,
-                         testing::Values(Situation{"over a file", true, false},
-                                         Situation{"to a new path", false, false},
-                                         Situation{"over a file behind a link", true, true},
-                                         Situation{"behind a link to nowhere", false, true}));
 
 }  // namespace

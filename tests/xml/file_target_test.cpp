@@ -1,28 +1,19 @@
 #include <filesystem>
 #include <memory>
-#include <string>
-#include <utility>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <xercesc/util/IOException.hpp>
 
 #include "base/failure.h"
-#include "testing/files.h"
 #include "testing/temporary_directory.h"
-#include "testing/xml_platform.h"
+#include "testing/test.h"
 #include "testing/xml_tree.h"
 #include "xml/file_target.h"
 
 namespace {
 
-using projectdb::Failure;
+using namespace projectdb;
 using projectdb::xml::FileTarget;
-using test_support::ReadFile;
-using test_support::Utf8;
-using test_support::WriteFile;
-using testing::HasSubstr;
+using namespace test_support;
 
 using namespace std::string_literals;
 
@@ -32,8 +23,8 @@ void Write(FileTarget& target, const std::string& bytes) {
 
 class FileTargets : public testing::Test {
  protected:
-  const test_support::XmlPlatform platform_;
-  const test_support::TemporaryDirectory directory_;
+  const XmlPlatform platform_;
+  const TemporaryDirectory directory_;
   const std::string path_ = directory_ / "file";
 };
 
@@ -55,16 +46,6 @@ TEST_F(FileTargets, Close_FileHasAllPiecesInOrderWhateverIsFlushed) {
   target.flush();
   target.Close();
   EXPECT_EQ(ReadFile(path_), "one two");
-}
-
-TEST_F(FileTargets, Close_AnyBytes_AreWrittenAsTheyAre) {
-  std::string bytes;
-  for (int i = 0; i < 256; ++i) bytes += static_cast<char>(i);
-  bytes += "\r\n\n\r"s;
-  FileTarget target(path_);
-  Write(target, bytes);
-  target.Close();
-  EXPECT_EQ(ReadFile(path_), bytes);
 }
 
 TEST_F(FileTargets, Close_MoreThanAnyBufferHolds_IsWhole) {
@@ -97,15 +78,10 @@ TEST_F(FileTargets, Destruction_WithoutClose_ClosesTheFile) {
   EXPECT_TRUE(std::filesystem::exists(path_));
 }
 
-// Files that cannot be opened.
-
 TEST_F(FileTargets, Construction_CannotOpen_Throws) {
   EXPECT_THROW(FileTarget(directory_ / "missing/file"), xercesc::IOException);
   EXPECT_THROW(FileTarget(directory_.path().string()), xercesc::IOException);
   EXPECT_THROW(FileTarget(""), xercesc::IOException);
-}
-
-TEST_F(FileTargets, Construction_NulInThePath_ThrowsAndCreatesNoFile) {
   EXPECT_THROW(FileTarget(path_ + "\0.xml"s), xercesc::IOException);
   EXPECT_FALSE(std::filesystem::exists(path_));
 }
@@ -129,8 +105,6 @@ TEST_F(FileTargets, Construction_CannotOpen_ExceptionTellsThePathWithEscapesIfIt
   }
 }
 
-// Files that take no more.
-
 class FullFileTarget : public testing::Test {
  protected:
   void SetUp() override {
@@ -139,19 +113,12 @@ class FullFileTarget : public testing::Test {
   }
 
   std::string CloseError() {
-    try {
-      target_->Close();
-    } catch (const Failure& failure) {
-      return failure.what();
-    }
-    return {};
+    return ErrorOf<Failure>([&] { target_->Close(); });
   }
 
-  const test_support::XmlPlatform platform_;
+  const XmlPlatform platform_;
   std::unique_ptr<FileTarget> target_;
 };
-
-TEST_F(FullFileTarget, Close_NothingWritten_IsNoError) { EXPECT_EQ(CloseError(), ""); }
 
 TEST_F(FullFileTarget, Close_FailedAtTheEnd_ThrowsTheReason) {
   Write(*target_, "x");

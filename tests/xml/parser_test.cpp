@@ -2,12 +2,8 @@
 
 #include <new>
 #include <stdexcept>
-#include <string>
 #include <typeinfo>
-#include <utility>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <xercesc/dom/DOMElement.hpp>
 #include <xercesc/dom/DOMException.hpp>
 #include <xercesc/dom/DOMNodeList.hpp>
@@ -15,9 +11,8 @@
 #include <xercesc/util/RuntimeException.hpp>
 
 #include "base/failure.h"
-#include "testing/files.h"
 #include "testing/project_loading.h"
-#include "testing/temporary_directory.h"
+#include "testing/test.h"
 #include "testing/xml_platform.h"
 #include "xml/errors.h"
 #include "xml/text.h"
@@ -25,10 +20,8 @@
 namespace {
 
 using namespace projectdb::xml;
-using projectdb::Failure;
+using namespace projectdb;
 using namespace test_support;
-
-// ---- What becomes of the exceptions of the XML library
 
 /// What leaves a call as std::runtime_error; "" if nothing does.
 template <typename Call>
@@ -99,8 +92,6 @@ TEST_F(XmlErrors, WithOnlyRuntimeErrors_OtherException_ThrowsUnexpectedException
   }
 }
 
-// ---- Parsing
-
 class XmlParser : public testing::Test {
  protected:
   std::string Write(const std::string& name, const std::string& bytes) const {
@@ -122,43 +113,6 @@ class XmlParser : public testing::Test {
 TEST_F(XmlParser, ParseProjectXMLFile_EmptyPath_GivesNull) {
   EXPECT_EQ(ParseProjectXMLFile("", ""), nullptr);
   EXPECT_EQ(ParseProjectXMLFile("", Write("s.xsd", DeviceOnlySchema())), nullptr);
-}
-
-TEST_F(XmlParser, ParseProjectXMLFile_WellFormedFile_GivesItsDocument) {
-  const auto document = Parse("<p:root xmlns:p=\"urn:p\" a=\"1\"/>");
-  ASSERT_NE(document, nullptr);
-  const xercesc::DOMElement* const root = document->getDocumentElement();
-  EXPECT_EQ(std::u16string(root->getLocalName()), u"root");
-  EXPECT_EQ(std::u16string(root->getNamespaceURI()), u"urn:p");
-  EXPECT_EQ(std::u16string(root->getAttribute(u"a")), u"1");
-}
-
-TEST_F(XmlParser, ParseProjectXMLFile_RelativePath_IsBelowTheWorkingDirectory) {
-  Write("p.xml", "<root/>");
-  const WorkingDirectory working_directory(directory_.path());
-  EXPECT_NE(ParseProjectXMLFile("p.xml", ""), nullptr);
-}
-
-TEST_F(XmlParser, ParseProjectXMLFile_FileThatCannotBeReadOrIsMalformed_GivesNull) {
-  EXPECT_EQ(ParseProjectXMLFile(directory_ / "gone.xml", ""), nullptr);
-  EXPECT_EQ(ParseProjectXMLFile(directory_.path().string(), ""), nullptr);
-  EXPECT_EQ(Parse("<root>"), nullptr);
-  EXPECT_EQ(Parse("<!DOCTYPE root><root/>"), nullptr);
-}
-
-TEST_F(XmlParser, ParseProjectXMLFile_Schema_DecidesWhetherThereIsADocument) {
-  EXPECT_NE(Parse(ProjectXml("<device_info/>"), DeviceOnlySchema()), nullptr);
-  EXPECT_EQ(Parse(ProjectXml("<isf_info/>"), DeviceOnlySchema()), nullptr);
-}
-
-TEST_F(XmlParser, ParseProjectXMLFile_SchemaThatCannotBeUsed_GivesNull) {
-  const std::string project = Write("p.xml", ProjectXml(""));
-  EXPECT_EQ(ParseProjectXMLFile(project, directory_ / "gone.xsd"), nullptr);
-  EXPECT_EQ(ParseProjectXMLFile(project, directory_.path().string()), nullptr);
-  EXPECT_EQ(ParseProjectXMLFile(project, Write("bad.xsd", "<xs:schema")), nullptr);
-  EXPECT_EQ(ParseProjectXMLFile(project,
-                                Write("doctype.xsd", "<!DOCTYPE xs:schema>" + DeviceOnlySchema())),
-            nullptr);
 }
 
 // An element may belong to two declarations of this schema, which only full checking objects to.
@@ -208,9 +162,8 @@ TEST_F(XmlParser, ParseProjectXMLFile_DomException_IsThrownWithPathAndReasonAndP
     SCOPED_TRACE(bytes);
     testing::internal::CaptureStdout();
     const std::string error = RuntimeErrorOf([&] { Parse(bytes); });
-    EXPECT_THAT(error,
-                testing::StartsWith("Failed parsing XML file " + (directory_ / "p.xml") + ": "));
-    EXPECT_THAT(error, testing::EndsWith("\n"));
+    EXPECT_THAT(error, StartsWith("Failed parsing XML file " + (directory_ / "p.xml") + ": "));
+    EXPECT_THAT(error, EndsWith("\n"));
     EXPECT_EQ(testing::internal::GetCapturedStdout(), error + "\n");
   }
 }

@@ -2,24 +2,20 @@
 
 #include <atomic>
 #include <stdexcept>
-#include <string>
 
-#include <gtest/gtest.h>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/RuntimeException.hpp>
 
-#include <projectdb/project_db.h>
-
 #include "testing/child_process.h"
-#include "testing/files.h"
-#include "testing/message_recorder.h"
 #include "testing/project_loading.h"
+#include "testing/test.h"
 #include "testing/threads.h"
 #include "testing/xml_platform.h"
 #include "xml/text.h"
 
 namespace {
 
+using namespace projectdb;
 using namespace projectdb::xml;
 using namespace test_support;
 
@@ -28,15 +24,10 @@ using namespace test_support;
 }
 
 std::string InitializationError(void (*initialize)()) {
-  try {
-    InitializeXMLPlatform(initialize);
-  } catch (const std::runtime_error& error) {
-    return error.what();
-  }
-  return {};
+  return ErrorOf([&] { InitializeXMLPlatform(initialize); });
 }
 
-TEST(XmlPlatform, InitializeXMLPlatform_LibraryThrows_ThrowsRuntimeErrorWithTheReason) {
+TEST(XmlPlatform, InitializeXMLPlatform_LibraryThrows_ThrowsTheReasonAndCanBeCalledAgain) {
   const XmlPlatform platform;
   std::string reason;
   try {
@@ -46,34 +37,24 @@ TEST(XmlPlatform, InitializeXMLPlatform_LibraryThrows_ThrowsRuntimeErrorWithTheR
   }
   ASSERT_NE(reason, "");
   EXPECT_EQ(InitializationError(FailToInitialize), "Failed to initialize " + reason + "\n");
+  EXPECT_EQ(InitializationError(InitializeWithDefaultLocale), "");
+  TerminateXMLPlatform();
 }
 
 TEST(XmlPlatform, InitializeXMLPlatform_OtherException_LeavesAsItIs) {
   EXPECT_THROW(InitializeXMLPlatform([] { throw std::logic_error("other"); }), std::logic_error);
 }
 
-TEST(XmlPlatform, InitializeXMLPlatform_AfterAFailure_CanBeCalledAgain) {
-  const XmlPlatform platform;
-  ASSERT_NE(InitializationError(FailToInitialize), "");
-  EXPECT_EQ(InitializationError(InitializeWithDefaultLocale), "");
-  TerminateXMLPlatform();
-}
-
-TEST(XmlPlatform, TerminateXMLPlatform_InnerOfTwo_LeavesTheLibraryUsable) {
+TEST(XmlPlatform, Platform_AfterAnotherWithinItOrBeforeIt_IsUsable) {
+  { const XmlPlatform former; }
   const XmlPlatform outer;
   { const XmlPlatform inner; }
   EXPECT_EQ(TranscodeXMLString(u"größe"), "größe");
 }
 
-TEST(XmlPlatform, InitializeXMLPlatform_AfterTheLastTermination_MakesTheLibraryUsableAgain) {
-  { const XmlPlatform first; }
-  const XmlPlatform second;
-  EXPECT_EQ(TranscodeXMLString(u"größe"), "größe");
-}
-
 TEST(XmlPlatform, InitializeXMLPlatform_EightThreads_EachCanUseTheLibrary) {
   std::atomic<int> good{0};
-  test_support::InThreads(8, [&](int number) {
+  InThreads(8, [&](int number) {
     const std::string text = "größe " + std::to_string(number);
     for (int i = 0; i < 200; ++i) {
       const XmlPlatform platform;
@@ -97,30 +78,23 @@ std::string StateOfTheLibraryAfter(Work work) {
 }
 
 TEST(XmlPlatform, LoadProjectData_Successful_TerminatesIt) {
-  const MessageRecorder recorder;
-  const TemporaryDirectory directory;
-  WriteFile(directory / "p.xml", ProjectXml(DeviceInfoXml("Orrin")));
-  projectdb::KelProjectDatabase database;
-  EXPECT_EQ(StateOfTheLibraryAfter([&] { database.LoadProjectData(directory / "p.xml", ""); }),
-            "terminated");
+  Loading loading;
+  loading.Write("p.xml", ProjectXml(DeviceInfoXml("Orrin")));
+  EXPECT_EQ(StateOfTheLibraryAfter([&] { loading.LoadFile(loading.path()); }), "terminated");
 }
 
 TEST(XmlPlatform, ExportProjectData_Successful_TerminatesIt) {
-  const TemporaryDirectory directory;
-  projectdb::KelProjectDatabase database;
-  database.CreateNewProjectDatabase("mixer");
-  EXPECT_EQ(StateOfTheLibraryAfter([&] { database.ExportProjectData(directory / "p.xml"); }),
+  Loading loading;
+  loading.database.CreateNewProjectDatabase("mixer");
+  EXPECT_EQ(StateOfTheLibraryAfter([&] { loading.database.ExportProjectData(loading.path()); }),
             "terminated");
-  EXPECT_NE(ReadFile(directory / "p.xml"), "");
+  EXPECT_NE(ReadFile(loading.path()), "");
 }
 
 TEST(XmlPlatform, LoadProjectData_Malformed_LeavesItInUse) {
-  const MessageRecorder recorder;
-  const TemporaryDirectory directory;
-  WriteFile(directory / "p.xml", "<project>");
-  projectdb::KelProjectDatabase database;
-  EXPECT_EQ(StateOfTheLibraryAfter([&] { database.LoadProjectData(directory / "p.xml", ""); }),
-            "in use");
+  Loading loading;
+  loading.Write("p.xml", "<project>");
+  EXPECT_EQ(StateOfTheLibraryAfter([&] { loading.LoadFile(loading.path()); }), "in use");
 }
 
 }  // namespace
