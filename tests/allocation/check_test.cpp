@@ -27,6 +27,26 @@ std::vector<std::string> ShowProblems(const std::vector<FileProblem>& problems) 
 
 class CheckOutOfMemory : public testing::TestWithParam<Shortage> {
  protected:
+  void ExpectThatEachFailureThrowsOrChangesNothing(const std::string& bytes, std::size_t count) {
+    WriteFile(path_, bytes);
+    const std::vector<std::string> expected = ShowProblems(CheckProjectFile(path_, ""));
+    ASSERT_EQ(expected.size(), count);
+    KelProjectDatabase unused;
+    Outcome outcome = Outcome::kOutOfMemory;
+    long failures = 0;
+    for (; outcome != Outcome::kCompleted; ++failures) {
+      SCOPED_TRACE(failures);
+      std::vector<FileProblem> problems;
+      outcome = RunWithFailure(
+          failures, GetParam(), [&](auto&) { problems = CheckProjectFile(path_, ""); }, unused);
+      if (outcome != Outcome::kOutOfMemory) {
+        EXPECT_EQ(ShowProblems(problems), expected);
+      }
+    }
+    EXPECT_GT(failures, 100);
+  }
+
+ private:
   /// A failed start of the XML library would be for the whole process.
   XmlPlatform platform_;
   TemporaryDirectory directory_;
@@ -34,22 +54,11 @@ class CheckOutOfMemory : public testing::TestWithParam<Shortage> {
 };
 
 TEST_P(CheckOutOfMemory, CheckProjectFile_AnyAllocationFails_ThrowsOrGivesAllProblems) {
-  WriteFile(path_, kProject);
-  const std::vector<std::string> expected = ShowProblems(CheckProjectFile(path_, ""));
-  ASSERT_EQ(expected.size(), 7U);
-  KelProjectDatabase unused;
-  Outcome outcome = Outcome::kOutOfMemory;
-  long failures = 0;
-  for (; outcome != Outcome::kCompleted; ++failures) {
-    SCOPED_TRACE(failures);
-    std::vector<FileProblem> problems;
-    outcome = RunWithFailure(
-        failures, GetParam(), [&](auto&) { problems = CheckProjectFile(path_, ""); }, unused);
-    if (outcome != Outcome::kOutOfMemory) {
-      EXPECT_EQ(ShowProblems(problems), expected);
-    }
-  }
-  EXPECT_GT(failures, 100);
+  ExpectThatEachFailureThrowsOrChangesNothing(kProject, 7);
+}
+
+TEST_P(CheckOutOfMemory, CheckProjectFile_MalformedFile_ThrowsOrGivesItsProblem) {
+  ExpectThatEachFailureThrowsOrChangesNothing(ProjectXml("<isf_info>"), 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(Shortages, CheckOutOfMemory,

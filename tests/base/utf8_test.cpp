@@ -69,6 +69,14 @@ TEST(Utf8, LeadingCharacterSize_ByteThatBeginsNoCharacter_IsNone) {
   }
 }
 
+TEST(Utf8, LeadingCharacterSize_SecondByteThatContinuesNoCharacter_IsNone) {
+  for (int first = 0xC2; first <= 0xF4; ++first) {
+    for (const char* rest : {"\x7F\x80\x80", "\xC0\x80\x80"}) {
+      EXPECT_EQ(LeadingCharacterSize(static_cast<char>(first) + std::string(rest)), 0) << first;
+    }
+  }
+}
+
 TEST(Utf8, IsValid_Text_IsSoIfAllOfItIsCharacters) {
   EXPECT_TRUE(IsValid(""));
   EXPECT_TRUE(

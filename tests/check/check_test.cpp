@@ -212,6 +212,10 @@ const CheckCase kCheckCases[] = {
                   "<debugger><param name=\"a\" value=\"1\" value_type=\"string\"/></debugger>",
                   {"2:11: warning: parameter \"a\": \"string\" is not a type; expected e_string, "
                    "e_bool, e_option or e_noarg"}),
+    CheckSections("ProblemsOfOneElement_KeepTheirOrder",
+                  "<debugger><param name=\"a\" value_type=\"string\"/></debugger>",
+                  {"2:11: warning: parameter \"a\": \"string\" is not a type; *",
+                   "2:11: warning: parameter \"a\" is ignored because *"}),
     CheckSections(
         "Places_ElementsStandWhereTheirStartTagsBegin",
         "<x1\n a='1'/><!-- \n --><x2></x2>text&amp;<x3/><?any thing?><x4>\n"

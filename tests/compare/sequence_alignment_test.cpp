@@ -156,6 +156,16 @@ TEST(SequenceAlignment, AlignEqualEntries_ManyRepeatedEntriesInDisorder_AlignsEq
   EXPECT_TRUE(IsAlignmentOfEqualEntries(pairs, before, after));
 }
 
+TEST(SequenceAlignment, AlignEqualEntries_ManyInDisorderThatOneSideRepeats_AlignsEqualEntries) {
+  Sequence before = Files(kTooMany);
+  Sequence after = Shuffled(before);
+  before.push_back(before[1]);
+  after.push_back(before[2]);
+  const Positions pairs = Align(before, after);
+  EXPECT_FALSE(pairs.empty());
+  EXPECT_TRUE(IsAlignmentOfEqualEntries(pairs, before, after));
+}
+
 TEST(SequenceAlignment, AlignEqualEntries_ManyInDisorderExchanged_ExchangesThePositions) {
   const Sequence before = Files(kTooMany / 4, 4);
   const Sequence after = Shuffled(before);

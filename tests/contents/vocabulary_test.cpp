@@ -123,6 +123,20 @@ TYPED_TEST(Terms, WriterOfATerm_ReachesTheFieldOfItsReader) {
   }
 }
 
+TEST(Vocabulary, ProjectTerms_Groups_AreThoseOfTheSections) {
+  std::map<std::string_view, std::vector<std::string_view>> groups;
+  for (const ProjectTerm& term : ProjectTerms()) {
+    if (!term.group.empty()) groups[term.group].push_back(term.key);
+  }
+  EXPECT_THAT(
+      groups,
+      ElementsAre(
+          Pair("Design", ElementsAre("design.top_module", "design.top_vhdl_arch",
+                                     "design.def_veri_version", "design.def_vhdl_version")),
+          Pair("Device", ElementsAre("device.family", "device.device", "device.timing_model")),
+          Pair("Project", ElementsAre("name", "directory", "sw_version", "last_change_date"))));
+}
+
 TEST(Vocabulary, ProjectTerms_Keys_StandInTheOrderOfAProjectFile) {
   EXPECT_THAT(
       Keys(ProjectTerms()),

@@ -194,6 +194,49 @@ TEST_F(Locks, SetInterfaceConstraint_NameOfAnotherKind_TakesNone) {
   EXPECT_FALSE(IsTaken(1, [this] { EXPECT_FALSE(database_.SetInterfaceConstraint("io.csv")); }));
 }
 
+TEST_F(Locks, OperationOnTheContents_TakesIt) {
+  KelProjectDatabase& d = database_;
+  KelProjectDatabase other;
+  other.CreateNewProjectDatabase("other");
+  const Parameter parameter("a", "1", e_string);
+  std::string value;
+  std::vector<std::string> names = {"a.txt"};
+  std::vector<DesignFile> files = {{"a.v", "", ""}};
+  std::vector<IP> instances;
+  std::vector<Parameter> parameters;
+  const std::pair<const char*, std::function<void()>> operations[] = {
+      {"get property", [&] { d.GetProjectName(); }},
+      {"set property", [&] { d.SetProjectName("b"); }},
+      {"add attribute", [&] { d.AddProjectInfoAttribute("a", "1"); }},
+      {"get attribute", [&] { d.GetProjectInfoAttribute("a", value); }},
+      {"get contents", [&] { GetProjectContents(d); }},
+      {"set contents", [&] { SetProjectContents(d, GetProjectContents(other)); }},
+      {"add design file", [&] { d.AddDesignRTLFile("a.v", "", ""); }},
+      {"add design files", [&] { d.AddDesignRTLFile(files); }},
+      {"add test bench", [&] { d.AddSimulationTestBenchFile("a.v", ""); }},
+      {"add test benches", [&] { d.AddSimulationTestBenchFile(files); }},
+      {"add other file", [&] { d.AddMiscellaneousFile("a.txt"); }},
+      {"add other files", [&] { d.AddMiscellaneousFile(names); }},
+      {"set interface", [&] { d.SetInterfaceConstraint("a.interface.csv"); }},
+      {"get design files", [&] { d.GetDesignFileList(files); }},
+      {"get test benches", [&] { d.GetSimulationTestBenchFileList(names); }},
+      {"get other files", [&] { d.GetMiscellaneousFileList(names); }},
+      {"get timing constraints", [&] { d.GetTimingConstraintFileList(names); }},
+      {"get IP sources", [&] { d.GetIpSrcFileList(names); }},
+      {"get IP instances", [&] { d.GetIpInstanceList(instances); }},
+      {"set executable", [&] { d.SetFlowProcessExecutableName(e_debugger, "b"); }},
+      {"get executable", [&] { d.GetFlowProcessExecutableName(e_debugger); }},
+      {"add parameter", [&] { d.AddFlowProcessParameter(e_debugger, "m", parameter); }},
+      {"add texts", [&] { d.AddFlowProcessParameter(e_debugger, "m", "b", "1", e_string); }},
+      {"add parameters", [&] { d.AddFlowProcessParameterList(e_debugger, "m", {parameter}); }},
+      {"get parameters", [&] { d.GetFlowProcessParameterList(e_debugger, "m", parameters); }},
+      {"get parameter", [&] { d.GetFlowProcessParameter(e_debugger, "m", "a"); }},
+      {"get value", [&] { d.GetFlowProcessParameterValue(e_debugger, "m", "a"); }},
+      {"exists", [&] { d.IsProjectDatabaseExist(); }},
+      {"clean", [&] { d.CleanProjectDatabase(); }}};
+  for (const auto& [name, operation] : operations) EXPECT_TRUE(IsTaken(1, operation)) << name;
+}
+
 // --- A message handler that throws ---
 
 /// An operation that posts a message.

@@ -4,6 +4,7 @@
 #include <csignal>
 #include <filesystem>
 #include <map>
+#include <set>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -199,8 +200,10 @@ TEST_F(FilteredSave, TemporaryFile_IsForItsOwnerOnlyAndWholeUnderNoProjectsNameU
   EXPECT_EQ(SaveError(database_, path_), "");
   EXPECT_EQ(SaveError(database_, path_), "");
   ASSERT_EQ(names.size(), 2U);
-  EXPECT_THAT(names, Each(testing::MatchesRegex("\\.kel_save_[0-9a-f]+")));
-  EXPECT_NE(names[0], names[1]);
+  EXPECT_THAT(names, Each(testing::MatchesRegex("\\.kel_save_[0-9a-f]{32}")));
+  const std::set<std::string> random_numbers = {names[0].substr(10, 16), names[0].substr(26),
+                                                names[1].substr(10, 16), names[1].substr(26)};
+  EXPECT_EQ(random_numbers.size(), 4U);
 }
 
 TEST_F(FilteredSave, ProjectThatIsCleanedMeanwhile_LeavesTheFormerFileAndNoOther) {

@@ -1,4 +1,6 @@
+#include <cstddef>
 #include <filesystem>
+#include <iterator>
 #include <memory>
 
 #include <xercesc/util/IOException.hpp>
@@ -34,6 +36,24 @@ TEST_F(FileTargets, Construction_CreatesTheFileOrEmptiesIt) {
   WriteFile(path_, "former");
   const FileTarget target(path_);
   EXPECT_EQ(ReadFile(path_), "");
+}
+
+std::ptrdiff_t OpenFiles() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
+TEST_F(FileTargets, Close_ClosesTheFile) {
+  const std::ptrdiff_t before = OpenFiles();
+  FileTarget target(path_);
+  EXPECT_EQ(OpenFiles(), before + 1);
+  target.Close();
+  EXPECT_EQ(OpenFiles(), before);
+}
+
+TEST_F(FileTargets, Destruction_ClosesAFileThatIsStillOpen) {
+  const std::ptrdiff_t before = OpenFiles();
+  { const FileTarget target(path_); }
+  EXPECT_EQ(OpenFiles(), before);
 }
 
 TEST_F(FileTargets, Close_FileHasAllPiecesInOrderWhateverIsFlushed) {
