@@ -1,11 +1,14 @@
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include <projectdb/project_db.h>
+#include <projectdb/project_file.h>
 
 #include "testing/checking.h"
 #include "testing/complete_project.h"
@@ -105,12 +108,15 @@ class Loading {
     return result;
   }
 
-  /// Writes a project file of these bytes and loads it. Whatever they are, a check of the file must
-  /// come to the same result.
+  /// Writes a project file of these bytes and loads it. Whatever they are, reading the file as a
+  /// value must come to the same result and, if there was no project before, to the same project.
   bool LoadBytes(const std::string& bytes, const std::string& schema = "") {
+    const bool had_project = database.IsProjectDatabaseExist();
     const bool result = LoadFile(Write("p.xml", bytes), schema);
-    if (CheckAccepts(path(), schema) != result) {
-      throw std::logic_error("check and load disagree on " + bytes);
+    const projectdb::ProjectFile file = projectdb::ReadProjectFile(path(), schema);
+    const bool is_accepted = std::none_of(file.problems.begin(), file.problems.end(), IsError);
+    if (is_accepted != result || !(had_project || IsLoaded(file.contents))) {
+      throw std::logic_error("read and load disagree on " + bytes);
     }
     return result;
   }
@@ -124,6 +130,15 @@ class Loading {
   TemporaryDirectory directory;
   projectdb::KelProjectDatabase database;
   std::vector<MessageRecorder::Message> messages;
+
+ private:
+  /// Whether the database holds the same project, or none as well.
+  bool IsLoaded(const std::optional<projectdb::ProjectContents>& contents) const {
+    if (!contents || !database.IsProjectDatabaseExist()) {
+      return !contents && !database.IsProjectDatabaseExist();
+    }
+    return AllDifferences(*contents, database).empty();
+  }
 };
 
 }  // namespace test_support

@@ -5,8 +5,10 @@
 #include <ostream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <projectdb/durable_export.h>
@@ -54,6 +56,23 @@ inline mode_t ModeOf(const std::string& path) { return StatusOf(path).st_mode & 
 inline void SetMode(const std::string& path, mode_t mode) {
   if (::chmod(path.c_str(), mode) != 0) throw std::runtime_error("cannot change " + path);
 }
+
+/// When a file was used and changed last.
+class FileTimes {
+ public:
+  explicit FileTimes(std::string path) : path_(std::move(path)), status_(StatusOf(path_)) {}
+
+  void Restore() const {
+    const timespec times[] = {status_.st_atim, status_.st_mtim};
+    if (::utimensat(AT_FDCWD, path_.c_str(), times, 0) != 0) {
+      throw std::runtime_error("cannot change " + path_);
+    }
+  }
+
+ private:
+  std::string path_;
+  struct stat status_;
+};
 
 /// A file as it is: the same one, with the same content and the same permissions.
 struct FileState {

@@ -1,10 +1,14 @@
 #include "check/located_parse.h"
 
+#include <optional>
+
 #include "testing/project_loading.h"
 #include "testing/test.h"
 #include "testing/xml_platform.h"
 #include "testing/xml_tree.h"
 #include "xml/dom.h"
+#include "xml/file_uri.h"
+#include "xml/input.h"
 #include "xml/parser.h"
 
 namespace {
@@ -17,7 +21,8 @@ class LocatedParsing : public testing::Test {
  protected:
   LocatedParse ParseBytes(const std::string& bytes, const std::string& schema = "") const {
     WriteFile(path(), bytes);
-    return ParseLocated(path(), schema);
+    const FileInput input(path());
+    return ParseLocated({input, FileUri(path()), std::nullopt}, schema);
   }
 
   std::string path() const { return directory_ / "p.xml"; }
@@ -27,7 +32,7 @@ class LocatedParsing : public testing::Test {
   }
 
   /// "name line:column" of the children of the root.
-  static std::vector<std::string> PlacesOfChildren(const LocatedParse& parse) {
+  static std::vector<std::string> PlacesOfChildren(LocatedParse& parse) {
     std::vector<std::string> places;
     for (const auto* child : ChildElements(parse.document->getDocumentElement())) {
       places.push_back(Utf8(child->getNodeName()) + " " + Show(parse.positions.Of(*child)));
@@ -59,19 +64,19 @@ TEST_F(LocatedParsing, ParseLocated_GoodFile_HasNoProblems) {
 }
 
 TEST_F(LocatedParsing, ParseLocated_Elements_StandWhereTheirStartTagsBegin) {
-  EXPECT_THAT(PlacesOfChildren(ParseBytes("<r><a/>\n <b\n></b><c/></r>")),
-              ElementsAre("a 1:4", "b 2:2", "c 3:6"));
+  LocatedParse parse = ParseBytes("<r><a/>\n <b\n></b><c/></r>");
+  EXPECT_THAT(PlacesOfChildren(parse), ElementsAre("a 1:4", "b 2:2", "c 3:6"));
 }
 
 TEST_F(LocatedParsing, ParseLocated_EmptyAndNestedElements_EachHaveTheirOwnPlace) {
-  const LocatedParse parse = ParseBytes("<r><a><b/></a></r>");
+  LocatedParse parse = ParseBytes("<r><a><b/></a></r>");
   const auto* a = parse.document->getDocumentElement()->getFirstElementChild();
   EXPECT_EQ(Show(parse.positions.Of(*a)), "1:4");
   EXPECT_EQ(Show(parse.positions.Of(*a->getFirstElementChild())), "1:7");
 }
 
 TEST_F(LocatedParsing, ParseLocated_FatalError_KeepsTheDocumentUpToIt) {
-  const LocatedParse parse = ParseBytes("<r><a/>\n<b></r>");
+  LocatedParse parse = ParseBytes("<r><a/>\n<b></r>");
   EXPECT_THAT(PlacesOfChildren(parse), ElementsAre("a 1:4", "b 2:1"));
   EXPECT_THAT(ShowProblems(parse), ElementsAre("2:6 error: expected end of tag 'b'"));
 }

@@ -1,5 +1,3 @@
-#include "save/system_calls.h"
-
 #include <cerrno>
 #include <csignal>
 #include <filesystem>
@@ -11,6 +9,7 @@
 
 #include "testing/access_list.h"
 #include "testing/child_process.h"
+#include "testing/filtered_calls.h"
 #include "testing/project_loading.h"
 #include "testing/saving.h"
 #include "testing/test.h"
@@ -19,18 +18,7 @@ namespace {
 
 using namespace test_support;
 using namespace projectdb;
-using projectdb::files::FilterOfSystemCalls;
 using projectdb::files::SystemCall;
-using projectdb::files::SystemCallFilter;
-
-/// Stands before the system calls of this process's saves for as long as it lives.
-class FilteredCalls {
- public:
-  explicit FilteredCalls(SystemCallFilter filter) { FilterOfSystemCalls() = std::move(filter); }
-  ~FilteredCalls() { FilterOfSystemCalls() = nullptr; }
-  FilteredCalls(const FilteredCalls&) = delete;
-  FilteredCalls& operator=(const FilteredCalls&) = delete;
-};
 
 void FillProject(KelProjectDatabase& database, const std::string& name, int files) {
   database.CreateNewProjectDatabase(name);
@@ -175,9 +163,10 @@ TEST_F(FilteredSave, FlushesTheWholeFileBeforeItsRenamingAndTheDirectoryAfterIt)
   });
   EXPECT_EQ(SaveError(database_, path_), "");
   EXPECT_THAT(steps, ElementsAre("getentropy none, former", "openat directory, former",
-                                 "getxattr none, former", "fremovexattr temporary, former",
-                                 "fchmod temporary, former", "fsync temporary, former",
-                                 "renameat directory, former", "fsync directory, next"));
+                                 "flock temporary, former", "getxattr none, former",
+                                 "fremovexattr temporary, former", "fchmod temporary, former",
+                                 "fsync temporary, former", "renameat directory, former",
+                                 "fsync directory, next"));
 }
 
 TEST_F(FilteredSave, TemporaryFile_IsForItsOwnerOnlyAndWholeUnderNoProjectsNameUntilRenamed) {

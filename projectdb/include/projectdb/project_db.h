@@ -16,7 +16,7 @@ namespace projectdb {
 
 class LoadObserver;
 struct ProjectContents;
-class ProjectFileChecker;
+class ProjectFileReader;
 
 /// Holds one FPGA design project in memory and moves it to and from a project XML file.
 ///
@@ -390,7 +390,7 @@ class KEL_EXPORT KelProjectDatabase {
                                             const ProjectContents& contents);
   friend KEL_EXPORT void ExportProjectDataDurably(const KelProjectDatabase& database,
                                                   const std::string& path);
-  friend ProjectFileChecker;  // It reads a document as a load does, but posts no messages.
+  friend ProjectFileReader;  // It reads a document as a load does, but posts no messages.
 
   struct ProjectData;
 

@@ -1,34 +1,128 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
+#include <functional>
 #include <memory>
+#include <optional>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <kel/export.h>
+#include <projectdb/check.h>
+#include <projectdb/project_contents.h>
 
-/// Project files that several programs change.
+/// Project files as values: reading, writing and changing whole files, also by several programs at
+/// once. All paths are native paths. Every function may run in any thread.
 namespace projectdb {
 
 namespace files {
 class FileLock;
 }
 
+/// Which state of a file was read: two versions are equal only if the file is the same one, of the
+/// same size and time of change, with the same bytes. A version that no reading gave is that of no
+/// file.
+struct ProjectFileVersion {
+  std::uint64_t device = 0;
+  std::uint64_t file = 0;          ///< Its number on the device; 0 for no file.
+  std::uint64_t size = 0;          ///< In bytes.
+  std::int64_t changed_at = 0;     ///< In nanoseconds since 1970, as the system keeps it.
+  std::uint64_t bytes_digest = 0;  ///< Of the content: a change within one clock tick shows too.
+
+  friend bool operator==(const ProjectFileVersion& a, const ProjectFileVersion& b) {
+    return a.device == b.device && a.file == b.file && a.size == b.size &&
+           a.changed_at == b.changed_at && a.bytes_digest == b.bytes_digest;
+  }
+  friend bool operator!=(const ProjectFileVersion& a, const ProjectFileVersion& b) {
+    return !(a == b);
+  }
+};
+
+/// What a reading gives.
+struct ProjectFile {
+  /// What a load of the file into a new object would give; none if the load would leave the object
+  /// without a project.
+  std::optional<ProjectContents> contents;
+  std::vector<FileProblem> problems;  ///< As CheckProjectFile lists them.
+  ProjectFileVersion version;         ///< That of no file if there is none.
+};
+
+/// Reads a file, which is opened once; a pipe is read as well. A name that does not end in ".xml"
+/// is a problem of severity error, but no obstacle: the contents are there.
+///
+/// @param schema_file native path of the XML schema, or "" as with
+///        KelProjectDatabase::LoadProjectData; one that does not exist is a warning
+/// @exception std::bad_alloc
+KEL_EXPORT ProjectFile ReadProjectFile(const std::string& path, const std::string& schema_file);
+
+/// Reads what a file would hold.
+/// @param bytes of a project file, in any encoding that its XML declaration names
+/// @param schema_file as with ReadProjectFile
+/// @return contents with the empty text for a directory, and the version of no file
+/// @exception std::bad_alloc
+KEL_EXPORT ProjectFile ParseProjectFile(const std::string& bytes, const std::string& schema_file);
+
+/// How FormatProjectFile writes.
+struct FormatOptions {
+  /// Whether the stamps of the last writing are those of the contents, each left out if it is
+  /// empty, which a load does not mind; else this library's version and the local time.
+  bool keep_stamps = false;
+};
+
+/// The bytes of the project's file in canonical order: info attributes by name, parameters by map
+/// ("param", "dynparam", "defmacro", then others by name) and then by name, all else as in an
+/// export. The same contents give the same bytes, but for the stamps, on every platform.
+///
+/// @exception std::runtime_error "Failed writing XML file: " + reason + "\n" for contents that no
+///            project file can hold or that a load would not read alike, as with
+///            ExportProjectDataDurably
+/// @exception std::bad_alloc
+KEL_EXPORT std::string FormatProjectFile(const ProjectContents& contents,
+                                         const FormatOptions& options = {});
+
+/// The file is not the one that was expected; nothing was written.
+class KEL_EXPORT ProjectFileChanged : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// How WriteProjectFile writes.
+struct WriteOptions {
+  bool keep_stamps = false;  ///< As with FormatProjectFile.
+  /// Nothing is written unless the file is still this one, or still missing.
+  std::optional<ProjectFileVersion> expected = std::nullopt;
+  /// Whether a file that says the same, but in other bytes than FormatProjectFile gives, is written
+  /// anew.
+  bool canonical = false;
+};
+
+/// Saves a project in canonical order, and as safely as ExportProjectDataDurably does. A file that
+/// says the same already, stamps and directory aside, is not touched.
+///
+/// Takes no ProjectFileLock: between a reading and a writing of one's own it is the caller who
+/// holds it, or UpdateProjectFile.
+///
+/// @return whether the file was written
+/// @exception ProjectFileChanged if the file is not the expected one
+/// @exception std::runtime_error as ExportProjectDataDurably
+/// @exception std::bad_alloc with the file as it was
+KEL_EXPORT bool WriteProjectFile(const std::string& path, const ProjectContents& contents,
+                                 const WriteOptions& options = {});
+
 /// Keeps others who want the lock of a file away, in this process and in all others, for as long as
-/// it lives. It keeps nobody from reading or writing the file who does not ask for the lock.
+/// it lives. It does not keep anybody from reading or writing who does not ask for it.
 ///
 /// The lock is on the file itself, by whatever path or symbolic link it is reached, and goes over
-/// to the new file when this process replaces it by ExportProjectDataDurably. The system gives it
-/// back when the process ends, however that ends; nothing stays behind. A thread that asks for a
-/// lock that it holds waits for ever. A child process that fork makes has a share in the lock.
-///
-/// Threads: each may take locks; one object belongs to one thread at a time.
+/// to the new file when this process replaces it by one of this library's safe saves. The system
+/// gives it back when the process ends, however that ends. A thread that asks for a lock that it
+/// holds waits for ever. A child process that fork makes has a share in it.
 class KEL_EXPORT ProjectFileLock {
  public:
   /// Waits until it has the lock.
-  /// @param path native path of an existing regular file, which need not be writable
-  /// @exception std::runtime_error "Failed locking XML file " + path + ": " + reason + "\n" if
-  ///            there is none, or if it cannot be opened or locked
-  /// @exception std::bad_alloc
+  /// @exception std::runtime_error "Failed locking XML file " + path + ": " + reason + "\n" if that
+  ///            is no regular file, cannot be opened, or cannot be locked where it is
   explicit ProjectFileLock(const std::string& path);
 
   /// Gives up after so long a wait, with a std::runtime_error as above.
@@ -41,5 +135,31 @@ class KEL_EXPORT ProjectFileLock {
  private:
   std::unique_ptr<files::FileLock> lock_;
 };
+
+/// How UpdateProjectFile goes about it.
+struct UpdateOptions {
+  std::string schema_file = "";  ///< As with ReadProjectFile.
+  bool keep_stamps = false;      ///< As with FormatProjectFile.
+  /// Whether a file with problems of severity error is changed too, if it has contents; what a load
+  /// leaves out is then lost.
+  bool despite_errors = false;
+  /// How long to wait for the file's lock; for ever if not given.
+  std::optional<std::chrono::milliseconds> longest_wait = std::nullopt;
+};
+
+/// Changes a project file, so that no change by anybody else who uses this function or
+/// ProjectFileLock is lost: takes the lock, reads the file, has its contents changed, and writes
+/// them with WriteProjectFile.
+///
+/// @param change is called once for each reading of the file, which is read again if somebody
+///        without the lock replaced it meanwhile; an exception of it passes on, and nothing is
+///        written
+/// @return whether the file was written
+/// @exception std::runtime_error with the first error of the file, or as ProjectFileLock and
+///            WriteProjectFile; the file is then as it was
+/// @exception std::bad_alloc with the file as it was
+KEL_EXPORT bool UpdateProjectFile(const std::string& path,
+                                  const std::function<void(ProjectContents&)>& change,
+                                  const UpdateOptions& options = {});
 
 }  // namespace projectdb

@@ -89,19 +89,18 @@ bool HasError(const std::vector<ParseProblem>& problems) {
 
 }  // namespace
 
-LocatedParse ParseLocated(const std::string& xml_path, const std::string& schema_location) {
+LocatedParse ParseLocated(const Source& source, const std::string& schema_location) {
   LocatedParse parse;
   const auto add_error = [&parse](const std::string& message) {
     parse.problems.push_back({true, parse.positions.current(), message});
   };
   try {
     parse.document = xml::WithPrefixedErrors("", [&] {
-      ProblemCollector collector(xml::FileUri(paths::FromBytes(xml_path)), parse.positions,
-                                 parse.problems);
+      ProblemCollector collector(source.uri, parse.positions, parse.problems);
       const xml::Owned<xercesc::DOMLSParser> parser =
-          CreateLocatingParser(collector, parse.positions);
+          CreateLocatingParser(collector, parse.positions, source);
       xml::Owned<xercesc::DOMDocument> document =
-          xml::ParseWith(*parser, collector, xml_path, schema_location);
+          xml::ParseWith(*parser, collector, source.input, schema_location);
       collector.RethrowException();
       return document;
     });

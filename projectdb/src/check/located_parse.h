@@ -28,6 +28,6 @@ struct LocatedParse {
 /// Parses a project file just as xml::ParseProjectXMLFile does, but keeps a document with errors,
 /// and notes all problems and where the elements stand. Where ParseProjectXMLFile gives null or
 /// throws, there is a problem that is an error, and nowhere else.
-LocatedParse ParseLocated(const std::string& xml_path, const std::string& schema_location);
+LocatedParse ParseLocated(const Source& source, const std::string& schema_location);
 
 }  // namespace projectdb::check

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <functional>
 #include <limits>
 #include <optional>
 #include <string>
@@ -24,6 +25,10 @@ namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
+using Entry = std::pair<const xercesc::DOMElement*, Position>;
+
+bool IsBefore(const Entry& a, const Entry& b) { return std::less<>()(a.first, b.first); }
+
 bool IsOfUtf8(unsigned int code, const XMLCh* domain) {
   constexpr std::array<unsigned int, 5> kCodes = {
       xercesc::XMLExcepts::UTF8_FormatError, xercesc::XMLExcepts::UTF8_Invalid_3BytesSeq,
@@ -34,8 +39,8 @@ bool IsOfUtf8(unsigned int code, const XMLCh* domain) {
 }
 
 // The parser decodes a file in large blocks, so that it cannot say where in one the error is.
-std::optional<Position> PlaceOfBadText(const XMLCh* system_id) {
-  const std::string uri = xml::TranscodeXMLString(system_id);
+std::optional<Position> PlaceOfBadText(const std::string& uri, const Source& source) {
+  if (source.bytes && uri == source.uri) return FirstInvalidUtf8(*source.bytes);
   const std::optional<std::filesystem::path> path = xml::LocalPath(uri, uri);
   const std::optional<std::string> bytes =
       path ? xml::ReadBytes(*path, std::numeric_limits<std::size_t>::max()) : std::nullopt;
@@ -46,7 +51,8 @@ std::optional<Position> PlaceOfBadText(const XMLCh* system_id) {
 /// piece before it ended.
 class LocatingParser : public xml::DomParser {
  public:
-  explicit LocatingParser(ElementPositions& positions) : positions_(positions) {}
+  LocatingParser(ElementPositions& positions, const Source& source)
+      : positions_(positions), source_(source) {}
 
   void startDocument() override {
     DomParser::startDocument();
@@ -101,7 +107,7 @@ class LocatingParser : public xml::DomParser {
     Position position{line, column};
     std::u16string message = text;
     if (IsOfUtf8(code, domain)) {
-      position = PlaceOfBadText(system_id).value_or(position);
+      position = PlaceOfBadText(xml::TranscodeXMLString(system_id), source_).value_or(position);
       message.insert(0, u"the text is not UTF-8: ");
     }
     DomParser::error(code, domain, type, message.c_str(), system_id, public_id, position.line,
@@ -115,6 +121,7 @@ class LocatingParser : public xml::DomParser {
   }
 
   ElementPositions& positions_;
+  const Source& source_;
 };
 
 }  // namespace
@@ -138,9 +145,17 @@ std::optional<Position> FirstInvalidUtf8(std::string_view bytes) {
   return std::nullopt;
 }
 
+Position ElementPositions::Of(const xercesc::DOMElement& element) {
+  if (!is_sorted_) std::sort(positions_.begin(), positions_.end(), IsBefore);
+  is_sorted_ = true;
+  return std::lower_bound(positions_.begin(), positions_.end(), Entry(&element, {}), IsBefore)
+      ->second;
+}
+
 xml::Owned<xercesc::DOMLSParser> CreateLocatingParser(xercesc::DOMErrorHandler& error_handler,
-                                                      ElementPositions& positions) {
-  xml::Owned<xercesc::DOMLSParser> parser(new LocatingParser(positions));
+                                                      ElementPositions& positions,
+                                                      const Source& source) {
+  xml::Owned<xercesc::DOMLSParser> parser(new LocatingParser(positions, source));
   xml::Configure(*parser, error_handler);
   return parser;
 }

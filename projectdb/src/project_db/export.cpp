@@ -1,22 +1,17 @@
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include <fmt/format.h>
-#include <kel/version.h>
 #include <xercesc/dom/DOMDocument.hpp>
-#include <xercesc/dom/DOMImplementation.hpp>
 #include <xercesc/dom/DOMImplementationRegistry.hpp>
-#include <xercesc/validators/schema/SchemaSymbols.hpp>
 
 #include "base/failure.h"
-#include "base/local_time.h"
 #include "contents/parameter_rules.h"
 #include "project_db/format.h"
 #include "project_db/project_data.h"
+#include "project_db/project_document.h"
 #include "xml/dom.h"
 #include "xml/errors.h"
-#include "xml/owned.h"
 #include "xml/platform.h"
 #include "xml/text.h"
 #include "xml/writer.h"
@@ -25,30 +20,6 @@ namespace projectdb {
 namespace {
 
 using xercesc::DOMElement;
-
-xml::Owned<xercesc::DOMDocument> CreateProjectDocument(xercesc::DOMImplementation& core) {
-  xml::Owned<xercesc::DOMDocument> document(
-      core.createDocument(format::kNamespace.wide, format::kProject.wide, nullptr));
-  DOMElement* root = document->getDocumentElement();
-  root->setPrefix(format::kPrefix.wide);
-  const std::u16string location =
-      std::u16string(format::kNamespace.wide) + u" " + format::kSchemaFile.wide;
-  root->setAttributeNS(xercesc::SchemaSymbols::fgURI_XSI, format::kSchemaLocation.wide,
-                       location.c_str());
-  return document;
-}
-
-void SetRootAttributes(DOMElement* root, const std::string& project_name,
-                       const std::unordered_map<std::string, std::string>& info_attributes) {
-  xml::ElementWriter writer(format::kNamespace.wide, format::kPrefix.wide);
-  writer.SetDOMElementAttribute(root, format::kProjectName, project_name);
-  for (const auto& [name, value] : info_attributes) {
-    writer.SetQualifiedAttribute(root, name, value);
-  }
-  // The writing library's stamps, not those that the project came with.
-  writer.SetDOMElementAttribute(root, format::kSoftwareVersion, KEL_VERSION_NO);
-  writer.SetDOMElementAttribute(root, format::kLastModifyTime, GetLocalTimeString());
-}
 
 void RequireWritten(bool written) {
   if (!written) throw Failure("an element cannot be created");
@@ -99,7 +70,8 @@ bool KelProjectDatabase::AppendProjectToRoot(DOMElement* root, ProcessTest test)
   // Another thread may have cleaned the project away in the meantime.
   if (!data_) return false;
   test(data_->flow_processes);
-  SetRootAttributes(root, data_->project_name, data_->info_attributes);
+  // The writing library's stamps, not those that the project came with.
+  SetRootAttributes(root, data_->project_name, data_->info_attributes, NewStamps());
   RequireWritten(AppendDeviceInfoToDOMElement(root, data_->device_info, ns, prefix));
   RequireWritten(AppendDesignInfoToDOMElement(root, data_->design_info, ns, prefix));
   RequireWritten(AppendDesignConstraintToDOMElement(root, data_->design_constraint, ns, prefix));

@@ -1,135 +1,23 @@
 #include <projectdb/durable_export.h>
 
-#include <cerrno>
-#include <filesystem>
-#include <functional>
-#include <optional>
-#include <stdexcept>
 #include <string>
-#include <system_error>
 
-#include <fcntl.h>
 #include <projectdb/project_db.h>
-#include <sys/stat.h>
-#include <unistd.h>
-#include <xercesc/util/IOException.hpp>
 
 #include "base/failure.h"
-#include "save/file_descriptor.h"
-#include "save/file_lock.h"
-#include "save/file_permissions.h"
 #include "save/loadable.h"
-#include "save/temporary_file.h"
+#include "save/replace_file.h"
 #include "xml/errors.h"
 
 namespace projectdb {
-namespace {
-
-using files::Directory;
-using files::FileDescriptor;
-using files::TemporaryFile;
-using files::ThrowSystemFailure;
-
-constexpr mode_t kAnyNewFile = 0666;
-// What it is to replace may be secret.
-constexpr mode_t kOnlyForOwner = 0600;
-
-/// The file that a save puts in place.
-struct Target {
-  std::filesystem::path path;         ///< Absolute, and no symbolic link.
-  std::optional<struct stat> former;  ///< Of the file that is there.
-};
-
-// The file at the path or at the end of its links, if it is there and may be replaced.
-std::optional<struct stat> FormerFile(const std::filesystem::path& path) {
-  struct stat status {};
-  if (::stat(path.c_str(), &status) != 0) {
-    if (errno != ENOENT) ThrowSystemFailure();
-    return std::nullopt;
-  }
-  if (S_ISDIR(status.st_mode)) ThrowSystemFailure(EISDIR);
-  if (!S_ISREG(status.st_mode)) throw Failure("not a regular file");
-  // The directory alone would let the process replace what it must not write.
-  files::RequireSuccess(::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS));
-  return status;
-}
-
-std::filesystem::path FollowLinks(std::filesystem::path path) {
-  constexpr int kMaxLinks = 40;
-  for (int links = 0; links <= kMaxLinks; ++links) {
-    std::error_code no_link;
-    const std::filesystem::path next = std::filesystem::read_symlink(path, no_link);
-    if (no_link) return path;
-    path = path.parent_path() / next;
-  }
-  ThrowSystemFailure(ELOOP);
-}
-
-Target FindTarget(const std::string& path) {
-  // Beyond a zero the system would not see the name.
-  if (path.find('\0') != std::string::npos) ThrowSystemFailure(EINVAL);
-  // Another thread may change the working directory.
-  std::error_code error;
-  const std::filesystem::path absolute = std::filesystem::absolute(path, error);
-  if (error) ThrowSystemFailure(error.value());
-  // The system first: it knows loops, and links that it forbids to follow.
-  const std::optional<struct stat> former = FormerFile(absolute);
-  return {FollowLinks(absolute), former};
-}
-
-// Of an error that may name the file that was written in place of the target.
-std::string ReasonOf(const std::string& error, const std::string& written_path) {
-  const std::string prefix = WritingPrefix(written_path);
-  const std::size_t begin = error.rfind(prefix, 0) == 0 ? prefix.size() : 0;
-  const std::size_t end = error.find_last_not_of('\n');
-  return error.substr(begin, end + 1 - begin);
-}
-
-/// Writes the project to a file.
-using Export = std::function<void(const std::string& path)>;
-
-void ExportInto(const TemporaryFile& file, const Export& export_to) {
-  const std::string path = file.path();
-  try {
-    export_to(path);
-  } catch (const xercesc::IOException&) {
-    // It does not tell the system's reason; a second try does.
-    const FileDescriptor opened(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
-    throw Failure("the temporary file could not be opened");
-  } catch (const std::runtime_error& error) {
-    throw Failure(ReasonOf(error.what(), path));
-  }
-}
-
-// The lock that this process may have on the former file goes with the new one.
-void PutInPlace(TemporaryFile& file, const Target& target) {
-  std::optional<files::LockHandover> handover;
-  if (target.former) handover.emplace(*target.former, file.descriptor());
-  file.RenameTo(target.path.filename());
-  if (handover) handover->Complete();
-}
-
-void Save(const Export& export_to, const std::string& path) {
-  const Target target = FindTarget(path);
-  const Directory directory(target.path.parent_path());
-  TemporaryFile file(directory, target.former ? kOnlyForOwner : kAnyNewFile);
-  ExportInto(file, export_to);
-  // Nothing was written if another thread has cleaned the project away.
-  if (file.descriptor().Status().st_size == 0) return;
-  if (target.former) files::CopyPermissions(target.path, *target.former, file.descriptor());
-  file.Flush();
-  PutInPlace(file, target);
-  directory.Flush();
-}
-
-}  // namespace
 
 void ExportProjectDataDurably(const KelProjectDatabase& database, const std::string& path) {
   if (path.empty() || !database.IsProjectDatabaseExist()) return;
-  const auto export_to = [&](const std::string& file) {
+  // Writes nothing if another thread has cleaned the project away.
+  const auto write = [&](const std::string& file) {
     database.ExportTestedProject(file, RequireLoadable);
   };
-  xml::WithPrefixedErrors(WritingPrefix(path), [&] { Save(export_to, path); });
+  xml::WithPrefixedErrors(WritingPrefix(path), [&] { files::ReplaceFile(path, {write}); });
 }
 
 }  // namespace projectdb

@@ -8,6 +8,8 @@
 #include <fcntl.h>
 #include <sys/file.h>
 
+#include "base/system_calls.h"
+
 namespace projectdb::files {
 namespace {
 
@@ -33,8 +35,8 @@ bool IsSameFile(const struct stat& a, const struct stat& b) {
 
 int OpenForLocking(const std::string& path) {
   // Not to wait for the other end of a pipe.
-  constexpr int kFlags = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
-  return ::open(path.c_str(), O_RDONLY | kFlags);
+  constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+  return CallSystem("open", ::open, path.c_str(), kFlags);
 }
 
 std::unique_ptr<FileDescriptor> OpenRegularFile(const std::string& path) {
@@ -46,13 +48,13 @@ std::unique_ptr<FileDescriptor> OpenRegularFile(const std::string& path) {
 }
 
 bool TryLock(const FileDescriptor& descriptor) {
-  if (::flock(descriptor.number(), LOCK_EX | LOCK_NB) == 0) return true;
+  if (CallSystem("flock", ::flock, descriptor.number(), LOCK_EX | LOCK_NB) == 0) return true;
   if (errno != EWOULDBLOCK && errno != EINTR) ThrowSystemFailure();
   return false;
 }
 
 void WaitForLock(const FileDescriptor& descriptor) {
-  while (::flock(descriptor.number(), LOCK_EX) != 0) {
+  while (CallSystem("flock", ::flock, descriptor.number(), LOCK_EX) != 0) {
     if (errno != EINTR) ThrowSystemFailure();
   }
 }
@@ -69,7 +71,11 @@ void WaitForLock(const FileDescriptor& descriptor, Clock::time_point end) {
 
 bool IsNamed(const FileDescriptor& descriptor, const std::string& path) {
   struct stat named {};
-  return ::stat(path.c_str(), &named) == 0 && IsSameFile(named, descriptor.Status());
+  if (CallSystem("stat", ::stat, path.c_str(), &named) == 0) {
+    return IsSameFile(named, descriptor.Status());
+  }
+  if (errno != ENOENT) ThrowSystemFailure();
+  return false;
 }
 
 std::unique_ptr<FileDescriptor> LockedFile(const std::string& path,
@@ -109,13 +115,16 @@ LockHandover::LockHandover(const struct stat& former, const FileDescriptor& repl
   const std::vector<FileLock*>& locks = Registry();
   const auto lock = std::find_if(locks.begin(), locks.end(), is_on_former);
   if (lock == locks.end()) return;
-  descriptor_ = std::make_unique<FileDescriptor>(::fcntl(replacement.number(), F_DUPFD_CLOEXEC, 0));
+  descriptor_ = std::make_unique<FileDescriptor>(
+      CallSystem("fcntl", ::fcntl, replacement.number(), F_DUPFD_CLOEXEC, 0));
   if (!TryLock(*descriptor_)) throw Failure("the new file is locked by others");
   lock_ = *lock;
 }
 
-void LockHandover::Complete() noexcept {
-  if (lock_) lock_->descriptor_.swap(descriptor_);
+bool LockHandover::Complete() noexcept {
+  if (!lock_) return false;
+  lock_->descriptor_.swap(descriptor_);
+  return true;
 }
 
 }  // namespace projectdb::files

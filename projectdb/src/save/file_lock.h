@@ -8,7 +8,7 @@
 
 #include <sys/stat.h>
 
-#include "save/file_descriptor.h"
+#include "base/file_descriptor.h"
 
 namespace projectdb::files {
 
@@ -44,7 +44,8 @@ class LockHandover {
   LockHandover& operator=(const LockHandover&) = delete;
 
   /// The replacement is in place.
-  void Complete() noexcept;
+  /// @return whether it has the lock now
+  bool Complete() noexcept;
 
  private:
   const std::lock_guard<std::mutex> guard_;

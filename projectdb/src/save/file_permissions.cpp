@@ -6,7 +6,7 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
-#include "save/system_calls.h"
+#include "base/system_calls.h"
 
 namespace projectdb::files {
 namespace {

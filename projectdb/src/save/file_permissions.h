@@ -4,7 +4,7 @@
 
 #include <sys/stat.h>
 
-#include "save/file_descriptor.h"
+#include "base/file_descriptor.h"
 
 namespace projectdb::files {
 

@@ -4,22 +4,48 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
+#include <memory>
+#include <string_view>
 #include <utility>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/file.h>
 #include <sys/random.h>
 #include <unistd.h>
 
-#include "save/system_calls.h"
+#include "base/system_calls.h"
 
 namespace projectdb::files {
 namespace {
 
+constexpr std::string_view kNamePrefix = ".kel_save_";
+constexpr std::size_t kNameSize = kNamePrefix.size() + 32;
+
 std::string UnforeseeableName() {
   std::array<std::uint64_t, 2> number{};
   RequireSuccess(CallSystem("getentropy", ::getentropy, number.data(), sizeof(number)));
-  return fmt::format(".kel_save_{:016x}{:016x}", number[0], number[1]);
+  return fmt::format("{}{:016x}{:016x}", kNamePrefix, number[0], number[1]);
+}
+
+bool IsTemporaryName(std::string_view name) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  return name.size() == kNameSize && name.substr(0, kNamePrefix.size()) == kNamePrefix &&
+         name.find_first_not_of(kDigits, kNamePrefix.size()) == std::string_view::npos;
+}
+
+struct CloseDirectory {
+  void operator()(DIR* stream) const { ::closedir(stream); }
+};
+
+bool IsAbandoned(const Directory& directory, const char* name) {
+  constexpr int kFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+  const int number = CallSystem("openat", ::openat, directory.descriptor(), name, kFlags);
+  if (number < 0) return false;
+  const FileDescriptor file(number);
+  return S_ISREG(file.Status().st_mode) &&
+         CallSystem("flock", ::flock, file.number(), LOCK_EX | LOCK_NB) == 0;
 }
 
 int FlushToDisk(int descriptor) {
@@ -41,23 +67,45 @@ void Directory::Flush() const {
   if (FlushToDisk(descriptor()) != 0 && errno != EINVAL) ThrowSystemFailure();
 }
 
-TemporaryFile::TemporaryFile(const Directory& directory, mode_t mode)
-    : directory_(directory),
-      name_(UnforeseeableName()),
-      descriptor_(CallSystem("openat", ::openat, directory.descriptor(), name_.c_str(),
-                             O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode)) {}
+TemporaryFile::TemporaryFile(const Directory& directory, mode_t mode) : directory_(directory) {
+  // Somebody who removes abandoned files may take it for one before it is locked.
+  do {
+    Create(mode);
+  } while (descriptor_->Status().st_nlink == 0);
+}
+
+void TemporaryFile::Create(mode_t mode) {
+  name_ = UnforeseeableName();
+  descriptor_.emplace(CallSystem("openat", ::openat, directory_.descriptor(), name_.c_str(),
+                                 O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode));
+  // A file system that has no locks keeps abandoned files.
+  while (CallSystem("flock", ::flock, descriptor_->number(), LOCK_EX) != 0 && errno == EINTR) {
+  }
+}
 
 TemporaryFile::~TemporaryFile() {
   if (!stays_) ::unlinkat(directory_.descriptor(), name_.c_str(), 0);
 }
 
-void TemporaryFile::Flush() const { RequireSuccess(FlushToDisk(descriptor_.number())); }
+void TemporaryFile::Flush() const { RequireSuccess(FlushToDisk(descriptor_->number())); }
 
 void TemporaryFile::RenameTo(const std::filesystem::path& name) {
   const int directory = directory_.descriptor();
   RequireSuccess(
       CallSystem("renameat", ::renameat, directory, name_.c_str(), directory, name.c_str()));
   stays_ = true;
+}
+
+void TemporaryFile::Unlock() const { ::flock(descriptor_->number(), LOCK_UN); }
+
+void RemoveAbandonedFiles(const Directory& directory) {
+  // The standard library's iterator ends the program if memory runs short.
+  const std::unique_ptr<DIR, CloseDirectory> stream(::opendir(directory.path().c_str()));
+  while (const dirent* entry = stream ? ::readdir(stream.get()) : nullptr) {
+    if (IsTemporaryName(entry->d_name) && IsAbandoned(directory, entry->d_name)) {
+      CallSystem("unlinkat", ::unlinkat, directory.descriptor(), &entry->d_name[0], 0);
+    }
+  }
 }
 
 }  // namespace projectdb::files

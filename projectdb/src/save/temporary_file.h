@@ -1,11 +1,12 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 
 #include <sys/types.h>
 
-#include "save/file_descriptor.h"
+#include "base/file_descriptor.h"
 
 namespace projectdb::files {
 
@@ -26,7 +27,8 @@ class Directory {
   FileDescriptor descriptor_;
 };
 
-/// A new file that removes itself, unless it is given another name.
+/// A new file that removes itself, unless it is given another name. It is locked for as long as
+/// it is temporary: one that nobody has locked was left behind by a process that was killed.
 class TemporaryFile {
  public:
   /// Creates an empty file under a name that cannot be foreseen and has no extension.
@@ -39,7 +41,7 @@ class TemporaryFile {
   TemporaryFile& operator=(const TemporaryFile&) = delete;
 
   std::string path() const { return directory_.path() / name_; }
-  const FileDescriptor& descriptor() const { return descriptor_; }
+  const FileDescriptor& descriptor() const { return *descriptor_; }
 
   /// Brings the file to the disk.
   /// @exception Failure if that fails
@@ -49,11 +51,19 @@ class TemporaryFile {
   /// @exception Failure if that fails
   void RenameTo(const std::filesystem::path& name);
 
+  /// Gives its lock back, which only a temporary file needs.
+  void Unlock() const;
+
  private:
+  void Create(mode_t mode);
+
   const Directory& directory_;
   std::string name_;
-  FileDescriptor descriptor_;
+  std::optional<FileDescriptor> descriptor_;
   bool stays_ = false;
 };
+
+/// Removes the temporary files that were left behind in a directory, as far as that is possible.
+void RemoveAbandonedFiles(const Directory& directory);
 
 }  // namespace projectdb::files

@@ -1,47 +1,19 @@
 #include "xml/input.h"
 
-#include <algorithm>
 #include <fstream>
-#include <memory>
 #include <system_error>
 #include <utility>
 
-#include <xercesc/util/BinFileInputStream.hpp>
 #include <xercesc/util/BinMemInputStream.hpp>
-#include <xercesc/util/PlatformUtils.hpp>
-#include <xercesc/util/XMLException.hpp>
 
+#include "base/failure.h"
+#include "base/input_file.h"
 #include "base/paths.h"
+#include "xml/file_stream.h"
 #include "xml/file_uri.h"
 #include "xml/text.h"
 
 namespace projectdb::xml {
-namespace {
-
-/// A file whose first block is read at once, as much as the parser asks for first: what the parser
-/// makes for a file that fails in that first read, such as a directory, it leaks.
-class StartedFile : public xercesc::BinFileInputStream {
- public:
-  explicit StartedFile(const std::string& path) : BinFileInputStream(path.c_str()) {
-    if (getIsOpen()) size_ = BinFileInputStream::readBytes(first_block_, sizeof(first_block_));
-  }
-
-  XMLSize_t readBytes(XMLByte* target, XMLSize_t most) override {
-    if (taken_ == size_) return BinFileInputStream::readBytes(target, most);
-    const XMLSize_t size = std::min(most, size_ - taken_);
-    std::copy_n(first_block_ + taken_, size, target);
-    taken_ += size;
-    return size;
-  }
-
- private:
-  XMLByte first_block_[48 * 1024UL];
-  XMLSize_t size_ = 0;
-  XMLSize_t taken_ = 0;
-};
-
-}  // namespace
-
 std::optional<std::string> ReadBytes(const std::filesystem::path& path, std::size_t most) {
   std::error_code error;
   if (!std::filesystem::is_regular_file(path, error)) return std::nullopt;
@@ -63,9 +35,8 @@ FileInput::FileInput(const std::string& path)
 
 xercesc::BinInputStream* FileInput::makeStream() const {
   try {
-    auto file = std::make_unique<StartedFile>(path_);
-    return file->getIsOpen() ? file.release() : nullptr;
-  } catch (const xercesc::XMLException&) {
+    return new FileStream<files::InputFile>(path_);
+  } catch (const Failure&) {
     return nullptr;
   }
 }

@@ -32,7 +32,8 @@ bool UseSchema(xercesc::DOMLSParser& parser, SchemaSource& schemas,
 }  // namespace
 
 Owned<xercesc::DOMDocument> ParseWith(xercesc::DOMLSParser& parser,
-                                      KelProjectDbErrorHandler& errors, const std::string& xml_path,
+                                      KelProjectDbErrorHandler& errors,
+                                      const xercesc::InputSource& input,
                                       const std::string& schema_location) {
   SchemaSource schemas(errors);
   parser.getDomConfig()->setParameter(XMLUni::fgXercesEntityResolver, &schemas);
@@ -43,7 +44,7 @@ Owned<xercesc::DOMDocument> ParseWith(xercesc::DOMLSParser& parser,
   } else if (!UseSchema(parser, schemas, schema_location)) {
     return nullptr;
   }
-  return Parse(parser, FileInput(xml_path));
+  return Parse(parser, input);
 }
 
 Owned<xercesc::DOMDocument> ParseProjectXMLFile(const std::string& xml_path,
@@ -55,7 +56,8 @@ Owned<xercesc::DOMDocument> ParseProjectXMLFile(const std::string& xml_path,
       KelProjectDbErrorHandler errors;
       DomParser parser;
       Configure(parser, errors);
-      Owned<xercesc::DOMDocument> document = ParseWith(parser, errors, xml_path, schema_location);
+      Owned<xercesc::DOMDocument> document =
+          ParseWith(parser, errors, FileInput(xml_path), schema_location);
       if (errors.failed) document.reset();
       return document;
     } catch (const xercesc::DOMException& exception) {

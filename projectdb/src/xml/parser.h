@@ -4,6 +4,7 @@
 
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMLSParser.hpp>
+#include <xercesc/sax/InputSource.hpp>
 
 #include "xml/error_handler.h"
 #include "xml/owned.h"
@@ -24,7 +25,8 @@ Owned<xercesc::DOMDocument> ParseProjectXMLFile(const std::string& xml_path,
 /// @param errors the parser's error handler
 /// @return the document as far as it goes; null if the given schema cannot be used
 Owned<xercesc::DOMDocument> ParseWith(xercesc::DOMLSParser& parser,
-                                      KelProjectDbErrorHandler& errors, const std::string& xml_path,
+                                      KelProjectDbErrorHandler& errors,
+                                      const xercesc::InputSource& input,
                                       const std::string& schema_location);
 
 }  // namespace projectdb::xml

@@ -5,6 +5,7 @@
 #include <xercesc/dom/DOMImplementationRegistry.hpp>
 #include <xercesc/dom/DOMLSOutput.hpp>
 #include <xercesc/dom/DOMLSSerializer.hpp>
+#include <xercesc/framework/MemBufFormatTarget.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
 #include "base/failure.h"
@@ -15,21 +16,37 @@
 namespace projectdb::xml {
 namespace {
 
-void Write(const std::string& path, const xercesc::DOMDocument* document) {
-  xercesc::DOMImplementation* implementation =
-      xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS");
-  const Owned<xercesc::DOMLSSerializer> serializer(implementation->createLSSerializer());
-  xercesc::DOMConfiguration& configuration = *serializer->getDomConfig();
-  if (configuration.canSetParameter(xercesc::XMLUni::fgDOMWRTFormatPrettyPrint, true)) {
-    configuration.setParameter(xercesc::XMLUni::fgDOMWRTFormatPrettyPrint, true);
+/// Made before anything is opened, as making it may fail.
+class Serializer {
+ public:
+  Serializer()
+      : implementation_(xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS")),
+        serializer_(implementation_->createLSSerializer()),
+        output_(implementation_->createLSOutput()) {
+    xercesc::DOMConfiguration& configuration = *serializer_->getDomConfig();
+    if (configuration.canSetParameter(xercesc::XMLUni::fgDOMWRTFormatPrettyPrint, true)) {
+      configuration.setParameter(xercesc::XMLUni::fgDOMWRTFormatPrettyPrint, true);
+    }
   }
-  FileTarget target(path);
-  const Owned<xercesc::DOMLSOutput> output(implementation->createLSOutput());
-  output->setByteStream(&target);
-  WithOnlyRuntimeErrors(WritingPrefix(path), [&] {
-    if (!serializer->write(document, output.get())) {
+
+  void Write(const xercesc::DOMDocument* document, xercesc::XMLFormatTarget& target) const {
+    output_->setByteStream(&target);
+    if (!serializer_->write(document, output_.get())) {
       throw Failure("the document cannot be written as XML");
     }
+  }
+
+ private:
+  xercesc::DOMImplementation* implementation_;
+  Owned<xercesc::DOMLSSerializer> serializer_;
+  Owned<xercesc::DOMLSOutput> output_;
+};
+
+void WriteToFile(const std::string& path, const xercesc::DOMDocument* document) {
+  const Serializer serializer;
+  FileTarget target(path);
+  WithOnlyRuntimeErrors(WritingPrefix(path), [&] {
+    serializer.Write(document, target);
     target.Close();
   });
 }
@@ -38,7 +55,15 @@ void Write(const std::string& path, const xercesc::DOMDocument* document) {
 
 void WriteDOMDocumentToFile(const std::string& path, const xercesc::DOMDocument* document) {
   if (path.empty() || !document) return;
-  WithBadAlloc([&] { Write(path, document); });
+  WithBadAlloc([&] { WriteToFile(path, document); });
+}
+
+std::string WriteDOMDocumentToBytes(const xercesc::DOMDocument& document) {
+  return WithBadAlloc([&] {
+    xercesc::MemBufFormatTarget target;
+    Serializer().Write(&document, target);
+    return std::string(reinterpret_cast<const char*>(target.getRawBuffer()), target.getLen());
+  });
 }
 
 }  // namespace projectdb::xml

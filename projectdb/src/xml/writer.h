@@ -13,4 +13,8 @@ namespace projectdb::xml {
 /// @exception std::runtime_error "Failed writing XML file …" if it was not written whole
 void WriteDOMDocumentToFile(const std::string& path, const xercesc::DOMDocument* document);
 
+/// The bytes that WriteDOMDocumentToFile would write.
+/// @exception Failure if the document cannot be written
+std::string WriteDOMDocumentToBytes(const xercesc::DOMDocument& document);
+
 }  // namespace projectdb::xml

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string>
+
+#include <sys/stat.h>
+
+#include "base/file_descriptor.h"
+
+namespace projectdb::files {
+
+/// A file that is opened by its native path and read from its beginning to its end.
+class InputFile {
+ public:
+  /// Opens the file and reads its first block: a file that cannot be read shows at once.
+  /// @exception Failure with the system's reason
+  explicit InputFile(const std::string& path);
+
+  /// Reads the next bytes, fewer than are asked for only at the end.
+  /// @return their number
+  /// @exception Failure with the system's reason
+  std::size_t Read(unsigned char* target, std::size_t most);
+
+  /// As it was before the first read.
+  const struct stat& status() const { return status_; }
+
+ private:
+  /// As much as the XML parser asks for first.
+  static constexpr std::size_t kBlockSize = 48 * 1024UL;
+
+  std::size_t ReadFromSystem(unsigned char* target, std::size_t most) const;
+
+  FileDescriptor descriptor_;
+  struct stat status_;
+  std::array<unsigned char, kBlockSize> first_block_;
+  std::size_t first_block_size_;
+  std::size_t taken_ = 0;  // Of the first block.
+};
+
+}  // namespace projectdb::files

@@ -1,0 +1,149 @@
+#include <projectdb/project_file.h>
+
+#include <filesystem>
+#include <utility>
+
+#include <fmt/format.h>
+#include <projectdb/project_db.h>
+#include <projectdb/vocabulary.h>
+#include <xercesc/sax/InputSource.hpp>
+
+#include "base/paths.h"
+#include "check/collecting_observer.h"
+#include "check/located_parse.h"
+#include "check/problem_list.h"
+#include "check/versioned_file.h"
+#include "project_db/format.h"
+#include "project_db/input_files.h"
+#include "xml/dom.h"
+#include "xml/errors.h"
+#include "xml/file_stream.h"
+#include "xml/file_uri.h"
+#include "xml/input.h"
+#include "xml/platform.h"
+
+namespace projectdb {
+namespace {
+
+using xercesc::DOMElement;
+
+/// Gives the parser a file whose version is wanted too.
+class VersionedInput : public xercesc::InputSource {
+ public:
+  VersionedInput(files::VersionedFile& file, const std::string& uri)
+      : InputSource(xml::Transcoder().ToXml(uri).c_str()), file_(file) {}
+
+  xercesc::BinInputStream* makeStream() const override {
+    return new xml::FileStream<files::VersionedFile&>(file_);
+  }
+
+ private:
+  files::VersionedFile& file_;
+};
+
+}  // namespace
+
+/// Goes the way of a load, with a project of its own.
+class ProjectFileReader {
+ public:
+  /// @param path of a file that exists
+  void ReadFile(const std::string& path, const std::string& schema_file) {
+    if (!HasProjectFileExtension(path)) {
+      problems_.AddError(
+          fmt::format("the name of a project file must end in \"{}\"", kProjectFileEnding));
+    }
+    const std::filesystem::path file_path = paths::FromBytes(path);
+    files::VersionedFile file(path);
+    const xml::Platform platform;
+    const std::string uri = xml::FileUri(file_path);
+    Read({VersionedInput(file, uri), uri, std::nullopt}, schema_file);
+    result_.version = file.Version();
+    if (!result_.contents) return;
+    result_.contents->current_path =
+        paths::ToBytes(std::filesystem::absolute(file_path).parent_path());
+  }
+
+  void ReadBytes(const std::string& bytes, const std::string& schema_file) {
+    const xml::Platform platform;
+    const std::string uri = xml::FileUri("bytes");
+    Read({xml::BytesInput(bytes, uri), uri, bytes}, schema_file);
+  }
+
+  void AddError(std::string message) { problems_.AddError(std::move(message)); }
+
+  ProjectFile TakeResult() {
+    result_.problems = problems_.Take();
+    return std::move(result_);
+  }
+
+ private:
+  void Read(const check::Source& source, const std::string& schema_file) {
+    check::LocatedParse parse = check::ParseLocated(source, SchemaLocation(schema_file));
+    bool has_error = false;
+    for (const auto& [is_error, position, message] : parse.problems) {
+      problems_.Add(is_error ? ProblemSeverity::kError : ProblemSeverity::kWarning, position,
+                    message);
+      has_error = has_error || is_error;
+    }
+    const DOMElement* root = parse.document ? parse.document->getDocumentElement() : nullptr;
+    if (!root) return;
+    ReadDocument(*root, parse.positions);
+    if (!has_error) result_.contents = GetProjectContents(project_);
+  }
+
+  std::string SchemaLocation(const std::string& schema_file) {
+    if (schema_file.empty() || FileExists(schema_file)) return schema_file;
+    problems_.Add(ProblemSeverity::kWarning, {},
+                  fmt::format("the XML schema {:?} does not exist; the file is read without it",
+                              schema_file));
+    return {};
+  }
+
+  void ReadDocument(const DOMElement& root, check::ElementPositions& positions) {
+    if (!xml::HasLocalName(&root, format::kProject)) {
+      problems_.Add(
+          ProblemSeverity::kWarning, positions.Of(root),
+          fmt::format("the root is {}; expected <{}>", check::Tag(root), format::kProject.narrow));
+    }
+    check::CollectingObserver observer(positions, problems_);
+    xml::WithPrefixedErrors("", [&] { return project_.LoadProjectDocument(&root, observer); });
+  }
+
+  KelProjectDatabase project_;
+  check::ProblemList problems_;
+  ProjectFile result_;
+};
+
+namespace {
+
+/// Lets a reader read; what keeps it from that is a problem too.
+template <typename Reading>
+ProjectFile Result(Reading reading) {
+  ProjectFileReader reader;
+  try {
+    xml::WithBadAlloc([&] { reading(reader); });
+  } catch (const Failure& failure) {
+    reader.AddError(std::string("the file cannot be read: ") + failure.what());
+  } catch (const std::runtime_error& error) {
+    reader.AddError(error.what());
+  }
+  return reader.TakeResult();
+}
+
+}  // namespace
+
+ProjectFile ReadProjectFile(const std::string& path, const std::string& schema_file) {
+  return Result([&](ProjectFileReader& reader) {
+    if (FileExists(path)) {
+      reader.ReadFile(path, schema_file);
+    } else {
+      reader.AddError("the project file does not exist");
+    }
+  });
+}
+
+ProjectFile ParseProjectFile(const std::string& bytes, const std::string& schema_file) {
+  return Result([&](ProjectFileReader& reader) { reader.ReadBytes(bytes, schema_file); });
+}
+
+}  // namespace projectdb

@@ -1,0 +1,24 @@
+#include "project_db/project_document.h"
+
+#include <kel/version.h>
+#include <xercesc/validators/schema/SchemaSymbols.hpp>
+
+#include "base/local_time.h"
+
+namespace projectdb {
+
+Stamps NewStamps() { return {KEL_VERSION_NO, GetLocalTimeString()}; }
+
+xml::Owned<xercesc::DOMDocument> CreateProjectDocument(xercesc::DOMImplementation& core) {
+  xml::Owned<xercesc::DOMDocument> document(
+      core.createDocument(format::kNamespace.wide, format::kProject.wide, nullptr));
+  xercesc::DOMElement* root = document->getDocumentElement();
+  root->setPrefix(format::kPrefix.wide);
+  const std::u16string location =
+      std::u16string(format::kNamespace.wide) + u" " + format::kSchemaFile.wide;
+  root->setAttributeNS(xercesc::SchemaSymbols::fgURI_XSI, format::kSchemaLocation.wide,
+                       location.c_str());
+  return document;
+}
+
+}  // namespace projectdb

@@ -1,0 +1,89 @@
+#include "save/write_project_file.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <system_error>
+
+#include "base/failure.h"
+#include "base/paths.h"
+#include "check/versioned_file.h"
+#include "contents/same_project.h"
+#include "save/canonical_document.h"
+#include "save/replace_file.h"
+#include "xml/errors.h"
+#include "xml/platform.h"
+#include "xml/writer.h"
+
+namespace projectdb {
+namespace {
+
+std::string BytesOf(const ProjectContents& contents, const FormatOptions& options) {
+  const xml::Platform platform;
+  return xml::WriteDOMDocumentToBytes(*CanonicalDocument(contents, options));
+}
+
+void WriteTo(const std::string& path, const ProjectContents& contents,
+             const FormatOptions& options) {
+  const xml::Platform platform;
+  xml::WriteDOMDocumentToFile(path, CanonicalDocument(contents, options).get());
+}
+
+// Whether the file has the very bytes that it would be given. New stamps are no reason to write.
+bool IsCanonical(const ProjectFile& former, const ProjectContents& contents,
+                 const WriteOptions& options) {
+  const std::string bytes = BytesOf(options.keep_stamps ? contents : *former.contents, {true});
+  return files::HasBytes(former.version, bytes);
+}
+
+bool SaysTheSame(const ProjectFile& former, const ProjectContents& contents,
+                 const WriteOptions& options) {
+  return former.contents && HaveSameProject(*former.contents, contents) &&
+         (!options.canonical || IsCanonical(former, contents, options));
+}
+
+[[noreturn]] void ThrowChanged(const std::string& path) {
+  throw ProjectFileChanged(WritingPrefix(path) + "it is not the file that was expected\n");
+}
+
+// What no save replaces is not read either: a pipe might keep the reader waiting.
+ProjectFile FormerFile(const std::string& path) {
+  std::error_code error;
+  const bool is_file = std::filesystem::is_regular_file(paths::FromBytes(path), error);
+  return is_file ? ReadProjectFile(path, "") : ProjectFile();
+}
+
+bool Write(const std::string& path, const ProjectFile& former, const ProjectContents& contents,
+           const WriteOptions& options) {
+  RequireWritable(contents);
+  if (options.expected && former.version != *options.expected) ThrowChanged(path);
+  if (SaysTheSame(former, contents, options)) return false;
+  const auto write = [&](const std::string& file) {
+    WriteTo(file, contents, {options.keep_stamps});
+  };
+  const auto confirm = [&] {
+    if (options.expected && files::VersionOf(path) != *options.expected) ThrowChanged(path);
+  };
+  files::ReplaceFile(path, {write, confirm});
+  return true;
+}
+
+}  // namespace
+
+bool WriteOver(const std::string& path, const ProjectFile& former, const ProjectContents& contents,
+               const WriteOptions& options) {
+  return xml::WithPrefixedErrors(WritingPrefix(path),
+                                 [&] { return Write(path, former, contents, options); });
+}
+
+bool WriteProjectFile(const std::string& path, const ProjectContents& contents,
+                      const WriteOptions& options) {
+  return WriteOver(path, FormerFile(path), contents, options);
+}
+
+std::string FormatProjectFile(const ProjectContents& contents, const FormatOptions& options) {
+  return xml::WithPrefixedErrors("Failed writing XML file: ",
+                                 [&] { return BytesOf(contents, options); });
+}
+
+}  // namespace projectdb

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+#include <projectdb/project_file.h>
+
+namespace projectdb {
+
+/// WriteProjectFile for a file that was read.
+bool WriteOver(const std::string& path, const ProjectFile& former, const ProjectContents& contents,
+               const WriteOptions& options);
+
+}  // namespace projectdb

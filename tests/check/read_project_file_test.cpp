@@ -1,0 +1,223 @@
+#include <projectdb/project_file.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "testing/denied.h"
+#include "testing/filtered_calls.h"
+#include "testing/named_pipe.h"
+#include "testing/project_loading.h"
+#include "testing/saving.h"
+
+namespace {
+
+using namespace projectdb;
+using namespace test_support;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+Lines ErrorsOf(const ProjectFile& file) {
+  Lines errors;
+  for (const FileProblem& problem : file.problems) {
+    if (IsError(problem)) errors.push_back(problem.message);
+  }
+  return errors;
+}
+
+class ReadingFile : public testing::Test, public Loading {
+ protected:
+  ProjectFile Read(const std::string& schema = "") const { return ReadProjectFile(path(), schema); }
+
+  ProjectFile ReadBytes(const std::string& bytes) const {
+    Write("p.xml", bytes);
+    return Read();
+  }
+
+  ProjectContents CompleteContents() const { return CompleteProject(directory.path().string()); }
+};
+
+TEST_F(ReadingFile, GoodFile_GivesTheContentsOfALoad) {
+  const ProjectFile file = ReadBytes(CompleteProjectXml());
+  EXPECT_THAT(file.problems, IsEmpty());
+  ASSERT_TRUE(file.contents);
+  EXPECT_THAT(AllDifferences(CompleteContents(), *file.contents), IsEmpty());
+}
+
+TEST_F(ReadingFile, ReadFile_PostsNoMessages) {
+  Write("p.xml", ProjectXml("<unknown/>"));
+  const MessageRecorder recorder;
+  Read();
+  EXPECT_THAT(recorder.messages(), IsEmpty());
+}
+
+TEST_F(ReadingFile, FileThatLoadsWithFalse_GivesItsContentsAndTheError) {
+  const ProjectFile file = ReadBytes(ProjectXml("<unknown/>", "name=\"kiln\""));
+  EXPECT_THAT(ErrorsOf(file), ElementsAre(HasSubstr("<unknown> is not a section")));
+  ASSERT_TRUE(file.contents);
+  EXPECT_EQ(file.contents->project_name, "kiln");
+}
+
+TEST_F(ReadingFile, FileThatDoesNotLoad_GivesNoContentsAndTheErrors) {
+  const ProjectFile file = ReadBytes("<project><device_info>");
+  EXPECT_FALSE(file.contents);
+  EXPECT_EQ(ErrorsOf(file).size(), 1U);
+}
+
+TEST_F(ReadingFile, FileThatBreaksTheSchema_GivesNoContents) {
+  Write("p.xml", CompleteProjectXml());
+  const ProjectFile file = Read(Write("device.xsd", DeviceOnlySchema()));
+  EXPECT_FALSE(file.contents);
+  EXPECT_FALSE(ErrorsOf(file).empty());
+}
+
+TEST_F(ReadingFile, NameThatIsNoProjectFiles_IsAnErrorButNoObstacle) {
+  const ProjectFile file = ReadProjectFile(Write("p.txt", CompleteProjectXml()), "");
+  EXPECT_THAT(ErrorsOf(file), ElementsAre("the name of a project file must end in \".xml\""));
+  ASSERT_TRUE(file.contents);
+  EXPECT_THAT(AllDifferences(CompleteContents(), *file.contents), IsEmpty());
+}
+
+TEST_F(ReadingFile, Pipe_IsReadToItsEndAndHasNoVersion) {
+  const NamedPipe pipe(directory / "pipe");
+  ProjectFile file;
+  EXPECT_TRUE(
+      pipe.RunWith(CompleteProjectXml(), [&] { file = ReadProjectFile(directory / "pipe", ""); }));
+  ASSERT_TRUE(file.contents);
+  EXPECT_THAT(AllDifferences(CompleteContents(), *file.contents), IsEmpty());
+  EXPECT_EQ(file.version, ProjectFileVersion());
+}
+
+TEST_F(ReadingFile, MissingFile_HasNoContentsAndNoVersion) {
+  const ProjectFile file = Read();
+  EXPECT_THAT(ErrorsOf(file), ElementsAre("the project file does not exist"));
+  EXPECT_FALSE(file.contents);
+  EXPECT_EQ(file.version, ProjectFileVersion());
+}
+
+TEST_F(ReadingFile, Directory_CannotBeRead) {
+  std::filesystem::create_directory(path());
+  const ProjectFile file = Read();
+  EXPECT_THAT(ErrorsOf(file), ElementsAre("the file cannot be read: Is a directory"));
+  EXPECT_FALSE(file.contents);
+}
+
+TEST_F(ReadingFile, SystemThatOpensNoMoreFiles_IsAnErrorWithItsReason) {
+  Write("p.xml", CompleteProjectXml());
+  const FilteredCalls calls(FailCall("open", 1, EMFILE));
+  EXPECT_THAT(ErrorsOf(Read()), ElementsAre("the file cannot be read: Too many open files"));
+}
+
+TEST_F(ReadingFile, FirstReadThatFails_IsAnErrorWithItsReason) {
+  Write("p.xml", CompleteProjectXml());
+  const FilteredCalls calls(FailCall("read", 1, EIO));
+  const ProjectFile file = Read();
+  EXPECT_THAT(ErrorsOf(file), ElementsAre("the file cannot be read: Input/output error"));
+  EXPECT_FALSE(file.contents);
+}
+
+TEST_F(ReadingFile, LaterReadThatFails_IsAnErrorAndGivesNoContents) {
+  Write("p.xml", ProjectXml("<!--" + std::string(200'000, '.') + "-->"));
+  const FilteredCalls calls(FailCall("read", 3, EIO));
+  const ProjectFile file = Read();
+  EXPECT_EQ(ErrorsOf(file).size(), 1U);
+  EXPECT_FALSE(file.contents);
+}
+
+TEST_F(ReadingFile, InterruptedRead_IsTriedAgain) {
+  Write("p.xml", CompleteProjectXml());
+  const FilteredCalls calls(FailCall("read", 1, EINTR));
+  EXPECT_THAT(Read().problems, IsEmpty());
+}
+
+// --- Versions ---
+
+TEST_F(ReadingFile, UnchangedFile_HasItsVersionAgain) {
+  Write("p.xml", CompleteProjectXml());
+  const ProjectFileVersion version = Read().version;
+  EXPECT_NE(version, ProjectFileVersion());
+  EXPECT_EQ(Read().version, version);
+}
+
+TEST_F(ReadingFile, VersionOfAFileThatDoesNotLoad_CoversAllItsBytes) {
+  const ProjectFileVersion version = ReadBytes("<a><b></a>" + std::string(200'000, 'x')).version;
+  const FileTimes times(path());
+  WriteFile(path(), "<a><b></a>" + std::string(199'999, 'x') + "y");
+  times.Restore();
+  EXPECT_NE(Read().version, version);
+}
+
+TEST_F(ReadingFile, BytesChangedWithinOneClockTick_AreAnotherVersion) {
+  const ProjectFileVersion version = ReadBytes(ProjectXml("", "name=\"one\"")).version;
+  const FileTimes times(path());
+  WriteFile(path(), ProjectXml("", "name=\"two\""));
+  times.Restore();
+  const ProjectFileVersion other = Read().version;
+  EXPECT_EQ(other.changed_at, version.changed_at);
+  EXPECT_EQ(other.size, version.size);
+  EXPECT_NE(other, version);
+}
+
+TEST_F(ReadingFile, OtherFileOfTheSameBytesAndTime_IsAnotherVersion) {
+  const ProjectFileVersion version = ReadBytes(CompleteProjectXml()).version;
+  const FileTimes times(path());
+  std::filesystem::copy_file(path(), directory / "copy.xml");
+  std::filesystem::rename(directory / "copy.xml", path());
+  times.Restore();
+  EXPECT_NE(Read().version, version);
+}
+
+TEST_F(ReadingFile, FileThatWasTouched_IsAnotherVersion) {
+  const ProjectFileVersion version = ReadBytes(CompleteProjectXml()).version;
+  std::filesystem::last_write_time(path(), std::filesystem::file_time_type::min());
+  EXPECT_NE(Read().version, version);
+}
+
+// --- Bytes ---
+
+TEST(ParsingBytes, GoodBytes_GiveTheContentsWithoutDirectoryAndVersion) {
+  const ProjectFile file = ParseProjectFile(CompleteProjectXml(), "");
+  EXPECT_THAT(file.problems, IsEmpty());
+  ASSERT_TRUE(file.contents);
+  EXPECT_THAT(AllDifferences(CompleteProject(""), *file.contents), IsEmpty());
+  EXPECT_EQ(file.version, ProjectFileVersion());
+}
+
+TEST(ParsingBytes, OtherEncoding_IsTheOneOfTheDeclaration) {
+  const std::string declaration = "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>";
+  const ProjectFile file = ParseProjectFile(declaration + ProjectXml("", "name=\"\xFC\""), "");
+  ASSERT_TRUE(file.contents);
+  EXPECT_EQ(file.contents->project_name, "\xC3\xBC");
+}
+
+TEST(ParsingBytes, Problems_HaveTheirPlaces) {
+  const ProjectFile file = ParseProjectFile("<project>\n <unknown/></project>", "");
+  ASSERT_EQ(file.problems.size(), 1U);
+  EXPECT_EQ(file.problems[0].line, 2U);
+  EXPECT_EQ(file.problems[0].column, 2U);
+}
+
+TEST(ParsingBytes, TextThatIsNotUtf8_IsAnErrorWithItsPlace) {
+  const ProjectFile file = ParseProjectFile("<project>\n<x y=\"\xFF\"/></project>", "");
+  EXPECT_FALSE(file.contents);
+  ASSERT_EQ(file.problems.size(), 1U);
+  EXPECT_THAT(file.problems[0].message, HasSubstr("the text is not UTF-8"));
+  EXPECT_EQ(file.problems[0].line, 2U);
+  EXPECT_EQ(file.problems[0].column, 7U);
+}
+
+TEST(ParsingBytes, NoBytes_AreNoProject) {
+  const ProjectFile file = ParseProjectFile("", "");
+  EXPECT_FALSE(file.contents);
+  EXPECT_EQ(ErrorsOf(file).size(), 1U);
+}
+
+}  // namespace

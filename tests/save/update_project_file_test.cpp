@@ -1,0 +1,168 @@
+#include <projectdb/project_file.h>
+
+#include <atomic>
+#include <chrono>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <projectdb/durable_export.h>
+#include <projectdb/project_db.h>
+
+#include "testing/project_loading.h"
+#include "testing/saving.h"
+#include "testing/threads.h"
+#include "testing/xml_platform.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using namespace projectdb;
+using test_support::CompleteProjectXml;
+using test_support::FileState;
+using test_support::Loading;
+using test_support::NamesIn;
+using test_support::ProjectXml;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::UnorderedElementsAreArray;
+
+class Update : public testing::Test, public Loading {
+ protected:
+  void SetUp() override { Write("p.xml", CompleteProjectXml()); }
+
+  ProjectContents Contents() const { return ReadProjectFile(path(), "").contents.value(); }
+
+  /// The text of the error that an update ends in; "" if it ends well.
+  std::string UpdateError(const std::function<void(ProjectContents&)>& change,
+                          const UpdateOptions& options = {}) const {
+    try {
+      UpdateProjectFile(path(), change, options);
+    } catch (const std::runtime_error& error) {
+      return error.what();
+    }
+    return {};
+  }
+};
+
+TEST_F(Update, ChangedContents_AreInTheFile) {
+  EXPECT_TRUE(UpdateProjectFile(path(), [](ProjectContents& project) {
+    project.device_info.family = "Varel";
+    project.misc_files.erase(project.misc_files.begin());
+  }));
+  EXPECT_EQ(Contents().device_info.family, "Varel");
+  EXPECT_TRUE(Contents().misc_files.empty());
+}
+
+TEST_F(Update, UnchangedContents_LeaveTheFileAlone) {
+  const FileState before(path());
+  EXPECT_FALSE(UpdateProjectFile(path(), [](ProjectContents&) {}));
+  EXPECT_EQ(FileState(path()), before);
+}
+
+TEST_F(Update, Change_IsGivenWhatTheFileHolds) {
+  std::string name;
+  UpdateProjectFile(path(), [&](ProjectContents& project) { name = project.project_name; });
+  EXPECT_EQ(name, "demo");
+}
+
+TEST_F(Update, ChangeThatThrows_LeavesTheFileAloneAndUnlocked) {
+  const FileState before(path());
+  EXPECT_THROW(UpdateProjectFile(path(), [](ProjectContents&) { throw std::logic_error("no"); }),
+               std::logic_error);
+  EXPECT_EQ(FileState(path()), before);
+  EXPECT_NO_THROW(ProjectFileLock(path(), 0ms));
+}
+
+TEST_F(Update, ContentsThatNoFileCanHold_LeaveTheFileAlone) {
+  const FileState before(path());
+  EXPECT_THAT(UpdateError([](ProjectContents& project) { project.project_name = "\x01"; }),
+              HasSubstr("Failed writing XML file " + path()));
+  EXPECT_EQ(FileState(path()), before);
+  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
+}
+
+TEST_F(Update, FileWithAnError_IsRefusedWithItsText) {
+  Write("p.xml", ProjectXml("<unknown/>"));
+  const FileState before(path());
+  EXPECT_THAT(UpdateError([](ProjectContents& project) { project.project_name = "x"; }),
+              HasSubstr("<unknown> is not a section"));
+  EXPECT_EQ(FileState(path()), before);
+}
+
+TEST_F(Update, FileWithAnErrorDespiteErrors_IsChanged) {
+  Write("p.xml", ProjectXml("<unknown/>"));
+  UpdateOptions options;
+  options.despite_errors = true;
+  EXPECT_EQ(UpdateError([](ProjectContents& project) { project.project_name = "x"; }, options), "");
+  EXPECT_EQ(Contents().project_name, "x");
+}
+
+TEST_F(Update, FileThatDoesNotLoad_IsRefusedDespiteErrors) {
+  Write("p.xml", "<project");
+  UpdateOptions options;
+  options.despite_errors = true;
+  EXPECT_THAT(UpdateError([](ProjectContents&) {}, options), HasSubstr(path()));
+}
+
+TEST_F(Update, FileThatBreaksTheGivenSchema_IsRefused) {
+  UpdateOptions options;
+  options.schema_file = Write("device.xsd", test_support::DeviceOnlySchema());
+  EXPECT_NE(UpdateError([](ProjectContents& project) { project.project_name = "x"; }, options), "");
+  EXPECT_EQ(Contents().project_name, "demo");
+}
+
+TEST_F(Update, MissingFile_IsAnErrorThatNamesIt) {
+  std::filesystem::remove(path());
+  EXPECT_THAT(UpdateError([](ProjectContents&) {}), HasSubstr(path()));
+  EXPECT_FALSE(std::filesystem::exists(path()));
+}
+
+TEST_F(Update, FileThatOthersLock_IsWaitedForUpToTheGivenTime) {
+  const ProjectFileLock lock(path());
+  UpdateOptions options;
+  options.longest_wait = 0ms;
+  EXPECT_THAT(UpdateError([](ProjectContents&) {}, options), HasSubstr("it is locked by others"));
+}
+
+TEST_F(Update, FileThatIsReplacedMeanwhileWithoutTheLock_IsReadAgainAndKeepsThatChangeToo) {
+  KelProjectDatabase other;
+  other.CreateNewProjectDatabase("other");
+  int calls = 0;
+  UpdateProjectFile(path(), [&](ProjectContents& project) {
+    if (++calls == 1)
+      test_support::WriteFile(path() + ".new", FormatProjectFile(GetProjectContents(other)));
+    if (calls == 1) std::filesystem::rename(path() + ".new", path());
+    project.device_info.family = "Tessel";
+  });
+  EXPECT_EQ(calls, 2);
+  EXPECT_EQ(Contents().project_name, "other");
+  EXPECT_EQ(Contents().device_info.family, "Tessel");
+}
+
+TEST_F(Update, EightThreads_LoseNoUpdate) {
+  const test_support::XmlPlatform platform;  // Starting it takes longer than an update.
+  constexpr int kUpdatingThreads = 8;
+  constexpr int kUpdates = 100;
+  std::vector<std::string> added;
+  for (int i = 0; i < kUpdatingThreads * kUpdates; ++i)
+    added.push_back("f" + std::to_string(i) + ".txt");
+  UpdateProjectFile(path(), [](ProjectContents& project) { project.misc_files.clear(); });
+  test_support::InThreads(kUpdatingThreads, [&](int thread) {
+    for (int i = thread * kUpdates; i < (thread + 1) * kUpdates; ++i) {
+      UpdateProjectFile(path(), [&](ProjectContents& project) {
+        project.misc_files.emplace_back(added.at(static_cast<std::size_t>(i)), "", "default");
+      });
+    }
+  });
+  std::vector<std::string> names;
+  for (const DesignFile& file : Contents().misc_files) names.push_back(file.name);
+  EXPECT_THAT(names, UnorderedElementsAreArray(added));
+  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
+}
+
+}  // namespace

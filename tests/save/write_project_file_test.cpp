@@ -1,0 +1,397 @@
+#include <projectdb/project_file.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <projectdb/vocabulary.h>
+
+#include "testing/denied.h"
+#include "testing/filtered_calls.h"
+#include "testing/project_loading.h"
+#include "testing/saving.h"
+#include "testing/shipped_files.h"
+
+namespace {
+
+using namespace projectdb;
+using namespace test_support;
+using projectdb::files::SystemCall;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+constexpr FormatOptions kKeepStamps{true};
+
+/// The texts of some attribute, in the order of the bytes.
+Lines TextsOf(const std::string& bytes, const std::string& attribute) {
+  Lines texts;
+  const std::string before = " " + attribute + "=\"";
+  for (std::size_t at = 0; (at = bytes.find(before, at)) != std::string::npos;) {
+    at += before.size();
+    texts.push_back(bytes.substr(at, bytes.find('"', at) - at));
+  }
+  return texts;
+}
+
+std::string FormatError(const ProjectContents& contents) {
+  try {
+    FormatProjectFile(contents);
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return {};
+}
+
+void Put(FlowProcessContents& process, const std::string& map, const std::string& key,
+         const Parameter& parameter) {
+  process.parameter_maps[map].insert_or_assign(key, parameter);
+}
+
+// --- Canonical form ---
+
+TEST(FormattingFile, SameContents_AreTheSameBytesWhateverTheOrderInWhichTheyWereMade) {
+  KelProjectDatabase there;
+  KelProjectDatabase back;
+  const std::vector<std::string> names = {"effort", "seed", "freq", "retime", "margin", "corner"};
+  there.CreateNewProjectDatabase("kiln");
+  back.CreateNewProjectDatabase("kiln");
+  for (const std::string& name : names) {
+    there.AddProjectInfoAttribute(name, "1");
+    there.AddFlowProcessParameter(e_synthesis, "param", {name, "1", e_string});
+  }
+  for (auto name = names.rbegin(); name != names.rend(); ++name) {
+    back.AddProjectInfoAttribute(*name, "1");
+    back.AddFlowProcessParameter(e_synthesis, "param", {*name, "1", e_string});
+  }
+  EXPECT_EQ(FormatProjectFile(GetProjectContents(there), {true}),
+            FormatProjectFile(GetProjectContents(back), {true}));
+}
+
+TEST(FormattingFile, ParametersAndInfoAttributes_StandByMapAndName) {
+  ProjectContents contents = CompleteProject();
+  contents.info_attributes = {{"zone", "1"}, {"area", "2"}};
+  auto& maps = contents.flow_processes[e_synthesis].parameter_maps;
+  maps.clear();
+  for (const char* map : {kMacroMap, kDefineMap, kParameterMap}) {
+    for (const std::string name : {"q", "b"}) {
+      const std::string key = std::string(map) + "_" + name;
+      maps[map].emplace(key, Parameter(key, "1", e_string));
+    }
+  }
+  const std::string bytes = FormatProjectFile(contents);
+  EXPECT_LT(bytes.find(" area="), bytes.find(" zone="));
+  const std::string synthesis = bytes.substr(bytes.find(":synthesis"));
+  EXPECT_THAT(
+      TextsOf(synthesis.substr(0, synthesis.find("/kel:synthesis")), "name"),
+      ElementsAre("param_b", "param_q", "dynparam_b", "dynparam_q", "defmacro_b", "defmacro_q"));
+}
+
+TEST(FormattingFile, CanonicalForm_IsReadAsTheSameContentsWithoutAProblemOfTheSchema) {
+  const ProjectContents contents = CompleteProject("");
+  const ProjectFile file =
+      ParseProjectFile(FormatProjectFile(contents, kKeepStamps), ShippedSchema());
+  EXPECT_THAT(file.problems, IsEmpty());
+  ASSERT_TRUE(file.contents);
+  EXPECT_THAT(AllDifferences(contents, *file.contents), IsEmpty());
+}
+
+TEST(FormattingFile, SampleProject_HasTheBytesThatAreKeptBesideThisTest) {
+  const ProjectFile file = ReadProjectFile(SampleProject(), "");
+  EXPECT_EQ(FormatProjectFile(file.contents.value(), kKeepStamps),
+            ReadFile(SourcePath("tests/save/canonical_soc_demo.xml")));
+}
+
+TEST(FormattingFile, KeptStamps_AreThoseOfTheContents) {
+  ProjectContents contents = CompleteProject();
+  contents.software_version = "0.9";
+  contents.last_modify_time = "yesterday";
+  const std::string bytes = FormatProjectFile(contents, kKeepStamps);
+  EXPECT_THAT(TextsOf(bytes, kSoftwareVersionKey), ElementsAre("0.9"));
+  EXPECT_THAT(TextsOf(bytes, kLastModifyTimeKey), ElementsAre("yesterday"));
+}
+
+TEST(FormattingFile, KeptStampsWithoutText_AreLeftOut) {
+  ProjectContents contents = CompleteProject();
+  contents.software_version.clear();
+  contents.last_modify_time.clear();
+  const std::string bytes = FormatProjectFile(contents, kKeepStamps);
+  EXPECT_THAT(TextsOf(bytes, kSoftwareVersionKey), IsEmpty());
+  EXPECT_THAT(TextsOf(bytes, kLastModifyTimeKey), IsEmpty());
+}
+
+TEST(FormattingFile, NewStamps_AreThoseOfThisLibrary) {
+  ProjectContents contents = CompleteProject();
+  contents.software_version = "0.9";
+  EXPECT_THAT(TextsOf(FormatProjectFile(contents), kSoftwareVersionKey),
+              ElementsAre(PROJECTDB_VERSION));
+}
+
+/// Contents that no file can hold, and what the error says of them.
+struct Unwritable {
+  const char* reason;
+  std::function<void(ProjectContents&)> spoil;
+};
+
+TEST(FormattingFile, ContentsThatNoLoadGivesBack_AreRefusedWithTheirKey) {
+  const std::vector<Unwritable> all = {
+      {"flow_processes: a project has 4, not 0", [](auto& p) { p.flow_processes.clear(); }},
+      {"info.name: ", [](auto& p) { p.info_attributes["name"] = "x"; }},
+      {"debugger.name: ", [](auto& p) { p.flow_processes[e_debugger].name = "synthesis"; }},
+      {"debugger.dynparam: ",
+       [](auto& p) {
+         Put(p.flow_processes[e_debugger], "dynparam", "a", {"a", "1", e_string});
+       }},
+      {"debugger.param.a: ",
+       [](auto& p) {
+         Put(p.flow_processes[e_debugger], "param", "a", {"b", "1", e_string});
+       }},
+      {"debugger.param.a: ",
+       [](auto& p) {
+         Put(p.flow_processes[e_debugger], "param", "a", {"a", "", e_string});
+       }},
+      {"constraint.sdc[1]: ", [](auto& p) { p.design_constraint.sdc_files.emplace_back(); }},
+      {"isf.files[0]: ", [](auto& p) { p.design_isf.isf_files = {""}; }},
+      {"", [](auto& p) { p.project_name = "\x01"; }},
+      {"", [](auto& p) { p.project_name = "\xFF"; }},
+      {"", [](auto& p) { p.info_attributes["no name"] = "1"; }},
+  };
+  for (const Unwritable& unwritable : all) {
+    SCOPED_TRACE(unwritable.reason);
+    ProjectContents contents = CompleteProject();
+    unwritable.spoil(contents);
+    EXPECT_THAT(FormatError(contents),
+                testing::StartsWith(std::string("Failed writing XML file: ") + unwritable.reason));
+  }
+}
+
+TEST(FormattingFile, EmptyMapOfAnotherNameAndProcessWithoutName_AreNothingThatAFileKeeps) {
+  ProjectContents contents = CompleteProject();
+  const std::string bytes = FormatProjectFile(contents, kKeepStamps);
+  contents.flow_processes[e_debugger].parameter_maps["notes"];
+  contents.flow_processes[e_debugger].name.clear();
+  EXPECT_EQ(FormatProjectFile(contents, kKeepStamps), bytes);
+}
+
+// --- Files ---
+
+class WritingFile : public testing::Test, public Loading {
+ protected:
+  ProjectContents Contents() const { return ReadProjectFile(path(), "").contents.value(); }
+
+  /// The text of the error that a write ends in; "" if it ends well.
+  std::string WriteError(const ProjectContents& contents, const WriteOptions& options = {}) const {
+    try {
+      WriteProjectFile(path(), contents, options);
+    } catch (const std::runtime_error& error) {
+      return error.what();
+    }
+    return {};
+  }
+
+  const ProjectContents contents_ = CompleteProject(directory.path().string());
+};
+
+TEST_F(WritingFile, NewPath_HoldsTheCanonicalForm) {
+  WriteOptions options;
+  options.keep_stamps = true;
+  EXPECT_TRUE(WriteProjectFile(path(), contents_, options));
+  EXPECT_EQ(ReadFile(path()), FormatProjectFile(contents_, kKeepStamps));
+  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
+}
+
+TEST_F(WritingFile, OtherContents_TakeThePlaceOfTheFormer) {
+  Write("p.xml", ProjectXml("", "name=\"former\""));
+  SetMode(path(), 0640);
+  EXPECT_TRUE(WriteProjectFile(path(), contents_));
+  EXPECT_THAT(DifferencesButStamps(contents_, Contents()), IsEmpty());
+  EXPECT_EQ(ModeOf(path()), 0640U);
+}
+
+TEST_F(WritingFile, FileThatSaysTheSame_IsNotTouched) {
+  Write("p.xml", CompleteProjectXml());
+  const FileState before(path());
+  ProjectContents contents = contents_;
+  contents.software_version = "another";
+  contents.last_modify_time = "another";
+  contents.current_path = "/another";
+  EXPECT_FALSE(WriteProjectFile(path(), contents));
+  EXPECT_EQ(FileState(path()), before);
+}
+
+TEST_F(WritingFile, AnyOtherValue_IsWritten) {
+  const std::vector<std::function<void(ProjectContents&)>> changes = {
+      [](auto& p) { p.project_name += "x"; },
+      [](auto& p) { p.info_attributes["owner"] = "x"; },
+      [](auto& p) { p.device_info.family += "x"; },
+      [](auto& p) { p.design_info.design_files.emplace_back("x.v", "", "default"); },
+      [](auto& p) {
+        std::swap(p.design_info.design_files.at(0), p.design_info.design_files.at(1));
+      },
+      [](auto& p) { p.design_info.design_files.at(0).version += "x"; },
+      [](auto& p) { p.design_constraint.sdc_files.clear(); },
+      [](auto& p) { p.ip_info.ips.at(0).src_files.clear(); },
+      [](auto& p) { p.flow_processes[e_debugger].tool_name += "x"; },
+      [](auto& p) { p.flow_processes[e_synthesis].parameter_maps.erase(kMacroMap); },
+      [](auto& p) {
+        Put(p.flow_processes[e_synthesis], kParameterMap, "x", {"x", "1", e_string});
+      },
+  };
+  for (std::size_t i = 0; i < changes.size(); ++i) {
+    SCOPED_TRACE(i);
+    Write("p.xml", CompleteProjectXml());
+    ProjectContents contents = contents_;
+    changes[i](contents);
+    EXPECT_TRUE(WriteProjectFile(path(), contents));
+    EXPECT_THAT(DifferencesButStamps(contents, Contents()), IsEmpty());
+  }
+}
+
+TEST_F(WritingFile, FileThatDoesNotLoad_IsReplaced) {
+  Write("p.xml", "<project");
+  EXPECT_TRUE(WriteProjectFile(path(), contents_));
+  EXPECT_THAT(DifferencesButStamps(contents_, Contents()), IsEmpty());
+}
+
+TEST_F(WritingFile, WrittenAgain_IsNotTouched) {
+  WriteProjectFile(path(), contents_);
+  EXPECT_FALSE(WriteProjectFile(path(), contents_));
+}
+
+TEST_F(WritingFile, CanonicalWanted_ReplacesOtherBytesOfTheSameContentsOnce) {
+  Write("p.xml", CompleteProjectXml());
+  WriteOptions options;
+  options.canonical = true;
+  EXPECT_TRUE(WriteProjectFile(path(), contents_, options));
+  EXPECT_FALSE(WriteProjectFile(path(), contents_, options));
+}
+
+TEST_F(WritingFile, ExpectedVersion_IsWritten) {
+  Write("p.xml", CompleteProjectXml());
+  WriteOptions options;
+  options.expected = ReadProjectFile(path(), "").version;
+  ProjectContents contents = contents_;
+  contents.project_name = "next";
+  EXPECT_TRUE(WriteProjectFile(path(), contents, options));
+}
+
+TEST_F(WritingFile, FileOfAnotherVersion_IsNotTouched) {
+  Write("p.xml", CompleteProjectXml());
+  WriteOptions options;
+  options.expected = ReadProjectFile(path(), "").version;
+  Write("p.xml", ProjectXml("", "name=\"of somebody else\""));
+  const FileState before(path());
+  EXPECT_THROW(WriteProjectFile(path(), contents_, options), ProjectFileChanged);
+  EXPECT_EQ(FileState(path()), before);
+}
+
+TEST_F(WritingFile, FileThatIsExpectedToBeMissing_IsMadeOnce) {
+  WriteOptions options;
+  options.expected = ProjectFileVersion();
+  EXPECT_TRUE(WriteProjectFile(path(), contents_, options));
+  EXPECT_EQ(WriteError(contents_, options),
+            WritingError(path(), "it is not the file that was expected"));
+}
+
+TEST_F(WritingFile, FileThatChangesWhileTheNewOneIsMade_IsNotTouched) {
+  Write("p.xml", CompleteProjectXml());
+  WriteOptions options;
+  options.expected = ReadProjectFile(path(), "").version;
+  ProjectContents contents = contents_;
+  contents.project_name = "next";
+  const FilteredCalls calls([&](const SystemCall& call) {
+    if (call.name == std::string("fsync")) WriteFile(path(), ProjectXml(""));
+    return 0;
+  });
+  EXPECT_THROW(WriteProjectFile(path(), contents, options), ProjectFileChanged);
+  EXPECT_EQ(ReadFile(path()), ProjectXml(""));
+  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
+}
+
+TEST_F(WritingFile, ContentsThatNoFileCanHold_LeaveTheFormerFile) {
+  Write("p.xml", CompleteProjectXml());
+  const FileState before(path());
+  ProjectContents contents = contents_;
+  contents.project_name = "\x01";
+  EXPECT_THAT(WriteError(contents), HasSubstr("Failed writing XML file " + path() + ": "));
+  EXPECT_EQ(FileState(path()), before);
+  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
+}
+
+TEST_F(WritingFile, PathThatCanHoldNoFile_IsRefusedWithItsReason) {
+  std::filesystem::create_directory(path());
+  EXPECT_EQ(WriteError(contents_), WritingError(path(), "Is a directory"));
+}
+
+TEST_F(WritingFile, EmptyPath_IsRefused) {
+  EXPECT_THROW(WriteProjectFile("", contents_), std::runtime_error);
+}
+
+TEST_F(WritingFile, FileInADirectoryThatMayNotBeWritten_IsLeftWithTheReason) {
+  const Denied denied(directory.path());
+  if (!denied.effective()) GTEST_SKIP() << "permissions do not bind here";
+  EXPECT_EQ(WriteError(contents_), WritingError(path(), "Permission denied"));
+}
+
+// --- What killed saves left behind ---
+
+TEST_F(WritingFile, TemporaryFileThatAKilledSaveLeft_IsRemoved) {
+  const std::string name = ".kel_save_0123456789abcdef0123456789abcdef";
+  Write(name, "<proj");
+  WriteProjectFile(path(), contents_);
+  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
+}
+
+TEST_F(WritingFile, FilesOfOtherNames_Stay) {
+  const Lines names = {".kel_save_", ".kel_save_0123456789ABCDEF0123456789abcdef",
+                       ".kel_save_0123456789abcdef0123456789abcdef0",
+                       "kel_save_00123456789abcdef0123456789abcdef"};
+  for (const std::string& name : names) Write(name, "mine");
+  WriteProjectFile(path(), contents_);
+  EXPECT_EQ(NamesIn(directory.path()).size(), names.size() + 1);
+}
+
+TEST_F(WritingFile, TemporaryFileOfASaveThatIsAtWork_Stays) {
+  bool has_saved = false;
+  const FilteredCalls calls([&](const SystemCall& call) {
+    if (call.name == std::string("renameat") && !has_saved) {
+      has_saved = true;
+      WriteProjectFile(directory / "other.xml", contents_);
+    }
+    return 0;
+  });
+  EXPECT_EQ(WriteError(contents_), "");
+  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("other.xml", "p.xml"));
+}
+
+TEST_F(WritingFile, TemporaryFileThatIsTakenForAnAbandonedOne_IsMadeAnew) {
+  int created = 0;
+  const FilteredCalls calls([&](const SystemCall& call) {
+    if (call.name == std::string("flock") && ++created == 1) {
+      for (const std::string& name : NamesIn(directory.path())) {
+        std::filesystem::remove(directory / name);
+      }
+    }
+    return 0;
+  });
+  EXPECT_EQ(WriteError(contents_), "");
+  EXPECT_EQ(created, 2);
+  EXPECT_THAT(DifferencesButStamps(contents_, Contents()), IsEmpty());
+}
+
+TEST_F(WritingFile, FileSystemWithoutLocks_IsWrittenAllTheSame) {
+  const FilteredCalls calls(
+      [&](const SystemCall& call) { return call.name == std::string("flock") ? ENOLCK : 0; });
+  EXPECT_EQ(WriteError(contents_), "");
+  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
+}
+
+}  // namespace
