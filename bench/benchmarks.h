@@ -32,6 +32,9 @@ void RegisterParameterBenchmarks();
 /// A merge against one comparison of two of its projects.
 void RegisterMergeBenchmarks();
 
+/// Reading, writing and not writing whole files against the class's operations and against reading.
+void RegisterProjectFileBenchmarks();
+
 /// What a comparison gives of its two sides: nanoseconds for each element, or bytes.
 inline constexpr char kLibrary[] = "library";
 inline constexpr char kBare[] = "bare";

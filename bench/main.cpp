@@ -18,6 +18,7 @@ int Run(int argument_count, char** arguments) {
   bench::RegisterAdderBenchmarks();
   bench::RegisterParameterBenchmarks();
   bench::RegisterMergeBenchmarks();
+  bench::RegisterProjectFileBenchmarks();
   bench::TableReporter reporter;
   return benchmark::RunSpecifiedBenchmarks(&reporter) > 0 ? 0 : 1;
 }
