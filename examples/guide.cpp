@@ -1,4 +1,5 @@
 // The pieces of code that docs/guide.md shows; each stands between two marks.
+#include <algorithm>
 #include <iostream>
 #include <stdexcept>
 #include <string>
@@ -11,6 +12,7 @@
 #include <projectdb/merge.h>
 #include <projectdb/project_contents.h>
 #include <projectdb/project_db.h>
+#include <projectdb/project_file.h>
 
 namespace {
 
@@ -86,6 +88,39 @@ void SaveSafely(const projectdb::KelProjectDatabase& database, const std::string
   // [saving]
 }
 
+void ChangeFile(const std::string& path) {
+  // [changing]
+  const auto change = [](projectdb::ProjectContents& project) {
+    project.device_info.device = "Q8R60";
+    project.misc_files.emplace_back("todo.txt", "", "default");
+  };
+  try {
+    const bool written = projectdb::UpdateProjectFile(path, change);
+    std::cout << (written ? "changed" : "nothing to change") << "\n";
+  } catch (const std::runtime_error& error) {
+    std::cerr << error.what();  // the file is as it was
+  }
+  // [changing]
+}
+
+void EditAsValue(const std::string& path) {
+  // [editing]
+  projectdb::ProjectFile file = projectdb::ReadProjectFile(path, "");
+  for (const projectdb::FileProblem& problem : file.problems) {
+    std::cerr << path << ":" << problem.line << ": " << problem.message << "\n";
+  }
+  if (!file.contents) return;
+  std::vector<projectdb::DesignFile>& files = file.contents->misc_files;
+  std::reverse(files.begin(), files.end());
+  file.contents->design_isf.isf_files.push_back("isf/lantern.isf");
+
+  projectdb::WriteOptions options;
+  options.expected = file.version;  // a change by anybody else is ProjectFileChanged
+  projectdb::WriteProjectFile(path, *file.contents, options);
+  std::cout << projectdb::FormatProjectFile(*file.contents).size() << " bytes\n";
+  // [editing]
+}
+
 void ShowChanges(const projectdb::KelProjectDatabase& before,
                  const projectdb::KelProjectDatabase& after) {
   // [comparing]
@@ -127,6 +162,9 @@ int main() {
   if (!Open(loaded, "lantern.xml")) return 1;
   loaded.SetDeviceModel("Q8R60");
   ShowChanges(database, loaded);
+
+  ChangeFile("lantern.xml");
+  EditAsValue("lantern.xml");
 
   const projectdb::ProjectContents base = projectdb::GetProjectContents(database);
   projectdb::ProjectContents theirs = base;
