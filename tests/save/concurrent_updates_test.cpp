@@ -189,4 +189,75 @@ TEST(ConcurrentUpdates, EightProcessesKilledAtRandom_LoseAndDoubleNothing) {
   EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
 }
 
+/// Adds a file to the project that it has read, again and again until nobody was faster.
+void AddWithExpectedVersion(const std::string& path, const std::string& name) {
+  for (;;) {
+    ProjectFile file = ReadProjectFile(path, "");
+    file.contents->misc_files.emplace_back(name, "", "default");
+    WriteOptions options;
+    options.expected = file.version;
+    try {
+      WriteProjectFile(path, *file.contents, options);
+      return;
+    } catch (const ProjectFileChanged&) {
+      // Somebody was faster.
+    }
+  }
+}
+
+TEST(ConcurrentUpdates, FourProcessesThatExpectAVersion_LoseNothing) {
+  constexpr int kProcesses = 4;
+  constexpr int kWritesOfEach = 20;
+  const XmlPlatform platform;  // Starting it takes longer than a write.
+  const TemporaryDirectory directory;
+  const std::string path = directory / "p.xml";
+  WriteFile(path, ProjectXml(""));
+  std::vector<Child> children;
+  for (int number = 0; number < kProcesses; ++number) {
+    children.emplace_back([&] {
+      for (int i = 0; i < kWritesOfEach; ++i) {
+        AddWithExpectedVersion(path, std::to_string(number) + "_" + std::to_string(i));
+      }
+      return 0;
+    });
+  }
+  for (Child& child : children) {
+    while (!child.HasEnded()) ::usleep(1'000);
+  }
+  const ProjectFile file = ReadProjectFile(path, "");
+  std::set<std::string> names;
+  for (const DesignFile& misc_file : file.contents->misc_files) names.insert(misc_file.name);
+  EXPECT_EQ(file.contents->misc_files.size(), std::size_t{kProcesses * kWritesOfEach});
+  EXPECT_EQ(names.size(), std::size_t{kProcesses * kWritesOfEach});
+}
+
+TEST(ConcurrentUpdates, ProcessesThatExpectNoFile_MakeItOnce) {
+  const XmlPlatform platform;
+  for (int round = 0; round < 20; ++round) {
+    const TemporaryDirectory directory;
+    const std::string path = directory / "p.xml";
+    const auto make = [&] {
+      WriteOptions options;
+      options.expected = ProjectFileVersion();
+      try {
+        return WriteProjectFile(path, CompleteProject(""), options) ? 0 : 1;
+      } catch (const ProjectFileChanged&) {
+        return 2;
+      }
+    };
+    std::vector<Child> children;
+    for (int number = 0; number < 4; ++number) {
+      children.emplace_back([&, number] {
+        const int status = make();
+        if (status == 0) WriteFile(directory / ("made_by" + std::to_string(number)), "");
+        return 0;
+      });
+    }
+    for (Child& child : children) {
+      while (!child.HasEnded()) ::usleep(1'000);
+    }
+    EXPECT_EQ(NamesIn(directory.path()).size(), 2U);
+  }
+}
+
 }  // namespace

@@ -1,6 +1,7 @@
 #include <projectdb/project_file.h>
 
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -299,6 +300,35 @@ TEST_F(WritingFile, FileThatIsExpectedToBeMissing_IsMadeOnce) {
   EXPECT_TRUE(WriteProjectFile(path(), contents_, options));
   EXPECT_EQ(WriteError(contents_, options),
             WritingError(path(), "it is not the file that was expected"));
+}
+
+TEST_F(WritingFile, FileThatIsMadeWhileItIsExpectedToBeMissing_IsNotTouched) {
+  WriteOptions options;
+  options.expected = ProjectFileVersion();
+  const FilteredCalls calls([&](const SystemCall& call) {
+    if (call.name == std::string("linkat")) WriteFile(path(), ProjectXml(""));
+    return 0;
+  });
+  EXPECT_THROW(WriteProjectFile(path(), contents_, options), ProjectFileChanged);
+  EXPECT_EQ(ReadFile(path()), ProjectXml(""));
+  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
+}
+
+TEST_F(WritingFile, FileSystemWithoutSecondNames_IsWrittenAllTheSame) {
+  WriteOptions options;
+  options.expected = ProjectFileVersion();
+  const FilteredCalls calls(FailCall("linkat", 1, EPERM));
+  EXPECT_EQ(WriteError(contents_, options), "");
+  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
+}
+
+TEST_F(WritingFile, ExpectedVersionUnderTheCallersOwnLock_DoesNotWait) {
+  Write("p.xml", ProjectXml(""));
+  const ProjectFileLock lock(path());
+  WriteOptions options;
+  options.expected = ReadProjectFile(path(), "").version;
+  EXPECT_TRUE(WriteProjectFile(path(), contents_, options));
+  EXPECT_THROW(ProjectFileLock(path(), std::chrono::milliseconds::zero()), std::runtime_error);
 }
 
 TEST_F(WritingFile, FileThatChangesWhileTheNewOneIsMade_IsNotTouched) {

@@ -91,7 +91,9 @@ class KEL_EXPORT ProjectFileChanged : public std::runtime_error {
 /// How WriteProjectFile writes.
 struct WriteOptions {
   bool keep_stamps = false;  ///< As with FormatProjectFile.
-  /// Nothing is written unless the file is still this one, or still missing.
+  /// Nothing is written unless the file is still this one, or still missing. Of several that
+  /// expect the same version, in threads and processes, one writes: it has the file's
+  /// ProjectFileLock meanwhile, for which it waits, unless the process has it already.
   std::optional<ProjectFileVersion> expected = std::nullopt;
   /// Whether a file that says the same, but in other bytes than FormatProjectFile gives, is written
   /// anew.
@@ -101,8 +103,9 @@ struct WriteOptions {
 /// Saves a project in canonical order, and as safely as ExportProjectDataDurably does. A file that
 /// says the same already, stamps and directory aside, is not touched.
 ///
-/// Takes no ProjectFileLock: between a reading and a writing of one's own it is the caller who
-/// holds it, or UpdateProjectFile.
+/// Without an expected version it takes no ProjectFileLock and replaces whatever is there. The path
+/// may end in anything; a load wants ".xml". It is not the same file afterwards: another hard link
+/// to the former one keeps that.
 ///
 /// @return whether the file was written
 /// @exception ProjectFileChanged if the file is not the expected one

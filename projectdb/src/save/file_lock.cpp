@@ -107,18 +107,36 @@ FileLock::~FileLock() {
   locks.erase(std::find(locks.begin(), locks.end(), this));
 }
 
+bool FileLock::IsOn(const struct stat& file) const {
+  return IsSameFile(file, descriptor_->Status());
+}
+
+namespace {
+
+// Null if this process has no lock on the file.
+FileLock* FindLock(const struct stat& file) {
+  const std::vector<FileLock*>& locks = Registry();
+  const auto lock = std::find_if(locks.begin(), locks.end(),
+                                 [&file](const FileLock* each) { return each->IsOn(file); });
+  return lock == locks.end() ? nullptr : *lock;
+}
+
+}  // namespace
+
+bool IsLockedHere(const std::string& path) {
+  struct stat file {};
+  const std::lock_guard<std::mutex> guard(RegistryMutex());
+  return ::stat(path.c_str(), &file) == 0 && FindLock(file);
+}
+
 LockHandover::LockHandover(const struct stat& former, const FileDescriptor& replacement)
     : guard_(RegistryMutex()), lock_(nullptr) {
-  const auto is_on_former = [&former](const FileLock* lock) {
-    return IsSameFile(former, lock->descriptor_->Status());
-  };
-  const std::vector<FileLock*>& locks = Registry();
-  const auto lock = std::find_if(locks.begin(), locks.end(), is_on_former);
-  if (lock == locks.end()) return;
+  FileLock* const lock = FindLock(former);
+  if (!lock) return;
   descriptor_ = std::make_unique<FileDescriptor>(
       CallSystem("fcntl", ::fcntl, replacement.number(), F_DUPFD_CLOEXEC, 0));
   if (!TryLock(*descriptor_)) throw Failure("the new file is locked by others");
-  lock_ = *lock;
+  lock_ = lock;
 }
 
 bool LockHandover::Complete() noexcept {

@@ -25,11 +25,16 @@ class FileLock {
   FileLock(const FileLock&) = delete;
   FileLock& operator=(const FileLock&) = delete;
 
+  bool IsOn(const struct stat& file) const;
+
  private:
   friend class LockHandover;
 
   std::unique_ptr<FileDescriptor> descriptor_;
 };
+
+/// Whether this process has a lock on the file at the path.
+bool IsLockedHere(const std::string& path);
 
 /// Takes the lock that this process has on a file, if it has one, over to the file that replaces
 /// it. Meanwhile no other thread gives back a lock or replaces a file.

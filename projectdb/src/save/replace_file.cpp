@@ -91,10 +91,15 @@ void WriteInto(const TemporaryFile& file, const Replacement& replacement) {
 
 // The lock that this process may have on the former file goes with the new one.
 void PutInPlace(TemporaryFile& file, const Target& target, const Replacement& replacement) {
+  const std::string name = target.path.filename();
   std::optional<LockHandover> handover;
   if (target.former) handover.emplace(*target.former, file.descriptor());
   replacement.confirm();
-  file.RenameTo(target.path.filename());
+  if (replacement.refuse && !target.former) {
+    if (!file.LinkTo(name)) replacement.refuse();
+  } else {
+    file.RenameTo(name);
+  }
   const bool is_taken_over = handover && handover->Complete();
   if (!is_taken_over) file.Unlock();
 }

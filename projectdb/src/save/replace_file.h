@@ -9,8 +9,12 @@ namespace projectdb::files {
 struct Replacement {
   /// Writes the content to a file of this path. One that leaves the file empty has nothing to save.
   std::function<void(const std::string& path)> write;
-  /// Called when the new file is whole, right before it takes the place of the former one.
+  /// Called when the new file is whole, right before it takes the place of the former one. No other
+  /// thread replaces a file meanwhile.
   std::function<void()> confirm = [] {};
+  /// Called instead of taking the place of a file that came to be meanwhile where there was none;
+  /// nothing is written then. By default that file is replaced.
+  std::function<void()> refuse = nullptr;
 };
 
 /// Puts a new file in the place of the one at the path, or where there is none, so that the path

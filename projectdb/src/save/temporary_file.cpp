@@ -96,6 +96,19 @@ void TemporaryFile::RenameTo(const std::filesystem::path& name) {
   stays_ = true;
 }
 
+// The temporary name goes with this object.
+bool TemporaryFile::LinkTo(const std::filesystem::path& name) {
+  const int directory = directory_.descriptor();
+  const int result =
+      CallSystem("linkat", ::linkat, directory, name_.c_str(), directory, name.c_str(), 0);
+  if (result == 0) return true;
+  if (errno == EEXIST) return false;
+  // The file system has no second names.
+  if (errno != EPERM && errno != EOPNOTSUPP) ThrowSystemFailure();
+  RenameTo(name);
+  return true;
+}
+
 void TemporaryFile::Unlock() const { ::flock(descriptor_->number(), LOCK_UN); }
 
 void RemoveAbandonedFiles(const Directory& directory) {

@@ -51,6 +51,11 @@ class TemporaryFile {
   /// @exception Failure if that fails
   void RenameTo(const std::filesystem::path& name);
 
+  /// Gives it this name in its directory, where there is no file of that name; then it stays.
+  /// @return whether there was none
+  /// @exception Failure if that fails for another reason
+  bool LinkTo(const std::filesystem::path& name);
+
   /// Gives its lock back, which only a temporary file needs.
   void Unlock() const;
 

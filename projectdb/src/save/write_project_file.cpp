@@ -1,6 +1,7 @@
 #include "save/write_project_file.h"
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -10,6 +11,7 @@
 #include "check/versioned_file.h"
 #include "contents/same_project.h"
 #include "save/canonical_document.h"
+#include "save/file_lock.h"
 #include "save/replace_file.h"
 #include "xml/errors.h"
 #include "xml/platform.h"
@@ -58,14 +60,32 @@ bool Write(const std::string& path, const ProjectFile& former, const ProjectCont
   RequireWritable(contents);
   if (options.expected && former.version != *options.expected) ThrowChanged(path);
   if (SaysTheSame(former, contents, options)) return false;
-  const auto write = [&](const std::string& file) {
+  files::Replacement replacement;
+  replacement.write = [&](const std::string& file) {
     WriteTo(file, contents, {options.keep_stamps});
   };
-  const auto confirm = [&] {
-    if (options.expected && files::VersionOf(path) != *options.expected) ThrowChanged(path);
-  };
-  files::ReplaceFile(path, {write, confirm});
+  if (options.expected) {
+    replacement.confirm = [&] {
+      if (files::VersionOf(path) != *options.expected) ThrowChanged(path);
+    };
+    replacement.refuse = [&] { ThrowChanged(path); };
+  }
+  files::ReplaceFile(path, replacement);
   return true;
+}
+
+// Others who expect a version, or update the file, are to wait until this one is written.
+std::unique_ptr<files::FileLock> LockForWriting(const std::string& path,
+                                                const WriteOptions& options) {
+  const bool is_needed = options.expected && *options.expected != ProjectFileVersion();
+  if (!is_needed || files::IsLockedHere(path)) return nullptr;
+  try {
+    return std::make_unique<files::FileLock>(path, std::nullopt);
+  } catch (const Failure&) {
+    // What keeps the file from being locked, such as a file system without locks, may not keep it
+    // from being written.
+    return nullptr;
+  }
 }
 
 }  // namespace
@@ -78,6 +98,7 @@ bool WriteOver(const std::string& path, const ProjectFile& former, const Project
 
 bool WriteProjectFile(const std::string& path, const ProjectContents& contents,
                       const WriteOptions& options) {
+  const std::unique_ptr<files::FileLock> lock = LockForWriting(path, options);
   return WriteOver(path, FormerFile(path), contents, options);
 }
 
