@@ -13,6 +13,7 @@
 #include <projectdb/project_contents.h>
 #include <projectdb/project_db.h>
 #include <projectdb/project_file.h>
+#include <projectdb/vocabulary.h>
 
 namespace {
 
@@ -93,6 +94,9 @@ void ChangeFile(const std::string& path) {
   const auto change = [](projectdb::ProjectContents& project) {
     project.device_info.device = "Q8R60";
     project.misc_files.emplace_back("todo.txt", "", "default");
+    project.flow_processes.at(projectdb::e_synthesis)
+        .parameter_maps[projectdb::kParameterMap]
+        .insert_or_assign("effort", projectdb::Parameter("effort", "low", projectdb::e_option));
   };
   try {
     const bool written = projectdb::UpdateProjectFile(path, change);
@@ -106,10 +110,12 @@ void ChangeFile(const std::string& path) {
 void EditAsValue(const std::string& path) {
   // [editing]
   projectdb::ProjectFile file = projectdb::ReadProjectFile(path, "");
+  bool is_read_whole = file.contents.has_value();
   for (const projectdb::FileProblem& problem : file.problems) {
     std::cerr << path << ":" << problem.line << ": " << problem.message << "\n";
+    if (problem.severity == projectdb::ProblemSeverity::kError) is_read_whole = false;
   }
-  if (!file.contents) return;
+  if (!is_read_whole) return;  // writing would lose what was not read
   std::vector<projectdb::DesignFile>& files = file.contents->misc_files;
   std::reverse(files.begin(), files.end());
   file.contents->design_isf.isf_files.push_back("isf/lantern.isf");
