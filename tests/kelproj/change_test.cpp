@@ -1,5 +1,6 @@
 // What no command that changes a project file may do, whatever the file is.
 
+#include "testing/threads.h"
 #include "tests/kelproj/kelproj_test.h"
 
 namespace {
@@ -82,6 +83,41 @@ TEST_P(Change, FileBehindALink_IsChangedAndTheLinkStays) {
   EXPECT_EQ(Run(GetParam()).status, 0);
   EXPECT_TRUE(std::filesystem::is_symlink(PathOf("blinker.xml")));
   EXPECT_NE(Read("real.xml"), before);
+}
+
+TEST_P(Change, MadeTwice_LeavesTheFileAloneIfItSaysTheSame) {
+  MakeProject();
+  Run(GetParam());
+  const std::string before = Read("blinker.xml");
+  Run(GetParam());
+  const bool adds = GetParam().front() == "add";
+  EXPECT_EQ(Read("blinker.xml") == before, !adds);
+}
+
+TEST_F(KelprojTest, SeveralThatChangeOneFileAtOnce_LoseNoChange) {
+  constexpr int kChangers = 4;
+  constexpr int kChangesOfEach = 10;
+  MakeProject();
+  InThreads(kChangers, [&](int changer) {
+    for (int i = 0; i < kChangesOfEach; ++i) {
+      const std::string key = "info.n" + std::to_string(changer * kChangesOfEach + i);
+      EXPECT_EQ(Run({"set", "blinker.xml", key, "1"}).status, 0);
+    }
+  });
+  for (int i = 0; i < kChangers * kChangesOfEach; ++i) {
+    EXPECT_EQ(Run({"get", "blinker.xml", "info.n" + std::to_string(i)}).out, "1\n");
+  }
+  EXPECT_THAT(Names(), ElementsAre("blinker.xml"));
+}
+
+TEST_F(KelprojTest, ParametersInAnyOrder_StandInThatOfTheirNames) {
+  MakeProject();
+  for (const char* name : {"zeta", "alpha", "mid"}) {
+    Run({"set", "blinker.xml", std::string("synthesis.param.") + name, "1"});
+  }
+  const std::string bytes = Read("blinker.xml");
+  EXPECT_LT(bytes.find("alpha"), bytes.find("mid"));
+  EXPECT_LT(bytes.find("mid"), bytes.find("zeta"));
 }
 
 }  // namespace

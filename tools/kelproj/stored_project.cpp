@@ -3,7 +3,8 @@
 #include <stdexcept>
 
 #include <projectdb/check.h>
-#include <projectdb/durable_export.h>
+#include <projectdb/project_contents.h>
+#include <projectdb/project_file.h>
 
 #include "problems.h"
 
@@ -22,6 +23,16 @@ bool Load(KelProjectDatabase& database, const std::string& file, const Console& 
   }
 }
 
+// Without a lock where there can be none: on some file systems, and for what is no file, of which
+// the load tells more.
+std::unique_ptr<projectdb::ProjectFileLock> Lock(const std::string& file) {
+  try {
+    return std::make_unique<projectdb::ProjectFileLock>(file);
+  } catch (const std::runtime_error&) {
+    return nullptr;
+  }
+}
+
 }  // namespace
 
 std::unique_ptr<KelProjectDatabase> LoadProject(const std::string& file, const Console& console) {
@@ -33,11 +44,12 @@ std::unique_ptr<KelProjectDatabase> LoadProject(const std::string& file, const C
 
 void ChangeProject(const std::string& file, const Console& console,
                    const std::function<void(KelProjectDatabase&)>& change) {
+  const std::unique_ptr<projectdb::ProjectFileLock> lock = Lock(file);
   const auto database = LoadProject(file, console);
   change(*database);
   // What the file has beside the project is lost with the former file.
   WriteProblems(console.err, file, projectdb::CheckProjectFile(file, ""));
-  projectdb::ExportProjectDataDurably(*database, file);
+  projectdb::WriteProjectFile(file, projectdb::GetProjectContents(*database));
 }
 
 }  // namespace kelproj
