@@ -9,6 +9,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
 
 #include <sys/resource.h>
 
@@ -106,25 +107,41 @@ double PeakMegabytes() {
   return static_cast<double>(usage.ru_maxrss) / 1024;
 }
 
-/// Loads a file in a process of its own, whose memory is that of this load.
-Measured Load(Reader read, const std::string& path, const std::string& schema) {
+/// Does work in a process of its own, whose memory is that of this work.
+/// @param work gives a result and a number
+template <typename Work>
+Measured Measure(const Work& work) {
   std::istringstream text(InChildProcess([&] {
-    KelProjectDatabase database;
-    const MessageRecorder recorder;
     const auto start = std::chrono::steady_clock::now();
-    const bool result = database.LoadProjectData(path, schema);
+    const auto [result, number] = work();
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-    const double peak = PeakMegabytes();
     std::ostringstream out;
-    out << result << ' ' << read(database, recorder.messages()) << ' ' << time.count() << ' '
-        << peak;
+    out << result << ' ' << number << ' ' << time.count() << ' ' << PeakMegabytes();
     return out.str();
   }));
   Measured measured;
   if (!(text >> measured.result >> measured.read >> measured.seconds >> measured.peak_megabytes)) {
-    throw std::runtime_error("the load came to no end: " + text.str());
+    throw std::runtime_error("the work came to no end: " + text.str());
   }
   return measured;
+}
+
+Measured Load(Reader read, const std::string& path, const std::string& schema) {
+  return Measure([&] {
+    KelProjectDatabase database;
+    const MessageRecorder recorder;
+    const bool result = database.LoadProjectData(path, schema);
+    return std::pair(result, read(database, recorder.messages()));
+  });
+}
+
+/// Its number is that of the contents.
+Measured ReadWhole(const std::string& path, const std::string& schema) {
+  return Measure([&] {
+    const ProjectFile file = ReadProjectFile(path, schema);
+    const bool result = std::none_of(file.problems.begin(), file.problems.end(), IsError);
+    return std::pair(result, file.contents ? 1 : 0);
+  });
 }
 
 class Hostile : public testing::TestWithParam<HostileFile> {
@@ -142,6 +159,14 @@ class Hostile : public testing::TestWithParam<HostileFile> {
               << megabytes << " MB: " << measured.seconds << " s, peak " << measured.peak_megabytes
               << " MB\n";
     return measured;
+  }
+
+  /// Writes the file of that size.
+  std::string WriteOfSize(std::size_t size) const {
+    std::string path = directory_ / "p.xml";
+    std::ofstream file(path, std::ios::binary);
+    GetParam().Write(file, size);
+    return path;
   }
 
   /// Expects that loads of a quarter, a half and the whole of the size give what they are to give
@@ -175,6 +200,33 @@ TEST_P(Hostile, LoadProjectData_WithoutSchema_TakesMemoryInProportion) {
 
 TEST_P(Hostile, LoadProjectData_WithSchema_TakesMemoryInProportion) {
   ExpectProportional(GetParam().largest_size / kPart / 4, ShippedSchema());
+}
+
+TEST_P(Hostile, ReadProjectFile_TakesMemoryAsALoadDoes) {
+  const std::size_t size = GetParam().largest_size / kPart / 4;
+  const std::string path = WriteOfSize(size);
+  const Measured load = Load(GetParam().read, path, "");
+  const Measured read = ReadWhole(path, "");
+  std::cout << std::fixed << std::setprecision(2) << "load " << load.seconds << " s, peak "
+            << load.peak_megabytes << " MB; read " << read.seconds << " s, peak "
+            << read.peak_megabytes << " MB\n";
+  EXPECT_EQ(read.result, load.result);
+  EXPECT_EQ(read.read, 1U);
+  // A problem of each element takes more than the element.
+  EXPECT_LE(read.peak_megabytes, 3 * load.peak_megabytes);
+}
+
+TEST(HostileProject, ReadProjectFile_ATerabyteOfZerosBehindAProject_TakesNoMoreMemory) {
+  const TemporaryDirectory directory;
+  const std::string path = directory / "p.xml";
+  WriteFile(path, ProjectXml(""));
+  std::error_code error;
+  std::filesystem::resize_file(path, std::uintmax_t{1} << 40U, error);
+  if (error) GTEST_SKIP() << "no file can be so large";
+  const Measured load = Load(CountDesignFiles, path, "");
+  const Measured measured = ReadWhole(path, "");
+  EXPECT_EQ(measured.result, load.result);
+  EXPECT_LT(measured.peak_megabytes, 200);
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, Hostile, testing::ValuesIn(kHostileFiles), ByName());

@@ -189,6 +189,33 @@ TEST(ConcurrentUpdates, EightProcessesKilledAtRandom_LoseAndDoubleNothing) {
   EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
 }
 
+TEST(ConcurrentUpdates, FourProcessesWithAFileEachInOneDirectory_LoseNothing) {
+  constexpr int kProcesses = 4;
+  constexpr std::size_t kUpdates = 60;
+  const XmlPlatform platform;
+  const TemporaryDirectory directory;
+  const auto path_of = [&](int number) { return directory / (std::to_string(number) + ".xml"); };
+  std::vector<Child> children;
+  for (int number = 0; number < kProcesses; ++number) {
+    WriteFile(path_of(number), ProjectXml(""));
+    children.emplace_back([&, number] {
+      for (std::size_t i = 0; i < kUpdates; ++i) {
+        UpdateProjectFile(path_of(number), [i](ProjectContents& project) {
+          project.design_info.design_files.emplace_back(std::to_string(i), "", "default");
+        });
+      }
+      return 0;
+    });
+  }
+  for (Child& child : children) {
+    while (!child.HasEnded()) ::usleep(1'000);
+  }
+  for (int number = 0; number < kProcesses; ++number) {
+    EXPECT_EQ(FilesIn(path_of(number)).size(), kUpdates);
+  }
+  EXPECT_EQ(NamesIn(directory.path()).size(), std::size_t{kProcesses});
+}
+
 /// Adds a file to the project that it has read, again and again until nobody was faster.
 void AddWithExpectedVersion(const std::string& path, const std::string& name) {
   for (;;) {

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <future>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
@@ -27,6 +28,7 @@
 #include "testing/files.h"
 #include "testing/saving.h"
 #include "testing/temporary_directory.h"
+#include "testing/test.h"
 #include "testing/threads.h"
 
 namespace {
@@ -246,6 +248,21 @@ TEST_F(FileLock, WhatIsNoRegularFile_IsAnErrorThatNamesIt) {
   EXPECT_EQ(error("dangling.xml"), text("dangling.xml", "No such file or directory"));
   EXPECT_EQ(error("directory.xml"), text("directory.xml", "Is a directory"));
   EXPECT_EQ(error("pipe.xml"), text("pipe.xml", "not a regular file"));
+}
+
+TEST_F(FileLock, WaitLongerThanTheClockGoes_LastsUntilTheLockIsFree) {
+  auto lock = std::make_unique<ProjectFileLock>(path_);
+  auto waiting = std::async(std::launch::async, [&] {
+    return test_support::ErrorOf(
+        [&] { const ProjectFileLock next(path_, std::chrono::milliseconds::max()); });
+  });
+  EXPECT_EQ(waiting.wait_for(50ms), std::future_status::timeout);
+  lock.reset();
+  EXPECT_EQ(waiting.get(), "");
+}
+
+TEST_F(FileLock, PathWithAZero_IsRefused) {
+  EXPECT_NE(LockError(path_ + std::string("\0x", 2)), "");
 }
 
 }  // namespace

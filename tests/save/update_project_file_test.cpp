@@ -78,6 +78,25 @@ TEST_F(Update, ChangeThatThrows_LeavesTheFileAloneAndUnlocked) {
   EXPECT_NO_THROW(ProjectFileLock(path(), 0ms));
 }
 
+TEST_F(Update, ChangeThatThrowsProjectFileChanged_PassesItOn) {
+  int calls = 0;
+  const auto change = [&](ProjectContents&) {
+    ++calls;
+    throw ProjectFileChanged("another file");
+  };
+  EXPECT_THROW(UpdateProjectFile(path(), change), ProjectFileChanged);
+  EXPECT_EQ(calls, 1);
+}
+
+TEST_F(Update, KeptStamps_AreThoseOfTheFile) {
+  UpdateOptions options;
+  options.keep_stamps = true;
+  UpdateProjectFile(
+      path(), [](ProjectContents& project) { project.project_name = "x"; }, options);
+  EXPECT_EQ(Contents().software_version, "0.0.1");
+  EXPECT_EQ(Contents().last_modify_time, "long ago");
+}
+
 TEST_F(Update, ContentsThatNoFileCanHold_LeaveTheFileAlone) {
   const FileState before(path());
   EXPECT_THAT(UpdateError([](ProjectContents& project) { project.project_name = "\x01"; }),

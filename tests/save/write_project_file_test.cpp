@@ -14,11 +14,13 @@
 
 #include <projectdb/vocabulary.h>
 
+#include "save/replace_file.h"
 #include "testing/denied.h"
 #include "testing/filtered_calls.h"
 #include "testing/project_loading.h"
 #include "testing/saving.h"
 #include "testing/shipped_files.h"
+#include "testing/test.h"
 
 namespace {
 
@@ -262,6 +264,25 @@ TEST_F(WritingFile, FileThatDoesNotLoad_IsReplaced) {
   EXPECT_THAT(DifferencesButStamps(contents_, Contents()), IsEmpty());
 }
 
+TEST_F(WritingFile, FileThatDoesNotLoadInTheExpectedVersion_IsReplaced) {
+  Write("p.xml", "<project");
+  WriteOptions options;
+  options.expected = ReadProjectFile(path(), "").version;
+  EXPECT_TRUE(WriteProjectFile(path(), contents_, options));
+}
+
+TEST_F(WritingFile, FileThatSaysTheSameBesideAnError_IsReplaced) {
+  std::string bytes = CompleteProjectXml();
+  Write("p.xml", bytes.insert(bytes.find("</project>"), "<nonsense/>"));
+  EXPECT_TRUE(WriteProjectFile(path(), contents_));
+  EXPECT_THAT(ReadProjectFile(path(), "").problems, IsEmpty());
+}
+
+TEST_F(WritingFile, NameThatIsNoProjectFiles_IsWrittenOnce) {
+  EXPECT_TRUE(WriteProjectFile(directory / "plain", contents_));
+  EXPECT_FALSE(WriteProjectFile(directory / "plain", contents_));
+}
+
 TEST_F(WritingFile, WrittenAgain_IsNotTouched) {
   WriteProjectFile(path(), contents_);
   EXPECT_FALSE(WriteProjectFile(path(), contents_));
@@ -378,6 +399,31 @@ TEST_F(WritingFile, TemporaryFileThatAKilledSaveLeft_IsRemoved) {
   Write(name, "<proj");
   WriteProjectFile(path(), contents_);
   EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
+}
+
+TEST_F(WritingFile, AbandonedTemporaryFile_IsRemovedWhileNobodyElseCanLockIt) {
+  const std::string abandoned = Write(".kel_save_0123456789abcdef0123456789abcdef", "<proj");
+  int removals = 0;
+  const FilteredCalls calls([&](const SystemCall& call) {
+    if (call.name == std::string("unlinkat")) {
+      ++removals;
+      EXPECT_THROW(ProjectFileLock(abandoned, std::chrono::milliseconds::zero()),
+                   std::runtime_error);
+    }
+    return 0;
+  });
+  WriteProjectFile(path(), contents_);
+  EXPECT_EQ(removals, 1);
+}
+
+TEST_F(WritingFile, TemporaryFileThatSomebodyReplaces_IsAnErrorAndNoSave) {
+  const auto write = [](const std::string& file) {
+    std::filesystem::remove(file);
+    WriteFile(file, "<project/>");
+  };
+  EXPECT_THAT(ErrorOf([&] { projectdb::files::ReplaceFile(path(), {write}); }),
+              "the temporary file was removed");
+  EXPECT_FALSE(std::filesystem::exists(path()));
 }
 
 TEST_F(WritingFile, FilesOfOtherNames_Stay) {

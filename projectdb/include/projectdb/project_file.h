@@ -26,10 +26,12 @@ class FileLock;
 /// file.
 struct ProjectFileVersion {
   std::uint64_t device = 0;
-  std::uint64_t file = 0;          ///< Its number on the device; 0 for no file.
-  std::uint64_t size = 0;          ///< In bytes.
-  std::int64_t changed_at = 0;     ///< In nanoseconds since 1970, as the system keeps it.
-  std::uint64_t bytes_digest = 0;  ///< Of the content: a change within one clock tick shows too.
+  std::uint64_t file = 0;       ///< Its number on the device; 0 for no file.
+  std::uint64_t size = 0;       ///< In bytes.
+  std::int64_t changed_at = 0;  ///< In nanoseconds since 1970, as the system keeps it.
+  /// Of the first 256 MiB, so that a change within one clock tick shows too; 0 for a file without
+  /// contents of a project, which need not be read to its end.
+  std::uint64_t bytes_digest = 0;
 
   friend bool operator==(const ProjectFileVersion& a, const ProjectFileVersion& b) {
     return a.device == b.device && a.file == b.file && a.size == b.size &&
@@ -60,7 +62,8 @@ KEL_EXPORT ProjectFile ReadProjectFile(const std::string& path, const std::strin
 /// Reads what a file would hold.
 /// @param bytes of a project file, in any encoding that its XML declaration names
 /// @param schema_file as with ReadProjectFile
-/// @return contents with the empty text for a directory, and the version of no file
+/// @return contents with the empty text for a directory, and the version of no file; a schema that
+///         the bytes name is not looked for
 /// @exception std::bad_alloc
 KEL_EXPORT ProjectFile ParseProjectFile(const std::string& bytes, const std::string& schema_file);
 
@@ -75,9 +78,12 @@ struct FormatOptions {
 /// ("param", "dynparam", "defmacro", then others by name) and then by name, all else as in an
 /// export. The same contents give the same bytes, but for the stamps, on every platform.
 ///
+/// Plain parameters of a process, and the number of a type that has no text, are in no file.
+///
 /// @exception std::runtime_error "Failed writing XML file: " + reason + "\n" for contents that no
-///            project file can hold or that a load would not read alike, as with
-///            ExportProjectDataDurably
+///            project file can hold or that a load would read as something else: besides what
+///            ExportProjectDataDurably refuses, a process under any other name than its own, a map
+///            that the format does not have, a constraint or ISF file without a name
 /// @exception std::bad_alloc
 KEL_EXPORT std::string FormatProjectFile(const ProjectContents& contents,
                                          const FormatOptions& options = {});
@@ -115,12 +121,16 @@ KEL_EXPORT bool WriteProjectFile(const std::string& path, const ProjectContents&
                                  const WriteOptions& options = {});
 
 /// Keeps others who want the lock of a file away, in this process and in all others, for as long as
-/// it lives. It does not keep anybody from reading or writing who does not ask for it.
+/// it lives. It keeps nobody from reading or writing the file who does not ask for the lock; who
+/// replaces the file so, lets the next one in who asks.
 ///
 /// The lock is on the file itself, by whatever path or symbolic link it is reached, and goes over
-/// to the new file when this process replaces it by one of this library's safe saves. The system
-/// gives it back when the process ends, however that ends. A thread that asks for a lock that it
-/// holds waits for ever. A child process that fork makes has a share in it.
+/// to the new file when this process replaces it by one of this library's safe saves, even if that
+/// is through another hard link. The system gives it back when the process ends, however that ends;
+/// nothing stays behind. A thread that asks for a lock that it holds waits for ever. A child
+/// process that fork makes has a share in the lock, and takes it along if it replaces the file.
+///
+/// Threads: each may take locks; one object belongs to one thread at a time.
 class KEL_EXPORT ProjectFileLock {
  public:
   /// Waits until it has the lock.
@@ -152,7 +162,10 @@ struct UpdateOptions {
 
 /// Changes a project file, so that no change by anybody else who uses this function or
 /// ProjectFileLock is lost: takes the lock, reads the file, has its contents changed, and writes
-/// them with WriteProjectFile.
+/// them with WriteProjectFile. A program that replaces the file without the lock may lose changes.
+///
+/// What a load does not keep is lost: comments, deprecated and foreign elements, refused
+/// parameters.
 ///
 /// @param change is called once for each reading of the file, which is read again if somebody
 ///        without the lock replaced it meanwhile; an exception of it passes on, and nothing is

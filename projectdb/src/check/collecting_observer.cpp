@@ -64,8 +64,9 @@ std::string Tag(const DOMElement& element) {
 }
 
 void CollectingObserver::UnexpectedSection(const DOMElement& element) {
+  static const std::string expected = Tags(SectionNames());
   AddError(element, fmt::format("{} is not a section of a project file; expected {}", Tag(element),
-                                Tags(SectionNames())));
+                                expected));
 }
 
 void CollectingObserver::UnexpectedChild(const DOMElement& element, const Names& expected) {

@@ -57,7 +57,8 @@ class ProjectFileReader {
     const xml::Platform platform;
     const std::string uri = xml::FileUri(file_path);
     Read({VersionedInput(file, uri), uri, std::nullopt}, schema_file);
-    result_.version = file.Version();
+    // What a load gives up on, such as an endless file, is not read to its end.
+    result_.version = result_.contents ? file.Version() : file.VersionWithoutDigest();
     if (!result_.contents) return;
     result_.contents->current_path =
         paths::ToBytes(std::filesystem::absolute(file_path).parent_path());
@@ -65,7 +66,8 @@ class ProjectFileReader {
 
   void ReadBytes(const std::string& bytes, const std::string& schema_file) {
     const xml::Platform platform;
-    const std::string uri = xml::FileUri("bytes");
+    // Bytes have no directory in which a schema that they name could be.
+    const std::string uri = xml::FileUri("/dev/null/bytes");
     Read({xml::BytesInput(bytes, uri), uri, bytes}, schema_file);
   }
 

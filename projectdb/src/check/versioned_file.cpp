@@ -1,5 +1,6 @@
 #include "check/versioned_file.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 
@@ -13,6 +14,9 @@ namespace {
 // The 64-bit digest by Fowler, Noll and Vo: it tells changes apart that nobody made to deceive it.
 constexpr std::uint64_t kDigestStart = 0xCBF29CE484222325;
 constexpr std::uint64_t kDigestFactor = 0x100000001B3;
+
+// A load stops at a zero behind the project; an endless rest of zeros is not worth the time.
+constexpr std::uint64_t kMostDigested = std::uint64_t{256} << 20U;
 
 std::uint64_t Digest(std::uint64_t digest, const unsigned char* bytes, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) digest = (digest ^ bytes[i]) * kDigestFactor;
@@ -30,31 +34,46 @@ VersionedFile::VersionedFile(const std::string& path) : file_(path), digest_(kDi
 
 std::size_t VersionedFile::Read(unsigned char* target, std::size_t most) {
   const std::size_t size = file_.Read(target, most);
-  digest_ = Digest(digest_, target, size);
+  const std::uint64_t digested = std::min<std::uint64_t>(size, kMostDigested - digested_);
+  digest_ = Digest(digest_, target, static_cast<std::size_t>(digested));
+  digested_ += digested;
   return size;
 }
 
 ProjectFileVersion VersionedFile::Version() {
-  const struct stat& status = file_.status();
-  if (!S_ISREG(status.st_mode)) return {};
+  ProjectFileVersion version = VersionWithoutDigest();
+  if (version == ProjectFileVersion()) return version;
   constexpr std::size_t kBlockSize = 64 * 1024UL;
   std::array<unsigned char, kBlockSize> rest;
-  while (Read(rest.data(), rest.size()) > 0) {
+  while (digested_ < kMostDigested && Read(rest.data(), rest.size()) > 0) {
   }
+  version.bytes_digest = digest_;
+  return version;
+}
+
+ProjectFileVersion VersionedFile::VersionWithoutDigest() const {
+  const struct stat& status = file_.status();
+  if (!S_ISREG(status.st_mode)) return {};
   return {status.st_dev, status.st_ino, static_cast<std::uint64_t>(status.st_size),
-          Nanoseconds(status.st_mtim), digest_};
+          Nanoseconds(status.st_mtim), 0};
 }
 
 bool HasBytes(const ProjectFileVersion& version, std::string_view bytes) {
   const auto* begin = reinterpret_cast<const unsigned char*>(bytes.data());
+  const std::size_t digested = std::min<std::size_t>(bytes.size(), kMostDigested);
   return version.size == bytes.size() &&
-         version.bytes_digest == Digest(kDigestStart, begin, bytes.size());
+         version.bytes_digest == Digest(kDigestStart, begin, digested);
 }
 
-ProjectFileVersion VersionOf(const std::string& path) {
+bool IsOfVersion(const std::string& path, const ProjectFileVersion& version) {
   struct stat status {};
-  if (CallSystem("stat", ::stat, path.c_str(), &status) != 0 && errno == ENOENT) return {};
-  return VersionedFile(path).Version();
+  if (CallSystem("stat", ::stat, path.c_str(), &status) != 0 && errno == ENOENT) {
+    return version == ProjectFileVersion();
+  }
+  VersionedFile file(path);
+  ProjectFileVersion found = file.VersionWithoutDigest();
+  found.bytes_digest = version.bytes_digest;
+  return found == version && (version.bytes_digest == 0 || file.Version() == version);
 }
 
 }  // namespace projectdb::files

@@ -25,16 +25,21 @@ class VersionedFile {
   /// @exception Failure if the rest cannot be read
   ProjectFileVersion Version();
 
+  /// The version without a digest: that of a file which need not be read to its end.
+  ProjectFileVersion VersionWithoutDigest() const;
+
  private:
   InputFile file_;
   std::uint64_t digest_;
+  std::uint64_t digested_ = 0;  // Bytes.
 };
 
 /// Whether a file of this version has these bytes.
 bool HasBytes(const ProjectFileVersion& version, std::string_view bytes);
 
-/// The version of the file at a path; that of no file if there is none.
+/// Whether the file at a path is still that of a version, or still missing. Its bytes count if the
+/// version has a digest.
 /// @exception Failure if it cannot be read
-ProjectFileVersion VersionOf(const std::string& path);
+bool IsOfVersion(const std::string& path, const ProjectFileVersion& version);
 
 }  // namespace projectdb::files

@@ -17,6 +17,8 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds kShortestPause{1};
 constexpr std::chrono::milliseconds kLongestPause{50};
+// The clock ends some time; nobody waits so long.
+constexpr std::chrono::hours kForEver{24 * 365 * 100};
 
 std::mutex& RegistryMutex() {
   static std::mutex mutex;
@@ -34,6 +36,8 @@ bool IsSameFile(const struct stat& a, const struct stat& b) {
 }
 
 int OpenForLocking(const std::string& path) {
+  // Beyond a zero the system would not see the name.
+  if (path.find('\0') != std::string::npos) ThrowSystemFailure(EINVAL);
   // Not to wait for the other end of a pipe.
   constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
   return CallSystem("open", ::open, path.c_str(), kFlags);
@@ -80,6 +84,7 @@ bool IsNamed(const FileDescriptor& descriptor, const std::string& path) {
 
 std::unique_ptr<FileDescriptor> LockedFile(const std::string& path,
                                            std::optional<std::chrono::milliseconds> longest_wait) {
+  if (longest_wait > kForEver) longest_wait = std::nullopt;
   const auto end = Clock::now() + longest_wait.value_or(std::chrono::milliseconds::zero());
   for (;;) {
     std::unique_ptr<FileDescriptor> descriptor = OpenRegularFile(path);

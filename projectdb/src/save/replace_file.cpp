@@ -112,7 +112,9 @@ void ReplaceFile(const std::string& path, const Replacement& replacement) {
   RemoveAbandonedFiles(directory);
   TemporaryFile file(directory, target.former ? kOnlyForOwner : kAnyNewFile);
   WriteInto(file, replacement);
-  if (file.descriptor().Status().st_size == 0) return;
+  const struct stat written = file.descriptor().Status();
+  if (written.st_nlink == 0) throw Failure("the temporary file was removed");
+  if (written.st_size == 0) return;
   if (target.former) CopyPermissions(target.path, *target.former, file.descriptor());
   file.Flush();
   PutInPlace(file, target, replacement);

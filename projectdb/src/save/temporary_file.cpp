@@ -39,13 +39,17 @@ struct CloseDirectory {
   void operator()(DIR* stream) const { ::closedir(stream); }
 };
 
-bool IsAbandoned(const Directory& directory, const char* name) {
+// Nobody may take the file for their own between the look at its lock and its removal: its maker
+// waits for the lock, and then sees that the file is gone.
+void RemoveIfAbandoned(const Directory& directory, const char* name) {
   constexpr int kFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
   const int number = CallSystem("openat", ::openat, directory.descriptor(), name, kFlags);
-  if (number < 0) return false;
+  if (number < 0) return;
   const FileDescriptor file(number);
-  return S_ISREG(file.Status().st_mode) &&
-         CallSystem("flock", ::flock, file.number(), LOCK_EX | LOCK_NB) == 0;
+  if (S_ISREG(file.Status().st_mode) &&
+      CallSystem("flock", ::flock, file.number(), LOCK_EX | LOCK_NB) == 0) {
+    CallSystem("unlinkat", ::unlinkat, directory.descriptor(), name, 0);
+  }
 }
 
 int FlushToDisk(int descriptor) {
@@ -115,9 +119,7 @@ void RemoveAbandonedFiles(const Directory& directory) {
   // The standard library's iterator ends the program if memory runs short.
   const std::unique_ptr<DIR, CloseDirectory> stream(::opendir(directory.path().c_str()));
   while (const dirent* entry = stream ? ::readdir(stream.get()) : nullptr) {
-    if (IsTemporaryName(entry->d_name) && IsAbandoned(directory, entry->d_name)) {
-      CallSystem("unlinkat", ::unlinkat, directory.descriptor(), &entry->d_name[0], 0);
-    }
+    if (IsTemporaryName(entry->d_name)) RemoveIfAbandoned(directory, &entry->d_name[0]);
   }
 }
 

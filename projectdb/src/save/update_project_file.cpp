@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <optional>
 #include <stdexcept>
 
 #include <fmt/format.h>
@@ -31,16 +32,17 @@ ProjectFileLock Lock(const std::string& path, const UpdateOptions& options) {
                               : ProjectFileLock(path);
 }
 
-bool TryToUpdate(const std::string& path, const std::function<void(ProjectContents&)>& change,
-                 const UpdateOptions& options) {
-  const ProjectFileLock lock = Lock(path, options);
-  const ProjectFile file = ReadWithoutErrors(path, options);
-  ProjectContents contents = *file.contents;
-  change(contents);
+// Whether the file was written; nothing if somebody without the lock was faster.
+std::optional<bool> TryToWrite(const std::string& path, const ProjectFile& former,
+                               const ProjectContents& contents, const UpdateOptions& options) {
   WriteOptions write;
   write.keep_stamps = options.keep_stamps;
-  write.expected = file.version;
-  return WriteOver(path, file, contents, write);
+  write.expected = former.version;
+  try {
+    return WriteOver(path, former, contents, write);
+  } catch (const ProjectFileChanged&) {
+    return std::nullopt;
+  }
 }
 
 }  // namespace
@@ -48,11 +50,12 @@ bool TryToUpdate(const std::string& path, const std::function<void(ProjectConten
 bool UpdateProjectFile(const std::string& path, const std::function<void(ProjectContents&)>& change,
                        const UpdateOptions& options) {
   for (;;) {
-    try {
-      return TryToUpdate(path, change, options);
-    } catch (const ProjectFileChanged&) {
-      // Somebody without the lock was faster; their change is to be kept too.
-    }
+    const ProjectFileLock lock = Lock(path, options);
+    const ProjectFile file = ReadWithoutErrors(path, options);
+    ProjectContents contents = *file.contents;
+    change(contents);
+    const std::optional<bool> written = TryToWrite(path, file, contents, options);
+    if (written) return *written;
   }
 }
 

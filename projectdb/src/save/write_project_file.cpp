@@ -1,5 +1,6 @@
 #include "save/write_project_file.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -38,9 +39,17 @@ bool IsCanonical(const ProjectFile& former, const ProjectContents& contents,
   return files::HasBytes(former.version, bytes);
 }
 
+// Whether the file's contents are all that it says. An error in no line is of its name alone.
+bool IsWhole(const ProjectFile& file) {
+  return file.contents &&
+         std::none_of(file.problems.begin(), file.problems.end(), [](const FileProblem& problem) {
+           return problem.severity == ProblemSeverity::kError && problem.line > 0;
+         });
+}
+
 bool SaysTheSame(const ProjectFile& former, const ProjectContents& contents,
                  const WriteOptions& options) {
-  return former.contents && HaveSameProject(*former.contents, contents) &&
+  return IsWhole(former) && HaveSameProject(*former.contents, contents) &&
          (!options.canonical || IsCanonical(former, contents, options));
 }
 
@@ -66,7 +75,7 @@ bool Write(const std::string& path, const ProjectFile& former, const ProjectCont
   };
   if (options.expected) {
     replacement.confirm = [&] {
-      if (files::VersionOf(path) != *options.expected) ThrowChanged(path);
+      if (!files::IsOfVersion(path, *options.expected)) ThrowChanged(path);
     };
     replacement.refuse = [&] { ThrowChanged(path); };
   }
