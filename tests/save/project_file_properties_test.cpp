@@ -43,7 +43,7 @@ ProjectContents Storable(ProjectContents project) {
 ProjectContents Writable(const ProjectContents& project) {
   ProjectContents writable = Storable(project);
   for (const FlowProcessName& name : kFlowProcesses) {
-    FlowProcessContents& process = writable.flow_processes[name.type];
+    FlowProcessContents& process = writable.flow_processes.at(static_cast<std::size_t>(name.type));
     process.name = name.name;
     process.parameters.clear();
     std::map<std::string, SortedParameters> maps;

@@ -54,6 +54,7 @@ struct ProjectFile {
 /// Reads a file, which is opened once; a pipe is read as well. A name that does not end in ".xml"
 /// is a problem of severity error, but no obstacle: the contents are there.
 ///
+/// @param path native path
 /// @param schema_file native path of the XML schema, or "" as with
 ///        KelProjectDatabase::LoadProjectData; one that does not exist is a warning
 /// @exception std::bad_alloc
@@ -151,8 +152,8 @@ class KEL_EXPORT ProjectFileLock {
 
 /// How UpdateProjectFile goes about it.
 struct UpdateOptions {
-  std::string schema_file = "";  ///< As with ReadProjectFile.
-  bool keep_stamps = false;      ///< As with FormatProjectFile.
+  std::string schema_file;   ///< As with ReadProjectFile.
+  bool keep_stamps = false;  ///< As with FormatProjectFile.
   /// Whether a file with problems of severity error is changed too, if it has contents; what a load
   /// leaves out is then lost.
   bool despite_errors = false;
@@ -167,9 +168,11 @@ struct UpdateOptions {
 /// What a load does not keep is lost: comments, deprecated and foreign elements, refused
 /// parameters.
 ///
+/// @param path native path of a project file
 /// @param change is called once for each reading of the file, which is read again if somebody
 ///        without the lock replaced it meanwhile; an exception of it passes on, and nothing is
 ///        written
+/// @param options what else there is to choose
 /// @return whether the file was written
 /// @exception std::runtime_error with the first error of the file, or as ProjectFileLock and
 ///            WriteProjectFile; the file is then as it was

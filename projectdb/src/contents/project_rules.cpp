@@ -80,7 +80,8 @@ void RequireMapsOfTheFormat(const FlowProcessContents& process, ProcType type) {
   for (const auto& [name, parameters] : process.parameter_maps) {
     if (parameters.empty() || IsMapOf(type, name)) continue;
     throw std::invalid_argument(fmt::format("{}.{}: no project file keeps a map of this name",
-                                            kFlowProcesses[type].name, MapKey(name)));
+                                            kFlowProcesses.at(static_cast<std::size_t>(type)).name,
+                                            MapKey(name)));
   }
 }
 
