@@ -291,7 +291,7 @@ TEST_F(Export, ExportProjectData_UnnamedProcesses_AreWrittenUnderTheirDefaultNam
   const XmlElement root = ExportedRoot();
   for (const ProcType type : kProcesses) {
     const std::string number = std::to_string(type);
-    const std::string name = kFlowProcesses[type].name;
+    const std::string name = kFlowProcesses.at(static_cast<std::size_t>(type)).name;
     EXPECT_EQ(Show(root.children.at(7 + static_cast<std::size_t>(type))),
               "<" + name + " tool_name=\"tool" + number + "\"><param name=\"p\" value=\"" + number +
                   "\"/></" + name + ">");
