@@ -165,7 +165,7 @@ std::vector<Change> Changes() {
       {"SetDesignTopVHDLArchitecture", &Db::SetDesignTopVHDLArchitecture},
       {"SetSynthesisExecutableName", &Db::SetSynthesisExecutableName}};
   for (const auto& [name, setter] : setters) {
-    changes.push_back({name, [&s, set = setter](Db& db) { (db.*set)(s.name); }});
+    changes.push_back({name, [set = setter](Db& db) { (db.*set)(s.name); }});
   }
   return changes;
 }
