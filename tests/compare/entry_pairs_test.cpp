@@ -79,10 +79,10 @@ TEST(EntryPairs, LongestAscent_AnyOrder_GivesAsManyAsCanBe) {
         *rc::gen::unique<std::vector<std::size_t>>(rc::gen::inRange<std::size_t>(0, 1000));
     const Pairs ascent = Show(LongestAscent(Numbered(numbers)));
     RC_ASSERT(ascent.size() == LengthOfAscent(numbers));
-    for (std::size_t i = 0; i < ascent.size(); ++i) {
-      RC_ASSERT(numbers.at(ascent[i].first) == ascent[i].second);
-      RC_ASSERT(i == 0 || ascent[i - 1] < ascent[i]);
-      RC_ASSERT(i == 0 || ascent[i - 1].second < ascent[i].second);
+    for (const auto& [place, number] : ascent) RC_ASSERT(numbers.at(place) == number);
+    for (std::size_t i = 1; i < ascent.size(); ++i) {
+      RC_ASSERT(ascent[i - 1].first < ascent[i].first);
+      RC_ASSERT(ascent[i - 1].second < ascent[i].second);
     }
   }));
 }
