@@ -42,14 +42,31 @@ TEST_P(Change, FileThatDoesNotLoad_IsNotWritten) {
 
 TEST_P(Change, FileThatDoesNotLoad_IsToldWithThePlaceOfTheError) {
   Write("blinker.xml", "<project>\n  <floorplan/>\n</project>\n");
-  EXPECT_THAT(Run(GetParam()).err, HasSubstr("\nblinker.xml:2:3: error: "));
+  EXPECT_THAT(Run(GetParam()).err, HasSubstr("blinker.xml:2:3: error: "));
+}
+
+TEST_P(Change, FileThatOnlyTheSchemaRefuses_IsWrittenByForceAlone) {
+  const std::string bytes = "<project>\n  <device_info/>\n</project>\n";
+  Write("blinker.xml", bytes);
+  const auto refused = Run(GetParam());
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_THAT(refused.err, AllOf(StartsWith("blinker.xml:1:10: error: "),
+                                 EndsWith("kelproj: error: blinker.xml has errors; it is "
+                                          "not changed without --force\n")));
+  EXPECT_EQ(Read("blinker.xml"), bytes);
+  Command forced = GetParam();
+  forced.emplace_back("--force");
+  const auto done = Run(forced);
+  EXPECT_EQ(done.status, 0);
+  EXPECT_THAT(done.err, HasSubstr("blinker.xml:1:10: error: "));
+  EXPECT_NE(Read("blinker.xml"), bytes);
 }
 
 TEST_P(Change, ParameterThatIsNotKept_IsToldWithItsPlace) {
   Write("blinker.xml",
-        "<project>\n  <debugger>\n"
-        "    <param name=\"cable\" value=\"\" value_type=\"e_string\"/>\n"
-        "  </debugger>\n</project>\n");
+        "<kel:project xmlns:kel=\"http://schema.kel.example/wdp_proj\">\n  <kel:debugger>\n"
+        "    <kel:param name=\"cable\" value=\"\" value_type=\"e_string\"/>\n"
+        "  </kel:debugger>\n</kel:project>\n");
   const auto outcome = Run(GetParam());
   EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.err, HasSubstr("blinker.xml:3:5: warning: "));

@@ -44,10 +44,7 @@ TEST_F(Get, Verbose_ReportsTheReadingOnStandardError) {
 }
 
 TEST_F(Get, MissingFile_FailsWithTheReason) {
-  const auto outcome = Run({"get", "blinker.xml", "name"});
-  EXPECT_EQ(outcome.status, 2);
-  EXPECT_THAT(outcome.err,
-              StartsWith("kelproj: error: Project XML file \"blinker.xml\" does not exist\n"));
+  EXPECT_EQ(Run({"get", "blinker.xml", "name"}), Failed("blinker.xml does not exist"));
 }
 
 TEST_F(Get, FullStandardOutput_Fails) {

@@ -116,7 +116,7 @@ TEST_F(BashCompletion, UnfinishedWord_IsOfferedWhatMayStandThere) {
   using Words = std::vector<std::string>;
   const std::pair<Words, Words> cases[] = {
       // A command, also behind an option of the program.
-      {{"s"}, {"show", "set", "set-interface"}},
+      {{"s"}, {"set", "set-interface", "show"}},
       {{"--verbose", "ch"}, {"check"}},
       // An option of the program, or of the command before it.
       {{"--ver"}, {"--version", "--verbose"}},

@@ -121,6 +121,15 @@ TEST_F(Update, FileWithAnErrorDespiteErrors_IsChanged) {
   EXPECT_EQ(Contents().project_name, "x");
 }
 
+TEST_F(Update, Reading_IsGivenToTheCallerWithItsProblemsBeforeTheyEndTheUpdate) {
+  Write("p.xml", ProjectXml("<kel:floorplan/>"));
+  UpdateOptions options;
+  std::size_t problems = 0;
+  options.on_reading = [&](const ProjectFile& file) { problems = file.problems.size(); };
+  EXPECT_NE(UpdateError([](ProjectContents&) {}, options), "");
+  EXPECT_EQ(problems, 1u);
+}
+
 TEST_F(Update, FileThatDoesNotLoad_IsRefusedDespiteErrors) {
   Write("p.xml", "<project");
   UpdateOptions options;

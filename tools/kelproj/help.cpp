@@ -58,23 +58,43 @@ std::string Alternatives(const CLI::App& app, const CLI::Option& first) {
       names += "|" + ShortestName(*option);
     }
   }
-  return " " + names;
+  return names;
 }
 
 std::string OptionSynopsis(const CLI::App& app, const CLI::Option& option) {
   if (&option == app.get_help_ptr() || &option == app.get_version_ptr()) return "";
   if (!option.get_excludes().empty()) return Alternatives(app, option);
   const std::string text = ShortestName(option) + ValueOf(option);
-  return option.get_required() ? " " + text : " [" + text + "]";
+  return option.get_required() ? text : "[" + text + "]";
 }
 
-/// How a command, or the program, is called.
-std::string Synopsis(const CLI::App& app) {
-  std::string synopsis = app.get_parent() ? app.get_parent()->get_name() + " " : "";
-  synopsis += app.get_name();
-  for (const CLI::Option* option : OptionsOf(app, true)) synopsis += " " + PositionalName(*option);
-  for (const CLI::Option* option : OptionsOf(app, false)) synopsis += OptionSynopsis(app, *option);
-  if (!CommandsOf(app).empty()) synopsis += " COMMAND ...";
+std::string NameOf(const CLI::App& app) {
+  return app.get_parent() ? app.get_parent()->get_name() + " " + app.get_name() : app.get_name();
+}
+
+/// How a command, or the program, is called: lines that are indented like the first argument where
+/// they go on.
+/// @param indentation of the whole, which counts for the width too
+std::string Synopsis(const CLI::App& app, std::size_t indentation) {
+  constexpr std::size_t kWidth = 79;
+  std::vector<std::string> parts;
+  for (const CLI::Option* option : OptionsOf(app, true)) parts.push_back(PositionalName(*option));
+  for (const CLI::Option* option : OptionsOf(app, false)) {
+    parts.push_back(OptionSynopsis(app, *option));
+  }
+  if (!CommandsOf(app).empty()) parts.emplace_back("COMMAND ...");
+  std::string synopsis = NameOf(app);
+  const std::string line_break = "\n" + std::string(indentation + synopsis.size(), ' ');
+  std::size_t width = indentation + synopsis.size();
+  for (const std::string& part : parts) {
+    if (part.empty()) continue;
+    if (width + 1 + part.size() > kWidth) {
+      synopsis += line_break;
+      width = line_break.size() - 1;
+    }
+    synopsis += " " + part;
+    width += 1 + part.size();
+  }
   return synopsis;
 }
 
@@ -95,7 +115,8 @@ class Formatter : public CLI::Formatter {
   }
 
   std::string make_usage(const CLI::App* app, std::string /*name*/) const override {
-    return "\nUsage: " + Synopsis(*app) + "\n";
+    constexpr std::string_view kTitle = "Usage: ";
+    return "\n" + std::string(kTitle) + Synopsis(*app, kTitle.size()) + "\n";
   }
   std::string make_option_name(const CLI::Option* option, bool /*positional*/) const override {
     return Term(*option);
@@ -116,7 +137,8 @@ class Manual {
 
   void Synopsis(const CLI::App& command) {
     Verbatim(true);
-    Line(kelproj::Synopsis(command));
+    std::istringstream lines(kelproj::Synopsis(command, 0));
+    for (std::string line; std::getline(lines, line);) Line(line);
     Verbatim(false);
   }
 

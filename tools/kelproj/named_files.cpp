@@ -72,6 +72,19 @@ std::vector<NamedFile> FilesOf(const ProjectContents& project) {
   return collection.files();
 }
 
+std::string StoredName(const std::string& name, const std::filesystem::path& project_directory) {
+  const std::filesystem::path path(name);
+  if (path.is_absolute()) return name;
+  return std::filesystem::absolute(path)
+      .lexically_normal()
+      .lexically_relative(project_directory.lexically_normal())
+      .string();
+}
+
+std::string NameFromHere(const std::filesystem::path& path) {
+  return path.lexically_normal().lexically_relative(std::filesystem::current_path()).string();
+}
+
 bool IsFile(const std::filesystem::path& path) {
   // What cannot be asked for is not there.
   std::error_code error;

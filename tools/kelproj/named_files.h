@@ -20,6 +20,13 @@ struct NamedFile {
 /// All files that the project names, in the order of its lists.
 std::vector<NamedFile> FilesOf(const projectdb::ProjectContents& project);
 
+/// The name under which a project stores a file that the user names from where he stands: relative
+/// to the project's directory. An absolute name stays.
+std::string StoredName(const std::string& name, const std::filesystem::path& project_directory);
+
+/// How the user names a file from where he stands.
+std::string NameFromHere(const std::filesystem::path& path);
+
 /// Whether a file is there; a directory is none.
 bool IsFile(const std::filesystem::path& path);
 

@@ -6,7 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "arguments.h"
+#include "arguments/arguments.h"
 
 namespace kelproj {
 namespace {

@@ -1,25 +1,40 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 #include <string>
+#include <vector>
 
-#include <projectdb/project_db.h>
+#include <projectdb/check.h>
+#include <projectdb/project_contents.h>
 
 #include "console.h"
 
 namespace kelproj {
 
-/// A new object that holds the file's project.
-/// @exception Trouble if the file does not load whole, with the problems listed on the console
-std::unique_ptr<projectdb::KelProjectDatabase> LoadProject(const std::string& file,
-                                                           const Console& console);
+/// Requires that something can be read from the path.
+/// @exception Trouble that says what it is instead: nothing, a directory, a file that may not be
+///            read
+void RequireReadable(const std::string& path);
 
-/// Loads the project, changes it and saves it to the same file, in canonical order and under the
-/// file's lock, for which it waits; what of the file is not kept is told on the console. A file
-/// that does not load whole is never written, and neither is one that would say the same.
+bool HasError(const std::vector<projectdb::FileProblem>& problems);
+
+/// The project of a file, whose problems are listed on the console.
+/// @exception Trouble if the file cannot be read or does not load whole
+projectdb::ProjectContents ReadProject(const std::string& file, const Console& console);
+
+/// What every command that changes a project is given.
+struct ChangedFile {
+  std::string path;
+  bool despite_errors = false;  ///< What of the file does not load is lost then.
+};
+
+/// Changes the project of a file and saves it, in canonical order and under the file's lock, for
+/// which it waits. What of the file is not kept is told on the console. A file that would say the
+/// same is not written.
 /// @param change throws if there is nothing to be saved
-void ChangeProject(const std::string& file, const Console& console,
-                   const std::function<void(projectdb::KelProjectDatabase&)>& change);
+/// @exception Trouble if the file cannot be read, or if it has errors by a load or the installed
+///            schema and is not to be changed despite them
+void ChangeProject(const ChangedFile& file, const Console& console,
+                   const std::function<void(projectdb::ProjectContents&)>& change);
 
 }  // namespace kelproj

@@ -159,6 +159,9 @@ struct UpdateOptions {
   bool despite_errors = false;
   /// How long to wait for the file's lock; for ever if not given.
   std::optional<std::chrono::milliseconds> longest_wait = std::nullopt;
+  /// Is given what each reading of the file gave, before an error in it ends the update and before
+  /// the contents change: who tells people of the problems needs no reading of their own.
+  std::function<void(const ProjectFile&)> on_reading = nullptr;
 };
 
 /// Changes a project file, so that no change by anybody else who uses this function or

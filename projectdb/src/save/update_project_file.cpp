@@ -19,6 +19,7 @@ std::string TextOf(const std::string& path, const FileProblem& problem) {
 
 ProjectFile ReadWithoutErrors(const std::string& path, const UpdateOptions& options) {
   ProjectFile file = ReadProjectFile(path, options.schema_file);
+  if (options.on_reading) options.on_reading(file);
   if (file.contents && options.despite_errors) return file;
   const auto error = std::find_if(
       file.problems.begin(), file.problems.end(),

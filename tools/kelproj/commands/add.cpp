@@ -1,9 +1,10 @@
 #include <algorithm>
+#include <filesystem>
 
-#include <projectdb/project_db.h>
+#include <projectdb/project_contents.h>
 #include <projectdb/vocabulary.h>
 
-#include "commands.h"
+#include "commands/changing.h"
 #include "named_files.h"
 #include "stored_project.h"
 
@@ -11,7 +12,7 @@ namespace kelproj {
 namespace {
 
 using projectdb::DesignFile;
-using projectdb::KelProjectDatabase;
+using projectdb::ProjectContents;
 
 bool IsSource(FileKind kind) { return kind == FileKind::kRtl || kind == FileKind::kSim; }
 
@@ -35,29 +36,34 @@ std::vector<DesignFile> DesignFiles(const AddArguments& arguments) {
   return files;
 }
 
-[[noreturn]] void RefuseTimingConstraintFile(const std::string& path) {
-  throw Trouble("\"" + path + "\" is no timing constraint file: its name must end in " +
-                KelProjectDatabase::SDC_FILE_EXT + " and not be that of a directory");
-}
-
-void AddTimingConstraintFiles(KelProjectDatabase& database, const std::vector<std::string>& paths) {
+void RequireTimingConstraintFiles(const std::vector<std::string>& paths,
+                                  const std::filesystem::path& directory) {
   for (const std::string& path : paths) {
-    if (!database.AddTimingConstraintFile(path)) RefuseTimingConstraintFile(path);
+    if (projectdb::HasEnding(path, projectdb::kTimingConstraintFileEnding) &&
+        !std::filesystem::is_directory(directory / path)) {
+      continue;
+    }
+    throw Trouble("\"" + path + "\" is no timing constraint file: its name must end in " +
+                  projectdb::kTimingConstraintFileEnding + " and not be that of a directory");
   }
 }
 
-void AddFiles(KelProjectDatabase& database, const AddArguments& arguments) {
-  std::vector<std::string> paths = arguments.paths;
-  std::vector<DesignFile> files = DesignFiles(arguments);
+template <typename Entry>
+void Append(std::vector<Entry>& list, const std::vector<Entry>& entries) {
+  list.insert(list.end(), entries.begin(), entries.end());
+}
+
+void AddFiles(ProjectContents& project, const AddArguments& arguments) {
   switch (*arguments.kind) {
     case FileKind::kRtl:
-      return database.AddDesignRTLFile(files);
+      return Append(project.design_info.design_files, DesignFiles(arguments));
     case FileKind::kSim:
-      return database.AddSimulationTestBenchFile(files);
+      return Append(project.sim_files, DesignFiles(arguments));
     case FileKind::kMisc:
-      return database.AddMiscellaneousFile(paths);
+      return Append(project.misc_files, DesignFiles(arguments));
     case FileKind::kSdc:
-      return AddTimingConstraintFiles(database, paths);
+      RequireTimingConstraintFiles(arguments.paths, project.current_path);
+      return Append(project.design_constraint.sdc_files, arguments.paths);
   }
 }
 
@@ -65,9 +71,9 @@ void AddFiles(KelProjectDatabase& database, const AddArguments& arguments) {
 
 ExitStatus Run(const AddArguments& arguments, const Console& console) {
   RequireArgumentsOfKind(arguments);
-  ChangeProject(arguments.file, console, [&](KelProjectDatabase& database) {
-    AddFiles(database, arguments);
-    WarnOfMissingFiles(console, database.GetProjectCurrentPath(), arguments.paths);
+  ChangeProject(arguments.file, console, [&](ProjectContents& project) {
+    AddFiles(project, arguments);
+    WarnOfMissingFiles(console, project.current_path, arguments.paths);
   });
   return ExitStatus::kYes;
 }

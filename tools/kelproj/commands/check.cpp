@@ -1,12 +1,11 @@
 #include <algorithm>
 #include <ostream>
+#include <utility>
 
-#include <projectdb/check.h>
-#include <projectdb/project_contents.h>
-#include <projectdb/project_db.h>
+#include <projectdb/project_file.h>
 #include <unistd.h>
 
-#include "commands.h"
+#include "commands/asking.h"
 #include "installed_schema.h"
 #include "json.h"
 #include "named_files.h"
@@ -18,25 +17,17 @@ namespace {
 
 using projectdb::FileProblem;
 using projectdb::ProblemSeverity;
+using projectdb::ProjectContents;
+using projectdb::ProjectFile;
 
 struct CheckedFile {
   std::string name;
   std::vector<FileProblem> problems;
 };
 
-bool HasError(const CheckedFile& file) {
-  return std::any_of(file.problems.begin(), file.problems.end(), [](const FileProblem& problem) {
-    return problem.severity == ProblemSeverity::kError;
-  });
-}
-
-// Of a file that loads.
-std::vector<FileProblem> MissingFiles(const std::string& file) {
-  std::ostream nowhere(nullptr);
-  const LibraryMessages unheard(nowhere, false);
-  const auto database = LoadProject(file, {nowhere, nowhere, false});
+std::vector<FileProblem> MissingFiles(const ProjectContents& project) {
   std::vector<FileProblem> problems;
-  for (const NamedFile& named : FilesOf(projectdb::GetProjectContents(*database))) {
+  for (const NamedFile& named : FilesOf(project)) {
     if (IsFile(named.path)) continue;
     problems.push_back(
         {ProblemSeverity::kError, 0, 0, named.place + ": \"" + named.name + "\" does not exist"});
@@ -45,9 +36,10 @@ std::vector<FileProblem> MissingFiles(const std::string& file) {
 }
 
 CheckedFile Check(const std::string& name, const std::string& schema, bool list_missing_files) {
-  CheckedFile file{name, projectdb::CheckProjectFile(name, schema)};
-  if (list_missing_files && !HasError(file)) {
-    const std::vector<FileProblem> missing = MissingFiles(name);
+  ProjectFile read = projectdb::ReadProjectFile(name, schema);
+  CheckedFile file{name, std::move(read.problems)};
+  if (list_missing_files && read.contents && !HasError(file.problems)) {
+    const std::vector<FileProblem> missing = MissingFiles(*read.contents);
     file.problems.insert(file.problems.end(), missing.begin(), missing.end());
   }
   return file;
@@ -91,7 +83,10 @@ ExitStatus Run(const CheckArguments& arguments, const Console& console) {
   }
   Write(console, files, arguments.json);
   if (has_trouble) return ExitStatus::kTrouble;
-  return std::any_of(files.begin(), files.end(), HasError) ? ExitStatus::kNo : ExitStatus::kYes;
+  return std::any_of(files.begin(), files.end(),
+                     [](const CheckedFile& file) { return HasError(file.problems); })
+             ? ExitStatus::kNo
+             : ExitStatus::kYes;
 }
 
 }  // namespace kelproj

@@ -5,7 +5,7 @@
 #include <projectdb/compare.h>
 #include <projectdb/project_contents.h>
 
-#include "commands.h"
+#include "commands/asking.h"
 #include "json.h"
 #include "stored_project.h"
 
@@ -32,7 +32,7 @@ constexpr char kNoFile[] = "/dev/null";
 
 ProjectContents Contents(const std::string& file, const Console& console) {
   if (file == kNoFile) return {};
-  return projectdb::GetProjectContents(*LoadProject(file, console));
+  return ReadProject(file, console);
 }
 
 Comparison Compare(const Side& before, const Side& after, const Console& console) {

@@ -1,8 +1,6 @@
 #include <ostream>
 
-#include <projectdb/project_contents.h>
-
-#include "commands.h"
+#include "commands/asking.h"
 #include "keys.h"
 #include "stored_project.h"
 
@@ -10,8 +8,7 @@ namespace kelproj {
 
 ExitStatus Run(const GetArguments& arguments, const Console& console) {
   const Key key = FindKey(arguments.key);
-  const auto database = LoadProject(arguments.file, console);
-  const auto value = key.read(projectdb::GetProjectContents(*database));
+  const auto value = key.read(ReadProject(arguments.file, console));
   if (!value) return ExitStatus::kNo;
   console.out << *value << '\n';
   return ExitStatus::kYes;

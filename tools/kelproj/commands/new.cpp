@@ -3,7 +3,7 @@
 #include <projectdb/durable_export.h>
 #include <projectdb/project_db.h>
 
-#include "commands.h"
+#include "commands/changing.h"
 
 namespace kelproj {
 namespace {

@@ -1,12 +1,11 @@
 #include <projectdb/project_contents.h>
 
-#include "commands.h"
+#include "commands/changing.h"
 #include "keys.h"
 #include "stored_project.h"
 
 namespace kelproj {
 
-using projectdb::KelProjectDatabase;
 using projectdb::ProjectContents;
 
 ExitStatus Run(const SetArguments& arguments, const Console& console) {
@@ -17,11 +16,8 @@ ExitStatus Run(const SetArguments& arguments, const Console& console) {
     if (!key.has_type) throw Trouble(arguments.key + " has no type: only parameters have one");
     type = ParameterTypeFromName(*arguments.type);
   }
-  ChangeProject(arguments.file, console, [&](KelProjectDatabase& database) {
-    ProjectContents project = projectdb::GetProjectContents(database);
-    key.write(project, arguments.value, type);
-    projectdb::SetProjectContents(database, project);
-  });
+  ChangeProject(arguments.file, console,
+                [&](ProjectContents& project) { key.write(project, arguments.value, type); });
   return ExitStatus::kYes;
 }
 

@@ -1,7 +1,6 @@
 #include <projectdb/project_contents.h>
-#include <projectdb/project_db.h>
 
-#include "commands.h"
+#include "commands/changing.h"
 #include "keys.h"
 #include "named_files.h"
 #include "stored_project.h"
@@ -10,11 +9,9 @@ namespace kelproj {
 
 ExitStatus Run(const SetInterfaceArguments& arguments, const Console& console) {
   const Key key = FindKey("constraint.interface");
-  ChangeProject(arguments.file, console, [&](projectdb::KelProjectDatabase& database) {
-    projectdb::ProjectContents project = projectdb::GetProjectContents(database);
+  ChangeProject(arguments.file, console, [&](projectdb::ProjectContents& project) {
     key.write(project, arguments.path, std::nullopt);
-    projectdb::SetProjectContents(database, project);
-    WarnOfMissingFiles(console, database.GetProjectCurrentPath(), {arguments.path});
+    WarnOfMissingFiles(console, project.current_path, {arguments.path});
   });
   return ExitStatus::kYes;
 }

@@ -5,7 +5,7 @@
 #include <projectdb/project_contents.h>
 #include <projectdb/vocabulary.h>
 
-#include "commands.h"
+#include "commands/asking.h"
 #include "json.h"
 #include "shown_terms.h"
 #include "stored_project.h"
@@ -142,8 +142,7 @@ void ShowProcess(Report& report, const std::string& title, const FlowProcessCont
 }  // namespace
 
 ExitStatus Run(const ShowArguments& arguments, const Console& console) {
-  const ProjectContents project =
-      projectdb::GetProjectContents(*LoadProject(arguments.file, console));
+  const ProjectContents project = ReadProject(arguments.file, console);
   if (arguments.json) {
     WriteJson(console.out, ToJson(project));
     return ExitStatus::kYes;

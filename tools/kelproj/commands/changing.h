@@ -5,9 +5,11 @@
 #include <vector>
 
 #include "console.h"
+#include "stored_project.h"
 
-/// The commands: what each is given, and the function that runs it. File names are native paths.
-/// What cannot be done throws Trouble or an exception of the library; nothing is changed then.
+/// The commands that change project files: what each is given, and the function that runs it. File
+/// names are native paths. What cannot be done throws Trouble or an exception of the library;
+/// nothing is changed then.
 namespace kelproj {
 
 struct NewArguments {
@@ -20,28 +22,8 @@ struct NewArguments {
 };
 ExitStatus Run(const NewArguments& arguments, const Console& console);
 
-struct ShowArguments {
-  std::string file;
-  bool json = false;
-};
-ExitStatus Run(const ShowArguments& arguments, const Console& console);
-
-struct CheckArguments {
-  std::vector<std::string> files;
-  std::optional<std::string> schema;
-  bool list_missing_files = false;
-  bool json = false;
-};
-ExitStatus Run(const CheckArguments& arguments, const Console& console);
-
-struct GetArguments {
-  std::string file;
-  std::string key;
-};
-ExitStatus Run(const GetArguments& arguments, const Console& console);
-
 struct SetArguments {
-  std::string file;
+  ChangedFile file;
   std::string key;
   std::string value;
   std::optional<std::string> type;
@@ -51,7 +33,7 @@ ExitStatus Run(const SetArguments& arguments, const Console& console);
 enum class FileKind { kRtl, kSim, kMisc, kSdc };
 
 struct AddArguments {
-  std::string file;
+  ChangedFile file;
   std::vector<std::string> paths;
   std::optional<FileKind> kind;
   std::optional<std::string> hdl_version;
@@ -60,15 +42,9 @@ struct AddArguments {
 ExitStatus Run(const AddArguments& arguments, const Console& console);
 
 struct SetInterfaceArguments {
-  std::string file;
+  ChangedFile file;
   std::string path;
 };
 ExitStatus Run(const SetInterfaceArguments& arguments, const Console& console);
-
-struct DiffArguments {
-  std::vector<std::string> operands;  ///< Two files, or what git gives an external diff.
-  bool json = false;
-};
-ExitStatus Run(const DiffArguments& arguments, const Console& console);
 
 }  // namespace kelproj

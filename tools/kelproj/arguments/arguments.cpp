@@ -1,0 +1,104 @@
+#include "arguments/arguments.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <kel/version.h>
+#include <CLI/CLI.hpp>
+
+#include "arguments/definition.h"
+#include "help.h"
+
+namespace kelproj {
+namespace {
+
+constexpr char kProgramHelp[] =
+    R"(Exit status:
+  0  done; the answer is yes
+  1  done; the answer is no: there is no such value, the file has errors, the
+     projects differ
+  2  trouble: not done, and no file changed
+
+Data goes to standard output, messages go to standard error. What is written
+for people is coloured on a terminal unless the environment variable NO_COLOR
+is set. An argument that begins with a hyphen stands behind a lone "--".
+
+A change is saved so that the project file is the former one or the new one,
+whole, at every moment. A file that does not load whole is never written. The
+file is written anew from the project alone: comments, a security section and
+what "kelproj check" warns of are not kept.
+
+Example:
+  kelproj new blinker -o blinker.xml --top blinker_top
+  kelproj add blinker.xml --rtl rtl/blinker.v --hdl-version verilog_2001
+  kelproj set blinker.xml synthesis.param.max_threads 4
+  kelproj check blinker.xml --files
+  kelproj show blinker.xml)";
+
+// The parser takes a text in brackets for a list, and a lone "--" for the end of a command that has
+// all that it needs. A mark before a word, which is taken off the parsed text, has it stand for
+// itself.
+constexpr char kMark = '\x01';
+
+std::vector<std::string> Marked(const std::vector<std::string>& words) {
+  std::vector<std::string> marked;
+  bool is_behind_hyphens = false;
+  for (const std::string& word : words) {
+    if (word == "--" && !is_behind_hyphens) {
+      is_behind_hyphens = true;
+    } else if (is_behind_hyphens || (!word.empty() && (word[0] == '[' || word[0] == kMark))) {
+      marked.push_back(kMark + word);
+    } else {
+      marked.push_back(word);
+    }
+  }
+  return marked;
+}
+
+std::string Unmarked(const std::string& text) {
+  return !text.empty() && text.front() == kMark ? text.substr(1) : text;
+}
+
+void UnmarkTexts(CLI::App& command) {
+  for (CLI::Option* option : command.get_options()) {
+    if (option->get_items_expected_max() > 0) option->transform(Unmarked, "");
+  }
+}
+
+}  // namespace
+
+Arguments::Arguments()
+    : program_(std::make_unique<CLI::App>("Inspect, check and change project files", "kelproj")) {
+  program_->formatter(HelpFormatter());
+  program_->footer(kProgramHelp);
+  program_->set_help_flag("-h,--help", "Print this help");
+  program_->set_version_flag("--version", KEL_VERSION_NO, "Print the version");
+  program_->add_flag("-v,--verbose", verbose_, "Report what is being done");
+  program_->require_subcommand(1);
+  program_->fallthrough();
+  DefineChangingCommands(*program_, request_);
+  DefineAskingCommands(*program_, request_);
+  DefineTextCommands(*program_, request_);
+  for (CLI::App* command : program_->get_subcommands({})) UnmarkTexts(*command);
+}
+
+Arguments::~Arguments() = default;
+
+void Arguments::Parse(const std::vector<std::string>& arguments) {
+  std::vector<std::string> words = Marked(arguments);
+  // The parser takes them from the end.
+  std::reverse(words.begin(), words.end());
+  program_->parse(std::move(words));
+}
+
+std::string Arguments::Reason(const CLI::ParseError& error) const {
+  const std::vector<std::string> unknown = program_->remaining();
+  const bool has_command = !program_->get_subcommands().empty();
+  std::string reason = has_command || unknown.empty()
+                           ? error.what()
+                           : "there is no command or option \"" + unknown.front() + "\"";
+  reason.erase(std::remove(reason.begin(), reason.end(), kMark), reason.end());
+  return reason;
+}
+
+}  // namespace kelproj

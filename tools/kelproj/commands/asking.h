@@ -1,0 +1,39 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "console.h"
+
+/// The commands that ask project files: what each is given, and the function that runs it. File
+/// names are native paths. What cannot be done throws Trouble or an exception of the library.
+namespace kelproj {
+
+struct ShowArguments {
+  std::string file;
+  bool json = false;
+};
+ExitStatus Run(const ShowArguments& arguments, const Console& console);
+
+struct CheckArguments {
+  std::vector<std::string> files;
+  std::optional<std::string> schema;
+  bool list_missing_files = false;
+  bool json = false;
+};
+ExitStatus Run(const CheckArguments& arguments, const Console& console);
+
+struct GetArguments {
+  std::string file;
+  std::string key;
+};
+ExitStatus Run(const GetArguments& arguments, const Console& console);
+
+struct DiffArguments {
+  std::vector<std::string> operands;  ///< Two files, or what git gives an external diff.
+  bool json = false;
+};
+ExitStatus Run(const DiffArguments& arguments, const Console& console);
+
+}  // namespace kelproj
