@@ -413,12 +413,12 @@ ParameterMap& DebuggerParameters(KelProjectDatabase& database) {
 std::vector<ForeignChange> ForeignChanges() {
   std::vector<ForeignChange> changes = {
       {"parameter inserted under another key",
-       "the parameter \"name\" is stored under the name \"key\"",
+       "debugger.param.key: the parameter's name is \"name\"",
        [](auto& db) {
          KelProjectDatabase::InsertOrAssignParameterToMap(DebuggerParameters(db), "key",
                                                           Parameter("name", "v", e_string));
        }},
-      {"parameter renamed under its key", "the parameter \"q\" is stored under the name \"p\"",
+      {"parameter renamed under its key", "debugger.param.p: the parameter's name is \"q\"",
        [](auto& db) {
          db.AddDebuggerParameter("p", "v", e_string);
          DebuggerParameters(db).at("p").name = "q";
@@ -426,17 +426,34 @@ std::vector<ForeignChange> ForeignChanges() {
   for (const int type : {0, 1, 2, 3, 4, 7}) {
     changes.push_back(
         {"unfit value of type " + std::to_string(type),
-         "the parameter \"p\" has a value that does not go with its type", [type](auto& db) {
+         "debugger.param.p: the value does not go with the parameter's type", [type](auto& db) {
            const char* const value = type == e_noarg ? "on" : "";
            DebuggerParameters(db).emplace("p", Parameter("p", value, ParameterType(type)));
          }});
   }
-  for (const char* name : {"debugger", "device_info", "design_info", "constraint_info", "isf_info",
-                           "sim_info", "misc_info", "ip_info"}) {
+  for (const char* name : {"floorplan", "debugger", "device_info", "design_info", "constraint_info",
+                           "isf_info", "sim_info", "misc_info", "ip_info"}) {
     changes.push_back({std::string("synthesis named ") + name,
-                       "the flow process \"synthesis\" is named \"" + std::string(name) + "\"",
+                       "synthesis.name: a file would have \"" + std::string(name) + "\" for it",
                        [name](auto& db) { db.SetFlowProcessName(e_synthesis, name); }});
   }
+  changes.push_back({"map that no process has",
+                     "debugger.corner: no project file keeps a map of this name", [](auto& db) {
+                       db.AddFlowProcessParameter(e_debugger, "corner",
+                                                  Parameter("p", "v", e_string));
+                     }});
+  changes.push_back({"map of another process",
+                     "debugger.defmacro: no project file keeps a map of this name", [](auto& db) {
+                       db.AddFlowProcessParameter(e_debugger, "defmacro",
+                                                  Parameter("p", "v", e_string));
+                     }});
+  changes.push_back({"constraint file without a name",
+                     "constraint.sdc[0]: no project file keeps a file without a name",
+                     [](auto& db) {
+                       ProjectContents contents = GetProjectContents(db);
+                       contents.design_constraint.sdc_files = {""};
+                       SetProjectContents(db, contents);
+                     }});
   return changes;
 }
 

@@ -13,10 +13,11 @@ class KelProjectDatabase;
 /// machine. On return the new file is on the disk. Does nothing if there is no project or the path
 /// is empty.
 ///
-/// What a load would read as something else is refused, while ExportProjectData writes it: a flow
-/// process under the name of another or of a section, a parameter that is stored under another key
-/// than its name, and one whose value does not go with its type. The project is tested in the
-/// moment in which it is copied to be written.
+/// What a load would not give back is refused, while ExportProjectData writes it: a flow process
+/// under any other name than its own, a filled parameter map that the format does not have, a
+/// parameter that is stored under another key than its name or whose value does not go with its
+/// type, a constraint or ISF file without a name. The project is tested in the moment in which it
+/// is copied to be written.
 ///
 /// The project is written to a new file in the same directory, which then takes the place of the
 /// former one. Hence:

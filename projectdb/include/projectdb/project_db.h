@@ -330,7 +330,7 @@ class KEL_EXPORT KelProjectDatabase {
   /// - a process under another name than a new project gives it;
   /// - a parameter map under a name that its process does not have in a project file.
   ///
-  /// ExportProjectDataDurably (durable_export.h) refuses what a load would read as something else.
+  /// ExportProjectDataDurably (durable_export.h) refuses what a load would not give back.
   /// A process without a name is written under that of a new project.
   ///
   /// @exception std::runtime_error "Failed writing XML file …" if the project holds text that no
@@ -401,11 +401,14 @@ class KEL_EXPORT KelProjectDatabase {
 
   bool LoadProjectDocument(const xercesc::DOMElement* root, LoadObserver& observer);
 
-  /// Throws if the processes must not be written.
-  using ProcessTest = void (*)(const std::vector<FlowProcess>&);
+  /// Throws if the project must not be written.
+  using ProjectTest = void (*)(const ProjectContents&);
   /// Exports the project if it passes the test, which runs under the lock under which it is copied.
-  void ExportTestedProject(const std::string& path, ProcessTest test) const;
-  bool AppendProjectToRoot(xercesc::DOMElement* root, ProcessTest test) const;
+  /// @param test null for none
+  void ExportTestedProject(const std::string& path, ProjectTest test) const;
+  bool AppendProjectToRoot(xercesc::DOMElement* root, ProjectTest test) const;
+  /// A copy of all that there is, for whoever has the lock.
+  ProjectContents CopyContents() const;
 
   bool LoadProjectInfoAttributes(const char* ns, const xercesc::DOMElement* root);
   bool LoadProjectInfo(const char* ns, const xercesc::DOMElement* elem, LoadObserver& observer);

@@ -82,9 +82,8 @@ struct FormatOptions {
 /// Plain parameters of a process, and the number of a type that has no text, are in no file.
 ///
 /// @exception std::runtime_error "Failed writing XML file: " + reason + "\n" for contents that no
-///            project file can hold or that a load would read as something else: besides what
-///            ExportProjectDataDurably refuses, a process under any other name than its own, a map
-///            that the format does not have, a constraint or ISF file without a name
+///            project file can hold or that a load would not give back, as with
+///            ExportProjectDataDurably
 /// @exception std::bad_alloc
 KEL_EXPORT std::string FormatProjectFile(const ProjectContents& contents,
                                          const FormatOptions& options = {});

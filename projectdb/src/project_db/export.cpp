@@ -1,7 +1,7 @@
 #include <string>
-#include <vector>
 
 #include <fmt/format.h>
+#include <projectdb/project_contents.h>
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMImplementationRegistry.hpp>
 
@@ -44,10 +44,10 @@ void RequireElementNames(const FlowProcess& process, std::size_t type) {
 }  // namespace
 
 void KelProjectDatabase::ExportProjectData(const std::string& path) const {
-  ExportTestedProject(path, [](const std::vector<FlowProcess>&) {});
+  ExportTestedProject(path, nullptr);
 }
 
-void KelProjectDatabase::ExportTestedProject(const std::string& path, ProcessTest test) const {
+void KelProjectDatabase::ExportTestedProject(const std::string& path, ProjectTest test) const {
   if (!IsProjectDatabaseExist()) return;
   xml::InitializeXMLPlatform();
   xercesc::DOMImplementation* core = xml::WithBadAlloc(
@@ -63,13 +63,13 @@ void KelProjectDatabase::ExportTestedProject(const std::string& path, ProcessTes
   xml::TerminateXMLPlatform();
 }
 
-bool KelProjectDatabase::AppendProjectToRoot(DOMElement* root, ProcessTest test) const {
+bool KelProjectDatabase::AppendProjectToRoot(DOMElement* root, ProjectTest test) const {
   const char16_t* const ns = format::kNamespace.wide;
   const char16_t* const prefix = format::kPrefix.wide;
   const std::lock_guard<std::mutex> lock(mutex_);
   // Another thread may have cleaned the project away in the meantime.
   if (!data_) return false;
-  test(data_->flow_processes);
+  if (test) test(CopyContents());
   // The writing library's stamps, not those that the project came with.
   SetRootAttributes(root, data_->project_name, data_->info_attributes, NewStamps());
   RequireWritten(AppendDeviceInfoToDOMElement(root, data_->device_info, ns, prefix));

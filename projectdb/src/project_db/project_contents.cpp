@@ -54,17 +54,20 @@ FlowProcess ProcessOf(const FlowProcessContents& contents) {
 
 }  // namespace
 
-ProjectContents GetProjectContents(const KelProjectDatabase& database) {
-  const std::lock_guard<std::mutex> lock(database.mutex_);
+ProjectContents KelProjectDatabase::CopyContents() const {
   ProjectContents contents;
-  if (!database.data_) return contents;
-  const auto& data = *database.data_;
-  CopyFields(data, contents);
-  contents.flow_processes.reserve(data.flow_processes.size());
-  for (const FlowProcess& process : data.flow_processes) {
+  if (!data_) return contents;
+  CopyFields(*data_, contents);
+  contents.flow_processes.reserve(data_->flow_processes.size());
+  for (const FlowProcess& process : data_->flow_processes) {
     contents.flow_processes.push_back(ContentsOf(process));
   }
   return contents;
+}
+
+ProjectContents GetProjectContents(const KelProjectDatabase& database) {
+  const std::lock_guard<std::mutex> lock(database.mutex_);
+  return database.CopyContents();
 }
 
 void SetProjectContents(KelProjectDatabase& database, const ProjectContents& contents) {
