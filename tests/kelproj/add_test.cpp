@@ -8,7 +8,7 @@ class Add : public KelprojTest {
  protected:
   void SetUp() override {
     MakeProject();
-    for (const char* name : {"a.v", "b.v", "a.sdc", "pins.interface.csv", "notes.md"}) {
+    for (const char* name : {"a.v", "b.v", "a.sdc", "a.isf", "pins.interface.csv", "notes.md"}) {
       Write(name, "");
     }
   }
@@ -25,6 +25,7 @@ TEST_F(Add, Files_StandInTheListOfTheirKindWithWhatIsGiven) {
        "Simulation files (1)\n  a.v  sv_2017  bench\n"},
       {{"blinker.xml", "--misc", "notes.md"}, "Miscellaneous files (1)\n  notes.md    default\n"},
       {{"blinker.xml", "--sdc", "a.sdc"}, "Timing constraint files (1)\n  a.sdc\n"},
+      {{"blinker.xml", "--isf", "a.isf"}, "ISF files (1)\n  a.isf\n"},
       {{"--sdc", "blinker.xml", "a.sdc"}, "Timing constraint files (1)\n  a.sdc\n"}};
   for (auto [arguments, shown] : cases) {
     std::filesystem::remove(PathOf("blinker.xml"));
@@ -72,7 +73,7 @@ TEST_F(Add, FromAnotherDirectory_NamesStayRelativeToTheProject) {
 
 TEST_F(Add, RefusedFile_FailsAndLeavesTheProject) {
   const std::pair<std::vector<std::string>, const char*> cases[] = {
-      {{"add", "blinker.xml", "a.v"}, "one of --rtl, --sim, --misc and --sdc is needed"},
+      {{"add", "blinker.xml", "a.v"}, "one of --rtl, --sim, --misc, --sdc and --isf is needed"},
       {{"add", "blinker.xml", "--rtl", "a.v", ""}, "the empty text names no file"},
       {{"add", "blinker.xml", "--misc", "a.v", "--library", "work"},
        "only --rtl and --sim files have an HDL version and a library"},

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <string_view>
 #include <utility>
 #include <variant>
@@ -10,6 +9,7 @@
 #include <projectdb/vocabulary.h>
 
 #include "console.h"
+#include "file_kinds.h"
 
 namespace kelproj {
 namespace {
@@ -69,10 +69,8 @@ bool CanBeSet(const ProjectTerm& term) {
 
 void RequireEnding(const ProjectTerm& term, const std::string& value) {
   if (!term.file_ending || projectdb::HasEnding(value, *term.file_ending)) return;
-  std::string title(term.title);
-  title.front() = static_cast<char>(std::tolower(title.front()));
-  throw Trouble("\"" + value + "\" is no " + title + " file: its name must be NAME" +
-                std::string(*term.file_ending));
+  throw Trouble("\"" + value + "\" is no " + TitleInSentence(term) +
+                " file: its name must be NAME" + std::string(*term.file_ending));
 }
 
 Key TextKey(const ProjectTerm& term, const ProjectText& access) {

@@ -75,14 +75,7 @@ void DefineAdd(CLI::App& program, Request& request) {
   auto& arguments = Requested<AddArguments>(command, request);
   AddChangedFile(command, arguments.file);
   command.add_option("PATH", arguments.paths, "A file to add")->required();
-  const auto add_kind = [&](const char* name, FileKind kind, const char* help) {
-    const auto choose = [&arguments, kind] { arguments.kind = kind; };
-    return command.add_flag_callback(name, choose, help);
-  };
-  ExcludeEachOther({add_kind("--rtl", FileKind::kRtl, "They are design files"),
-                    add_kind("--sim", FileKind::kSim, "They are simulation files"),
-                    add_kind("--misc", FileKind::kMisc, "They are miscellaneous files"),
-                    add_kind("--sdc", FileKind::kSdc, "They are timing constraint files (.sdc)")});
+  AddFileKinds(command, FlatFileKinds(), arguments.kind, "They are ");
   command
       .add_option("--hdl-version", arguments.hdl_version,
                   "The language version of design or simulation files")

@@ -24,6 +24,17 @@ void AddJson(CLI::App& command, bool& json) {
   command.add_flag("--json", json, "Print JSON, for programs");
 }
 
+std::vector<CLI::Option*> AddFileKinds(CLI::App& command, projectdb::Table<FileKind> kinds,
+                                       const FileKind*& kind, const std::string& help) {
+  std::vector<CLI::Option*> options;
+  for (const FileKind& each : kinds) {
+    options.push_back(command.add_flag_callback(
+        each.option, [&kind, &each] { kind = &each; }, help + TitleInSentence(TermOf(each))));
+  }
+  ExcludeEachOther(options);
+  return options;
+}
+
 CLI::Validator OneOf(const std::vector<std::string>& texts) {
   return CLI::IsMember(texts).description("");
 }

@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 
 #include "arguments/arguments.h"
+#include "file_kinds.h"
 #include "stored_project.h"
 
 /// What the definitions of commands have in common.
@@ -31,6 +32,11 @@ CommandArguments& Requested(CLI::App& command, Request& request) {
 void AddFile(CLI::App& command, std::string& file);
 void AddChangedFile(CLI::App& command, ChangedFile& file);
 void AddJson(CLI::App& command, bool& json);
+
+/// Options that choose one of the kinds of files; it is null if none is given.
+/// @param help of each, before the kind's title
+std::vector<CLI::Option*> AddFileKinds(CLI::App& command, projectdb::Table<FileKind> kinds,
+                                       const FileKind*& kind, const std::string& help);
 
 /// One of these texts. Help tells them where they are described.
 CLI::Validator OneOf(const std::vector<std::string>& texts);

@@ -14,26 +14,17 @@ namespace {
 using projectdb::DesignFile;
 using projectdb::ProjectContents;
 
-bool IsSource(FileKind kind) { return kind == FileKind::kRtl || kind == FileKind::kSim; }
-
 void RequireArgumentsOfKind(const AddArguments& arguments) {
-  if (!arguments.kind) throw Trouble("one of --rtl, --sim, --misc and --sdc is needed");
-  if (!IsSource(*arguments.kind) && (arguments.hdl_version || arguments.library)) {
+  if (!arguments.kind) {
+    throw Trouble("one of " + OptionsInSentence(FlatFileKinds()) + " is needed");
+  }
+  if (!arguments.kind->is_source && (arguments.hdl_version || arguments.library)) {
     throw Trouble("only --rtl and --sim files have an HDL version and a library");
   }
   const auto& paths = arguments.paths;
   if (std::find(paths.begin(), paths.end(), "") != paths.end()) {
     throw Trouble("the empty text names no file");
   }
-}
-
-std::vector<DesignFile> DesignFiles(const AddArguments& arguments) {
-  std::vector<DesignFile> files;
-  for (const std::string& path : arguments.paths) {
-    files.emplace_back(path, arguments.hdl_version.value_or(""),
-                       arguments.library.value_or(projectdb::kDefaultLibrary));
-  }
-  return files;
 }
 
 void RequireTimingConstraintFiles(const std::vector<std::string>& paths,
@@ -48,23 +39,33 @@ void RequireTimingConstraintFiles(const std::vector<std::string>& paths,
   }
 }
 
-template <typename Entry>
-void Append(std::vector<Entry>& list, const std::vector<Entry>& entries) {
-  list.insert(list.end(), entries.begin(), entries.end());
-}
+/// Appends files to lists of each type.
+class Addition {
+ public:
+  explicit Addition(const AddArguments& arguments) : arguments_(arguments) {}
+
+  void operator()(std::vector<DesignFile>& list) const {
+    for (const std::string& path : arguments_.paths) {
+      list.emplace_back(path, arguments_.hdl_version.value_or(""),
+                        arguments_.library.value_or(projectdb::kDefaultLibrary));
+    }
+  }
+
+  void operator()(std::vector<std::string>& list) const {
+    list.insert(list.end(), arguments_.paths.begin(), arguments_.paths.end());
+  }
+
+  void operator()(std::vector<projectdb::IP>& /*list*/) const {}
+
+ private:
+  const AddArguments& arguments_;
+};
 
 void AddFiles(ProjectContents& project, const AddArguments& arguments) {
-  switch (*arguments.kind) {
-    case FileKind::kRtl:
-      return Append(project.design_info.design_files, DesignFiles(arguments));
-    case FileKind::kSim:
-      return Append(project.sim_files, DesignFiles(arguments));
-    case FileKind::kMisc:
-      return Append(project.misc_files, DesignFiles(arguments));
-    case FileKind::kSdc:
-      RequireTimingConstraintFiles(arguments.paths, project.current_path);
-      return Append(project.design_constraint.sdc_files, arguments.paths);
+  if (TermOf(*arguments.kind).file_ending == projectdb::kTimingConstraintFileEnding) {
+    RequireTimingConstraintFiles(arguments.paths, project.current_path);
   }
+  WithList(*arguments.kind, project, Addition(arguments));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "console.h"
+#include "file_kinds.h"
 #include "stored_project.h"
 
 /// The commands that change project files: what each is given, and the function that runs it. File
@@ -30,12 +31,10 @@ struct SetArguments {
 };
 ExitStatus Run(const SetArguments& arguments, const Console& console);
 
-enum class FileKind { kRtl, kSim, kMisc, kSdc };
-
 struct AddArguments {
   ChangedFile file;
   std::vector<std::string> paths;
-  std::optional<FileKind> kind;
+  const FileKind* kind = nullptr;
   std::optional<std::string> hdl_version;
   std::optional<std::string> library;
 };
