@@ -92,6 +92,18 @@ Json ToJson(const std::vector<projectdb::ProjectDifference>& differences) {
   return list;
 }
 
+Json ToJson(const std::vector<projectdb::MergeConflict>& conflicts) {
+  Json list = Json::array();
+  for (const projectdb::MergeConflict& conflict : conflicts) {
+    Json object = {{"what", conflict.what}, {"where", conflict.where}};
+    if (conflict.base) object["base"] = *conflict.base;
+    if (conflict.ours) object["ours"] = *conflict.ours;
+    if (conflict.theirs) object["theirs"] = *conflict.theirs;
+    list.push_back(object);
+  }
+  return list;
+}
+
 Json ToJson(const std::vector<projectdb::FileProblem>& problems) {
   Json list = Json::array();
   for (const projectdb::FileProblem& problem : problems) {

@@ -16,7 +16,7 @@ constexpr char kProgramHelp[] =
     R"(Exit status:
   0  done; the answer is yes
   1  done; the answer is no: there is no such value, the file has errors, the
-     projects differ
+     projects differ, the merge has conflicts
   2  trouble: not done, and no file changed
 
 Data goes to standard output, messages go to standard error. What is written
@@ -78,6 +78,7 @@ Arguments::Arguments()
   program_->fallthrough();
   DefineChangingCommands(*program_, request_);
   DefineAskingCommands(*program_, request_);
+  DefineGitCommands(*program_, request_);
   DefineTextCommands(*program_, request_);
   for (CLI::App* command : program_->get_subcommands({})) UnmarkTexts(*command);
 }

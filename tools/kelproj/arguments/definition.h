@@ -45,6 +45,7 @@ void ExcludeEachOther(const std::vector<CLI::Option*>& options);
 
 void DefineChangingCommands(CLI::App& program, Request& request);
 void DefineAskingCommands(CLI::App& program, Request& request);
+void DefineGitCommands(CLI::App& program, Request& request);
 void DefineTextCommands(CLI::App& program, Request& request);
 
 }  // namespace kelproj

@@ -7,6 +7,7 @@
 
 #include "commands/asking.h"
 #include "json.h"
+#include "places.h"
 #include "stored_project.h"
 
 namespace kelproj {
@@ -52,8 +53,7 @@ void WriteLine(const Console& console, Style style, const std::string& text) {
 }
 
 void WriteDifference(const Console& console, const ProjectDifference& difference) {
-  const std::string place =
-      difference.what + (difference.where.empty() ? "" : "[" + difference.where + "]");
+  const std::string place = PlaceText(difference.what, difference.where);
   const auto write = [&](Style style, const char* sign, const std::string& text) {
     WriteLine(console, style, sign + place + (text.empty() ? ":" : ": " + text));
   };
