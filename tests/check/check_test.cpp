@@ -116,6 +116,23 @@ std::vector<CheckCase> UnknownChildren() {
   return cases;
 }
 
+std::vector<CheckCase> SingleNamesTwice() {
+  const std::pair<std::string, std::string> elements[] = {
+      {"device_info", "family"},        {"device_info", "device"},
+      {"device_info", "timing_model"},  {"design_info", "top_module"},
+      {"design_info", "top_vhdl_arch"}, {"constraint_info", "inter_file"}};
+  std::vector<CheckCase> cases;
+  for (const auto& [section, element] : elements) {
+    cases.push_back(CheckSections(
+        element, ElementXml(section, "", "\n<" + element + " name=\"a\"/>\n<" + element + "/>"),
+        {"4:1: warning: <" + element +
+         "> takes the place of \"a\" above; a project has only one"}));
+  }
+  return cases;
+}
+
+INSTANTIATE_TEST_SUITE_P(NameTwice, CheckFileCase, testing::ValuesIn(SingleNamesTwice()), ByName());
+
 INSTANTIATE_TEST_SUITE_P(UnknownChild, CheckFileCase, testing::ValuesIn(UnknownChildren()),
                          ByName());
 
@@ -208,6 +225,24 @@ const CheckCase kCheckCases[] = {
                    "that name above has type e_string",
                    "5:11: warning: parameter \"a\" is ignored because it has type e_bool, but one "
                    "of that name above has type e_string"}),
+    CheckSections("ParameterTwice_IsAWarningAtTheOneThatIsKept",
+                  "<debugger>\n<param name=\"a\" value=\"1\"/><param name=\"b\" value=\"1\"/>\n"
+                  "<param name=\"a\" value=\"2\"/></debugger>\n"
+                  "<debugger><param name=\"b\" value=\"1\"/></debugger>",
+                  {"4:1: warning: parameter \"a\" takes the place of the one of that name above",
+                   "5:11: warning: parameter \"b\" takes the place of the one of that name above"}),
+    CheckSections("ParameterOfOneNameInTwoMapsOrProcesses_IsNoProblem",
+                  "<synthesis><param name=\"a\" value=\"1\"/><dynparam name=\"a\" value=\"1\"/>"
+                  "<defmacro name=\"a\" value=\"1\"/></synthesis>"
+                  "<debugger><param name=\"a\" value=\"1\"/></debugger>",
+                  {}),
+    CheckSections("NameInAnotherSection_TakesThePlaceOfTheFormerToo",
+                  "<design_info><top_module name=\"a\"/></design_info>\n"
+                  "<design_info><top_module name=\"a\"/></design_info>",
+                  {"3:14: warning: <top_module> takes the place of \"a\" above; a project has only "
+                   "one"}),
+    CheckSections("NameBehindAnEmptyOne_IsNoProblem",
+                  "<design_info><top_module name=\"\"/><top_module name=\"a\"/></design_info>", {}),
     CheckSections("UnknownParameterType_IsAWarningWithTheTypes",
                   "<debugger><param name=\"a\" value=\"1\" value_type=\"string\"/></debugger>",
                   {"2:11: warning: parameter \"a\": \"string\" is not a type; expected e_string, "

@@ -100,6 +100,16 @@ void CollectingObserver::UnknownParameterType(const DOMElement& element, const P
                                   type, TypeTexts()));
 }
 
+void CollectingObserver::ReplacedName(const DOMElement& element, const std::string& former) {
+  AddWarning(element, fmt::format("{} takes the place of {:?} above; a project has only one",
+                                  Tag(element), former));
+}
+
+void CollectingObserver::ReplacedParameter(const DOMElement& element, const Parameter& parameter) {
+  AddWarning(element, fmt::format("parameter {:?} takes the place of the one of that name above",
+                                  parameter.name));
+}
+
 void CollectingObserver::RefusedParameter(const DOMElement& element, const Parameter& parameter,
                                           const ParameterMap& map) {
   AddWarning(element, fmt::format("parameter {:?} is ignored because {}", parameter.name,

@@ -22,6 +22,8 @@ class CollectingObserver : public LoadObserver {
   void DeprecatedElement(const xercesc::DOMElement& element) override;
   void UnknownParameterType(const xercesc::DOMElement& element, const Parameter& parameter,
                             const std::string& type) override;
+  void ReplacedName(const xercesc::DOMElement& element, const std::string& former) override;
+  void ReplacedParameter(const xercesc::DOMElement& element, const Parameter& parameter) override;
   void RefusedParameter(const xercesc::DOMElement& element, const Parameter& parameter,
                         const ParameterMap& map) override;
 

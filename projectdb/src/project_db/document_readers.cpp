@@ -85,6 +85,26 @@ void ReadFileName(std::vector<std::string>& names, Transcoder& transcoder,
   }
 }
 
+// Reads a name of which a project has one.
+void ReadSingleName(std::string& name, Transcoder& transcoder, const DOMElement* element,
+                    LoadObserver& observer) {
+  const std::string former =
+      std::exchange(name, GetDOMAttributeString(transcoder, element, format::kName));
+  if (!former.empty()) observer.ReplacedName(*element, former);
+}
+
+// Stores the parameter of an element. One that the map refuses is left out; the file as a whole is
+// still accepted.
+void StoreParameter(KelProjectDatabase& project, ParameterMap& map, const Parameter& parameter,
+                    const DOMElement& element, LoadObserver& observer) {
+  const std::size_t former_size = map.size();
+  if (!project.InsertOrAssignParameterToMap(map, parameter.name, parameter)) {
+    observer.RefusedParameter(element, parameter, map);
+  } else if (map.size() == former_size) {
+    observer.ReplacedParameter(element, parameter);
+  }
+}
+
 }  // namespace
 
 bool KelProjectDatabase::LoadProjectInfoAttributes(const char* /*ns*/, const DOMElement* root) {
@@ -135,13 +155,13 @@ bool KelProjectDatabase::UpdateDeviceInfo(DeviceInfo& device_info, const char* /
   Transcoder transcoder;
   bool result = true;
   for (const DOMElement* child : ChildElements(elem)) {
-    const auto name = [&] { return GetDOMAttributeString(transcoder, child, format::kName); };
+    const auto read = [&](std::string& name) { ReadSingleName(name, transcoder, child, observer); };
     if (HasLocalName(child, format::kFamily)) {
-      device_info.family = name();
+      read(device_info.family);
     } else if (HasLocalName(child, format::kDevice)) {
-      device_info.device = name();
+      read(device_info.device);
     } else if (HasLocalName(child, format::kTimingModel)) {
-      device_info.timing_model = name();
+      read(device_info.timing_model);
     } else {
       observer.UnexpectedChild(
           *child, {format::kFamily.narrow, format::kDevice.narrow, format::kTimingModel.narrow});
@@ -159,9 +179,9 @@ bool KelProjectDatabase::UpdateDesignInfo(DesignInfo& design_info, const char* /
     if (HasLocalName(child, format::kDesignFile)) {
       design_info.design_files.push_back(ReadDesignFile(transcoder, child));
     } else if (HasLocalName(child, format::kTopModule)) {
-      design_info.top_module = GetDOMAttributeString(transcoder, child, format::kName);
+      ReadSingleName(design_info.top_module, transcoder, child, observer);
     } else if (HasLocalName(child, format::kTopVhdlArch)) {
-      design_info.top_vhdl_arch = GetDOMAttributeString(transcoder, child, format::kName);
+      ReadSingleName(design_info.top_vhdl_arch, transcoder, child, observer);
     } else {
       observer.UnexpectedChild(*child, {format::kTopModule.narrow, format::kDesignFile.narrow,
                                         format::kTopVhdlArch.narrow});
@@ -181,7 +201,7 @@ bool KelProjectDatabase::UpdateConstraintInfo(DesignConstraint& constraint, cons
     if (HasLocalName(child, format::kSdcFile)) {
       ReadFileName(constraint.sdc_files, transcoder, child, observer);
     } else if (HasLocalName(child, format::kInterFile)) {
-      constraint.inter_file = GetDOMAttributeString(transcoder, child, format::kName);
+      ReadSingleName(constraint.inter_file, transcoder, child, observer);
     } else if (HasLocalName(child, format::kIoPlaceFile) ||
                HasLocalName(child, format::kCorePlaceFile)) {
       observer.DeprecatedElement(*child);
@@ -253,11 +273,7 @@ bool KelProjectDatabase::SetUpFlowProcess(ProcType type, const char* tag, const 
       result = false;
       continue;
     }
-    const Parameter parameter = ReadParameter(transcoder, child, observer);
-    // A parameter that the map refuses is left out; the file as a whole is still accepted.
-    if (!InsertOrAssignParameterToMap(*map, parameter.name, parameter)) {
-      observer.RefusedParameter(*child, parameter, *map);
-    }
+    StoreParameter(*this, *map, ReadParameter(transcoder, child, observer), *child, observer);
   }
   return result;
 }

@@ -36,6 +36,8 @@ class PostingObserver : public LoadObserver {
   }
   void UnknownParameterType(const DOMElement& /*element*/, const Parameter& /*parameter*/,
                             const std::string& /*type*/) override {}
+  void ReplacedName(const DOMElement& /*element*/, const std::string& /*former*/) override {}
+  void ReplacedParameter(const DOMElement& /*element*/, const Parameter& /*parameter*/) override {}
   void RefusedParameter(const DOMElement& /*element*/, const Parameter& /*parameter*/,
                         const ParameterMap& /*map*/) override {}
 };

@@ -13,8 +13,9 @@ namespace projectdb {
 /// Local names of elements.
 using Names = std::vector<std::string_view>;
 
-/// Is told of each element of a project document that is not kept as it stands, in document
-/// order and while the database's lock is held. One that is kept draws no call.
+/// Is told of each element of a project document that is not kept as it stands, or in whose place
+/// an earlier one is not, in document order and while the database's lock is held. Any other draws
+/// no call.
 class LoadObserver {
  public:
   virtual ~LoadObserver() = default;
@@ -38,6 +39,13 @@ class LoadObserver {
   /// An element whose parameter is taken for one without a type, since there is none of that name.
   virtual void UnknownParameterType(const xercesc::DOMElement& element, const Parameter& parameter,
                                     const std::string& type) = 0;
+
+  /// An element whose name takes the place of an earlier one: a project has one of the kind.
+  virtual void ReplacedName(const xercesc::DOMElement& element, const std::string& former) = 0;
+
+  /// An element whose parameter takes the place of an earlier one of that name.
+  virtual void ReplacedParameter(const xercesc::DOMElement& element,
+                                 const Parameter& parameter) = 0;
 
   /// An element whose parameter its map refuses.
   virtual void RefusedParameter(const xercesc::DOMElement& element, const Parameter& parameter,
