@@ -25,14 +25,14 @@ static_assert(std::is_same_v<decltype(std::declval<const Db&>().FindFlowProcessP
                              ParameterMap*>);
 
 /// "a value=1 type=e_string" for each.
-Lines Texts(const std::vector<Parameter>& parameters) {
+Lines ParameterTexts(const std::vector<Parameter>& parameters) {
   Lines texts;
   for (const Parameter& parameter : parameters) texts.push_back(TextOf(parameter));
   return texts;
 }
 
 /// "a: 1 type=e_string" for each, by key.
-Lines Texts(const ParameterMap& map) {
+Lines ParameterTexts(const ParameterMap& map) {
   Lines texts;
   for (const auto& [key, parameter] : map) {
     texts.push_back(key + ": " + TextUnderKey(key, parameter));
@@ -115,7 +115,7 @@ TEST_F(FlowProcesses, Lookups_MapMissing_GiveNothingAndCreateNothing) {
   EXPECT_EQ(database_.GetFlowProcessParameterValue(e_synthesis, "param", "a"), "");
   std::vector<Parameter> parameters = {{"x", "former", e_string}};
   database_.GetFlowProcessParameterList(e_synthesis, "param", parameters);
-  EXPECT_THAT(Texts(parameters), ElementsAre("x value=former type=e_string"));
+  EXPECT_THAT(ParameterTexts(parameters), ElementsAre("x value=former type=e_string"));
   EXPECT_EQ(MapCount(e_synthesis), 0u);
 }
 
@@ -183,7 +183,7 @@ TEST(InsertOrAssignParameter, Value_IsStoredOnlyIfItFitsItsType) {
   }
   ParameterMap map = {{"a", {"a", "1", e_string}}};
   EXPECT_FALSE(Db::InsertOrAssignParameterToMap(map, "a", {"a", "", e_string}));
-  EXPECT_THAT(Texts(map), ElementsAre("a: 1 type=e_string"));
+  EXPECT_THAT(ParameterTexts(map), ElementsAre("a: 1 type=e_string"));
 }
 
 TEST(InsertOrAssignParameter, KeyStored_TakesNameAndValueOfTheSameTypeOnly) {
@@ -195,7 +195,7 @@ TEST(InsertOrAssignParameter, KeyStored_TakesNameAndValueOfTheSameTypeOnly) {
       ParameterMap map = {{"key", stored}};
       EXPECT_EQ(Db::InsertOrAssignParameterToMap(map, "key", next), type == stored_type);
       const Parameter& expected = type == stored_type ? next : stored;
-      EXPECT_THAT(Texts(map), ElementsAre("key: " + TextUnderKey("key", expected)));
+      EXPECT_THAT(ParameterTexts(map), ElementsAre("key: " + TextUnderKey("key", expected)));
     }
   }
 }
@@ -204,15 +204,15 @@ TEST(InsertOrAssignParameter, AnotherKey_IsAddedWhateverTheName) {
   ParameterMap map = {{"a", {"a", "1", e_string}}};
   EXPECT_TRUE(Db::InsertOrAssignParameterToMap(map, "key", {"name", "true", e_bool}));
   EXPECT_TRUE(Db::InsertOrAssignParameterToMap(map, "", {"", "1", e_string}));
-  EXPECT_THAT(Texts(map), ElementsAre(": 1 type=e_string", "a: 1 type=e_string",
-                                      "key: true type=e_bool name=name"));
+  EXPECT_THAT(ParameterTexts(map), ElementsAre(": 1 type=e_string", "a: 1 type=e_string",
+                                               "key: true type=e_bool name=name"));
 }
 
 TEST(InsertOrAssignParameter, ParameterOfTheMapItself_IsCopied) {
   ParameterMap map = {{"a", {"a", "a value too long for the string object", e_string}}};
   EXPECT_TRUE(Db::InsertOrAssignParameterToMap(map, "a", map.at("a")));
   EXPECT_TRUE(Db::InsertOrAssignParameterToMap(map, "b", map.at("a")));
-  EXPECT_THAT(Texts(map),
+  EXPECT_THAT(ParameterTexts(map),
               ElementsAre(R"(a: "a value too long for the string object" type=e_string)",
                           R"(b: "a value too long for the string object" type=e_string name=a)"));
 }
@@ -287,7 +287,7 @@ TEST_F(FlowProcesses, GetFlowProcessParameterList_MapExists_AppendsItInTheMapsOw
     expected.push_back(parameter);
   }
   database_.GetFlowProcessParameterList(e_debugger, "param", parameters);
-  EXPECT_EQ(Texts(parameters), Texts(expected));
+  EXPECT_EQ(ParameterTexts(parameters), ParameterTexts(expected));
 }
 
 TEST_F(FlowProcesses, GetFlowProcessParameter_Stored_GivesACopy) {
@@ -379,7 +379,7 @@ class ToolParametersTest : public testing::TestWithParam<ToolParameters> {
   Lines GetListBehindAnother() const {
     std::vector<Parameter> parameters = {{"x", "former", e_string}};
     (database_.*GetParam().get_list)(parameters);
-    return Texts(parameters);
+    return ParameterTexts(parameters);
   }
   std::string GetValue(const std::string& name) const {
     return (database_.*GetParam().get_value)(name);

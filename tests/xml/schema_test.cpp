@@ -25,7 +25,7 @@ namespace {
 using namespace projectdb::xml;
 using namespace test_support;
 
-class Schema : public testing::Test {
+class SchemaFile : public testing::Test {
  protected:
   std::string Write(const std::string& name, const std::string& bytes) const {
     WriteFile(directory_ / name, bytes);
@@ -63,7 +63,7 @@ class Schema : public testing::Test {
   SchemaSource source_{errors_};
 };
 
-TEST_F(Schema, Open_WellFormedFile_GivesItsBytesAgainAndAgainUnderItsUri) {
+TEST_F(SchemaFile, Open_WellFormedFile_GivesItsBytesAgainAndAgainUnderItsUri) {
   const auto input = source_.Open(Write("a b.xsd", DeviceOnlySchema()));
   ASSERT_NE(input, nullptr);
   EXPECT_EQ(Bytes(*input), DeviceOnlySchema());
@@ -72,7 +72,7 @@ TEST_F(Schema, Open_WellFormedFile_GivesItsBytesAgainAndAgainUnderItsUri) {
   EXPECT_FALSE(errors_.failed);
 }
 
-TEST_F(Schema, Open_WhatIsNoReadableFile_GivesNullAndIsNotRefused) {
+TEST_F(SchemaFile, Open_WhatIsNoReadableFile_GivesNullAndIsNotRefused) {
   std::filesystem::create_directory(directory_ / "directory");
   const NamedPipe pipe(directory_ / "pipe");
   for (const std::string name : {"gone.xsd", "directory", "pipe", "no/such/s.xsd"}) {
@@ -82,7 +82,7 @@ TEST_F(Schema, Open_WhatIsNoReadableFile_GivesNullAndIsNotRefused) {
   }
 }
 
-TEST_F(Schema, Open_UnreadableFile_GivesNullAndIsNotRefused) {
+TEST_F(SchemaFile, Open_UnreadableFile_GivesNullAndIsNotRefused) {
   const std::string path = Write("s.xsd", DeviceOnlySchema());
   const Denied denied(path);
   if (!denied.effective()) GTEST_SKIP() << "cannot be denied";
@@ -90,7 +90,7 @@ TEST_F(Schema, Open_UnreadableFile_GivesNullAndIsNotRefused) {
   EXPECT_FALSE(errors_.failed);
 }
 
-TEST_F(Schema, Open_FileThatIsMalformedOrHasADoctype_GivesNullAndIsRefused) {
+TEST_F(SchemaFile, Open_FileThatIsMalformedOrHasADoctype_GivesNullAndIsRefused) {
   for (const std::string& bytes :
        {"<!DOCTYPE xs:schema>" + DeviceOnlySchema(), std::string("<xs:schema"), std::string()}) {
     errors_.failed = false;
@@ -107,7 +107,7 @@ std::string SchemaOfSize(std::size_t size) {
   return schema + std::string(size - schema.size(), ' ');
 }
 
-TEST_F(Schema, Open_LargestFile_GivesItsBytesAndOneByteMoreIsRefused) {
+TEST_F(SchemaFile, Open_LargestFile_GivesItsBytesAndOneByteMoreIsRefused) {
   const auto input = source_.Open(Write("s.xsd", SchemaOfSize(SchemaSource::kMaxSize)));
   ASSERT_NE(input, nullptr);
   EXPECT_EQ(Bytes(*input).size(), SchemaSource::kMaxSize);
@@ -116,7 +116,7 @@ TEST_F(Schema, Open_LargestFile_GivesItsBytesAndOneByteMoreIsRefused) {
   EXPECT_TRUE(errors_.failed);
 }
 
-TEST_F(Schema, Open_FileOfATerabyte_GivesNullAndIsRefused) {
+TEST_F(SchemaFile, Open_FileOfATerabyte_GivesNullAndIsRefused) {
   const std::string path = Write("s.xsd", DeviceOnlySchema());
   std::error_code error;
   std::filesystem::resize_file(path, std::uintmax_t{1} << 40U, error);
@@ -142,7 +142,7 @@ class ThreadName {
   std::string former_;
 };
 
-TEST_F(Schema, Open_FileThatTellsTheSizeZero_GivesItsBytes) {
+TEST_F(SchemaFile, Open_FileThatTellsTheSizeZero_GivesItsBytes) {
   if (!std::filesystem::exists(ThreadName::kPath)) GTEST_SKIP() << "no " << ThreadName::kPath;
   const ThreadName name("<a/>");
   ASSERT_EQ(std::filesystem::file_size(ThreadName::kPath), 0U);
@@ -151,21 +151,21 @@ TEST_F(Schema, Open_FileThatTellsTheSizeZero_GivesItsBytes) {
   EXPECT_EQ(Bytes(*input), "<a/>\n");
 }
 
-TEST_F(Schema, Open_FileThatCannotBeReadToItsEnd_GivesNullAndIsNotRefused) {
+TEST_F(SchemaFile, Open_FileThatCannotBeReadToItsEnd_GivesNullAndIsNotRefused) {
   const std::string path = "/proc/self/mem";
   if (!std::ifstream(path)) GTEST_SKIP() << "cannot be opened";
   EXPECT_EQ(source_.Open(path), nullptr);
   EXPECT_FALSE(errors_.failed);
 }
 
-TEST_F(Schema, ResolveEntity_LocalReference_GivesTheFile) {
+TEST_F(SchemaFile, ResolveEntity_LocalReference_GivesTheFile) {
   const std::string path = Write("s.xsd", DeviceOnlySchema());
   for (const std::string& reference : {std::string("s.xsd"), path, "file://" + path}) {
     EXPECT_EQ(Bytes(*Resolve(reference)), DeviceOnlySchema()) << reference;
   }
 }
 
-TEST_F(Schema, ResolveEntity_ReferenceThatCannotBeFollowed_GivesASourceThatCannotBeOpened) {
+TEST_F(SchemaFile, ResolveEntity_ReferenceThatCannotBeFollowed_GivesASourceThatCannotBeOpened) {
   const std::string path = Write("s.xsd", DeviceOnlySchema());
   for (const std::string& reference :
        {std::string("gone.xsd"), std::string("http://127.0.0.1/s.xsd"), "file://otherhost" + path,
@@ -178,13 +178,13 @@ TEST_F(Schema, ResolveEntity_ReferenceThatCannotBeFollowed_GivesASourceThatCanno
   }
 }
 
-TEST_F(Schema, ResolveEntity_RefusedFile_GivesASourceThatCannotBeOpened) {
+TEST_F(SchemaFile, ResolveEntity_RefusedFile_GivesASourceThatCannotBeOpened) {
   Write("s.xsd", "<!DOCTYPE xs:schema>" + DeviceOnlySchema());
   EXPECT_EQ(Bytes(*Resolve("s.xsd")), "none");
   EXPECT_TRUE(errors_.failed);
 }
 
-TEST_F(Schema, ResolveEntity_NoBaseAndNoReference_GivesASourceThatCannotBeOpened) {
+TEST_F(SchemaFile, ResolveEntity_NoBaseAndNoReference_GivesASourceThatCannotBeOpened) {
   xercesc::XMLResourceIdentifier identifier(xercesc::XMLResourceIdentifier::SchemaGrammar, nullptr);
   const std::unique_ptr<xercesc::InputSource> input(source_.resolveEntity(&identifier));
   ASSERT_NE(input, nullptr);

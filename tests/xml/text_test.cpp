@@ -14,7 +14,7 @@ using namespace projectdb::xml;
 using namespace std::string_literals;
 using namespace test_support;
 
-class Text : public testing::Test {
+class TranscodedText : public testing::Test {
  protected:
   /// What the Failure says that a text ends in; "" if it is accepted.
   std::string ErrorOf(const std::string& text) {
@@ -30,18 +30,18 @@ struct TextInBothForms {
   std::u16string xml;
 };
 
-TEST_F(Text, EmptyOrNullText_IsEmptyInTheOtherForm) {
+TEST_F(TranscodedText, EmptyOrNullText_IsEmptyInTheOtherForm) {
   EXPECT_EQ(transcoder_.ToXml(""), u"");
   EXPECT_EQ(transcoder_.ToUtf8(u""), "");
   EXPECT_EQ(transcoder_.ToUtf8(nullptr), "");
 }
 
-TEST_F(Text, TranscodeXMLString_GivesUtf8) {
+TEST_F(TranscodedText, TranscodeXMLString_GivesUtf8) {
   EXPECT_EQ(TranscodeXMLString(u"a\u00FC\u20AC\U0001F600z"),
             "a\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80z");
 }
 
-TEST_F(Text, ToXml_PartOfALongerText_ConvertsThePart) {
+TEST_F(TranscodedText, ToXml_PartOfALongerText_ConvertsThePart) {
   const std::string text = "abcdef";
   EXPECT_EQ(transcoder_.ToXml(std::string_view(text).substr(1, 2)), u"bc");
 }
@@ -80,7 +80,7 @@ TextInBothForms Plane(std::uint32_t plane) {
   return pair;
 }
 
-TEST_F(Text, Conversions_EveryCharacter_GiveTheOtherForm) {
+TEST_F(TranscodedText, Conversions_EveryCharacter_GiveTheOtherForm) {
   for (std::uint32_t number = 0; number < 17; ++number) {
     const TextInBothForms plane = Plane(number);
     EXPECT_TRUE(transcoder_.ToXml(plane.utf8) == plane.xml) << "plane " << number;
@@ -88,7 +88,7 @@ TEST_F(Text, Conversions_EveryCharacter_GiveTheOtherForm) {
   }
 }
 
-TEST_F(Text, Conversions_SizesAroundThoseOfAnyBlock_GiveTheOtherFormAndRefuseABadEnd) {
+TEST_F(TranscodedText, Conversions_SizesAroundThoseOfAnyBlock_GiveTheOtherFormAndRefuseABadEnd) {
   for (const std::size_t size : {1U, 1023U, 1024U, 1025U, 4096U, 16384U, 100000U}) {
     for (const char* character : {"a", "\xC3\xBC", "\xE2\x82\xAC", "\xF0\x9F\x98\x80"}) {
       const std::string text = Repeated(character, size);
@@ -99,7 +99,7 @@ TEST_F(Text, Conversions_SizesAroundThoseOfAnyBlock_GiveTheOtherFormAndRefuseABa
   }
 }
 
-TEST_F(Text, Reuse_TextsOfAnyLengthInTurn_HaveNothingOfTheOnesBefore) {
+TEST_F(TranscodedText, Reuse_TextsOfAnyLengthInTurn_HaveNothingOfTheOnesBefore) {
   transcoder_.ToXml(std::string(5000, 'x'));
   EXPECT_EQ(transcoder_.ToXml("ab"), u"ab");
   const std::u16string name = transcoder_.ToElementName("first");
@@ -108,21 +108,21 @@ TEST_F(Text, Reuse_TextsOfAnyLengthInTurn_HaveNothingOfTheOnesBefore) {
   EXPECT_EQ(name, u"first");
 }
 
-TEST_F(Text, Reuse_GoodTextAfterABadOne_IsConverted) {
+TEST_F(TranscodedText, Reuse_GoodTextAfterABadOne_IsConverted) {
   for (const char* bad : {"\xFF", "\xE2\x82", "a\x01", "\xF0\x9F"}) {
     ASSERT_NE(ErrorOf(bad), "");
     EXPECT_EQ(transcoder_.ToXml("a\xC3\xBC"), u"a\u00FC");
   }
 }
 
-TEST_F(Text, Reuse_BothDirectionsInTurn_DoNotDisturbEachOther) {
+TEST_F(TranscodedText, Reuse_BothDirectionsInTurn_DoNotDisturbEachOther) {
   for (int round = 0; round < 3; ++round) {
     EXPECT_EQ(transcoder_.ToXml("\xF0\x9F\x98\x80"), u"\U0001F600");
     EXPECT_EQ(transcoder_.ToUtf8(u"\u00FC"), "\xC3\xBC");
   }
 }
 
-TEST_F(Text, ToXml_NotUtf8_IsRefused) {
+TEST_F(TranscodedText, ToXml_NotUtf8_IsRefused) {
   for (const std::string text : {"\x80", "\xC3", "\xC0\x80", "\xED\xA0\x80", "\xE2\x82", "a\xC3z",
                                  "\xF4\x90\x80\x80", "gr\xFCn", "\xFF"}) {
     for (const std::string before : {"", "long enough to be a text of its own "}) {
@@ -131,40 +131,40 @@ TEST_F(Text, ToXml_NotUtf8_IsRefused) {
   }
 }
 
-TEST_F(Text, ToXml_NotUtf8_ErrorShowsTheText) {
+TEST_F(TranscodedText, ToXml_NotUtf8_ErrorShowsTheText) {
   EXPECT_EQ(ErrorOf("a\xFF"), "the text \"a\\xff\" is not UTF-8");
 }
 
-TEST_F(Text, ToXml_EveryControlThatXmlCannotCarry_IsRefused) {
+TEST_F(TranscodedText, ToXml_EveryControlThatXmlCannotCarry_IsRefused) {
   for (char c = 0; c < 0x20; ++c) {
     const bool is_allowed = c == '\t' || c == '\n' || c == '\r';
     EXPECT_EQ(ErrorOf("a" + std::string(1, c)).empty(), is_allowed) << static_cast<int>(c);
   }
 }
 
-TEST_F(Text, ToXml_NonCharacters_AreRefusedInTheFirstPlaneOnly) {
+TEST_F(TranscodedText, ToXml_NonCharacters_AreRefusedInTheFirstPlaneOnly) {
   EXPECT_NE(ErrorOf("\xEF\xBF\xBE"), "");
   EXPECT_NE(ErrorOf("\xEF\xBF\xBF"), "");
   EXPECT_EQ(ErrorOf("\xEF\xB7\x90\xF0\x9F\xBF\xBE\xF4\x8F\xBF\xBF"), "");
 }
 
-TEST_F(Text, ToXml_ForbiddenCharacter_ErrorTellsTextAndCharacter) {
+TEST_F(TranscodedText, ToXml_ForbiddenCharacter_ErrorTellsTextAndCharacter) {
   EXPECT_EQ(ErrorOf("a\x01"),
             "the text \"a\\x01\" has the character U+0001, which XML cannot carry");
 }
 
-TEST_F(Text, ToXml_ForbiddenCharacters_ErrorTellsTheFirst) {
+TEST_F(TranscodedText, ToXml_ForbiddenCharacters_ErrorTellsTheFirst) {
   EXPECT_NE(ErrorOf("a\xEF\xBF\xBE\x01").find("U+FFFE"), std::string::npos);
 }
 
-TEST_F(Text, ToElementName_Name_IsConverted) {
+TEST_F(TranscodedText, ToElementName_Name_IsConverted) {
   for (const char* name :
        {"a", "_", "param", "a-b.c_1", "A1", "xml", "xsi", "é", "名前", "e\u0301"}) {
     EXPECT_EQ(TranscodeXMLString(transcoder_.ToElementName(name).c_str()), name);
   }
 }
 
-TEST_F(Text, ToElementName_NoName_IsEmpty) {
+TEST_F(TranscodedText, ToElementName_NoName_IsEmpty) {
   for (const std::string& name : {""s,
                                   ":"s,
                                   "a:b"s,
@@ -191,7 +191,7 @@ TEST_F(Text, ToElementName_NoName_IsEmpty) {
   }
 }
 
-TEST_F(Text, IsNCName_TellsNamesFromOtherText) {
+TEST_F(TranscodedText, IsNCName_TellsNamesFromOtherText) {
   EXPECT_TRUE(IsNCName(u"name"));
   EXPECT_FALSE(IsNCName(u"pre:name"));
   EXPECT_FALSE(IsNCName(u""));

@@ -11,7 +11,7 @@
 namespace kelproj {
 namespace {
 
-ExitStatus Report(const Console& console, std::string_view reason) {
+ExitStatus Fail(const Console& console, std::string_view reason) {
   WriteMessage(console.err, Diag::MessageType::kError, reason);
   return ExitStatus::kTrouble;
 }
@@ -24,7 +24,7 @@ ExitStatus Answer(const Console& console, const Arguments& arguments,
     program.exit(error, console.out, console.err);
     return ExitStatus::kYes;
   }
-  Report(console, arguments.Reason(error));
+  Fail(console, arguments.Reason(error));
   console.err << "Try: " << program.get_name();
   for (const CLI::App* command : program.get_subcommands()) {
     console.err << ' ' << command->get_name();
@@ -49,11 +49,11 @@ ExitStatus RunParsed(const std::vector<std::string>& words, const Console& conso
 ExitStatus RunProgram(const std::vector<std::string>& arguments, const Console& console) {
   try {
     const ExitStatus status = RunParsed(arguments, console);
-    return console.out.flush() ? status : Report(console, "standard output cannot be written");
+    return console.out.flush() ? status : Fail(console, "standard output cannot be written");
   } catch (const std::exception& exception) {
-    return Report(console, exception.what());
+    return Fail(console, exception.what());
   } catch (...) {
-    return Report(console, "an unknown failure");
+    return Fail(console, "an unknown failure");
   }
 }
 
