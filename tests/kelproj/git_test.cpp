@@ -1,45 +1,23 @@
-#include "tests/kelproj/kelproj_test.h"
+#include "tests/kelproj/git_test.h"
 
 namespace {
 
 using namespace test_support;
 
-/// The program as the external diff of a real repository, set up as its help tells.
-class Git : public KelprojTest {
+/// The program as the external diff alone.
+class Git : public GitTest {
  protected:
   void SetUp() override {
-    if (RunProcess({"git", "--version"}).status != 0) GTEST_SKIP() << "there is no git";
-    Succeed({"init", "--quiet", "--initial-branch=main"});
-    Succeed({"config", "user.name", "Zoë Brandt"});
-    Succeed({"config", "user.email", "zoe@kel.example"});
+    GitTest::SetUp();
+    if (IsSkipped()) return;
     Succeed({"config", "diff.kelproj.command", "'" + KelprojProgram() + "' diff"});
     Write(".gitattributes", "*.xml diff=kelproj\n");
     Commit();
   }
 
-  Outcome RunGit(std::vector<std::string> arguments) const {
-    arguments.insert(arguments.begin(), "git");
-    return RunProcess(arguments,
-                      {Directory(), {{"HOME", Directory()}, {"GIT_CONFIG_NOSYSTEM", "1"}}});
-  }
-
-  void Succeed(const std::vector<std::string>& arguments) const {
-    const Outcome outcome = RunGit(arguments);
-    ASSERT_EQ(outcome.status, 0) << outcome.err;
-  }
-
-  void Commit() const {
-    Succeed({"add", "--all"});
-    Succeed({"commit", "--quiet", "--message", "Change the project"});
-  }
-
   void CommitProject() const {
     MakeProject();
     Commit();
-  }
-
-  void SetName(const std::string& file, const std::string& name) const {
-    ASSERT_EQ(Run({"set", file, "name", name}).status, 0);
   }
 };
 

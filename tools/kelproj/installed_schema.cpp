@@ -4,16 +4,14 @@
 #include <system_error>
 
 #include "console.h"
+#include "running_program.h"
 
 namespace kelproj {
 
 std::string InstalledSchema() {
   namespace fs = std::filesystem;
-  // Where the program lies now, wherever its installation was moved to.
-  std::error_code unknown;
-  const fs::path program = fs::read_symlink("/proc/self/exe", unknown);
   const fs::path candidates[] = {
-      (program.parent_path() / KELPROJ_SCHEMA_FROM_PROGRAM).lexically_normal(),
+      (RunningProgram().parent_path() / KELPROJ_SCHEMA_FROM_PROGRAM).lexically_normal(),
       KELPROJ_INSTALLED_SCHEMA};
   for (const fs::path& candidate : candidates) {
     std::error_code error;

@@ -24,6 +24,29 @@ load whole, for instance.
 Example:
   kelproj merge before.xml blinker.xml blinker_of_zoe.xml -o blinker.xml)";
 
+constexpr char kGitSetupHelp[] =
+    R"(Lets git understand the project files: "git diff" and "git log -p --ext-diff"
+show what changed in the projects; merge, rebase, cherry-pick and revert bring
+them together by "kelproj merge"; and what is committed is in canonical form and
+without the stamps of the last writing, so that a save by any tool that changed
+no content leaves nothing to commit.
+
+The files are written into .gitattributes at the top of the working tree, to be
+committed; the drivers, by the place where this program lies, are written into
+the configuration of the repository, which each clone has its own of, or with
+--global into that of the user. Without the drivers git takes the files as text.
+A FILE that is not there and has one of *?[ in it is a pattern as .gitattributes
+knows them, from where you stand: '**/soc_*.xml'. Done twice it changes nothing;
+do it again when this program has moved.
+
+With --undo the files are removed from .gitattributes and, when no others are
+left there, the drivers from the configuration.
+
+Example:
+  kelproj git-setup blinker.xml
+  git add --renormalize .gitattributes blinker.xml
+  git commit -m "Let git understand the project file")";
+
 void DefineMerge(CLI::App& program, Request& request) {
   CLI::App& command =
       AddCommand(program, "merge", "Bring together what two made of one project", kMergeHelp);
@@ -48,8 +71,22 @@ void DefineMerge(CLI::App& program, Request& request) {
                    "Print the conflicts as JSON; without -o in place of the project");
 }
 
+void DefineGitSetup(CLI::App& program, Request& request) {
+  CLI::App& command =
+      AddCommand(program, "git-setup", "Let git understand project files", kGitSetupHelp);
+  auto& arguments = Requested<GitSetupArguments>(command, request);
+  command.add_option("FILE", arguments.files, "A project file in a working tree of git")
+      ->required();
+  command.add_flag("--global", arguments.for_user,
+                   "Configure git for all repositories of the user");
+  command.add_flag("--undo", arguments.undo, "Take back what was set up");
+}
+
 }  // namespace
 
-void DefineGitCommands(CLI::App& program, Request& request) { DefineMerge(program, request); }
+void DefineGitCommands(CLI::App& program, Request& request) {
+  DefineMerge(program, request);
+  DefineGitSetup(program, request);
+}
 
 }  // namespace kelproj

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "console.h"
 
@@ -23,5 +24,12 @@ struct MergeArguments {
   bool json = false;
 };
 ExitStatus Run(const MergeArguments& arguments, const Console& console);
+
+struct GitSetupArguments {
+  std::vector<std::string> files;  ///< Or patterns of files, from where the user stands.
+  bool for_user = false;           ///< Whether the drivers are for all repositories of the user.
+  bool undo = false;
+};
+ExitStatus Run(const GitSetupArguments& arguments, const Console& console);
 
 }  // namespace kelproj

@@ -1,0 +1,210 @@
+#include "tests/kelproj/git_test.h"
+
+namespace {
+
+using namespace test_support;
+
+const char kAttributes[] = " diff=kelproj merge=kelproj filter=kelproj\n";
+
+class GitSetup : public GitTest {
+ protected:
+  void SetUp() override {
+    GitTest::SetUp();
+    if (!IsSkipped()) MakeProject();
+  }
+
+  std::string Configured(const std::string& key, const std::string& scope = "--local") const {
+    return RunGit({"config", scope, "--get-all", key}).out;
+  }
+
+  // Whether git would merge the file as a project.
+  bool IsMergedAsAProject(const std::string& file) const {
+    return RunGit({"-c", "core.quotePath=false", "check-attr", "-z", "merge", "--", file}).out ==
+           file + std::string("\0merge\0kelproj\0", 15);
+  }
+};
+
+TEST_F(GitSetup, File_IsGivenTheThreeDriversByThePlaceOfTheProgram) {
+  EXPECT_EQ(RunHere({"git-setup", "blinker.xml"}), Done());
+  EXPECT_EQ(Read(".gitattributes"), std::string("/blinker.xml") + kAttributes);
+  const std::string program = "'" + KelprojProgram() + "'";
+  EXPECT_EQ(Configured("diff.kelproj.command"), program + " diff\n");
+  EXPECT_EQ(Configured("merge.kelproj.driver"), program + " merge %O %A %B -o %A --path %P\n");
+  EXPECT_EQ(Configured("filter.kelproj.clean"), program + " format --no-stamps -\n");
+}
+
+TEST_F(GitSetup, Twice_ChangesNothing) {
+  ASSERT_EQ(RunHere({"git-setup", "blinker.xml"}), Done());
+  const FileState attributes(PathOf(".gitattributes"));
+  const FileState configuration(PathOf(".git/config"));
+  EXPECT_EQ(RunHere({"git-setup", "blinker.xml", "./blinker.xml"}), Done());
+  EXPECT_EQ(FileState(PathOf(".gitattributes")), attributes);
+  EXPECT_EQ(FileState(PathOf(".git/config")), configuration);
+}
+
+TEST_F(GitSetup, ProgramThatHasMoved_TakesThePlaceOfTheFormerOne) {
+  Succeed({"config", "diff.kelproj.command", "'/opt/old place/kelproj' diff"});
+  ASSERT_EQ(RunHere({"git-setup", "blinker.xml"}), Done());
+  EXPECT_EQ(Configured("diff.kelproj.command"), "'" + KelprojProgram() + "' diff\n");
+}
+
+TEST_F(GitSetup, Undo_TakesItBack) {
+  const std::string configuration = Read(".git/config");
+  ASSERT_EQ(RunHere({"git-setup", "blinker.xml"}), Done());
+  for (int times = 0; times < 2; ++times) {
+    EXPECT_EQ(RunHere({"git-setup", "--undo", "blinker.xml"}), Done());
+    EXPECT_EQ(Read(".git/config"), configuration);
+    EXPECT_THAT(Names(), ElementsAre(".git", "blinker.xml"));
+  }
+}
+
+TEST_F(GitSetup, OtherAttributes_StayWhenOneIsAddedAndTakenBack) {
+  const std::string others = "*.v text\n# blinker.xml is the project\n";
+  Write(".gitattributes", others);
+  ASSERT_EQ(RunHere({"git-setup", "blinker.xml"}), Done());
+  EXPECT_EQ(Read(".gitattributes"), others + "/blinker.xml" + kAttributes);
+  ASSERT_EQ(RunHere({"git-setup", "--undo", "blinker.xml"}), Done());
+  EXPECT_EQ(Read(".gitattributes"), others);
+}
+
+TEST_F(GitSetup, LastLineWithoutAnEnd_GetsOne) {
+  Write(".gitattributes", "*.v text");
+  ASSERT_EQ(RunHere({"git-setup", "blinker.xml"}), Done());
+  EXPECT_EQ(Read(".gitattributes"), std::string("*.v text\n/blinker.xml") + kAttributes);
+}
+
+TEST_F(GitSetup, UndoOfOneOfTwoFiles_KeepsTheDriversForTheOther) {
+  MakeProject("lamp.xml");
+  ASSERT_EQ(RunHere({"git-setup", "blinker.xml", "lamp.xml"}), Done());
+  EXPECT_EQ(RunHere({"git-setup", "--undo", "blinker.xml"}), Done());
+  EXPECT_EQ(Read(".gitattributes"), std::string("/lamp.xml") + kAttributes);
+  EXPECT_NE(Configured("merge.kelproj.driver"), "");
+}
+
+TEST_F(GitSetup, UndoOfARemovedFile_IsDoneAllTheSame) {
+  std::filesystem::create_directories(PathOf("hw/soc"));
+  MakeProject("hw/soc/soc.xml");
+  ASSERT_EQ(RunHere({"git-setup", "hw/soc/soc.xml"}), Done());
+  std::filesystem::remove_all(PathOf("hw"));
+  EXPECT_EQ(RunHere({"git-setup", "--undo", "hw/soc/soc.xml"}), Done());
+  EXPECT_EQ(Configured("merge.kelproj.driver"), "");
+  EXPECT_THAT(Names(), ElementsAre(".git", "blinker.xml"));
+}
+
+TEST_F(GitSetup, Global_ConfiguresTheUserAndNotTheRepository) {
+  const std::string ours = Read(".git/config");
+  const std::string users = ReadFile(Home(".gitconfig"));
+  ASSERT_EQ(RunHere({"git-setup", "--global", "blinker.xml"}), Done());
+  EXPECT_EQ(Read(".git/config"), ours);
+  EXPECT_THAT(Configured("merge.kelproj.driver", "--global"), HasSubstr("merge %O %A %B"));
+  EXPECT_TRUE(IsMergedAsAProject("blinker.xml"));
+  ASSERT_EQ(RunHere({"git-setup", "--global", "--undo", "blinker.xml"}), Done());
+  EXPECT_EQ(ReadFile(Home(".gitconfig")), users);
+}
+
+TEST_F(GitSetup, FileOfAnyName_IsMeantAloneWhateverStandsInItsName) {
+  std::filesystem::create_directory(PathOf("Söhne & [Co]"));
+  for (const std::string file :
+       {"Söhne & [Co]/mein \"Projekt\"\t*.xml", "a[1].xml", "what?.xml", "back\\slash.xml",
+        "#hash.xml", "!not.xml", "'quoted'.xml", " blank.xml"}) {
+    MakeProject(file);
+    EXPECT_EQ(RunHere({"git-setup", file}), Done()) << file;
+    EXPECT_TRUE(IsMergedAsAProject(file)) << file << "\n" << Read(".gitattributes");
+  }
+  for (const char* const other : {"Söhne & C/mein \"Projekt\"\tx.xml", "a1.xml", "whatx.xml"}) {
+    EXPECT_FALSE(IsMergedAsAProject(other)) << other;
+  }
+}
+
+TEST_F(GitSetup, FromADirectoryBelow_NamesTheFileFromTheTop) {
+  std::filesystem::create_directories(PathOf("hw/soc"));
+  MakeProject("hw/soc.xml");
+  MakeProject("hw/soc/soc.xml");
+  ASSERT_EQ(RunHere({"git-setup", "../soc.xml", "soc.xml"}, "hw/soc"), Done());
+  EXPECT_EQ(Read(".gitattributes"),
+            std::string("/hw/soc.xml") + kAttributes + "/hw/soc/soc.xml" + kAttributes);
+}
+
+TEST_F(GitSetup, Pattern_MeansAllThatFitItBelowWhereOneStands) {
+  std::filesystem::create_directories(PathOf("hw/soc"));
+  ASSERT_EQ(RunHere({"git-setup", "**/*_soc.xml"}, "hw"), Done());
+  EXPECT_TRUE(IsMergedAsAProject("hw/a_soc.xml"));
+  EXPECT_TRUE(IsMergedAsAProject("hw/soc/b_soc.xml"));
+  EXPECT_FALSE(IsMergedAsAProject("a_soc.xml"));
+  EXPECT_FALSE(IsMergedAsAProject("hw/soc/other.xml"));
+  ASSERT_EQ(RunHere({"git-setup", "--undo", "**/*_soc.xml"}, "hw"), Done());
+  EXPECT_FALSE(IsMergedAsAProject("hw/a_soc.xml"));
+}
+
+TEST_F(GitSetup, Trouble_ChangesNothing) {
+  const std::string configuration = Read(".git/config");
+  std::filesystem::create_directory(PathOf("hw"));
+  WriteFile(Home("elsewhere.xml"), Read("blinker.xml"));
+  const std::pair<std::string, std::string> cases[] = {
+      {"no.xml", "no.xml does not exist"},
+      {"hw", "hw is a directory"},
+      {Home("elsewhere.xml"), Home("elsewhere.xml") + " is in no working tree of git"}};
+  for (const auto& [file, reason] : cases) {
+    EXPECT_EQ(RunHere({"git-setup", "blinker.xml", file}), Failed(reason));
+    EXPECT_EQ(Read(".git/config"), configuration);
+    EXPECT_THAT(Names(), ElementsAre(".git", "blinker.xml", "hw"));
+  }
+}
+
+TEST_F(GitSetup, ConfigurationThatGitCannotWrite_IsToldInItsWords) {
+  Write(".git/config.lock", "");
+  const Outcome outcome = RunHere({"git-setup", "blinker.xml"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_THAT(outcome.err, AllOf(StartsWith("kelproj: error: git: "), HasSubstr("lock")));
+  EXPECT_THAT(Names(), ElementsAre(".git", "blinker.xml"));
+}
+
+TEST_F(GitSetup, AttributesThatAreNoFile_AreTroubleAndChangeNothing) {
+  std::filesystem::create_directory(PathOf(".gitattributes"));
+  const std::string configuration = Read(".git/config");
+  EXPECT_EQ(
+      RunHere({"git-setup", "blinker.xml"}),
+      Failed(std::filesystem::canonical(Directory()).string() + "/.gitattributes is a directory"));
+  EXPECT_EQ(Read(".git/config"), configuration);
+}
+
+TEST_F(GitSetup, WithoutGit_IsTrouble) {
+  EXPECT_EQ(Run({"git-setup", "blinker.xml"}, {".", {{"PATH", "/nowhere"}}}),
+            Failed("git is not installed"));
+}
+
+/// The program where a shell must quote its path and git takes a part of it for a placeholder.
+class ProgramElsewhere : public GitTest {
+ protected:
+  void SetUp() override {
+    GitTest::SetUp();
+    if (IsSkipped()) return;
+    const Outcome outcome =
+        RunProcess({"cmake", "--install", BUILD_DIRECTORY, "--prefix", Home("50%A & Zoë's")});
+    ASSERT_EQ(outcome.status, 0) << outcome.err;
+    MakeProject();
+    ASSERT_EQ(RunProcess({Home("50%A & Zoë's/bin/kelproj"), "git-setup", "blinker.xml"},
+                         {Directory(), {{"HOME", Home("")}}}),
+              Done());
+    Commit();
+  }
+};
+
+TEST_F(ProgramElsewhere, Diff_Works) {
+  SetName("blinker.xml", "blinker2");
+  EXPECT_EQ(RunGit({"diff"}).out,
+            "--- blinker.xml\n+++ blinker.xml\n- name: blinker\n+ name: blinker2\n");
+}
+
+TEST_F(ProgramElsewhere, Merge_Works) {
+  Succeed({"checkout", "--quiet", "-b", "theirs"});
+  Change({"add", "blinker.xml", "--sdc", "pins.sdc"});
+  Commit();
+  Succeed({"checkout", "--quiet", "main"});
+  Change({"add", "blinker.xml", "--sdc", "clocks.sdc"});
+  Commit();
+  Succeed({"merge", "--quiet", "theirs"});
+  EXPECT_THAT(Run({"show", "blinker.xml"}).out, HasSubstr("\n  clocks.sdc\n  pins.sdc\n"));
+}
+
+}  // namespace

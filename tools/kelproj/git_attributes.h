@@ -1,0 +1,36 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace kelproj {
+
+/// The file .gitattributes at the top of a working tree, which tells git the drivers of files.
+class GitAttributes {
+ public:
+  /// @param top of a working tree; the file need not be there
+  /// @exception Trouble if the file cannot be read
+  explicit GitAttributes(const std::filesystem::path& top);
+
+  /// Has the drivers of this program handle the files of a pattern.
+  void Add(const std::string& pattern);
+  void Remove(const std::string& pattern);
+
+  /// Whether a line names a driver of this program.
+  bool NamesDrivers() const;
+
+  /// Writes the file if it changed, and removes one without lines.
+  /// @exception Trouble if that fails
+  void Save() const;
+
+ private:
+  std::filesystem::path path_;
+  std::vector<std::string> lines_;
+  bool is_changed_ = false;
+};
+
+/// The pattern that stands for the path alone.
+std::string LiteralPattern(const std::string& path);
+
+}  // namespace kelproj
