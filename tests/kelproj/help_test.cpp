@@ -11,9 +11,9 @@ using namespace projectdb;
 using namespace test_support;
 using testing::ContainsRegex;
 
-constexpr const char* kCommands[] = {"new",   "show",      "check",         "get",
-                                     "set",   "add",       "set-interface", "diff",
-                                     "merge", "git-setup", "completion"};
+constexpr const char* kCommands[] = {"new",  "show",  "check",     "get",
+                                     "list", "set",   "add",       "set-interface",
+                                     "diff", "merge", "git-setup", "completion"};
 
 class Help : public KelprojTest {};
 

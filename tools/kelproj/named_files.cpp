@@ -1,6 +1,8 @@
 #include "named_files.h"
 
+#include <algorithm>
 #include <system_error>
+#include <type_traits>
 #include <variant>
 
 #include <projectdb/vocabulary.h>
@@ -20,16 +22,16 @@ class Collection {
   explicit Collection(const ProjectContents& project)
       : project_(project), directory_(project.current_path) {}
 
-  void Add(const ProjectTerm& term) {
-    std::visit([&](const auto& access) { Add(std::string(term.key), access(project_)); },
-               term.access);
+  void Add(const FileKind& kind) {
+    kind_ = &kind;
+    std::visit([&](const auto& access) { Add(kind.key, access(project_)); }, TermOf(kind).access);
   }
 
   const std::vector<NamedFile>& files() const { return files_; }
 
  private:
   void Add(const std::string& key, const std::string& name) {
-    if (!name.empty()) files_.push_back({key, name, directory_ / name});
+    if (!name.empty()) files_.push_back({kind_, key, key, name, directory_ / name, "", ""});
   }
 
   // The attributes are free text.
@@ -41,33 +43,51 @@ class Collection {
   }
 
   void Add(const std::string& key, const std::vector<IP>& ips) {
-    AddList(key, ips, directory_);
-    for (const IP& ip : ips) {
-      AddList(key + "." + NameOf(ip) + ".files", ip.src_files,
-              (directory_ / ip.path).parent_path());
+    for (std::size_t i = 0; i < ips.size(); ++i) {
+      AddEntry(key, i, ips[i], directory_);
+      AddList(key + "." + NameOf(ips[i]) + ".files", ips[i].src_files,
+              (directory_ / ips[i].path).parent_path());
     }
   }
 
   template <typename Entry>
   void AddList(const std::string& list, const std::vector<Entry>& entries,
                const std::filesystem::path& directory) {
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-      const std::string& name = projectdb::FileNameOf(entries[i]);
-      files_.push_back({list + "[" + std::to_string(i) + "]", name, directory / name});
+    for (std::size_t i = 0; i < entries.size(); ++i) AddEntry(list, i, entries[i], directory);
+  }
+
+  template <typename Entry>
+  void AddEntry(const std::string& list, std::size_t index, const Entry& entry,
+                const std::filesystem::path& directory) {
+    const std::string& name = projectdb::FileNameOf(entry);
+    files_.push_back(
+        {kind_, list, list + "[" + std::to_string(index) + "]", name, directory / name, "", ""});
+    if constexpr (std::is_same_v<Entry, projectdb::DesignFile>) {
+      files_.back().version = entry.version;
+      files_.back().library = entry.library;
     }
   }
 
   const ProjectContents& project_;
   std::filesystem::path directory_;
+  const FileKind* kind_ = nullptr;
   std::vector<NamedFile> files_;
 };
+
+// Null if the term is about something else.
+const FileKind* KindOf(const ProjectTerm& term) {
+  const auto kinds = FileKinds();
+  const auto* const kind = std::find_if(
+      kinds.begin(), kinds.end(), [&term](const FileKind& each) { return each.key == term.key; });
+  return kind == kinds.end() ? nullptr : kind;
+}
 
 }  // namespace
 
 std::vector<NamedFile> FilesOf(const ProjectContents& project) {
   Collection collection(project);
   for (const ProjectTerm& term : ShownTerms()) {
-    if (term.file_ending) collection.Add(term);
+    if (const FileKind* kind = KindOf(term)) collection.Add(*kind);
   }
   return collection.files();
 }

@@ -7,14 +7,22 @@
 #include <projectdb/project_contents.h>
 
 #include "console.h"
+#include "file_kinds.h"
 
 namespace kelproj {
 
 /// A file that a project names.
 struct NamedFile {
+  const FileKind* kind;
+  std::string list;   ///< The key of the list that has it, such as "design.files".
   std::string place;  ///< Of its name in the project, such as "design.files[3]".
   std::string name;   ///< As it is stored.
   std::filesystem::path path;
+  std::string version;  ///< Of its language; "" if its kind has none.
+  std::string library;  ///< "" if its kind has none.
+
+  /// Whether it is what an IP instance was made from, which is no source itself.
+  bool is_ip_instance() const { return list == "ip"; }
 };
 
 /// All files that the project names, in the order of its lists.

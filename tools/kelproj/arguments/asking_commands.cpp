@@ -23,6 +23,31 @@ for with --files, if the project file itself has no error.
 Example:
   kelproj check blinker.xml --files)";
 
+constexpr char kListHelp[] =
+    R"(One name takes one line. Without the option of a kind all files are listed, each
+IP instance with its sources, in the order of the project. The names are as
+seen from where you stand; one that is stored as absolute stays so. --library
+and --hdl-version choose among the files that have such a value, and may be
+given more than once; other files are then listed only if their kind is.
+
+What --format writes is for another program:
+
+  f         a command file for -f of simulators and linters: the project's
+            macros, its define parameters, the design files and the sources of
+            the IP instances; quoted where needed
+  iverilog  the same for -c of iverilog, which knows no quotes; the define
+            parameters are those of the top module
+  make      the rule that a target, by default STEM.bit, is to be made again if
+            the project file or a file of the project is newer
+
+The options of kinds choose for them too. What a program could not read as it is
+meant, such as a macro with a blank for iverilog, is trouble.
+
+Example:
+  kelproj list blinker.xml --rtl --hdl-version verilog_2001
+  kelproj list blinker.xml --format f > blinker.f
+  kelproj list blinker.xml --format make --target out/blinker.bit > blinker.d)";
+
 constexpr char kGetHelp[] =
     R"(The status is 1, and nothing is printed, if the project has no such info
 attribute or parameter.
@@ -65,6 +90,58 @@ void DefineCheck(CLI::App& program, Request& request) {
   AddJson(command, arguments.json);
 }
 
+void AddChosenFiles(CLI::App& command, ListArguments& arguments) {
+  for (const FileKind& kind : FileKinds()) {
+    command.add_flag_callback(
+        kind.option, [&arguments, &kind] { arguments.kinds.push_back(&kind); },
+        "List " + TitleInSentence(TermOf(kind)));
+  }
+  command.add_option("--library", arguments.libraries, "List files that are compiled into it")
+      ->type_name("NAME")
+      ->allow_extra_args(false);
+  command.add_option("--hdl-version", arguments.hdl_versions, "List files of the language version")
+      ->type_name("VERSION")
+      ->allow_extra_args(false);
+}
+
+void AddNameForms(CLI::App& command, ListArguments& arguments) {
+  const auto add = [&](const char* name, NameForm form, const char* help) {
+    const auto choose = [&arguments, form] { arguments.form = form; };
+    return command.add_flag_callback(name, choose, help);
+  };
+  ExcludeEachOther({add("--stored", NameForm::kStored, "Print the names as they are stored"),
+                    add("--absolute", NameForm::kAbsolute, "Print absolute names")});
+}
+
+void AddListFormats(CLI::App& command, ListArguments& arguments) {
+  const auto add = [&](const char* name, ListFormat format, const char* help) {
+    const auto choose = [&arguments, format] { arguments.format = format; };
+    return command.add_flag_callback(name, choose, help);
+  };
+  const auto choose = [&arguments](const std::string& name) {
+    arguments.format = name == "f"      ? ListFormat::kCommandFile
+                       : name == "make" ? ListFormat::kMake
+                                        : ListFormat::kIverilog;
+  };
+  ExcludeEachOther(
+      {add("-0", ListFormat::kZeroTerminated, "End each name by a zero byte"),
+       add("--json", ListFormat::kJson, "Print JSON, for programs"),
+       command.add_option_function<std::string>("--format", choose, "Write for another program")
+           ->type_name("FORMAT")
+           ->check(OneOf({"f", "iverilog", "make"}))});
+  command.add_option("--target", arguments.target, "What make is to make")->type_name("TARGET");
+}
+
+void DefineList(CLI::App& program, Request& request) {
+  CLI::App& command =
+      AddCommand(program, "list", "Print the names of a project's files", kListHelp);
+  auto& arguments = Requested<ListArguments>(command, request);
+  AddFile(command, arguments.file);
+  AddChosenFiles(command, arguments);
+  AddNameForms(command, arguments);
+  AddListFormats(command, arguments);
+}
+
 void DefineGet(CLI::App& program, Request& request) {
   CLI::App& command =
       AddCommand(program, "get", "Print one value of a project", KeysHelp() + "\n\n" + kGetHelp);
@@ -87,6 +164,7 @@ void DefineDiff(CLI::App& program, Request& request) {
 void DefineAskingCommands(CLI::App& program, Request& request) {
   DefineShow(program, request);
   DefineCheck(program, request);
+  DefineList(program, request);
   DefineGet(program, request);
   DefineDiff(program, request);
 }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "console.h"
+#include "file_kinds.h"
 
 /// The commands that ask project files: what each is given, and the function that runs it. File
 /// names are native paths. What cannot be done throws Trouble or an exception of the library.
@@ -23,6 +24,21 @@ struct CheckArguments {
   bool json = false;
 };
 ExitStatus Run(const CheckArguments& arguments, const Console& console);
+
+enum class NameForm { kFromHere, kStored, kAbsolute };
+
+enum class ListFormat { kLines, kZeroTerminated, kJson, kCommandFile, kIverilog, kMake };
+
+struct ListArguments {
+  std::string file;
+  std::vector<const FileKind*> kinds;  ///< Empty for those that the format has by itself.
+  std::vector<std::string> libraries;
+  std::vector<std::string> hdl_versions;
+  NameForm form = NameForm::kFromHere;
+  ListFormat format = ListFormat::kLines;
+  std::optional<std::string> target;  ///< For make.
+};
+ExitStatus Run(const ListArguments& arguments, const Console& console);
 
 struct GetArguments {
   std::string file;

@@ -1,0 +1,425 @@
+#include <nlohmann/json.hpp>
+
+#include "tests/kelproj/kelproj_test.h"
+
+namespace {
+
+using namespace test_support;
+using ListJson = nlohmann::json;
+
+constexpr char kLamp[] =
+    R"(<kel:project xmlns:kel="http://schema.kel.example/wdp_proj" name="lamp">
+  <kel:design_info>
+    <kel:top_module name="lamp"/>
+    <kel:design_file name="rtl/my core/up counter.v" version="verilog_2001" library="default"/>
+    <kel:design_file name="rtl/lamp.sv" version="sv_2017" library="light"/>
+    <kel:design_file name="/opt/cells/pad.v" version="verilog_2001" library="default"/>
+  </kel:design_info>
+  <kel:constraint_info>
+    <kel:sdc_file name="clocks.sdc"/><kel:inter_file name="pins.interface.csv"/>
+  </kel:constraint_info>
+  <kel:isf_info><kel:isf_file name="pads.isf"/></kel:isf_info>
+  <kel:sim_info><kel:sim_file name="../tb höhe.sv" version="sv_2017"/></kel:sim_info>
+  <kel:misc_info><kel:misc_file name="notes.md"/></kel:misc_info>
+  <kel:ip_info>
+    <kel:ip instance_name="pll" path="ip/pll.ip"><kel:ip_src_file name="gen/pll.v"/></kel:ip>
+  </kel:ip_info>
+</kel:project>
+)";
+
+class List : public KelprojTest {
+ protected:
+  void SetUp() override {
+    std::filesystem::create_directories(PathOf("lamp"));
+    std::filesystem::create_directories(PathOf("out"));
+    Write("lamp/lamp.xml", kLamp);
+  }
+
+  Outcome RunList(std::vector<std::string> options, const std::string& directory = "lamp",
+                  const std::string& file = "lamp.xml") const {
+    options.insert(options.begin(), {"list", file});
+    return Run(options, {PathOf(directory)});
+  }
+};
+
+TEST_F(List, FromTheProjectsDirectory_PrintsAllFilesInTheProjectsOrder) {
+  EXPECT_EQ(RunList({}), Printed("rtl/my core/up counter.v\n"
+                                 "rtl/lamp.sv\n"
+                                 "/opt/cells/pad.v\n"
+                                 "../tb höhe.sv\n"
+                                 "notes.md\n"
+                                 "clocks.sdc\n"
+                                 "pins.interface.csv\n"
+                                 "pads.isf\n"
+                                 "ip/pll.ip\n"
+                                 "ip/gen/pll.v\n"));
+}
+
+TEST_F(List, FromElsewhere_PrintsNamesThatTheUserCanOpen) {
+  EXPECT_EQ(RunList({"--sim", "--sdc", "--ip"}, "out", "../lamp/lamp.xml"),
+            Printed("../tb höhe.sv\n../lamp/clocks.sdc\n../lamp/ip/pll.ip\n"
+                    "../lamp/ip/gen/pll.v\n"));
+}
+
+TEST_F(List, ThroughALinkToTheDirectory_PrintsNamesThatTheUserCanOpen) {
+  Write("tb höhe.sv", "");
+  std::filesystem::create_directories(PathOf("a/b"));
+  std::filesystem::create_directory_symlink(PathOf("lamp"), PathOf("a/b/link"));
+  for (const char* directory : {"a/b", "a/b/link"}) {
+    const std::string name = RunList({"--sim"}, directory, PathOf("a/b/link/lamp.xml")).out;
+    ASSERT_FALSE(name.empty());
+    EXPECT_TRUE(std::filesystem::exists(std::filesystem::path(PathOf(directory)) /
+                                        name.substr(0, name.size() - 1)))
+        << name;
+  }
+}
+
+TEST_F(List, KindsLibrariesAndVersions_ChooseAmongTheFiles) {
+  const std::pair<std::vector<std::string>, const char*> cases[] = {
+      {{"--rtl"}, "rtl/my core/up counter.v\nrtl/lamp.sv\n/opt/cells/pad.v\n"},
+      {{"--interface"}, "pins.interface.csv\n"},
+      {{"--isf"}, "pads.isf\n"},
+      // The order is the project's.
+      {{"--sdc", "--misc"}, "notes.md\nclocks.sdc\n"},
+      {{"--library", "light"}, "rtl/lamp.sv\n"},
+      {{"--library", "light", "--sdc"}, "clocks.sdc\n"},
+      {{"--library", "light", "--sdc", "--rtl"}, "rtl/lamp.sv\nclocks.sdc\n"},
+      {{"--hdl-version", "sv_2017"}, "rtl/lamp.sv\n../tb höhe.sv\n"},
+      {{"--hdl-version", "sv_2017", "--rtl"}, "rtl/lamp.sv\n"},
+      {{"--hdl-version", "sv_2017", "--hdl-version", "verilog_2001", "--library", "default"},
+       "rtl/my core/up counter.v\n/opt/cells/pad.v\n"},
+      {{"--library", "dark"}, ""}};
+  for (const auto& [options, names] : cases) EXPECT_EQ(RunList(options), Printed(names));
+}
+
+TEST_F(List, StoredOrAbsolute_PrintsThatForm) {
+  EXPECT_EQ(RunList({"--sim", "--ip", "--stored"}, "out", "../lamp/lamp.xml"),
+            Printed("../tb höhe.sv\nip/pll.ip\ngen/pll.v\n"));
+  EXPECT_EQ(RunList({"--sim", "--ip", "--absolute"}, "out", "../lamp/lamp.xml"),
+            Printed(PathOf("tb höhe.sv") + "\n" + PathOf("lamp/ip/pll.ip") + "\n" +
+                    PathOf("lamp/ip/gen/pll.v") + "\n"));
+}
+
+TEST_F(List, ZeroTerminated_EndsEachNameByAZeroByte) {
+  using std::string_literals::operator""s;
+  EXPECT_EQ(RunList({"-0", "--misc", "--sdc"}), Printed("notes.md\0clocks.sdc\0"s));
+}
+
+TEST_F(List, Json_HasEachFileWithItsListAndWhatItIsStoredWith) {
+  const Outcome outcome =
+      RunList({"--json", "--hdl-version", "sv_2017", "--rtl", "--ip"}, "out", "../lamp/lamp.xml");
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(
+      ListJson::parse(outcome.out),
+      ListJson(
+          {{{"list", "design.files"},
+            {"name", "rtl/lamp.sv"},
+            {"path", "../lamp/rtl/lamp.sv"},
+            {"version", "sv_2017"},
+            {"library", "light"}},
+           {{"list", "ip"}, {"name", "ip/pll.ip"}, {"path", "../lamp/ip/pll.ip"}},
+           {{"list", "ip.pll.files"}, {"name", "gen/pll.v"}, {"path", "../lamp/ip/gen/pll.v"}}}));
+}
+
+TEST_F(List, ProjectWithoutFiles_PrintsNothing) {
+  MakeProject();
+  EXPECT_EQ(Run({"list", "blinker.xml"}), Done());
+  EXPECT_EQ(Run({"list", "blinker.xml", "--json"}), Printed("[]\n"));
+}
+
+TEST_F(List, WrongOptions_AreTrouble) {
+  EXPECT_THAT(RunList({"-0", "--json"}), IsWrongUse("kelproj list", {"-0", "--json"}));
+  EXPECT_THAT(RunList({"--stored", "--absolute"}),
+              IsWrongUse("kelproj list", {"--stored", "--absolute"}));
+  EXPECT_THAT(RunList({"--format", "ninja"}), IsWrongUse("kelproj list", {"--format", "ninja"}));
+  EXPECT_EQ(RunList({"--target", "lamp.bit"}), Failed("only --format make has a target"));
+}
+
+TEST_F(List, FileThatDoesNotLoad_IsTroubleAndPrintsNothing) {
+  Write("lamp/lamp.xml", "<project>");
+  const Outcome outcome = RunList({});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_THAT(outcome.err, EndsWith("kelproj: error: lamp.xml does not load\n"));
+}
+
+// The design elaborates only if every macro, define parameter and file arrives as it is stored.
+constexpr char kTop[] = R"(module top #(parameter WIDTH = 4, parameter RESET = 0)
+    (input wire clk, output wire [WIDTH-1:0] count);
+  counter #(.WIDTH(WIDTH), .STEP(`STEP)) counter_i (.clk(clk), .count(count));
+  generate
+    if (WIDTH != 8 || RESET != 32'h10) begin : g_parameters
+      a_parameter_is_missing missing_i ();
+    end
+  endgenerate
+`ifndef QUIET
+  a_macro_without_value_is_missing missing_macro_i ();
+`endif
+endmodule
+)";
+
+constexpr char kCounter[] = R"(module counter #(parameter WIDTH = 1, parameter STEP = 1)
+    (input wire clk, output reg [WIDTH-1:0] count);
+  wire enable;
+  gate gate_i (.enable(enable));
+  always @(posedge clk) if (enable) count <= count + STEP[WIDTH-1:0];
+endmodule
+)";
+
+constexpr char kGate[] = "module gate (output wire enable);\n  assign enable = 1'b1;\nendmodule\n";
+
+constexpr char kDesign[] =
+    R"(<kel:project xmlns:kel="http://schema.kel.example/wdp_proj" name="lamp">
+  <kel:design_info>
+    <kel:top_module name="top"/>
+    <kel:design_file name="rtl/top.v"/>
+    <kel:design_file name="rtl/my core/up counter.v"/>
+  </kel:design_info>
+  <kel:constraint_info><kel:sdc_file name="clocks.sdc"/></kel:constraint_info>
+  <kel:sim_info><kel:sim_file name="no test bench.v"/></kel:sim_info>
+  <kel:ip_info>
+    <kel:ip instance_name="gate" path="ip/gate.ip"><kel:ip_src_file name="gate.v"/></kel:ip>
+  </kel:ip_info>
+  <kel:synthesis>
+    <kel:dynparam name="WIDTH" value="8" value_type="e_string"/>
+    <kel:dynparam name="RESET" value="32'h10"/>
+    <kel:defmacro name="STEP" value="3"/>
+    <kel:defmacro name="QUIET" value="" value_type="e_noarg"/>
+  </kel:synthesis>
+</kel:project>
+)";
+
+/// A small design that is read by other programs, by way of what the program prints for them.
+class ListedDesign : public KelprojTest {
+ protected:
+  void SetUp() override {
+    for (const char* directory : {"rtl/my core", "ip", "build/lint"}) {
+      std::filesystem::create_directories(PathOf(directory));
+    }
+    Write("lamp.xml", kDesign);
+    Write("rtl/top.v", kTop);
+    Write("rtl/my core/up counter.v", kCounter);
+    Write("ip/gate.v", kGate);
+  }
+
+  static bool IsThere(const std::string& program) {
+    return RunProcess({program, program == "iverilog" ? "-V" : "--version"}).status == 0;
+  }
+
+  // Runs the program with what is printed for it.
+  Outcome RunWithList(const std::vector<std::string>& list, std::vector<std::string> program,
+                      const std::string& directory = "") const {
+    const std::string here = directory.empty() ? Directory() : directory;
+    const Outcome printed = Run(list, {here});
+    if (printed.status != 0) return printed;
+    WriteFile(here + "/printed", printed.out);
+    program.emplace_back("printed");
+    return RunProcess(program, {here});
+  }
+
+  Outcome Lint(const std::string& file, const std::string& directory = "") const {
+    return RunWithList({"list", file, "--format", "f"},
+                       {"verilator", "--lint-only", "-Wall", "-Wno-DECLFILENAME", "-f"}, directory);
+  }
+
+  Outcome Elaborate(const std::string& file, const std::string& directory = "") const {
+    return RunWithList({"list", file, "--format", "iverilog"}, {"iverilog", "-t", "null", "-c"},
+                       directory);
+  }
+
+  // A project with one file of this name, which has a module, and nothing else.
+  void MakeProjectOfFile(const std::string& name) const {
+    std::filesystem::remove(PathOf("one.xml"));
+    ASSERT_EQ(Run({"new", "one", "-o", "one.xml", "--top", "one"}).status, 0);
+    WriteFile(PathOf(name), "module one;\nendmodule\n");
+    ASSERT_EQ(Run({"add", "one.xml", "--rtl", "--", name}).status, 0);
+  }
+};
+
+TEST_F(ListedDesign, CommandFile_HasMacrosDefineParametersAndDesign) {
+  EXPECT_EQ(Run({"list", "lamp.xml", "--format", "f"}), Printed("+define+QUIET\n"
+                                                                "+define+STEP=3\n"
+                                                                "-GRESET=32'h10\n"
+                                                                "-GWIDTH=8\n"
+                                                                "rtl/top.v\n"
+                                                                "\"rtl/my core/up counter.v\"\n"
+                                                                "ip/gate.v\n"));
+}
+
+TEST_F(ListedDesign, CommandFile_IsReadByALinterHereAndElsewhere) {
+  if (!IsThere("verilator")) GTEST_SKIP() << "there is no verilator";
+  EXPECT_EQ(Lint("lamp.xml"), Done());
+  EXPECT_EQ(Lint("../../lamp.xml", PathOf("build/lint")), Done());
+  EXPECT_EQ(Lint(PathOf("lamp.xml"), PathOf("build/lint")), Done());
+}
+
+TEST_F(ListedDesign, CommandFileWithoutAParameter_IsRefusedByTheLinter) {
+  if (!IsThere("verilator")) GTEST_SKIP() << "there is no verilator";
+  ASSERT_EQ(Run({"set", "lamp.xml", "synthesis.dynparam.WIDTH", "9"}).status, 0);
+  EXPECT_THAT(Lint("lamp.xml").err, HasSubstr("a_parameter_is_missing"));
+}
+
+TEST_F(ListedDesign, IverilogCommandFile_NamesTheTopModuleWithItsParameters) {
+  EXPECT_EQ(Run({"list", "lamp.xml", "--format", "iverilog"}),
+            Printed("+define+QUIET\n"
+                    "+define+STEP=3\n"
+                    "+parameter+top.RESET=32'h10\n"
+                    "+parameter+top.WIDTH=8\n"
+                    "rtl/top.v\n"
+                    "rtl/my core/up counter.v\n"
+                    "ip/gate.v\n"));
+}
+
+TEST_F(ListedDesign, IverilogCommandFile_IsReadHereAndElsewhere) {
+  if (!IsThere("iverilog")) GTEST_SKIP() << "there is no iverilog";
+  EXPECT_EQ(Elaborate("lamp.xml"), Done());
+  EXPECT_EQ(Elaborate("../../lamp.xml", PathOf("build/lint")), Done());
+  EXPECT_EQ(Elaborate(PathOf("lamp.xml"), PathOf("build/lint")), Done());
+}
+
+TEST_F(ListedDesign, IverilogCommandFileWithoutAParameter_IsRefused) {
+  if (!IsThere("iverilog")) GTEST_SKIP() << "there is no iverilog";
+  ASSERT_EQ(Run({"set", "lamp.xml", "synthesis.dynparam.WIDTH", "9"}).status, 0);
+  EXPECT_THAT(Elaborate("lamp.xml").err, HasSubstr("a_parameter_is_missing"));
+}
+
+TEST_F(ListedDesign, KindsOfFilesForACommandFile_TakeThePlaceOfTheDesign) {
+  EXPECT_EQ(Run({"list", "lamp.xml", "--format", "iverilog", "--sim", "--ip"}),
+            Printed("+define+QUIET\n"
+                    "+define+STEP=3\n"
+                    "+parameter+top.RESET=32'h10\n"
+                    "+parameter+top.WIDTH=8\n"
+                    "no test bench.v\n"
+                    "ip/gate.v\n"));
+}
+
+TEST_F(ListedDesign, OddNamesInACommandFile_AreReadAsTheyAre) {
+  if (!IsThere("verilator")) GTEST_SKIP() << "there is no verilator";
+  for (const char* name : {"-one.v", "+one.v", "#one.v", " one.v", "one two.v", "one\"two\".v",
+                           "one'two.v", "one\\two.v", "one(2).v", "ö ne.v", "one;two.v", "one*.v",
+                           "one\ttwo.v", "one,two.v", "one$.v", "~one.v"}) {
+    MakeProjectOfFile(name);
+    EXPECT_EQ(Lint("one.xml"), Done()) << name;
+  }
+}
+
+TEST_F(ListedDesign, OddNamesInAnIverilogCommandFile_AreReadAsTheyAre) {
+  if (!IsThere("iverilog")) GTEST_SKIP() << "there is no iverilog";
+  for (const char* name : {"-one.v", "+one.v", "#one.v", " one.v", "one  two.v", "one\"two\".v",
+                           "one'two.v", "one\\two.v", "one(2).v", "ö ne.v", "one;two.v", "one*.v",
+                           "one\ttwo.v", "one$.v", "~one.v"}) {
+    MakeProjectOfFile(name);
+    EXPECT_EQ(Elaborate("one.xml"), Done()) << name;
+  }
+}
+
+TEST_F(ListedDesign, MacroValues_ReachTheLinterAsTheyAre) {
+  if (!IsThere("verilator")) GTEST_SKIP() << "there is no verilator";
+  Write("text.v",
+        "module text;\n  if (`TEXT != \"a + b // c\" || `SUM != 3) begin\n"
+        "    a_value_is_wrong wrong_i ();\n  end\nendmodule\n");
+  ASSERT_EQ(Run({"new", "one", "-o", "one.xml", "--top", "text"}).status, 0);
+  ASSERT_EQ(Run({"add", "one.xml", "--rtl", "text.v"}).status, 0);
+  ASSERT_EQ(Run({"set", "one.xml", "synthesis.defmacro.TEXT", "\"a + b // c\""}).status, 0);
+  ASSERT_EQ(Run({"set", "one.xml", "synthesis.defmacro.SUM", "(1 + 2)"}).status, 0);
+  EXPECT_EQ(Lint("one.xml"), Done());
+}
+
+TEST_F(ListedDesign, WhatAFormatCannotSay_IsTrouble) {
+  MakeProjectOfFile("one.v");
+  const auto expect_refused = [this](const std::string& format, const std::string& reason) {
+    EXPECT_EQ(Run({"list", "one.xml", "--format", format}), Failed(reason));
+  };
+  ASSERT_EQ(Run({"set", "one.xml", "synthesis.defmacro.LABEL", "a b"}).status, 0);
+  expect_refused("iverilog",
+                 "synthesis.defmacro.LABEL: \"LABEL=a b\" cannot be written for iverilog");
+  MakeProjectOfFile("one$two.v");
+  expect_refused("f", "\"one$two.v\" cannot be written for -f of simulators and linters");
+  MakeProjectOfFile("one ");
+  expect_refused("iverilog", "\"one \" cannot be written for iverilog");
+  MakeProjectOfFile("one=two.v");
+  expect_refused("make", "\"one=two.v\" cannot be written for make");
+}
+
+TEST_F(ListedDesign, DefineParameterWithoutTopModule_IsTroubleForIverilog) {
+  ASSERT_EQ(Run({"set", "lamp.xml", "design.top_module", ""}).status, 0);
+  EXPECT_EQ(Run({"list", "lamp.xml", "--format", "iverilog"}),
+            Failed("synthesis.dynparam.RESET: \"RESET=32'h10\" of a project without top module "
+                   "cannot be written for iverilog"));
+}
+
+TEST_F(ListedDesign, RuleForMake_NamesTheProjectFileAndEveryFile) {
+  EXPECT_EQ(Run({"list", "../lamp.xml", "--rtl", "--format", "make"}, {PathOf("build")}),
+            Printed("lamp.bit: \\\n"
+                    "  ../lamp.xml \\\n"
+                    "  ../rtl/top.v \\\n"
+                    "  ../rtl/my\\ core/up\\ counter.v\n"
+                    "\n"
+                    "../lamp.xml:\n"
+                    "\n"
+                    "../rtl/top.v:\n"
+                    "\n"
+                    "../rtl/my\\ core/up\\ counter.v:\n"));
+}
+
+class ListForMake : public ListedDesign {
+ protected:
+  void SetUp() override {
+    ListedDesign::SetUp();
+    if (!IsThere("make")) GTEST_SKIP() << "there is no make";
+    Write("Makefile", "include rules\nout.bit:\n\t@echo made\n\t@touch out.bit\n");
+  }
+
+  // What make says once the rules are as the project is.
+  std::string Make(const std::string& file) const {
+    Write("rules", Run({"list", file, "--format", "make", "--target", "out.bit"}).out);
+    const Outcome outcome = RunProcess({"make", "--silent", "out.bit"}, {Directory()});
+    return outcome.out + outcome.err;
+  }
+
+  void SetAge(const std::string& name, std::chrono::seconds age) const {
+    std::filesystem::last_write_time(PathOf(name),
+                                     std::filesystem::file_time_type::clock::now() - age);
+  }
+
+  void SetTargetAndFilesOld(const std::vector<std::string>& files) const {
+    for (const std::string& file : files) SetAge(file, std::chrono::minutes(2));
+    SetAge("out.bit", std::chrono::minutes(1));
+  }
+};
+
+TEST_F(ListForMake, FileNewerThanTheTarget_HasItMadeAgain) {
+  // Those that are not there would have it made each time.
+  for (const char* name : {"no test bench.v", "clocks.sdc", "ip/gate.ip"}) Write(name, "");
+  const std::vector<std::string> files = {
+      "lamp.xml",   "rtl/top.v", "rtl/my core/up counter.v", "clocks.sdc",
+      "ip/gate.ip", "ip/gate.v", "no test bench.v"};
+  EXPECT_EQ(Make("lamp.xml"), "made\n");
+  for (const std::string& newer : files) {
+    SetTargetAndFilesOld(files);
+    EXPECT_EQ(Make("lamp.xml"), "") << newer;
+    SetAge(newer, std::chrono::seconds(1));
+    EXPECT_EQ(Make("lamp.xml"), "made\n") << newer;
+  }
+}
+
+TEST_F(ListForMake, FileThatIsThereNoLonger_HasItMadeAgain) {
+  Make("lamp.xml");
+  std::filesystem::remove(PathOf("rtl/top.v"));
+  EXPECT_EQ(Make("lamp.xml"), "made\n");
+}
+
+TEST_F(ListForMake, OddNames_AreWatchedAsTheyAre) {
+  for (const char* name : {"one two.v", "one#two.v", "one:two.v", "one$two.v", "one%two.v",
+                           "one*.v", "one\\two.v", "one\\ two.v", "one?.v", "one[2].v", "~one.v",
+                           "ö ne.v", "one'two.v", "one\"two.v", "one(2).v", "-one.v", "one,2.v"}) {
+    MakeProjectOfFile(name);
+    Make("one.xml");
+    SetTargetAndFilesOld({"one.xml", name});
+    EXPECT_EQ(Make("one.xml"), "") << name;
+    SetAge(name, std::chrono::seconds(1));
+    EXPECT_EQ(Make("one.xml"), "made\n") << name;
+  }
+}
+
+}  // namespace
