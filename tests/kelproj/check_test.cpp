@@ -68,7 +68,7 @@ TEST_F(Check, Schema_TakesThePlaceOfTheInstalledOne) {
 
 TEST_F(Check, SchemaThatIsNotThere_IsTrouble) {
   EXPECT_EQ(Run({"check", SampleProject(), "--schema", "other.xsd"}),
-            Failed("there is no schema other.xsd"));
+            Failed("other.xsd does not exist"));
 }
 
 TEST_F(Check, SeveralFiles_AreEachCheckedUnderTheirNames) {
@@ -83,18 +83,17 @@ TEST_F(Check, MissingFile_IsTroubleAndTheOthersAreStillChecked) {
   Write("a.xml", kUnknownElement);
   const Outcome outcome = Run({"check", "missing.xml", "a.xml"});
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_EQ(outcome.err, "kelproj: error: missing.xml is no file that can be read\n");
+  EXPECT_EQ(outcome.err, "kelproj: error: missing.xml does not exist\n");
   EXPECT_THAT(outcome.out, StartsWith("a.xml:3:"));
 }
 
 TEST_F(Check, DirectoryOrFileThatCannotBeRead_IsTrouble) {
   std::filesystem::create_directory(PathOf("mixer.xml"));
-  EXPECT_EQ(Run({"check", "mixer.xml"}), Failed("mixer.xml is no file that can be read"));
+  EXPECT_EQ(Run({"check", "mixer.xml"}), Failed("mixer.xml is a directory"));
   if (!PermissionsBind()) GTEST_SKIP() << "permissions do not bind root";
   MakeProject();
   const Permissions write_only(PathOf("blinker.xml"), 0222);
-  EXPECT_EQ(RunUnprivileged({"check", "blinker.xml"}),
-            Failed("blinker.xml is no file that can be read"));
+  EXPECT_EQ(RunUnprivileged({"check", "blinker.xml"}), Failed("blinker.xml may not be read"));
 }
 
 TEST_F(Check, FileOfAnotherEnding_IsAnError) {
@@ -114,6 +113,145 @@ TEST_F(Check, Json_HasTheProblemsOfEachFile) {
   EXPECT_EQ(files.at(0).at("problems").at(0).at("severity"), "error");
   EXPECT_EQ(files.at(0).at("problems").at(0).at("line"), 3);
   EXPECT_EQ(files.at(1), Json({{"file", SampleProject()}, {"problems", Json::array()}}));
+}
+
+TEST_F(Check, Json_HasTheFilesThatCannotBeReadToo) {
+  Write("a.xml", kUnknownElement);
+  std::filesystem::create_directory(PathOf("b.xml"));
+  const Outcome outcome = Run({"check", "missing.xml", "a.xml", "b.xml", "--json"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.err,
+            "kelproj: error: missing.xml does not exist\nkelproj: error: b.xml is a directory\n");
+  const Json files = Json::parse(outcome.out);
+  ASSERT_EQ(files.size(), 3u);
+  const Json missing = {{"severity", "error"}, {"message", "missing.xml does not exist"}};
+  EXPECT_EQ(files.at(0), Json({{"file", "missing.xml"}, {"problems", Json::array({missing})}}));
+  EXPECT_EQ(files.at(1).at("file"), "a.xml");
+  EXPECT_EQ(files.at(2).at("problems").at(0).at("message"), "b.xml is a directory");
+}
+
+TEST_F(Check, Strict_AnswersNoForAWarningToo) {
+  Write("mixer.xml", kDeprecatedElement);
+  MakeProject();
+  EXPECT_EQ(Run({"check", "mixer.xml"}).status, 0);
+  EXPECT_EQ(Run({"check", "mixer.xml", "--strict"}).status, 1);
+  EXPECT_EQ(Run({"check", "mixer.xml", "--strict"}).out, Run({"check", "mixer.xml"}).out);
+  EXPECT_EQ(Run({"check", "blinker.xml", SampleProject(), "--strict"}), Done());
+}
+
+/// Of a project whose file has no error.
+class CheckContents : public KelprojTest {
+ protected:
+  Outcome CheckProject(const std::string& elements) const {
+    Write("mixer.xml",
+          "<kel:project xmlns:kel=\"http://schema.kel.example/wdp_proj\" name=\"mixer\">" +
+              elements + "</kel:project>\n");
+    return Run({"check", "mixer.xml"});
+  }
+
+  static std::string DesignFiles(const std::vector<std::string>& names) {
+    std::string files;
+    for (const std::string& name : names) files += "<kel:design_file name=\"" + name + "\"/>";
+    return "<kel:design_info>" + files + "</kel:design_info>";
+  }
+
+  static std::string Parameter(const std::string& name, const std::string& value,
+                               const std::string& type) {
+    return "<kel:param name=\"" + name + "\" value=\"" + value + "\" value_type=\"" + type + "\"/>";
+  }
+};
+
+TEST_F(CheckContents, FileTwiceInAList_IsAWarningHoweverItIsSpelled) {
+  std::filesystem::create_directories(PathOf("rtl/core"));
+  std::filesystem::create_directory_symlink("rtl", PathOf("link"));
+  for (const char* spelling : {"rtl/a.v", "./rtl/a.v", "rtl//a.v", "rtl/core/../a.v", "link/a.v"}) {
+    EXPECT_EQ(CheckProject(DesignFiles({"rtl/b.v", "rtl/a.v", spelling})),
+              Printed(std::string("mixer.xml: warning: design.files[2]: \"") + spelling +
+                      "\" is the file of design.files[1] too\n"));
+  }
+}
+
+TEST_F(CheckContents, FileTwiceAmongTheSourcesOfAnInstance_IsAWarning) {
+  EXPECT_EQ(CheckProject("<kel:ip_info><kel:ip instance_name=\"pll\" path=\"ip/pll.ip\">"
+                         "<kel:ip_src_file name=\"pll.v\"/><kel:ip_src_file name=\"./pll.v\"/>"
+                         "</kel:ip></kel:ip_info>"),
+            Printed("mixer.xml: warning: ip.pll.files[1]: \"./pll.v\" is the file of "
+                    "ip.pll.files[0] too\n"));
+}
+
+TEST_F(CheckContents, FileInTwoListsOrDescriptionOfTwoInstances_IsNoWarning) {
+  EXPECT_EQ(CheckProject("<kel:design_info><kel:design_file name=\"a.v\"/></kel:design_info>"
+                         "<kel:sim_info><kel:sim_file name=\"a.v\"/></kel:sim_info>"),
+            Done());
+  EXPECT_EQ(CheckProject("<kel:ip_info><kel:ip instance_name=\"a\" path=\"pll.ip\"/>"
+                         "<kel:ip instance_name=\"b\" path=\"pll.ip\"/></kel:ip_info>"),
+            Done());
+}
+
+TEST_F(CheckContents, AbsoluteNameBelowTheProjectsDirectory_IsAWarning) {
+  const std::string name = PathOf("rtl/a.v");
+  EXPECT_EQ(CheckProject(DesignFiles({name, "/no/such/b.v", Directory() + "2/c.v"})),
+            Printed("mixer.xml: warning: design.files[0]: \"" + name +
+                    "\" is absolute; the project can move along with it only as a relative name, "
+                    "since it is below the project's directory\n"));
+}
+
+TEST_F(CheckContents, TimingConstraintFileOfAnotherEnding_IsAWarning) {
+  EXPECT_EQ(CheckProject("<kel:constraint_info><kel:sdc_file name=\"a.sdc\"/>"
+                         "<kel:sdc_file name=\"clocks.tcl\"/></kel:constraint_info>"),
+            Printed("mixer.xml: warning: constraint.sdc[1]: \"clocks.tcl\" does not end in "
+                    ".sdc\n"));
+}
+
+TEST_F(CheckContents, ValueThatIsNoBool_IsAWarning) {
+  const auto check = [this](const std::string& value) {
+    return CheckProject("<kel:debugger>" + Parameter("trace", value, "e_bool") + "</kel:debugger>");
+  };
+  for (const char* value : {"true", "false", "on", "off", "yes", "no", "0", "1"}) {
+    EXPECT_EQ(check(value), Done()) << value;
+  }
+  for (const std::string value : {"maybe", "True", "2", "true "}) {
+    EXPECT_EQ(check(value), Printed("mixer.xml: warning: debugger.param.trace: \"" + value +
+                                    "\" is no value of type e_bool; expected true, false, on, "
+                                    "off, yes, no, 0 or 1\n"));
+  }
+  EXPECT_EQ(
+      CheckProject("<kel:debugger>" + Parameter("trace", "maybe", "e_string") + "</kel:debugger>"),
+      Done());
+}
+
+TEST_F(CheckContents, NumberOfThreadsThatIsNotTaken_IsAWarning) {
+  const auto check = [this](const std::string& process, const std::string& value) {
+    return CheckProject("<kel:" + process + ">" + Parameter("max_threads", value, "e_string") +
+                        "</kel:" + process + ">");
+  };
+  for (const char* value : {"1", "2", "16", "007", "99999"}) {
+    EXPECT_EQ(check("synthesis", value), Done()) << value;
+  }
+  for (const std::string process : {"synthesis", "place_and_route"}) {
+    for (const std::string value : {"0", "-1", "four", "4 ", " 4", "1e3", "+4"}) {
+      EXPECT_EQ(check(process, value),
+                Printed("mixer.xml: warning: " + process + ".param.max_threads: \"" + value +
+                        "\" is no number of threads; the tool takes its own default\n"));
+    }
+  }
+  EXPECT_EQ(check("debugger", "four"), Done());
+}
+
+TEST_F(CheckContents, TwoTopModulesOrParametersOfOneName_AreAWarningInTheirLine) {
+  EXPECT_THAT(CheckProject("<kel:design_info>\n<kel:top_module name=\"a\"/>\n"
+                           "<kel:top_module name=\"b\"/></kel:design_info>")
+                  .out,
+              MatchesRegex("mixer.xml:3:[0-9]+: warning: [^\n]*top_module[^\n]*\n"));
+  EXPECT_THAT(CheckProject("<kel:debugger>\n" + Parameter("cable", "usb", "e_string") + "\n" +
+                           Parameter("cable", "net", "e_string") + "</kel:debugger>")
+                  .out,
+              MatchesRegex("mixer.xml:3:[0-9]+: warning: [^\n]*cable[^\n]*\n"));
+}
+
+TEST_F(CheckContents, OfAFileWithAnError_AreNotLookedAt) {
+  EXPECT_THAT(CheckProject(DesignFiles({"a.v", "a.v"}) + "<kel:floorplan/>").out,
+              Not(HasSubstr("design.files")));
 }
 
 class CheckFiles : public KelprojTest {
@@ -170,6 +308,37 @@ TEST_F(CheckFiles, FromAnotherDirectory_AreLookedForBesideTheProjectIfTheOptionI
 TEST_F(CheckFiles, FileThatDoesNotLoad_HasItsOwnErrorsAlone) {
   Write("mixer.xml", kUnknownElement);
   EXPECT_THAT(Run({"check", "mixer.xml", "--files"}).out, Not(HasSubstr("does not exist")));
+}
+
+TEST_F(CheckFiles, Unlisted_NamesTheHdlFilesBelowTheProjectThatNoListHas) {
+  for (const char* directory : {"rtl/core", ".cache"}) {
+    std::filesystem::create_directories(PathOf(directory));
+  }
+  for (const char* name :
+       {"top.v", "tb höhe.sv", "ip/pll.v", "ip/ram.v", "rtl/core/a b.sv", "rtl/b.vhd", "rtl/c.vhdl",
+        "rtl/notes.txt", "rtl/clocks.sdc", ".cache/d.v", "unlisted.v"}) {
+    Write(name, "");
+  }
+  const std::string shown =
+      "mixer.xml: warning: \"ip/ram.v\" is in no list of the project\n"
+      "mixer.xml: warning: \"rtl/b.vhd\" is in no list of the project\n"
+      "mixer.xml: warning: \"rtl/c.vhdl\" is in no list of the project\n"
+      "mixer.xml: warning: \"rtl/core/a b.sv\" is in no list of the project\n"
+      "mixer.xml: warning: \"unlisted.v\" is in no list of the project\n";
+  EXPECT_EQ(Run({"check", "mixer.xml", "--unlisted"}), Printed(shown));
+  EXPECT_EQ(Run({"check", "mixer.xml", "--unlisted", "--strict"}), AnsweredNo(shown));
+  EXPECT_EQ(Run({"check", "mixer.xml"}), Done());
+}
+
+TEST_F(CheckFiles, UnlistedBesideAListedNameInAnotherSpelling_IsNotNamed) {
+  std::filesystem::create_directories(PathOf("rtl"));
+  std::filesystem::create_directory_symlink("rtl", PathOf("link"));
+  Write("rtl/a.v", "");
+  Write("mixer.xml", R"(<kel:project xmlns:kel="http://schema.kel.example/wdp_proj" name="mixer">
+  <kel:design_info><kel:design_file name="link/./a.v"/></kel:design_info>
+</kel:project>
+)");
+  EXPECT_EQ(Run({"check", "mixer.xml", "--unlisted"}), Done());
 }
 
 /// The program and the schema, moved to another place.

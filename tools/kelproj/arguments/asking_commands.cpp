@@ -7,9 +7,11 @@ namespace {
 
 constexpr char kShowHelp[] =
     R"(Names of files are shown as they are stored: relative to the directory of the
-project file. With --json, a value stands where its dotted key says:
+project file. With --json, a value stands where its dotted key says, and that of
+a parameter as {"value": ..., "type": ...} under PROCESS.MAP.NAME:
 
   kelproj show blinker.xml --json | jq .device.family
+  kelproj show blinker.xml --json | jq .synthesis.param.max_threads.value
 
 Example:
   kelproj show blinker.xml)";
@@ -17,11 +19,18 @@ Example:
 constexpr char kCheckHelp[] =
     R"(Each problem takes one line, FILE:LINE:COLUMN: SEVERITY: MESSAGE, without the
 line and column where they are not known. A file with an error does not load.
-The status is 1 if there is an error. The files that a project names are looked
-for with --files, if the project file itself has no error.
+The status is 1 if there is an error, with --strict also if there is a warning.
+Of a file without errors the contents are looked at too; each warning of them
+names its place by a dotted key:
+
+  a file twice in a list, also by another spelling
+  a file that does not end as its list wants, such as .sdc
+  an absolute name of a file below the project's directory
+  a parameter of type e_bool that is not true, false, on, off, yes, no, 0 or 1
+  a max_threads that is no number of threads
 
 Example:
-  kelproj check blinker.xml --files)";
+  kelproj check blinker.xml --files --unlisted)";
 
 constexpr char kListHelp[] =
     R"(One name takes one line. Without the option of a kind all files are listed, each
@@ -87,6 +96,9 @@ void DefineCheck(CLI::App& program, Request& request) {
       ->type_name("XSD");
   command.add_flag("--files", arguments.list_missing_files,
                    "List the project's files that do not exist, as errors");
+  command.add_flag("--unlisted", arguments.list_unlisted_files,
+                   "List the HDL files below the project's directory that it does not name");
+  command.add_flag("--strict", arguments.strict, "Count warnings as errors");
   AddJson(command, arguments.json);
 }
 

@@ -21,6 +21,8 @@ struct CheckArguments {
   std::vector<std::string> files;
   std::optional<std::string> schema;
   bool list_missing_files = false;
+  bool list_unlisted_files = false;
+  bool strict = false;  ///< Whether a warning makes the answer no.
   bool json = false;
 };
 ExitStatus Run(const CheckArguments& arguments, const Console& console);

@@ -3,9 +3,9 @@
 #include <utility>
 
 #include <projectdb/project_file.h>
-#include <unistd.h>
 
 #include "commands/asking.h"
+#include "content_warnings.h"
 #include "installed_schema.h"
 #include "json.h"
 #include "named_files.h"
@@ -23,6 +23,7 @@ using projectdb::ProjectFile;
 struct CheckedFile {
   std::string name;
   std::vector<FileProblem> problems;
+  bool is_readable = true;
 };
 
 std::vector<FileProblem> MissingFiles(const ProjectContents& project) {
@@ -35,29 +36,43 @@ std::vector<FileProblem> MissingFiles(const ProjectContents& project) {
   return problems;
 }
 
-CheckedFile Check(const std::string& name, const std::string& schema, bool list_missing_files) {
+CheckedFile Check(const std::string& name, const std::string& schema,
+                  const CheckArguments& arguments) {
   ProjectFile read = projectdb::ReadProjectFile(name, schema);
   CheckedFile file{name, std::move(read.problems)};
-  if (list_missing_files && read.contents && !HasError(file.problems)) {
-    const std::vector<FileProblem> missing = MissingFiles(*read.contents);
-    file.problems.insert(file.problems.end(), missing.begin(), missing.end());
-  }
+  if (!read.contents || HasError(file.problems)) return file;
+  const auto add = [&file](const std::vector<FileProblem>& problems) {
+    file.problems.insert(file.problems.end(), problems.begin(), problems.end());
+  };
+  add(ContentWarnings(*read.contents));
+  if (arguments.list_missing_files) add(MissingFiles(*read.contents));
+  if (arguments.list_unlisted_files) add(UnlistedFiles(*read.contents));
   return file;
 }
 
 std::string SchemaOf(const CheckArguments& arguments) {
   if (!arguments.schema) return InstalledSchema();
-  if (!IsFile(*arguments.schema)) throw Trouble("there is no schema " + *arguments.schema);
+  RequireReadable(*arguments.schema);
   return *arguments.schema;
 }
 
-bool IsReadable(const std::string& file) {
-  return IsFile(file) && ::access(file.c_str(), R_OK) == 0;
+// Tells on the console why a file is not checked.
+CheckedFile CheckIfReadable(const std::string& name, const std::string& schema,
+                            const CheckArguments& arguments, const Console& console) {
+  try {
+    RequireReadable(name);
+  } catch (const Trouble& trouble) {
+    WriteMessage(console.err, Diag::MessageType::kError, trouble.what());
+    return {name, {{ProblemSeverity::kError, 0, 0, trouble.what()}}, false};
+  }
+  return Check(name, schema, arguments);
 }
 
 void Write(const Console& console, const std::vector<CheckedFile>& files, bool json) {
   if (!json) {
-    for (const CheckedFile& file : files) WriteProblems(console.out, file.name, file.problems);
+    for (const CheckedFile& file : files) {
+      if (file.is_readable) WriteProblems(console.out, file.name, file.problems);
+    }
     return;
   }
   Json list = Json::array();
@@ -72,21 +87,20 @@ void Write(const Console& console, const std::vector<CheckedFile>& files, bool j
 ExitStatus Run(const CheckArguments& arguments, const Console& console) {
   const std::string schema = SchemaOf(arguments);
   std::vector<CheckedFile> files;
-  bool has_trouble = false;
   for (const std::string& name : arguments.files) {
-    if (IsReadable(name)) {
-      files.push_back(Check(name, schema, arguments.list_missing_files));
-    } else {
-      WriteMessage(console.err, Diag::MessageType::kError, name + " is no file that can be read");
-      has_trouble = true;
-    }
+    files.push_back(CheckIfReadable(name, schema, arguments, console));
   }
   Write(console, files, arguments.json);
-  if (has_trouble) return ExitStatus::kTrouble;
-  return std::any_of(files.begin(), files.end(),
-                     [](const CheckedFile& file) { return HasError(file.problems); })
-             ? ExitStatus::kNo
-             : ExitStatus::kYes;
+  const auto is_any = [&files](auto condition) {
+    return std::any_of(files.begin(), files.end(), condition);
+  };
+  if (is_any([](const CheckedFile& file) { return !file.is_readable; })) {
+    return ExitStatus::kTrouble;
+  }
+  const bool is_wrong = is_any([&arguments](const CheckedFile& file) {
+    return HasError(file.problems) || (arguments.strict && !file.problems.empty());
+  });
+  return is_wrong ? ExitStatus::kNo : ExitStatus::kYes;
 }
 
 }  // namespace kelproj

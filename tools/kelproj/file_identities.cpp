@@ -1,0 +1,30 @@
+#include "file_identities.h"
+
+#include <system_error>
+
+namespace kelproj {
+namespace {
+
+std::filesystem::path WithoutLinks(const std::filesystem::path& directory) {
+  std::error_code error;
+  std::filesystem::path path = std::filesystem::weakly_canonical(directory, error);
+  if (error) path = directory.lexically_normal();
+  return path.has_filename() ? path : path.parent_path();
+}
+
+}  // namespace
+
+std::string FileIdentities::Of(const std::filesystem::path& path) {
+  const std::filesystem::path name = path.filename();
+  if (name.empty() || name == "." || name == "..") return OfDirectory(path);
+  return (std::filesystem::path(OfDirectory(path.parent_path())) / name).string();
+}
+
+const std::string& FileIdentities::OfDirectory(const std::filesystem::path& path) {
+  // The system is asked once for each directory.
+  const auto [entry, is_new] = directories_.try_emplace(path.string());
+  if (is_new) entry->second = WithoutLinks(path).string();
+  return entry->second;
+}
+
+}  // namespace kelproj
