@@ -4,14 +4,15 @@
 #include <xercesc/validators/schema/SchemaSymbols.hpp>
 
 #include "base/local_time.h"
+#include "xml/nodes.h"
 
 namespace projectdb {
 
 Stamps NewStamps() { return {KEL_VERSION_NO, GetLocalTimeString()}; }
 
 xml::Owned<xercesc::DOMDocument> CreateProjectDocument(xercesc::DOMImplementation& core) {
-  xml::Owned<xercesc::DOMDocument> document(
-      core.createDocument(format::kNamespace.wide, format::kProject.wide, nullptr));
+  xml::Owned<xercesc::DOMDocument> document =
+      xml::CreateDocument(core, format::kNamespace.wide, format::kProject.wide);
   xercesc::DOMElement* root = document->getDocumentElement();
   root->setPrefix(format::kPrefix.wide);
   const std::u16string location =

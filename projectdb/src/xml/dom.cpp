@@ -28,9 +28,25 @@ const DOMElement* NextInDocumentOrder(const DOMElement* element, const DOMElemen
 
 // A parsed value is a single text node. Asking that is cheaper than asking the attribute, which
 // first finds out whether there are more.
-std::string TextOf(Transcoder& transcoder, const xercesc::DOMNode& attribute) {
+const XMLCh* TextOf(const xercesc::DOMNode& attribute) {
   const xercesc::DOMNode* text = attribute.getFirstChild();
-  return text ? transcoder.ToUtf8(text->getNodeValue()) : std::string();
+  return text ? text->getNodeValue() : nullptr;
+}
+
+// Calls visit(name, text).
+template <typename Visit>
+void ForEachAttribute(const DOMElement& element, Visit visit) {
+  if (const TextAttributes* attributes = TextAttributesOf(element)) {
+    for (const TextAttribute* attribute = attributes->first(); attribute;
+         attribute = attribute->next) {
+      visit(attribute->name, attribute->text);
+    }
+    return;
+  }
+  const xercesc::DOMNamedNodeMap& nodes = *element.getAttributes();
+  for (XMLSize_t i = 0; const xercesc::DOMNode* node = nodes.item(i); ++i) {
+    visit(node->getNodeName(), TextOf(*node));
+  }
 }
 
 }  // namespace
@@ -58,30 +74,38 @@ bool HasLocalName(const DOMElement* element, const Name& name) {
 // One pass over the attributes is cheaper than a search for each.
 void ReadAttributes(Transcoder& transcoder, const DOMElement* element,
                     std::initializer_list<AttributeText> attributes) {
-  const xercesc::DOMNamedNodeMap& nodes = *element->getAttributes();
-  for (XMLSize_t i = 0; const xercesc::DOMNode* node = nodes.item(i); ++i) {
-    const XMLCh* name = node->getNodeName();
+  ForEachAttribute(*element, [&](const XMLCh* name, const XMLCh* text) {
     for (const AttributeText& attribute : attributes) {
       if (!xercesc::XMLString::equals(name, attribute.name.wide)) continue;
-      attribute.text = TextOf(transcoder, *node);
+      attribute.text = transcoder.ToUtf8(text);
       break;
     }
-  }
+  });
 }
 
 std::string GetDOMAttributeString(Transcoder& transcoder, const DOMElement* element,
                                   const Name& name) {
+  if (TextAttributesOf(*element)) {
+    std::string text;
+    ReadAttributes(transcoder, element, {{name, text}});
+    return text;
+  }
   const xercesc::DOMAttr* attribute = element->getAttributeNode(name.wide);
-  return attribute ? TextOf(transcoder, *attribute) : std::string();
+  return attribute ? transcoder.ToUtf8(TextOf(*attribute)) : std::string();
 }
 
 DOMElement* ElementWriter::AddChildDOMElement(DOMElement* parent, const XMLCh* tag) {
   if (!parent || !tag || !*tag) return nullptr;
+  const ElementNames* const names = KnownNames(tag);
+  if (names) {
+    if (DOMElement* child = xml::AppendElement(*parent, *names)) return child;
+  }
   xercesc::DOMDocument* document = parent->getOwnerDocument();
   if (!document) return nullptr;
   try {
     DOMElement* child = document->createElementNS(namespace_uri_, tag);
     if (namespace_uri_ && prefix_) child->setPrefix(prefix_);
+    if (!names) known_names_.emplace_back(*child);
     parent->appendChild(child);
     return child;
   } catch (const xercesc::DOMException&) {
@@ -89,9 +113,22 @@ DOMElement* ElementWriter::AddChildDOMElement(DOMElement* parent, const XMLCh* t
   }
 }
 
+const ElementNames* ElementWriter::KnownNames(const XMLCh* tag) const {
+  for (const ElementNames& names : known_names_) {
+    if (xercesc::XMLString::equals(names.local_name, tag)) return &names;
+  }
+  return nullptr;
+}
+
 void ElementWriter::SetDOMElementAttribute(DOMElement* element, const Name& name,
                                            std::string_view value) {
-  if (element) element->setAttribute(name.wide, transcoder().ToXml(value).c_str());
+  if (!element) return;
+  const XMLCh* text = transcoder().ToXml(value).c_str();
+  if (TextAttributes* attributes = TextAttributesOf(*element)) {
+    attributes->Set(name.wide, text);
+  } else {
+    element->setAttribute(name.wide, text);
+  }
 }
 
 void ElementWriter::SetQualifiedAttribute(DOMElement* element, std::string_view name,

@@ -11,6 +11,7 @@
 
 #include "base/name.h"
 #include "xml/errors.h"
+#include "xml/nodes.h"
 #include "xml/text.h"
 
 /// Reading and making DOM elements.
@@ -107,12 +108,14 @@ class ElementWriter {
 
  private:
   Transcoder& transcoder() { return transcoder_ ? *transcoder_ : transcoder_.emplace(); }
+  const ElementNames* KnownNames(const XMLCh* tag) const;
   bool IsName(std::string_view text);
   std::u16string NamespaceOfPrefix(std::string_view prefix);
 
   const XMLCh* namespace_uri_;
   const XMLCh* prefix_;
-  std::optional<Transcoder> transcoder_;  ///< Made when it is first used.
+  std::vector<ElementNames> known_names_;  ///< Of elements that were made, one for each tag.
+  std::optional<Transcoder> transcoder_;   ///< Made when it is first used.
 };
 
 template <typename Fill>

@@ -6,10 +6,11 @@
 #include <xercesc/dom/DOMAttr.hpp>
 #include <xercesc/dom/DOMConfiguration.hpp>
 #include <xercesc/dom/DOMElement.hpp>
-#include <xercesc/dom/DOMImplementation.hpp>
-#include <xercesc/dom/impl/DOMDocumentImpl.hpp>
 #include <xercesc/framework/Wrapper4InputSource.hpp>
+#include <xercesc/framework/XMLAttDef.hpp>
+#include <xercesc/framework/XMLAttDefList.hpp>
 #include <xercesc/framework/XMLAttr.hpp>
+#include <xercesc/framework/XMLElementDecl.hpp>
 #include <xercesc/internal/IGXMLScanner.hpp>
 #include <xercesc/util/XMLString.hpp>
 
@@ -28,24 +29,25 @@ constexpr XMLSize_t kManyAttributes = 16;
 constexpr XMLSize_t kLevelsBetweenDeclarations = 64;
 constexpr std::size_t kMostPrefixes = 32;
 
-// A document with a larger table of names, each entry of which is the start of a list.
-class Document : public xercesc::DOMDocumentImpl {
- public:
-  explicit Document(xercesc::MemoryManager* memory)
-      : DOMDocumentImpl(xercesc::DOMImplementation::getImplementation(), memory) {
-    fNameTable = static_cast<xercesc::DOMStringPoolEntry**>(
-        allocate(kNameTableSize * sizeof(xercesc::DOMStringPoolEntry*)));
-    fNameTableSize = kNameTableSize;
-    std::fill_n(fNameTable, kNameTableSize, nullptr);
-  }
-
- private:
-  static constexpr XMLSize_t kNameTableSize = 16411;
-};
+// A project has fewer than forty.
+constexpr std::size_t kMostKinds = 64;
 
 bool IsBefore(const XMLAttr* a, const XMLAttr* b) {
   return XMLString::compareString(a->getQName(), b->getQName()) < 0;
 }
+
+// Whether a schema gives the element attributes that its file leaves out.
+bool HasDefaults(const xercesc::XMLElementDecl& declaration) {
+  if (!declaration.hasAttDefs()) return false;
+  xercesc::XMLAttDefList& definitions = declaration.getAttDefList();
+  for (XMLSize_t i = 0; i < definitions.getAttDefCount(); ++i) {
+    const xercesc::XMLAttDef::DefAttTypes type = definitions.getAttDef(i).getDefaultType();
+    if (type == xercesc::XMLAttDef::Default || type == xercesc::XMLAttDef::Fixed) return true;
+  }
+  return false;
+}
+
+bool HasPrefix(const XMLAttr& attribute) { return attribute.getPrefix() && *attribute.getPrefix(); }
 
 }  // namespace
 
@@ -72,7 +74,7 @@ DomParser::DomParser()
 }
 
 void DomParser::startDocument() {
-  fDocument = new (fMemoryManager) Document(fMemoryManager);
+  fDocument = NewDocument(*fMemoryManager);
   fCurrentParent = fDocument;
   fCurrentNode = fDocument;
   fDocument->setErrorChecking(false);
@@ -80,12 +82,65 @@ void DomParser::startDocument() {
   fDocument->setInputEncoding(fScanner->getReaderMgr()->getCurrentEncodingStr());
   prefixes_ = {u""};
   depth_ = 0;
+  kinds_.clear();
 }
 
 void DomParser::startElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
                              const XMLCh* prefix, const XmlAttributes& attributes, XMLSize_t count,
                              bool is_empty, bool is_root) {
   EnterElement(attributes, count);
+  if (!AppendPlainElement(declaration, uri, prefix, attributes, count)) {
+    StartOtherElement(declaration, uri, prefix, attributes, count, is_empty, is_root);
+    NoteKind(uri);
+  } else if (is_empty) {
+    endElement(declaration, uri, is_root, prefix);
+  }
+}
+
+// Appends an element whose kind is known and whose attributes are plain, and makes it the current
+// one.
+bool DomParser::AppendPlainElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
+                                   const XMLCh* prefix, const XmlAttributes& attributes,
+                                   XMLSize_t count) {
+  const auto kind = kinds_.find(declaration.getBaseName());
+  if (kind == kinds_.end() || kind->second.uri != uri) return false;
+  const ElementNames& names = kind->second.names;
+  if (!XMLString::equals(names.prefix, prefix)) return false;
+  if (!ArePlain(attributes, count) || HasDefaults(declaration)) return false;
+  xercesc::DOMElementNSImpl* element = AppendElement(*fCurrentParent, names);
+  if (!element) return false;
+  TextAttributes& texts = *TextAttributesOf(*element);
+  for (XMLSize_t i = 0; i < count; ++i) {
+    texts.Set(attributes.elementAt(i)->getName(), attributes.elementAt(i)->getValue());
+  }
+  fCurrentParent = element;
+  fCurrentNode = element;
+  return true;
+}
+
+// Whether the attributes are few, stand in the file as they are, are different ones and declare
+// nothing.
+bool DomParser::ArePlain(const XmlAttributes& attributes, XMLSize_t count) const {
+  if (count >= kManyAttributes) return false;
+  for (XMLSize_t i = 0; i < count; ++i) {
+    const XMLAttr& attribute = *attributes.elementAt(i);
+    const XMLCh* name = attribute.getName();
+    if (HasPrefix(attribute) || attribute.getURIId() != fScanner->getEmptyNamespaceId() ||
+        XMLString::equals(name, XMLUni::fgXMLNSString) || !attribute.getSpecified() ||
+        attribute.getType() == xercesc::XMLAttDef::ID) {
+      return false;
+    }
+    for (XMLSize_t j = 0; j < i; ++j) {
+      if (XMLString::equals(attributes.elementAt(j)->getName(), name)) return false;
+    }
+  }
+  return true;
+}
+
+// As the XML library does it.
+void DomParser::StartOtherElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
+                                  const XMLCh* prefix, const XmlAttributes& attributes,
+                                  XMLSize_t count, bool is_empty, bool is_root) {
   if (count < kManyAttributes) {
     DOMLSParserImpl::startElement(declaration, uri, prefix, attributes, count, is_empty, is_root);
     return;
@@ -95,10 +150,24 @@ void DomParser::startElement(const xercesc::XMLElementDecl& declaration, unsigne
   if (is_empty) endElement(declaration, uri, is_root, prefix);
 }
 
+// Remembers the kind of the element that has just begun.
+void DomParser::NoteKind(unsigned int uri) {
+  const xercesc::DOMElementNSImpl* element = PlainElement(fCurrentNode);
+  if (!element || kinds_.size() == kMostKinds) return;
+  const ElementNames names(*element);
+  kinds_.emplace(names.local_name, Kind{uri, names});
+}
+
 void DomParser::endElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
                            bool is_root, const XMLCh* prefix) {
   LeaveElement();
-  DOMLSParserImpl::endElement(declaration, uri, is_root, prefix);
+  const xercesc::DOMElementNSImpl* element = PlainElement(fCurrentParent);
+  if (!element || !PlainElement(element->fNode.fOwnerNode)) {
+    DOMLSParserImpl::endElement(declaration, uri, is_root, prefix);
+    return;
+  }
+  fCurrentNode = fCurrentParent;
+  fCurrentParent = element->fNode.fOwnerNode;
 }
 
 void DomParser::EnterElement(const XmlAttributes& attributes, XMLSize_t count) {
@@ -127,8 +196,8 @@ void DomParser::AddAttributes(const XmlAttributes& attributes, XMLSize_t count) 
 void DomParser::AddAttribute(const XMLAttr& attribute) {
   const XMLCh* prefix = attribute.getPrefix();
   const XMLCh* name = attribute.getName();
-  const bool has_prefix = prefix && *prefix;
-  const bool is_default_namespace = !has_prefix && XMLString::equals(name, XMLUni::fgXMLNSString);
+  const bool is_default_namespace =
+      !HasPrefix(attribute) && XMLString::equals(name, XMLUni::fgXMLNSString);
   const unsigned int uri =
       is_default_namespace ? fScanner->getXMLNSNamespaceId() : attribute.getURIId();
   const bool has_namespace = uri != fScanner->getEmptyNamespaceId();

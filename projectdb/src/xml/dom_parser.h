@@ -2,12 +2,15 @@
 
 #include <set>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 
 #include <xercesc/dom/DOMErrorHandler.hpp>
 #include <xercesc/parsers/DOMLSParserImpl.hpp>
 #include <xercesc/sax/InputSource.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
+#include "xml/nodes.h"
 #include "xml/owned.h"
 
 namespace projectdb::xml {
@@ -40,13 +43,30 @@ class DomParser : public xercesc::DOMLSParserImpl {
  private:
   class Scanner;
 
+  /// Elements that have all their names in common.
+  struct Kind {
+    unsigned int uri;
+    ElementNames names;
+  };
+
   void NotePrefixes(const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes, XMLSize_t count);
   void AddAttributes(const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes, XMLSize_t count);
   void AddAttribute(const xercesc::XMLAttr& attribute);
+  bool AppendPlainElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
+                          const XMLCh* prefix,
+                          const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                          XMLSize_t count);
+  bool ArePlain(const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes, XMLSize_t count) const;
+  void StartOtherElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
+                         const XMLCh* prefix,
+                         const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes, XMLSize_t count,
+                         bool is_empty, bool is_root);
+  void NoteKind(unsigned int uri);
 
   Scanner* scanner_;  // fScanner, which the base class owns.
   std::set<std::u16string> prefixes_;
   XMLSize_t depth_ = 0;
+  std::unordered_map<std::u16string_view, Kind> kinds_;  // By local name.
 };
 
 /// Keeps no elements: only the errors matter.

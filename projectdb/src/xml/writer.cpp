@@ -11,6 +11,7 @@
 #include "base/failure.h"
 #include "xml/errors.h"
 #include "xml/file_target.h"
+#include "xml/leaf_filter.h"
 #include "xml/owned.h"
 
 namespace projectdb::xml {
@@ -31,6 +32,8 @@ class Serializer {
 
   void Write(const xercesc::DOMDocument* document, xercesc::XMLFormatTarget& target) const {
     output_->setByteStream(&target);
+    LeafFilter filter(target);
+    serializer_->setFilter(&filter);
     if (!serializer_->write(document, output_.get())) {
       throw Failure("the document cannot be written as XML");
     }

@@ -1,0 +1,205 @@
+#include "random_files.h"
+
+#include <projectdb/vocabulary.h>
+
+namespace differential {
+namespace {
+
+using projectdb::DesignFile;
+using projectdb::Parameter;
+
+std::string Escaped(const std::string& text) {
+  std::string escaped;
+  for (const char c : text) {
+    if (c == '&') {
+      escaped += "&amp;";
+    } else if (c == '<') {
+      escaped += "&lt;";
+    } else if (c == '"') {
+      escaped += "&quot;";
+    } else {
+      escaped += c;
+    }
+  }
+  return escaped;
+}
+
+std::string AttributeName(RandomInput& input) {
+  return input.OneOf<std::string>(
+      {"name",      "name",      "name",          "version", "library",    "value",    "value_type",
+       "tool_name", "path",      "instance_name", "extra",   "größe",      "kel:name", "xml:lang",
+       "xsi:type",  "xmlns:kel", "xmlns:other",   "xmlns",   "other:name", "note",     "id"});
+}
+
+std::string AttributeValue(const std::string& name, RandomInput& input) {
+  const std::string uri = "http://schema.kel.example/wdp_proj";
+  if (name == "xmlns" || name == "xmlns:kel") return input.OneIn(4) ? "urn:another" : uri;
+  if (name == "xmlns:other") return input.OneIn(2) ? "urn:another" : uri;
+  if (name == "value_type") return input.OneOf<std::string>({"e_string", "e_bool", "e_odd"});
+  return input.OneIn(8) ? "&#65;&#x1F600;" : Escaped(input.Text());
+}
+
+std::string Attributes(RandomInput& input) {
+  std::string text;
+  const std::size_t count = input.OneIn(20) ? 20 : input.Number(5);
+  for (std::size_t i = 0; i < count; ++i) {
+    // Most files have each attribute once.
+    const std::string name = input.OneIn(30) || i > 3
+                                 ? AttributeName(input)
+                                 : input.OneOf<std::string>({"name", "version", "library"}) +
+                                       (i == 0 ? "" : std::to_string(i));
+    text += " " + name + "=\"" + AttributeValue(name, input) + "\"";
+  }
+  return text;
+}
+
+std::string Between(RandomInput& input) {
+  return input.OneOf<std::string>(
+      {"", "", "", "", "\n  ", "\n  ", "<!-- note -->", "<?do it?>", "text", "<![CDATA[<a>]]>"});
+}
+
+std::string Tag(RandomInput& input, const std::string& prefix) {
+  const std::string name =
+      input.OneOf<std::string>({"design_file", "design_file", "design_file", "sim_file", "param",
+                                "param", "dynparam", "defmacro", "ip", "ip_src_file", "sdc_file",
+                                "isf_file", "misc_file", "family", "top_module", "odd", "größe"});
+  return input.OneIn(40) ? input.OneOf<std::string>({"other:", "kel:", ""}) + name : prefix + name;
+}
+
+std::string Elements(RandomInput& input, const std::string& prefix, std::size_t most, int depth) {
+  std::string text;
+  for (std::size_t i = input.Number(most + 1); i > 0; --i) {
+    const std::string tag = Tag(input, prefix);
+    text += Between(input) + "<" + tag + Attributes(input);
+    if (depth == 0 || input.OneIn(2)) {
+      text += "/>";
+    } else {
+      text += ">" + Elements(input, prefix, 3, depth - 1) + Between(input) + "</" + tag + ">";
+    }
+  }
+  return text;
+}
+
+std::string Section(RandomInput& input) {
+  return input.OneOf<std::string>({"device_info", "design_info", "design_info", "constraint_info",
+                                   "isf_info", "sim_info", "misc_info", "ip_info", "synthesis",
+                                   "place_and_route", "debugger", "security", "odd"});
+}
+
+std::vector<DesignFile> Files(RandomInput& input) {
+  std::vector<DesignFile> files;
+  for (std::size_t i = input.Number(6); i > 0; --i) {
+    const std::string name = input.Text();
+    const std::string version = input.Text();
+    files.emplace_back(name, version, input.Text());
+  }
+  return files;
+}
+
+std::vector<std::string> Names(RandomInput& input) {
+  std::vector<std::string> names;
+  for (std::size_t i = input.Number(5); i > 0; --i) names.push_back(input.Text());
+  return names;
+}
+
+}  // namespace
+
+std::string SchemaWithDefaults() {
+  return R"(<xs:schema xmlns:xs="http://www.w3.org/2001/XMLSchema"
+    xmlns="http://schema.kel.example/wdp_proj"
+    targetNamespace="http://schema.kel.example/wdp_proj" elementFormDefault="qualified">
+  <xs:complexType name="any">
+    <xs:sequence>
+      <xs:any minOccurs="0" maxOccurs="unbounded" processContents="lax"/>
+    </xs:sequence>
+    <xs:anyAttribute processContents="lax"/>
+  </xs:complexType>
+  <xs:complexType name="file">
+    <xs:complexContent><xs:extension base="any">
+      <xs:attribute name="name" type="xs:string" default="unnamed"/>
+      <xs:attribute name="library" type="xs:string" fixed="work"/>
+      <xs:attribute name="version" type="xs:token"/>
+    </xs:extension></xs:complexContent>
+  </xs:complexType>
+  <xs:complexType name="named">
+    <xs:complexContent><xs:extension base="any">
+      <xs:attribute name="name" type="xs:ID"/>
+    </xs:extension></xs:complexContent>
+  </xs:complexType>
+  <xs:element name="project" type="any"/>
+  <xs:element name="design_file" type="file"/>
+  <xs:element name="param" type="named"/>
+</xs:schema>
+)";
+}
+
+std::string RandomFile(RandomInput& input) {
+  const std::string prefix = input.OneOf<std::string>({"", "kel:", "kel:", "p:"});
+  std::string text = input.OneIn(2) ? "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" : "";
+  text += "<" + prefix +
+          "project xmlns=\"http://schema.kel.example/wdp_proj\""
+          " xmlns:kel=\"http://schema.kel.example/wdp_proj\""
+          " xmlns:p=\"http://schema.kel.example/wdp_proj\" xmlns:other=\"urn:other\""
+          " xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" name=\"" +
+          Escaped(input.Text()) + "\">";
+  for (std::size_t i = input.Number(5); i > 0; --i) {
+    const std::string section = prefix + Section(input);
+    text += Between(input) + "<" + section + Attributes(input) + ">" +
+            Elements(input, prefix, 8, 2) + Between(input) + "</" + section + ">";
+  }
+  return text + "\n</" + prefix + "project>\n";
+}
+
+std::string Damaged(std::string bytes, RandomInput& input) {
+  for (std::size_t i = 1 + input.Number(3); i > 0 && !bytes.empty(); --i) {
+    const std::size_t place = input.Number(bytes.size());
+    switch (input.Number(4)) {
+      case 0:
+        bytes.erase(place, 1 + input.Number(5));
+        break;
+      case 1:
+        bytes[place] = static_cast<char>(input.Number(256));
+        break;
+      case 2:
+        bytes.insert(place, bytes.substr(input.Number(bytes.size()), input.Number(40)));
+        break;
+      default:
+        bytes.insert(place, input.OneOf<std::string>({"<", ">", "\"", "&", "/>", "<!DOCTYPE a>",
+                                                      "]]>", "\xC3", " name=\"again\"", ":"}));
+    }
+  }
+  return bytes;
+}
+
+projectdb::ProjectContents RandomContents(RandomInput& input) {
+  projectdb::ProjectContents project;
+  project.project_name = input.Text();
+  project.info_attributes[input.OneOf<std::string>({"owner", "größe", "review:state"})] =
+      input.Text();
+  project.device_info.family = input.Text();
+  project.design_info.top_module = input.Text();
+  project.design_info.design_files = Files(input);
+  project.design_constraint.sdc_files = Names(input);
+  project.design_isf.isf_files = Names(input);
+  project.sim_files = Files(input);
+  project.misc_files = Files(input);
+  for (std::size_t i = input.Number(4); i > 0; --i) {
+    projectdb::IP ip{input.Text(), input.Text(), {}};
+    for (const std::string& name : Names(input)) ip.src_files.push_back({name});
+    project.ip_info.ips.push_back(ip);
+  }
+  project.flow_processes.resize(projectdb::kFlowProcesses.size());
+  for (std::size_t i = 0; i < project.flow_processes.size(); ++i) {
+    auto& process = project.flow_processes[i];
+    process.name = projectdb::kFlowProcesses[i].name;
+    process.tool_name = input.Text();
+    for (const std::string& name : Names(input)) {
+      const auto type = static_cast<projectdb::ParameterType>(input.Number(4));
+      const auto map = i == 0 ? input.OneOf<std::string>({"param", "dynparam", "größe"}) : "param";
+      process.parameter_maps[map].emplace(name, Parameter(name, input.Text(), type));
+    }
+  }
+  return project;
+}
+
+}  // namespace differential
