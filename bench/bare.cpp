@@ -12,6 +12,8 @@
 #include <xercesc/framework/LocalFileFormatTarget.hpp>
 #include <xercesc/framework/LocalFileInputSource.hpp>
 #include <xercesc/framework/Wrapper4InputSource.hpp>
+#include <xercesc/parsers/DOMLSParserImpl.hpp>
+#include <xercesc/util/TransService.hpp>
 #include <xercesc/validators/schema/SchemaSymbols.hpp>
 
 #include "project_db/format.h"
@@ -27,12 +29,22 @@ using projectdb::Name;
 using xercesc::DOMElement;
 using xercesc::XMLUni;
 
+class ParserWithoutText : public xercesc::DOMLSParserImpl {
+ public:
+  void docCharacters(const XMLCh* /*text*/, XMLSize_t /*length*/, bool /*is_cdata*/) override {}
+  void ignorableWhitespace(const XMLCh* /*text*/, XMLSize_t /*length*/,
+                           bool /*is_cdata*/) override {}
+};
+
 // The XML library's own parser with the library's settings.
-xml::Owned<xercesc::DOMLSParser> CreateParser(projectdb::KelProjectDbErrorHandler& errors) {
+xml::Owned<xercesc::DOMLSParser> CreateParser(TextBetweenTags text,
+                                              projectdb::KelProjectDbErrorHandler& errors) {
   auto* const implementation = static_cast<xercesc::DOMImplementationLS*>(
       xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS"));
   xml::Owned<xercesc::DOMLSParser> parser(
-      implementation->createLSParser(xercesc::DOMImplementationLS::MODE_SYNCHRONOUS, nullptr));
+      text == TextBetweenTags::kKept
+          ? implementation->createLSParser(xercesc::DOMImplementationLS::MODE_SYNCHRONOUS, nullptr)
+          : new ParserWithoutText);
   xml::Configure(*parser, errors);
   return parser;
 }
@@ -57,38 +69,54 @@ DOMElement* Append(DOMElement* parent, const Name& tag) {
   return element;
 }
 
-void AppendNamed(DOMElement* parent, const Name& tag, const char16_t* name) {
-  Append(parent, tag)->setAttribute(format::kName.wide, name);
+void Set(DOMElement* element, const Name& name, const char16_t* text) {
+  element->setAttribute(name.wide, text);
 }
 
+void Set(DOMElement* element, const Name& name, const std::u16string& text) {
+  Set(element, name, text.c_str());
+}
+
+void Set(DOMElement* element, const Name& name, const std::string& text) {
+  const xercesc::TranscodeFromStr wide(reinterpret_cast<const XMLByte*>(text.data()), text.size(),
+                                       "UTF-8");
+  Set(element, name, wide.str());
+}
+
+template <typename Text>
+void AppendNamed(DOMElement* parent, const Name& tag, const Text& name) {
+  Set(Append(parent, tag), format::kName, name);
+}
+
+template <typename File>
 void AppendFiles(DOMElement* parent, const Name& tag, const std::vector<File>& files) {
   for (const File& file : files) {
     DOMElement* element = Append(parent, tag);
-    element->setAttribute(format::kName.wide, file.name.c_str());
-    element->setAttribute(format::kVersion.wide, file.version.c_str());
-    element->setAttribute(format::kLibrary.wide, file.library.c_str());
+    Set(element, format::kName, file.name);
+    Set(element, format::kVersion, file.version);
+    Set(element, format::kLibrary, file.library);
   }
 }
 
+template <typename Ip>
 void AppendIps(DOMElement* root, const std::vector<Ip>& ips) {
   DOMElement* section = Append(root, format::kIpInfo);
   for (const Ip& ip : ips) {
     DOMElement* element = Append(section, format::kIp);
-    element->setAttribute(format::kInstanceName.wide, ip.instance_name.c_str());
-    element->setAttribute(format::kPath.wide, ip.path.c_str());
-    for (const std::u16string& file : ip.source_files) {
-      AppendNamed(element, format::kIpSrcFile, file.c_str());
-    }
+    Set(element, format::kInstanceName, ip.instance_name);
+    Set(element, format::kPath, ip.path);
+    for (const auto& file : ip.source_files) AppendNamed(element, format::kIpSrcFile, file);
   }
 }
 
+template <typename Parameter>
 void AppendProcess(DOMElement* root, const Name& name, const std::vector<Parameter>& parameters) {
   DOMElement* process = Append(root, name);
   for (const Parameter& parameter : parameters) {
     DOMElement* element = Append(process, format::kParameters.front());
-    element->setAttribute(format::kName.wide, parameter.name.c_str());
-    element->setAttribute(format::kValue.wide, parameter.value.c_str());
-    element->setAttribute(format::kValueType.wide, parameter.type.c_str());
+    Set(element, format::kName, parameter.name);
+    Set(element, format::kValue, parameter.value);
+    Set(element, format::kValueType, parameter.type);
   }
 }
 
@@ -103,7 +131,8 @@ void FillRoot(DOMElement* root) {
   root->setAttribute(format::kLastModifyTime.wide, u"Mon Nov 16 2026 03:09:25");
 }
 
-void AppendSections(DOMElement* root, const Project& project) {
+template <typename Text>
+void AppendSections(DOMElement* root, const Project<Text>& project) {
   DOMElement* device = Append(root, format::kDeviceInfo);
   AppendNamed(device, format::kFamily, u"Varel");
   AppendNamed(device, format::kDevice, u"Q8R25");
@@ -135,13 +164,24 @@ void Write(const xercesc::DOMDocument* document, const std::string& path) {
   if (!serializer->write(document, output.get())) throw std::runtime_error("cannot write " + path);
 }
 
+template <typename Text>
+void ExportProject(const Project<Text>& project, const std::string& path) {
+  xercesc::DOMImplementation* core =
+      xercesc::DOMImplementationRegistry::getDOMImplementation(u"Core");
+  const xml::Owned<xercesc::DOMDocument> document(
+      core->createDocument(format::kNamespace.wide, format::kProject.wide, nullptr));
+  FillRoot(document->getDocumentElement());
+  AppendSections(document->getDocumentElement(), project);
+  Write(document.get(), path);
+}
+
 }  // namespace
 
 std::u16string Wide(const std::string& text) { return std::filesystem::path(text).u16string(); }
 
-void Parse(const std::string& path, const std::string& schema) {
+void Parse(const std::string& path, const std::string& schema, TextBetweenTags text) {
   projectdb::KelProjectDbErrorHandler errors;
-  const auto parser = CreateParser(errors);
+  const auto parser = CreateParser(text, errors);
   if (schema.empty()) {
     xml::Set(*parser, XMLUni::fgDOMValidateIfSchema, true);
   } else {
@@ -151,14 +191,8 @@ void Parse(const std::string& path, const std::string& schema) {
   if (!document || errors.failed) throw std::runtime_error(path + " has an error");
 }
 
-void Export(const Project& project, const std::string& path) {
-  xercesc::DOMImplementation* core =
-      xercesc::DOMImplementationRegistry::getDOMImplementation(u"Core");
-  const xml::Owned<xercesc::DOMDocument> document(
-      core->createDocument(format::kNamespace.wide, format::kProject.wide, nullptr));
-  FillRoot(document->getDocumentElement());
-  AppendSections(document->getDocumentElement(), project);
-  Write(document.get(), path);
-}
+void Export(const WideProject& project, const std::string& path) { ExportProject(project, path); }
+
+void Export(const Utf8Project& project, const std::string& path) { ExportProject(project, path); }
 
 }  // namespace bench::bare

@@ -42,6 +42,10 @@ inline constexpr char kBare[] = "bare";
 /// How the names of comparisons begin that give bytes.
 inline constexpr char kPeakMemory[] = "peak_memory";
 
+/// How the names of comparisons end whose bare parse leaves out the text between the tags, as the
+/// library does. Without a schema the other builds a node of each blank.
+inline constexpr char kWithoutText[] = "_without_text";
+
 /// Sizes of lists; the growth is measured from the second to the last.
 inline const std::vector<std::int64_t> kListSizes = {100, 1'000, 100'000};
 

@@ -1,6 +1,7 @@
 #include "generator.h"
 
 #include <stdexcept>
+#include <type_traits>
 
 #include <projectdb/vocabulary.h>
 
@@ -34,36 +35,42 @@ IP IpAt(std::size_t index) {
   return ip;
 }
 
-using bare::Wide;
-
-bare::File Wide(const DesignFile& file) {
-  return {Wide(file.name), Wide(file.version), Wide(file.library)};
-}
-
-bare::Ip Wide(const IP& ip) {
-  bare::Ip wide{Wide(ip.instance_name), Wide(ip.path), {}};
-  for (const projectdb::IPSrcFile& file : ip.src_files) {
-    wide.source_files.push_back(Wide(file.name));
+// A text in the form that a bare project has it in.
+template <typename Text>
+Text In(const std::string& text) {
+  if constexpr (std::is_same_v<Text, std::u16string>) {
+    return bare::Wide(text);
+  } else {
+    return text;
   }
-  return wide;
 }
 
-bare::Parameter Wide(const Parameter& parameter) {
-  return {Wide(parameter.name), Wide(parameter.value), Wide(projectdb::TextOf(parameter.type))};
+template <typename Text>
+typename bare::Project<Text>::File In(const DesignFile& file) {
+  return {In<Text>(file.name), In<Text>(file.version), In<Text>(file.library)};
 }
 
-std::vector<bare::Ip> MakeBareIps(std::size_t count) {
-  std::vector<bare::Ip> ips;
-  for (std::size_t i = 0; i < count; ++i) ips.push_back(Wide(IpAt(i)));
-  return ips;
+template <typename Text>
+typename bare::Project<Text>::Ip In(const IP& ip) {
+  typename bare::Project<Text>::Ip bare_ip{In<Text>(ip.instance_name), In<Text>(ip.path), {}};
+  for (const projectdb::IPSrcFile& file : ip.src_files) {
+    bare_ip.source_files.push_back(In<Text>(file.name));
+  }
+  return bare_ip;
+}
+
+template <typename Text>
+typename bare::Project<Text>::Parameter In(const Parameter& parameter) {
+  return {In<Text>(parameter.name), In<Text>(parameter.value),
+          In<Text>(std::string(projectdb::TextOf(parameter.type)))};
 }
 
 // There is no operation that adds an IP instance, but a load does.
 void LoadIps(KelProjectDatabase& database, std::size_t count) {
   const test_support::TemporaryDirectory directory;
   const std::string path = directory / "ips.xml";
-  bare::Project project;
-  project.ips = MakeBareIps(count);
+  bare::WideProject project;
+  for (std::size_t i = 0; i < count; ++i) project.ips.push_back(In<std::u16string>(IpAt(i)));
   bare::Export(project, path);
   if (!database.LoadProjectData(path, "")) throw std::runtime_error("cannot load " + path);
 }
@@ -87,20 +94,26 @@ ProcType ProcessAt(std::size_t parameter_index) {
   return static_cast<ProcType>(parameter_index % 4);
 }
 
-bare::Project MakeBareProject(std::size_t design_files) {
-  bare::Project project;
+template <typename Text>
+bare::Project<Text> MakeBareProject(std::size_t design_files) {
+  bare::Project<Text> project;
   for (std::size_t i = 0; i < design_files; ++i) {
-    project.design_files.push_back(Wide(DesignFileAt(i)));
+    project.design_files.push_back(In<Text>(DesignFileAt(i)));
   }
   for (std::size_t i = 0; i < TestBenches(design_files); ++i) {
-    project.test_benches.push_back(Wide(TestBenchAt(i)));
+    project.test_benches.push_back(In<Text>(TestBenchAt(i)));
   }
-  project.ips = MakeBareIps(Ips(design_files));
+  for (std::size_t i = 0; i < Ips(design_files); ++i) {
+    project.ips.push_back(In<Text>(IpAt(i)));
+  }
   for (std::size_t i = 0; i < Parameters(design_files); ++i) {
-    project.parameters.at(ProcessAt(i)).push_back(Wide(ParameterAt(i)));
+    project.parameters.at(ProcessAt(i)).push_back(In<Text>(ParameterAt(i)));
   }
   return project;
 }
+
+template bare::WideProject MakeBareProject(std::size_t design_files);
+template bare::Utf8Project MakeBareProject(std::size_t design_files);
 
 void FillDatabase(KelProjectDatabase& database, std::size_t design_files) {
   LoadIps(database, Ips(design_files));

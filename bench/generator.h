@@ -16,7 +16,9 @@ projectdb::Parameter ParameterAt(std::size_t index);
 /// Which process the parameter belongs to.
 projectdb::ProcType ProcessAt(std::size_t parameter_index);
 
-bare::Project MakeBareProject(std::size_t design_files);
+/// @tparam Text std::u16string or std::string
+template <typename Text>
+bare::Project<Text> MakeBareProject(std::size_t design_files);
 
 /// Gives an empty database the same project; the XML library must be initialised.
 void FillDatabase(projectdb::KelProjectDatabase& database, std::size_t design_files);

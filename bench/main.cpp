@@ -1,6 +1,8 @@
 #include <exception>
 #include <iostream>
 
+#include <malloc.h>
+
 #include <kel/diag.h>
 
 #include "benchmarks.h"
@@ -8,9 +10,18 @@
 
 namespace {
 
+// The thresholds of the memory allocator are those that they come to by themselves once a program
+// has given back much; by then they would depend on what was measured before.
+void FixMemoryThresholds() {
+  constexpr int kMapThreshold = 32 << 20;
+  mallopt(M_MMAP_THRESHOLD, kMapThreshold);
+  mallopt(M_TRIM_THRESHOLD, 2 * kMapThreshold);
+}
+
 int Run(int argument_count, char** arguments) {
   benchmark::Initialize(&argument_count, arguments);
   if (benchmark::ReportUnrecognizedArguments(argument_count, arguments)) return 2;
+  FixMemoryThresholds();
   Diag::GlobalInst().SetHandler([](const Diag::DiagStorage&) {});
   bench::RegisterXmlBenchmarks();
   bench::RegisterMemoryBenchmarks();

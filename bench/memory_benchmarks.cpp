@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 
@@ -13,13 +14,13 @@ namespace {
 
 using benchmark::State;
 
-const std::vector<std::int64_t> kSizes = {100, 10'000, 100'000};
+const std::vector<std::int64_t> kMemorySizes = {100, 10'000, 100'000, 1'000'000};
 
 /// A project file.
 struct ProjectFile {
   explicit ProjectFile(std::size_t design_files) {
     const test_support::XmlPlatform platform;
-    bare::Export(MakeBareProject(design_files), path);
+    bare::Export(MakeBareProject<std::u16string>(design_files), path);
   }
 
   test_support::TemporaryDirectory directory;
@@ -42,31 +43,34 @@ double PeakMemory(const std::string& arguments) {
   return static_cast<double>(bytes);
 }
 
-// What both sides take on the command line after "work" and "bare_work".
-template <typename Arguments>
-void Compare(State& state, const std::string& work, Arguments arguments) {
-  const ProjectFile& file = Cached<ProjectFile>(SizeOf(state));
-  for (auto _ : state) {
-    state.counters[kLibrary] = PeakMemory(work + arguments(file));
-    state.counters[kBare] = PeakMemory("bare_" + work + arguments(file));
-  }
+/// Arguments of both sides behind their names.
+using Arguments = std::function<std::string(const ProjectFile& file, std::size_t size)>;
+
+void RegisterComparison(const std::string& name, const std::string& work,
+                        const std::string& bare_work, const Arguments& arguments) {
+  Register(kPeakMemory + ("_" + name), kMemorySizes, [=](State& state) {
+    const ProjectFile& file = Cached<ProjectFile>(SizeOf(state));
+    for (auto _ : state) {
+      state.counters[kLibrary] = PeakMemory(work + arguments(file, SizeOf(state)));
+      state.counters[kBare] = PeakMemory(bare_work + arguments(file, SizeOf(state)));
+    }
+  })->Iterations(1);
 }
 
 void RegisterLoading(const std::string& suffix, const std::string& schema) {
-  const auto arguments = [schema](const ProjectFile& file) {
+  const Arguments arguments = [schema](const ProjectFile& file, std::size_t /*size*/) {
     return " '" + file.path + "' '" + schema + "'";
   };
-  Register(kPeakMemory + ("_load" + suffix), kSizes, [=](State& state) {
-    Compare(state, "load", arguments);
-  })->Iterations(1);
+  RegisterComparison("load" + suffix, "load", "bare_load", arguments);
+  RegisterComparison("load" + suffix + kWithoutText, "load", "bare_load_without_text", arguments);
 }
 
 void RegisterExporting() {
-  Register(kPeakMemory + std::string("_export"), kSizes, [](State& state) {
-    Compare(state, "export", [&](const ProjectFile& file) {
-      return " '" + file.written + "' " + std::to_string(SizeOf(state));
-    });
-  })->Iterations(1);
+  const Arguments arguments = [](const ProjectFile& file, std::size_t size) {
+    return " '" + file.written + "' " + std::to_string(size);
+  };
+  RegisterComparison("export", "export", "bare_export_of_utf8", arguments);
+  RegisterComparison("export_of_16_bits", "export", "bare_export", arguments);
 }
 
 }  // namespace

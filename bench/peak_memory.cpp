@@ -11,8 +11,8 @@
 #include "testing/xml_platform.h"
 
 // The most memory that one piece of work takes in a process of its own:
-//   peak_memory load|bare_load FILE SCHEMA      SCHEMA may be ""
-//   peak_memory export|bare_export FILE COUNT   of a project of COUNT design files
+//   peak_memory load|bare_load|bare_load_without_text FILE SCHEMA      SCHEMA may be ""
+//   peak_memory export|bare_export|bare_export_of_utf8 FILE COUNT     COUNT design files
 namespace {
 
 using projectdb::KelProjectDatabase;
@@ -39,15 +39,26 @@ void Export(const std::string& file, const std::string& count) {
   database.ExportProjectData(file);
 }
 
+void BareLoad(const std::string& file, const std::string& schema) {
+  bench::bare::Parse(file, schema);
+}
+
+void BareLoadWithoutText(const std::string& file, const std::string& schema) {
+  bench::bare::Parse(file, schema, bench::bare::TextBetweenTags::kLeftOut);
+}
+
+template <typename Text>
 void BareExport(const std::string& file, const std::string& count) {
-  bench::bare::Export(bench::MakeBareProject(std::stoul(count)), file);
+  bench::bare::Export(bench::MakeBareProject<Text>(std::stoul(count)), file);
 }
 
 const std::map<std::string, std::function<void(const std::string&, const std::string&)>> kWork = {
     {"load", Load},
-    {"bare_load", bench::bare::Parse},
+    {"bare_load", BareLoad},
+    {"bare_load_without_text", BareLoadWithoutText},
     {"export", Export},
-    {"bare_export", BareExport}};
+    {"bare_export", BareExport<std::u16string>},
+    {"bare_export_of_utf8", BareExport<std::string>}};
 
 int Run(int argument_count, char** arguments) {
   if (argument_count != 4 || kWork.count(arguments[1]) == 0) {

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <filesystem>
 #include <sstream>
 #include <stdexcept>
 
@@ -18,7 +19,7 @@ using benchmark::State;
 using projectdb::KelProjectDatabase;
 using test_support::XmlPlatform;
 
-const std::vector<std::int64_t> kSizes = {100, 1'000, 10'000, 100'000};
+const std::vector<std::int64_t> kProjectSizes = {100, 1'000, 10'000, 100'000, 1'000'000};
 
 constexpr char kNoSchema[] = "";
 constexpr char kSchema[] = PROJECTDB_SCHEMA_FILE;
@@ -36,7 +37,9 @@ std::vector<std::string> SortedLines(const std::string& path) {
 
 /// A project in memory and in a file.
 struct Sample {
-  explicit Sample(std::size_t design_files) : project(MakeBareProject(design_files)) {
+  explicit Sample(std::size_t design_files)
+      : project(MakeBareProject<std::u16string>(design_files)),
+        utf8_project(MakeBareProject<std::string>(design_files)) {
     const XmlPlatform platform;
     FillDatabase(database, design_files);
     database.ExportProjectData(exported);
@@ -49,7 +52,8 @@ struct Sample {
   test_support::TemporaryDirectory directory;
   std::string file = directory / "project.xml";
   std::string exported = directory / "exported.xml";
-  bare::Project project;
+  bare::WideProject project;
+  bare::Utf8Project utf8_project;
   KelProjectDatabase database;
 };
 
@@ -62,9 +66,10 @@ void LoadOnce(const Sample& sample, const std::string& schema, Stopwatch& watch)
   if (!loaded) throw std::runtime_error("the project cannot be loaded");
 }
 
-void ParseOnce(const Sample& sample, const std::string& schema, Stopwatch& watch) {
+void ParseOnce(const Sample& sample, const std::string& schema, bare::TextBetweenTags text,
+               Stopwatch& watch) {
   watch.Start();
-  bare::Parse(sample.file, schema);
+  bare::Parse(sample.file, schema, text);
   watch.Stop();
 }
 
@@ -77,13 +82,13 @@ void StartAndParseOnce(const Sample& sample, const std::string& schema, Stopwatc
   watch.Stop();
 }
 
-void CompareLoading(State& state, const std::string& schema) {
+void CompareLoading(State& state, const std::string& schema, bare::TextBetweenTags text) {
   const Sample& sample = Cached<Sample>(SizeOf(state));
   // Starting the XML library, once in a process, is no part of a load.
   const XmlPlatform platform;
   Compare(
       state, SizeOf(state), [&](Stopwatch& watch) { LoadOnce(sample, schema, watch); },
-      [&](Stopwatch& watch) { ParseOnce(sample, schema, watch); });
+      [&](Stopwatch& watch) { ParseOnce(sample, schema, text, watch); });
 }
 
 void CompareFirstLoading(State& state, const std::string& schema) {
@@ -93,7 +98,8 @@ void CompareFirstLoading(State& state, const std::string& schema) {
       [&](Stopwatch& watch) { StartAndParseOnce(sample, schema, watch); });
 }
 
-void CompareExporting(State& state) {
+template <typename Text>
+void CompareExporting(State& state, const bare::Project<Text> Sample::*project) {
   const Sample& sample = Cached<Sample>(SizeOf(state));
   const XmlPlatform platform;
   Compare(
@@ -105,14 +111,32 @@ void CompareExporting(State& state) {
       },
       [&](Stopwatch& watch) {
         watch.Start();
-        bare::Export(sample.project, sample.exported);
+        bare::Export(sample.*project, sample.exported);
         watch.Stop();
       });
 }
 
+/// Loads as many files as there are threads, in wall time.
+void LoadInEachThread(State& state) {
+  const Sample& sample = Cached<Sample>(SizeOf(state));
+  const XmlPlatform platform;
+  const test_support::TemporaryDirectory directory;
+  const std::string file = directory / "project.xml";
+  std::filesystem::copy_file(sample.file, file);
+  for (auto _ : state) {
+    KelProjectDatabase database;
+    if (!database.LoadProjectData(file, kNoSchema)) state.SkipWithError("not loaded");
+  }
+  CountElements(state, SizeOf(state));
+}
+
 void RegisterLoading(const std::string& suffix, const std::string& schema) {
-  Register("load" + suffix, kSizes, [schema](State& state) { CompareLoading(state, schema); });
-  Register("start_and_load" + suffix, {kSizes.front()},
+  Register("load" + suffix, kProjectSizes,
+           [schema](State& state) { CompareLoading(state, schema, bare::TextBetweenTags::kKept); });
+  Register("load" + suffix + kWithoutText, kProjectSizes, [schema](State& state) {
+    CompareLoading(state, schema, bare::TextBetweenTags::kLeftOut);
+  });
+  Register("start_and_load" + suffix, {kProjectSizes.front()},
            [schema](State& state) { CompareFirstLoading(state, schema); });
 }
 
@@ -121,7 +145,11 @@ void RegisterLoading(const std::string& suffix, const std::string& schema) {
 void RegisterXmlBenchmarks() {
   RegisterLoading("", kNoSchema);
   RegisterLoading("_with_schema", kSchema);
-  Register("export", kSizes, CompareExporting);
+  Register("export", kProjectSizes,
+           [](State& state) { CompareExporting(state, &Sample::project); });
+  Register("export_of_utf8", kProjectSizes,
+           [](State& state) { CompareExporting(state, &Sample::utf8_project); });
+  RegisterForThreads("LoadProjectData, a file for each thread", {10'000}, LoadInEachThread);
 }
 
 }  // namespace bench
