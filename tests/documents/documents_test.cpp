@@ -123,10 +123,17 @@ std::vector<std::string> DocumentsWith(const std::string& language) {
   return documents;
 }
 
+/// A name to commit with and a configuration of git of its own, beside the built program.
+const std::string kEnvironment =
+    "PATH='" KELPROJ_DIRECTORY
+    "':$PATH && "
+    "export HOME=$PWD GIT_CONFIG_NOSYSTEM=1 GIT_AUTHOR_NAME=Zoe GIT_AUTHOR_EMAIL=zoe@kel.example "
+    "GIT_COMMITTER_NAME=Zoe GIT_COMMITTER_EMAIL=zoe@kel.example";
+
 /// All that a command prints, in order.
 std::string OutputOf(const std::string& command, const std::filesystem::path& directory) {
-  const std::string script = "cd '" + directory.string() +
-                             "' && PATH='" KELPROJ_DIRECTORY "':$PATH && { " + command + "\n} 2>&1";
+  const std::string script =
+      "cd '" + directory.string() + "' && " + kEnvironment + " && { " + command + "\n} 2>&1";
   const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(script.c_str(), "r"), pclose);
   std::string output;
   for (int byte = 0; pipe && (byte = std::fgetc(pipe.get())) != EOF;) {
