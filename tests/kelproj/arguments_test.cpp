@@ -26,6 +26,13 @@ TEST_F(Arguments, Wrong_AreTroubleAndNameTheHelp) {
                      {{"check"}, "kelproj check", {"FILE"}},
                      {{"get", "a.xml"}, "kelproj get", {"KEY"}},
                      {{"set", "a.xml", "name"}, "kelproj set", {"VALUE"}},
+                     {{"set", "a.xml", "name", "a", "design.tool"}, "kelproj set", {"VALUE"}},
+                     {{"unset", "a.xml"}, "kelproj unset", {"KEY"}},
+                     {{"remove", "a.xml"}, "kelproj remove", {"NAME"}},
+                     {{"rename", "a.xml", "b.v"}, "kelproj rename", {"NEW"}},
+                     {{"move", "a.xml", "--rtl"}, "kelproj move", {"NAME"}},
+                     {{"apply"}, "kelproj apply", {"FILE"}},
+                     {{"format"}, "kelproj format", {"FILE"}},
                      {{"set-interface", "a.xml"}, "kelproj set-interface", {"PATH"}},
                      {{"diff"}, "kelproj diff", {"FILE"}},
                      {{"completion", "csh"}, "kelproj completion", {"SHELL", "csh", "bash"}}};

@@ -11,9 +11,10 @@ using namespace projectdb;
 using namespace test_support;
 using testing::ContainsRegex;
 
-constexpr const char* kCommands[] = {"new",  "show",  "check",     "get",
-                                     "list", "set",   "add",       "set-interface",
-                                     "diff", "merge", "git-setup", "completion"};
+constexpr const char* kCommands[] = {"new",   "show",          "check",     "get",    "list",
+                                     "set",   "unset",         "add",       "remove", "rename",
+                                     "move",  "set-interface", "apply",     "format", "diff",
+                                     "merge", "git-setup",     "completion"};
 
 class Help : public KelprojTest {};
 

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <filesystem>
+#include <sstream>
+
+#include <nlohmann/json.hpp>
 
 #include "testing/saving.h"
 #include "testing/shipped_files.h"
@@ -18,6 +21,13 @@ inline Outcome Done() { return Printed(""); }
 inline Outcome AnsweredNo(std::string out = "") { return {1, std::move(out), ""}; }
 inline Outcome Failed(const std::string& reason) {
   return {2, "", "kelproj: error: " + reason + "\n"};
+}
+/// The outcome of what is not done because the answer is no.
+inline Outcome Refused(const std::string& reason) {
+  return {1, "", "kelproj: error: " + reason + "\n"};
+}
+inline Outcome DoneWithWarning(const std::string& warning) {
+  return {0, "", "kelproj: warning: " + warning + "\n"};
 }
 /// The outcome of wrong arguments: trouble, with a reason and the command's help named.
 /// @param words that the reason has; the rest of it is the argument parser's
@@ -73,6 +83,24 @@ class KelprojTest : public testing::Test {
 
   std::string Get(const std::string& file, const std::string& key) const {
     return Run({"get", file, key}).out;
+  }
+
+  // What "show --json" has under the key.
+  nlohmann::json Shown(const std::string& key, const std::string& file = "blinker.xml") const {
+    nlohmann::json value = nlohmann::json::parse(Run({"show", file, "--json"}).out);
+    std::istringstream parts(key);
+    for (std::string part; std::getline(parts, part, '.');) value = nlohmann::json(value.at(part));
+    return value;
+  }
+
+  // The names of the files of a list as they are stored.
+  std::vector<std::string> Listed(const std::string& key) const {
+    std::vector<std::string> names;
+    for (const nlohmann::json& entry : Shown(key)) {
+      const char* const name = key == "ip" ? "path" : "name";
+      names.push_back(entry.is_object() ? entry.at(name) : entry);
+    }
+    return names;
   }
 
   void ExpectUnchangedBy(const std::vector<std::string>& arguments,

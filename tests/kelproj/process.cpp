@@ -14,17 +14,25 @@
 namespace test_support {
 namespace {
 
-/// A file in memory that a process writes to.
-class Capture {
+/// A file in memory that a process reads from or writes to.
+class MemoryFile {
  public:
-  explicit Capture(const char* name) : descriptor_(memfd_create(name, MFD_CLOEXEC)) {
+  explicit MemoryFile(const char* name) : descriptor_(memfd_create(name, MFD_CLOEXEC)) {
     if (descriptor_ < 0) throw std::runtime_error("memfd_create failed");
   }
-  ~Capture() { close(descriptor_); }
-  Capture(const Capture&) = delete;
-  Capture& operator=(const Capture&) = delete;
+  ~MemoryFile() { close(descriptor_); }
+  MemoryFile(const MemoryFile&) = delete;
+  MemoryFile& operator=(const MemoryFile&) = delete;
 
   int descriptor() const { return descriptor_; }
+
+  // To be read from its begin.
+  void Hold(const std::string& text) const {
+    const auto size = static_cast<ssize_t>(text.size());
+    if (pwrite(descriptor_, text.data(), text.size(), 0) != size) {
+      throw std::runtime_error("pwrite failed");
+    }
+  }
 
   std::string Text() const {
     std::string text;
@@ -48,11 +56,10 @@ void ObeyPermissions() {
 }
 
 [[noreturn]] void BecomeProgram(const std::vector<std::string>& command,
-                                const ProcessSettings& settings, int out, int err) {
+                                const ProcessSettings& settings, int in, int out, int err) {
   if (chdir(settings.directory.c_str()) != 0) _exit(126);
   for (const auto& [name, value] : settings.environment) setenv(name.c_str(), value.c_str(), 1);
   if (!settings.output.empty()) out = open(settings.output.c_str(), O_WRONLY | O_CLOEXEC);
-  const int in = open("/dev/null", O_RDONLY | O_CLOEXEC);
   if (dup2(in, STDIN_FILENO) < 0 || dup2(out, STDOUT_FILENO) < 0 || dup2(err, STDERR_FILENO) < 0) {
     _exit(126);
   }
@@ -72,11 +79,15 @@ void PrintTo(const Outcome& outcome, std::ostream* out) {
 }
 
 Outcome RunProcess(const std::vector<std::string>& command, const ProcessSettings& settings) {
-  const Capture out("out");
-  const Capture err("err");
+  const MemoryFile in("in");
+  const MemoryFile out("out");
+  const MemoryFile err("err");
+  in.Hold(settings.input);
   const pid_t child = fork();
   if (child < 0) throw std::runtime_error("fork failed");
-  if (child == 0) BecomeProgram(command, settings, out.descriptor(), err.descriptor());
+  if (child == 0) {
+    BecomeProgram(command, settings, in.descriptor(), out.descriptor(), err.descriptor());
+  }
   int status = 0;
   if (waitpid(child, &status, 0) != child) throw std::runtime_error("waitpid failed");
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, out.Text(), err.Text()};

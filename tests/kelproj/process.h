@@ -26,6 +26,7 @@ struct ProcessSettings {
   std::map<std::string, std::string> environment = {};  ///< Beside that of this process.
   std::string output = {};         ///< The file to which standard output goes; "" to capture it.
   bool obeys_permissions = false;  ///< Whether permissions of files bind it even if it is root.
+  std::string input = {};          ///< What it reads on standard input.
 };
 
 /// Runs a program to its end.

@@ -1,7 +1,12 @@
+#include <variant>
+
+#include <projectdb/vocabulary.h>
+
 #include "tests/kelproj/kelproj_test.h"
 
 namespace {
 
+using namespace projectdb;
 using namespace test_support;
 
 class Set : public KelprojTest {
@@ -28,23 +33,76 @@ class Set : public KelprojTest {
 
 TEST_F(Set, SettableKey_IsReadBackAsItWasSet) {
   const std::string value = "Wert \"ä\" <1> & 'b'";
-  for (const char* key :
-       {"name", "device.family", "device.device", "device.timing_model", "design.top_module",
-        "design.top_vhdl_arch", "info.owner", "info.review:state", "synthesis.tool",
-        "place_and_route.tool", "bitstream_generation.tool", "debugger.tool",
-        "synthesis.param.goal", "synthesis.param.with.dots in it", "synthesis.dynparam.WIDTH",
-        "synthesis.defmacro.LABEL", "place_and_route.param.seed", "bitstream_generation.param.mode",
-        "debugger.param.cable"}) {
+  for (const char* key : {"name",
+                          "device.family",
+                          "device.device",
+                          "device.timing_model",
+                          "design.top_module",
+                          "design.top_vhdl_arch",
+                          "design.def_veri_version",
+                          "design.def_vhdl_version",
+                          "info.owner",
+                          "info.review:state",
+                          "synthesis.tool",
+                          "place_and_route.tool",
+                          "bitstream_generation.tool",
+                          "debugger.tool",
+                          "synthesis.param.goal",
+                          "synthesis.param.with.dots in it",
+                          "synthesis.dynparam.WIDTH",
+                          "synthesis.defmacro.LABEL",
+                          "place_and_route.param.seed",
+                          "bitstream_generation.param.mode",
+                          "debugger.param.cable"}) {
     EXPECT_EQ(SetValue(key, value), Done()) << key;
     EXPECT_EQ(Value(key), value + "\n") << key;
   }
 }
 
-TEST_F(Set, FixedValue_CannotBeSet) {
-  for (const std::string key :
-       {"sw_version", "last_change_date", "design.def_veri_version", "design.def_vhdl_version"}) {
-    ExpectUnchangedBy({"set", "blinker.xml", key, "2"}, Failed(key + " cannot be set"));
+TEST_F(Set, SettableKeys_AreAllButTheStamps) {
+  for (const ProjectTerm& term : ProjectTerms()) {
+    const bool is_text = std::holds_alternative<Access<ProjectContents, std::string>>(term.access);
+    if (!is_text || term.kind == TermKind::kDirectory) continue;
+    const std::string key(term.key);
+    const std::string value = "x" + std::string(term.file_ending.value_or(""));
+    if (key == "sw_version" || key == "last_change_date") {
+      ExpectUnchangedBy({"set", "blinker.xml", key, value}, Failed(key + " cannot be set"));
+    } else {
+      EXPECT_EQ(SetValue(key, value), Done()) << key;
+      EXPECT_EQ(Value(key), value + "\n") << key;
+    }
   }
+}
+
+TEST_F(Set, SeveralPairs_AreAllSet) {
+  EXPECT_EQ(Run({"set", "blinker.xml", "device.device", "R40", "info.owner", "M. Ferreira",
+                 "synthesis.param.goal", "speed"}),
+            Done());
+  EXPECT_EQ(Value("device.device"), "R40\n");
+  EXPECT_EQ(Value("info.owner"), "M. Ferreira\n");
+  EXPECT_EQ(Value("synthesis.param.goal"), "speed\n");
+}
+
+TEST_F(Set, OneBadPairOfSeveral_ChangesNothing) {
+  const std::pair<std::vector<std::string>, const char*> cases[] = {
+      {{"device.device", "R40", "device.speed", "3"}, "\"device.speed\" is no key of a project"},
+      {{"device.device", "R40", "sw_version", "3"}, "sw_version cannot be set"},
+      {{"device.device", "R40", "synthesis.param.goal", ""},
+       "goal: a parameter of type e_string needs a value"},
+      {{"device.device", "R40", "info.name", "x"}, "a project does not keep info.name"}};
+  for (auto [arguments, reason] : cases) {
+    arguments.insert(arguments.begin(), {"set", "blinker.xml"});
+    ExpectUnchangedBy(arguments, Failed(reason));
+  }
+}
+
+TEST_F(Set, KeyWithoutValue_IsWrongUse) {
+  ExpectUnchangedBy({"set", "blinker.xml", "device.device", "R40", "info.owner"},
+                    IsWrongUse("kelproj set", {"VALUE of info.owner is required"}));
+}
+
+TEST_F(Set, SameValue_LeavesTheFile) {
+  ExpectUnchangedBy({"set", "blinker.xml", "name", "blinker", "design.top_module", ""}, Done());
 }
 
 TEST_F(Set, EmptyValueOfAProperty_IsStored) {
@@ -78,11 +136,24 @@ TEST_F(Set, TypeOfParameter_IsTheGivenOneTheStoredOneOrThatOfItsMap) {
   }
 }
 
-TEST_F(Set, OtherTypeThanTheStoredOne_IsRefused) {
-  ASSERT_EQ(SetValue("synthesis.param.retiming", "true", "e_bool"), Done());
-  ExpectUnchangedBy(
-      {"set", "blinker.xml", "synthesis.param.retiming", "on", "--type", "e_option"},
-      Failed("retiming: a parameter of type e_bool cannot become one of type e_option"));
+TEST_F(Set, OtherTypeThanTheStoredOne_TakesItsPlace) {
+  ASSERT_EQ(SetValue("synthesis.param.retiming", "true", "e_string"), Done());
+  EXPECT_EQ(SetValue("synthesis.param.retiming", "true", "e_bool"), Done());
+  EXPECT_EQ(ShownParameter("retiming"), "retiming  true  e_bool");
+}
+
+TEST_F(Set, TypeWithSeveralPairs_IsRefused) {
+  ExpectUnchangedBy({"set", "blinker.xml", "synthesis.param.a", "1", "synthesis.param.b", "2",
+                     "--type", "e_option"},
+                    Failed("--type goes with one key alone"));
+}
+
+TEST_F(Set, NameOfAFile_IsTakenFromWhereTheUserStands) {
+  std::filesystem::create_directory(PathOf("pins"));
+  EXPECT_EQ(Run({"set", "../blinker.xml", "constraint.interface", "board.interface.csv"},
+                {PathOf("pins")}),
+            Done());
+  EXPECT_EQ(Value("constraint.interface"), "pins/board.interface.csv\n");
 }
 
 TEST_F(Set, RefusedValue_FailsAndLeavesTheFile) {

@@ -209,6 +209,7 @@ TEST_F(Show, JsonOfProcesses_HasTheirToolsAndParameters) {
   EXPECT_EQ(project.at("synthesis"), Json::parse(R"({"name": "synthesis", "tool": "kel_synth",
                             "param": {"max_threads": {"value": "4", "type": "e_string"},
                                       "flatten": {"value": "", "type": "e_noarg"}},
+                            "dynparam": {},
                             "defmacro": {"WIDTH": {"value": "24", "type": ""}}})"));
   EXPECT_EQ(project.at("debugger").at("param").at("cable").at("value"), "usb");
 }

@@ -97,6 +97,15 @@ TEST_F(Update, KeptStamps_AreThoseOfTheFile) {
   EXPECT_EQ(Contents().last_modify_time, "long ago");
 }
 
+TEST_F(Update, CanonicalWanted_ReplacesOtherBytesOfTheSameContentsOnce) {
+  UpdateOptions options;
+  options.canonical = true;
+  EXPECT_TRUE(UpdateProjectFile(
+      path(), [](ProjectContents&) {}, options));
+  EXPECT_FALSE(UpdateProjectFile(
+      path(), [](ProjectContents&) {}, options));
+}
+
 TEST_F(Update, ContentsThatNoFileCanHold_LeaveTheFileAlone) {
   const FileState before(path());
   EXPECT_THAT(UpdateError([](ProjectContents& project) { project.project_name = "\x01"; }),

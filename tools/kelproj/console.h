@@ -22,6 +22,12 @@ class Trouble : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// Why the answer is no, and nothing was done: one line, UTF-8.
+class Refusal : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
 /// Where a command writes to: data to out, messages to err.
 struct Console {
   std::ostream& out;

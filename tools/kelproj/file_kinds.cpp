@@ -30,6 +30,8 @@ Table<FileKind> ListedFileKinds() { return {kFileKinds.data(), kFileKinds.size()
 
 Table<FileKind> FlatFileKinds() { return {kFileKinds.data(), kFileKinds.size() - 2}; }
 
+const FileKind& InstanceKind() { return *(ListedFileKinds().end() - 1); }
+
 const ProjectTerm& TermOf(const FileKind& kind) {
   const Table<ProjectTerm> terms = projectdb::ProjectTerms();
   const auto* const term =

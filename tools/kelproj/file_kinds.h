@@ -26,6 +26,9 @@ projectdb::Table<FileKind> ListedFileKinds();
 /// The listed kinds whose files stand in the list one by one, thus not IP instances.
 projectdb::Table<FileKind> FlatFileKinds();
 
+/// That of IP instances.
+const FileKind& InstanceKind();
+
 /// What the vocabulary has of the kind; it lasts as long as the program.
 const projectdb::ProjectTerm& TermOf(const FileKind& kind);
 

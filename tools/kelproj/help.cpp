@@ -38,6 +38,13 @@ std::string PositionalName(const CLI::Option& option) {
   return option.get_name(true, false) + (IsList(option) ? "..." : "");
 }
 
+// A text of its own says what may be left out.
+std::string PositionalSynopsis(const CLI::Option& option) {
+  const std::string name = PositionalName(option);
+  const bool is_needed = option.get_required() || !option.get_option_text().empty();
+  return is_needed ? name : "[" + name + "]";
+}
+
 std::string ShortestName(const CLI::Option& option) {
   return option.get_snames().empty() ? "--" + option.get_lnames().front()
                                      : "-" + option.get_snames().front();
@@ -47,18 +54,19 @@ std::string ValueOf(const CLI::Option& option) {
   return IsFlag(option) ? "" : " " + option.get_type_name();
 }
 
-// One of a set of options that exclude each other is needed; the first stands for all of them.
+// Of options that exclude each other, the first stands for all.
 std::string Alternatives(const CLI::App& app, const CLI::Option& first) {
   std::string names;
   for (const CLI::Option* option : OptionsOf(app, false)) {
+    const std::string text = ShortestName(*option) + ValueOf(*option);
     if (option == &first) {
-      names = ShortestName(first);
+      names = text;
     } else if (option->get_excludes().count(const_cast<CLI::Option*>(&first)) > 0) {
       if (names.empty()) return "";
-      names += "|" + ShortestName(*option);
+      names += "|" + text;
     }
   }
-  return names;
+  return "[" + names + "]";
 }
 
 std::string OptionSynopsis(const CLI::App& app, const CLI::Option& option) {
@@ -78,7 +86,9 @@ std::string NameOf(const CLI::App& app) {
 std::string Synopsis(const CLI::App& app, std::size_t indentation) {
   constexpr std::size_t kWidth = 79;
   std::vector<std::string> parts;
-  for (const CLI::Option* option : OptionsOf(app, true)) parts.push_back(PositionalName(*option));
+  for (const CLI::Option* option : OptionsOf(app, true)) {
+    parts.push_back(PositionalSynopsis(*option));
+  }
   for (const CLI::Option* option : OptionsOf(app, false)) {
     parts.push_back(OptionSynopsis(app, *option));
   }

@@ -75,8 +75,13 @@ Json RecordToJson(const Terms& terms, const Record& record) {
 Json ToJson(const projectdb::ProjectContents& project) {
   Json object = RecordToJson(ShownTerms(), project);
   for (const auto& [type, name, title] : projectdb::kFlowProcesses) {
-    object[name] = RecordToJson(projectdb::FlowProcessTerms(),
-                                project.flow_processes.at(static_cast<std::size_t>(type)));
+    Json& process = object[name];
+    process = RecordToJson(projectdb::FlowProcessTerms(),
+                           project.flow_processes.at(static_cast<std::size_t>(type)));
+    // A map without parameters is there too, which tells that it has none.
+    for (const projectdb::ParameterMapName& map : projectdb::MapsOf(type)) {
+      process.emplace(map.name, Json::object());
+    }
   }
   return object;
 }

@@ -1,7 +1,5 @@
 #include "keys.h"
 
-#include <algorithm>
-#include <array>
 #include <string_view>
 #include <utility>
 #include <variant>
@@ -9,7 +7,7 @@
 #include <projectdb/vocabulary.h>
 
 #include "console.h"
-#include "file_kinds.h"
+#include "named_files.h"
 
 namespace kelproj {
 namespace {
@@ -28,9 +26,6 @@ using projectdb::ProjectTerm;
 using projectdb::TermKind;
 
 constexpr char kNoTypeName[] = "none";
-
-// Values that the program shows and leaves as they are.
-constexpr std::array kUnchangedKeys = {"design.def_veri_version", "design.def_vhdl_version"};
 
 std::string TypeName(ParameterType type) {
   const std::string name = projectdb::TextOf(type);
@@ -62,27 +57,24 @@ std::optional<std::string> RestBehind(std::string_view part, std::string_view te
   return std::string(text.substr(part.size() + 1));
 }
 
-bool CanBeSet(const ProjectTerm& term) {
-  return term.kind == TermKind::kValue &&
-         std::find(kUnchangedKeys.begin(), kUnchangedKeys.end(), term.key) == kUnchangedKeys.end();
-}
-
-void RequireEnding(const ProjectTerm& term, const std::string& value) {
-  if (!term.file_ending || projectdb::HasEnding(value, *term.file_ending)) return;
-  throw Trouble("\"" + value + "\" is no " + TitleInSentence(term) +
-                " file: its name must be NAME" + std::string(*term.file_ending));
+std::string StoredText(const ProjectTerm& term, const std::string& value,
+                       const ProjectContents& project) {
+  if (!term.file_ending || value.empty()) return value;
+  RequireEnding(term, value);
+  return StoredName(value, project.current_path);
 }
 
 Key TextKey(const ProjectTerm& term, const ProjectText& access) {
-  Key key{access, {}};
-  if (CanBeSet(term)) {
-    key.write = [term, access](ProjectContents& project, const std::string& value,
-                               std::optional<ParameterType>) {
-      RequireEnding(term, value);
-      access(project) = value;
-    };
-  }
-  return key;
+  if (term.kind != TermKind::kValue) return {access, {}, {}};
+  const auto write = [term, access](ProjectContents& project, const std::string& value,
+                                    std::optional<ParameterType>) {
+    access(project) = StoredText(term, value, project);
+  };
+  const auto empty = [access](ProjectContents& project) {
+    access(project).clear();
+    return true;
+  };
+  return {access, write, empty};
 }
 
 Key InfoKey(const std::string& name) {
@@ -98,7 +90,10 @@ Key InfoKey(const std::string& name) {
     }
     project.info_attributes[name] = value;
   };
-  return {read, write};
+  const auto remove = [name](ProjectContents& project) {
+    return project.info_attributes.erase(name) > 0;
+  };
+  return {read, write, remove};
 }
 
 template <typename Project>
@@ -114,7 +109,11 @@ Key ProcessTextKey(ProcType type, const FlowProcessText& access) {
                                     std::optional<ParameterType>) {
     access(ProcessOf(project, type)) = value;
   };
-  return {read, write};
+  const auto empty = [type, access](ProjectContents& project) {
+    access(ProcessOf(project, type)).clear();
+    return true;
+  };
+  return {read, write, empty};
 }
 
 /// Where a parameter is kept.
@@ -124,29 +123,14 @@ struct ParameterPlace {
   std::string name;
 };
 
-// Macros and defines have no type unless one is asked for, as in the library's own operations.
-ParameterType TypeOfNew(const ParameterPlace& place) {
-  return place.map == projectdb::kParameterMap ? projectdb::e_string : projectdb::kNoParameterType;
-}
-
-[[noreturn]] void RefuseType(const Parameter& stored, ParameterType type) {
-  throw Trouble(stored.name + ": a parameter of type " + TypeName(stored.type) +
-                " cannot become one of type " + TypeName(type));
-}
-
-[[noreturn]] void RefuseValue(const Parameter& parameter) {
-  throw Trouble(parameter.name + ": a parameter of type " + TypeName(parameter.type) +
-                (parameter.type == projectdb::e_noarg ? " takes no value" : " needs a value"));
-}
-
 void WriteParameter(ProjectContents& project, const ParameterPlace& place, const std::string& value,
                     std::optional<ParameterType> asked_type) {
   projectdb::SortedParameters& map = ProcessOf(project, place.process).parameter_maps[place.map];
   const auto stored = map.find(place.name);
-  const ParameterType own_type = stored == map.end() ? TypeOfNew(place) : stored->second.type;
+  const ParameterType own_type =
+      stored == map.end() ? TypeOfNewParameter(place.map) : stored->second.type;
   const Parameter parameter(place.name, value, asked_type.value_or(own_type));
-  if (stored != map.end() && parameter.type != own_type) RefuseType(stored->second, parameter.type);
-  if (!projectdb::HasValueForItsType(parameter)) RefuseValue(parameter);
+  if (const auto reason = WhyRefused(parameter)) throw Trouble(place.name + ": " + *reason);
   map.insert_or_assign(place.name, parameter);
 }
 
@@ -163,7 +147,10 @@ Key ParameterKey(const ParameterPlace& place) {
                              std::optional<ParameterType> type) {
     WriteParameter(project, place, value, type);
   };
-  return {read, write, true};
+  const auto remove = [place](ProjectContents& project) {
+    return ProcessOf(project, place.process).parameter_maps[place.map].erase(place.name) > 0;
+  };
+  return {read, write, remove, true};
 }
 
 std::optional<Key> ProcessKey(ProcType type, const std::string& text) {
@@ -252,6 +239,17 @@ std::string KeysHelp() {
                      Pattern("PROCESS.tool", "the executable of a flow process");
   for (const ParameterMapName& map : projectdb::kParameterMaps) help += ParameterPattern(map);
   return help + "\nPROCESS is " + ProcessNames() + ".";
+}
+
+ParameterType TypeOfNewParameter(std::string_view map) {
+  // Macros and defines have no type, as in the library's own operations.
+  return map == projectdb::kParameterMap ? projectdb::e_string : projectdb::kNoParameterType;
+}
+
+std::optional<std::string> WhyRefused(const Parameter& parameter) {
+  if (projectdb::HasValueForItsType(parameter)) return std::nullopt;
+  return "a parameter of type " + TypeName(parameter.type) +
+         (parameter.type == projectdb::e_noarg ? " takes no value" : " needs a value");
 }
 
 std::vector<std::string> ParameterTypeNames() {

@@ -3,6 +3,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <projectdb/project_contents.h>
@@ -15,8 +16,15 @@ struct Key {
   using Writer = std::function<void(projectdb::ProjectContents&, const std::string& value,
                                     std::optional<projectdb::ParameterType> type)>;
 
-  Reader read;   ///< Gives nothing if the project has no such value.
-  Writer write;  ///< Throws Trouble if the value is refused; empty if the value cannot be set.
+  /// Gives whether there was something to remove.
+  using Remover = std::function<bool(projectdb::ProjectContents&)>;
+
+  Reader read;  ///< Gives nothing if the project has no such value.
+  /// Throws Trouble if the value is refused; empty if the value cannot be set. A value that names a
+  /// file is as the user names it from where he stands.
+  Writer write;
+  /// Empties the value, or removes it if a project need not have one; empty if it cannot be set.
+  Remover remove;
   bool has_type = false;  ///< Whether a type may be given with the value.
 };
 
@@ -28,6 +36,12 @@ std::vector<std::string> FixedKeys();
 
 /// What keys there are, for people.
 std::string KeysHelp();
+
+/// The type of a parameter in the map if none is asked for.
+projectdb::ParameterType TypeOfNewParameter(std::string_view map);
+
+/// Why a project does not keep the parameter; nothing if it does.
+std::optional<std::string> WhyRefused(const projectdb::Parameter& parameter);
 
 /// The texts that name a parameter's type, "none" among them.
 std::vector<std::string> ParameterTypeNames();

@@ -5,8 +5,7 @@
 #include <type_traits>
 #include <variant>
 
-#include <projectdb/vocabulary.h>
-
+#include "console.h"
 #include "shown_terms.h"
 
 namespace kelproj {
@@ -92,13 +91,19 @@ std::vector<NamedFile> FilesOf(const ProjectContents& project) {
   return collection.files();
 }
 
-std::string StoredName(const std::string& name, const std::filesystem::path& project_directory) {
-  const std::filesystem::path path(name);
-  if (path.is_absolute()) return name;
-  return std::filesystem::absolute(path)
+std::string StoredName(const std::string& name, const std::filesystem::path& directory) {
+  if (std::filesystem::path(name).is_absolute()) return name;
+  // The system knows where the user stands without links, and a way back through one leads astray.
+  return (std::filesystem::current_path() / name)
       .lexically_normal()
-      .lexically_relative(project_directory.lexically_normal())
+      .lexically_relative(std::filesystem::weakly_canonical(directory))
       .string();
+}
+
+void RequireEnding(const ProjectTerm& term, const std::string& name) {
+  if (!term.file_ending || projectdb::HasEnding(name, *term.file_ending)) return;
+  throw Trouble(std::string(term.key) + ": \"" + name + "\" must be named NAME" +
+                std::string(*term.file_ending));
 }
 
 std::string NameFromHere(const std::filesystem::path& path) {
@@ -111,13 +116,15 @@ bool IsFile(const std::filesystem::path& path) {
   return std::filesystem::exists(path, error) && !std::filesystem::is_directory(path, error);
 }
 
-void WarnOfMissingFiles(const Console& console, const std::filesystem::path& directory,
-                        const std::vector<std::string>& names) {
-  for (const std::string& name : names) {
-    if (IsFile(directory / name)) continue;
-    WriteMessage(console.err, Diag::MessageType::kWarning,
-                 "\"" + name + "\" does not exist in " + directory.string());
+std::optional<std::string> WhyNoFile(const std::filesystem::path& directory,
+                                     const std::string& name) {
+  if (IsFile(directory / name)) return std::nullopt;
+  std::error_code error;
+  if (std::filesystem::is_directory(directory / name, error)) {
+    return "\"" + name + "\" is a directory";
   }
+  const bool is_absolute = std::filesystem::path(name).is_absolute();
+  return "\"" + name + "\" does not exist" + (is_absolute ? "" : " in " + directory.string());
 }
 
 }  // namespace kelproj

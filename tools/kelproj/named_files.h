@@ -1,10 +1,12 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <projectdb/project_contents.h>
+#include <projectdb/vocabulary.h>
 
 #include "console.h"
 #include "file_kinds.h"
@@ -29,8 +31,13 @@ struct NamedFile {
 std::vector<NamedFile> FilesOf(const projectdb::ProjectContents& project);
 
 /// The name under which a project stores a file that the user names from where he stands: relative
-/// to the project's directory. An absolute name stays.
-std::string StoredName(const std::string& name, const std::filesystem::path& project_directory);
+/// to the directory, which is the project's or, for a source of an IP instance, that of its path.
+/// An absolute name stays.
+std::string StoredName(const std::string& name, const std::filesystem::path& directory);
+
+/// Requires that a file of this name may be stored for the term.
+/// @exception Trouble if it has not the term's ending
+void RequireEnding(const projectdb::ProjectTerm& term, const std::string& name);
 
 /// How the user names a file from where he stands.
 std::string NameFromHere(const std::filesystem::path& path);
@@ -38,8 +45,9 @@ std::string NameFromHere(const std::filesystem::path& path);
 /// Whether a file is there; a directory is none.
 bool IsFile(const std::filesystem::path& path);
 
-/// Writes a warning for each of the names, seen from the directory, that is not that of a file.
-void WarnOfMissingFiles(const Console& console, const std::filesystem::path& directory,
-                        const std::vector<std::string>& names);
+/// Why the stored name is not that of a file; nothing if it is.
+/// @param directory against which the name is resolved
+std::optional<std::string> WhyNoFile(const std::filesystem::path& directory,
+                                     const std::string& name);
 
 }  // namespace kelproj

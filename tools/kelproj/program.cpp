@@ -11,9 +11,10 @@
 namespace kelproj {
 namespace {
 
-ExitStatus Fail(const Console& console, std::string_view reason) {
+ExitStatus Fail(const Console& console, std::string_view reason,
+                ExitStatus status = ExitStatus::kTrouble) {
   WriteMessage(console.err, Diag::MessageType::kError, reason);
-  return ExitStatus::kTrouble;
+  return status;
 }
 
 // Help and the version come as errors too, with a status that says that they are none.
@@ -50,6 +51,8 @@ ExitStatus RunProgram(const std::vector<std::string>& arguments, const Console& 
   try {
     const ExitStatus status = RunParsed(arguments, console);
     return console.out.flush() ? status : Fail(console, "standard output cannot be written");
+  } catch (const Refusal& refusal) {
+    return Fail(console, refusal.what(), ExitStatus::kNo);
   } catch (const std::exception& exception) {
     return Fail(console, exception.what());
   } catch (...) {

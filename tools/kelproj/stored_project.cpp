@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include <fcntl.h>
 #include <projectdb/project_file.h>
 #include <unistd.h>
 
@@ -23,6 +24,33 @@ namespace {
 void ReportReading(const std::string& file) {
   Diag::GlobalInst().PostImpl(
       {{}, Diag::MessageType::kInfo, "Reading project database \"" + file + "\"", {}});
+}
+
+[[noreturn]] void ThrowDoesNotLoad(const std::string& name) {
+  throw Trouble(name + " does not load");
+}
+
+[[noreturn]] void ThrowHasErrors(const std::string& name) {
+  throw Trouble(name + " has errors; it is not changed without --force");
+}
+
+bool MayWrite(const std::filesystem::path& path) {
+  return ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
+}
+
+void UpdateOrSayWhyNot(const std::string& path, const std::function<void(ProjectContents&)>& change,
+                       const projectdb::UpdateOptions& options) {
+  try {
+    projectdb::UpdateProjectFile(path, change, options);
+  } catch (const Trouble&) {
+    throw;
+  } catch (const Refusal&) {
+    throw;
+  } catch (const std::runtime_error&) {
+    // The library's reason names neither of the two that may not be written.
+    RequireWritable(path);
+    throw;
+  }
 }
 
 }  // namespace
@@ -50,11 +78,40 @@ ProjectContents ReadProject(const std::string& file, const Console& console) {
   ProjectFile read = projectdb::ReadProjectFile(file, "");
   WriteProblems(console.err, file, read.problems);
   if (read.contents && !HasError(read.problems)) return *std::move(read.contents);
-  throw Trouble(file + " does not load");
+  ThrowDoesNotLoad(file);
+}
+
+void RequireWritable(const std::string& path) {
+  const std::filesystem::path file = std::filesystem::absolute(path);
+  std::error_code error;
+  // A link is not replaced, but what it leads to.
+  const std::filesystem::path target = std::filesystem::weakly_canonical(file, error);
+  const std::filesystem::path directory = (error ? file : target).parent_path();
+  if (!std::filesystem::is_directory(directory, error)) {
+    throw Trouble("there is no directory " + directory.string());
+  }
+  if (std::filesystem::exists(file, error) && !MayWrite(file)) {
+    throw Trouble(path + " may not be written");
+  }
+  if (!MayWrite(directory)) {
+    throw Trouble("the directory " + directory.string() + " may not be written");
+  }
+}
+
+ProjectContents ParseToChange(const std::string& bytes, const std::string& name,
+                              bool despite_errors, const Console& console) {
+  const std::string schema = InstalledSchema();
+  ProjectFile read = projectdb::ParseProjectFile(bytes, schema);
+  WriteProblems(console.err, name, read.problems);
+  if (!despite_errors && HasError(read.problems)) ThrowHasErrors(name);
+  // With a schema, what it refuses has no contents.
+  if (!read.contents) read = projectdb::ParseProjectFile(bytes, "");
+  if (!read.contents) ThrowDoesNotLoad(name);
+  return *std::move(read.contents);
 }
 
 void ChangeProject(const ChangedFile& file, const Console& console,
-                   const std::function<void(ProjectContents&)>& change) {
+                   const std::function<void(ProjectContents&)>& change, const ChangedForm& form) {
   RequireReadable(file.path);
   ReportReading(file.path);
   const std::string schema = InstalledSchema();
@@ -63,15 +120,17 @@ void ChangeProject(const ChangedFile& file, const Console& console,
   // With a schema, what it refuses has no contents.
   if (!file.despite_errors) options.schema_file = schema;
   options.despite_errors = file.despite_errors;
+  options.keep_stamps = form.keep_stamps;
+  options.canonical = form.canonical;
   options.on_reading = [&](const ProjectFile& read) {
     problems = file.despite_errors ? projectdb::CheckProjectFile(file.path, schema) : read.problems;
     const bool is_refused = !file.despite_errors && HasError(problems);
     if (read.contents && !is_refused) return;
     WriteProblems(console.err, file.path, problems);
-    throw Trouble(file.path + (is_refused ? " has errors; it is not changed without --force"
-                                          : " does not load"));
+    if (is_refused) ThrowHasErrors(file.path);
+    ThrowDoesNotLoad(file.path);
   };
-  projectdb::UpdateProjectFile(file.path, change, options);
+  UpdateOrSayWhyNot(file.path, change, options);
   // What the file has beside the project is lost with the former file.
   WriteProblems(console.err, file.path, problems);
 }

@@ -161,6 +161,7 @@ struct UpdateOptions {
   /// Is given what each reading of the file gave, before an error in it ends the update and before
   /// the contents change: who tells people of the problems needs no reading of their own.
   std::function<void(const ProjectFile&)> on_reading = nullptr;
+  bool canonical = false;  ///< As with WriteProjectFile.
 };
 
 /// Changes a project file, so that no change by anybody else who uses this function or

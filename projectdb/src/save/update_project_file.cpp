@@ -39,6 +39,7 @@ std::optional<bool> TryToWrite(const std::string& path, const ProjectFile& forme
   WriteOptions write;
   write.keep_stamps = options.keep_stamps;
   write.expected = former.version;
+  write.canonical = options.canonical;
   try {
     return WriteOver(path, former, contents, write);
   } catch (const ProjectFileChanged&) {

@@ -15,13 +15,19 @@ namespace {
 constexpr char kProgramHelp[] =
     R"(Exit status:
   0  done; the answer is yes
-  1  done; the answer is no: there is no such value, the file has errors, the
-     projects differ, the merge has conflicts
-  2  trouble: not done, and no file changed
+  1  done; the answer is no: there is no such value or file, a list has the file
+     already, the file has errors or another form, the projects differ, the
+     merge has conflicts
+  2  trouble: not done, and the file not changed
 
 Data goes to standard output, messages go to standard error. What is written
 for people is coloured on a terminal unless the environment variable NO_COLOR
 is set. An argument that begins with a hyphen stands behind a lone "--".
+
+Names of files are relative to where you stand, and are stored relative to the
+directory of the project file; an absolute name stays. A file that a project
+has is also meant by its name as it is stored, unless the project has the file
+of that name from where you stand.
 
 A change is saved so that the project file is the former one or the new one,
 whole, at every moment. A file that does not load whole is never written. The

@@ -16,7 +16,11 @@ void AddFile(CLI::App& command, std::string& file) {
 
 void AddChangedFile(CLI::App& command, ChangedFile& file) {
   AddFile(command, file.path);
-  command.add_flag("--force", file.despite_errors,
+  AddForce(command, file.despite_errors);
+}
+
+void AddForce(CLI::App& command, bool& despite_errors) {
+  command.add_flag("--force", despite_errors,
                    "Change a file with errors too; what does not load is lost");
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -20,10 +21,14 @@ CLI::App& AddCommand(CLI::App& program, const char* name, const char* summary,
                      const std::string& help);
 
 /// Arguments that live as long as the command, which is requested once they are parsed.
+/// @param require throws a CLI::ParseError if what is given does not fit together
 template <typename CommandArguments>
-CommandArguments& Requested(CLI::App& command, Request& request) {
+CommandArguments& Requested(
+    CLI::App& command, Request& request,
+    const std::function<void(const CommandArguments&)>& require = [](const auto&) {}) {
   const auto arguments = std::make_shared<CommandArguments>();
-  command.callback([arguments, &request] {
+  command.callback([arguments, require, &request] {
+    require(*arguments);
     request = [arguments](const Console& console) { return Run(*arguments, console); };
   });
   return *arguments;
@@ -31,6 +36,7 @@ CommandArguments& Requested(CLI::App& command, Request& request) {
 
 void AddFile(CLI::App& command, std::string& file);
 void AddChangedFile(CLI::App& command, ChangedFile& file);
+void AddForce(CLI::App& command, bool& despite_errors);
 void AddJson(CLI::App& command, bool& json);
 
 /// Options that choose one of the kinds of files; it is null if none is given.

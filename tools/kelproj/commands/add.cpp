@@ -1,10 +1,14 @@
 #include <algorithm>
 #include <filesystem>
+#include <unordered_set>
+#include <utility>
 
 #include <projectdb/project_contents.h>
 #include <projectdb/vocabulary.h>
 
 #include "commands/changing.h"
+#include "file_identities.h"
+#include "input.h"
 #include "named_files.h"
 #include "stored_project.h"
 
@@ -12,70 +16,170 @@ namespace kelproj {
 namespace {
 
 using projectdb::DesignFile;
+using projectdb::IP;
+using projectdb::IPSrcFile;
 using projectdb::ProjectContents;
 
 void RequireArgumentsOfKind(const AddArguments& arguments) {
   if (!arguments.kind) {
-    throw Trouble("one of " + OptionsInSentence(FlatFileKinds()) + " is needed");
+    throw Trouble("one of " + OptionsInSentence(ListedFileKinds()) + " is needed");
   }
   if (!arguments.kind->is_source && (arguments.hdl_version || arguments.library)) {
     throw Trouble("only --rtl and --sim files have an HDL version and a library");
   }
-  const auto& paths = arguments.paths;
-  if (std::find(paths.begin(), paths.end(), "") != paths.end()) {
+}
+
+// The names of a list, of which empty lines are none.
+void AppendNames(const AddArguments& arguments, std::vector<std::string>& names) {
+  const std::string list = ReadInput(*arguments.list_of_paths);
+  const char end = arguments.ends_with_zero ? '\0' : '\n';
+  for (std::size_t begin = 0; begin < list.size();) {
+    const std::size_t size = std::min(list.find(end, begin), list.size()) - begin;
+    if (size > 0) names.push_back(list.substr(begin, size));
+    begin += size + 1;
+  }
+}
+
+// The names of all files to add, from where the user stands.
+std::vector<std::string> NamesIn(const AddArguments& arguments) {
+  std::vector<std::string> names = arguments.paths;
+  if (arguments.instance_path) names.push_back(*arguments.instance_path);
+  if (std::find(names.begin(), names.end(), "") != names.end()) {
     throw Trouble("the empty text names no file");
   }
+  names = arguments.paths;
+  if (arguments.list_of_paths) AppendNames(arguments, names);
+  return names;
 }
 
-void RequireTimingConstraintFiles(const std::vector<std::string>& paths,
-                                  const std::filesystem::path& directory) {
-  for (const std::string& path : paths) {
-    if (projectdb::HasEnding(path, projectdb::kTimingConstraintFileEnding) &&
-        !std::filesystem::is_directory(directory / path)) {
-      continue;
-    }
-    throw Trouble("\"" + path + "\" is no timing constraint file: its name must end in " +
-                  projectdb::kTimingConstraintFileEnding + " and not be that of a directory");
-  }
-}
-
-/// Appends files to lists of each type.
+/// Adds files to the lists of a project.
 class Addition {
  public:
-  explicit Addition(const AddArguments& arguments) : arguments_(arguments) {}
+  Addition(const AddArguments& arguments, const std::vector<std::string>& names,
+           const ProjectContents& project)
+      : arguments_(arguments), names_(names), directory_(project.current_path) {}
 
-  void operator()(std::vector<DesignFile>& list) const {
-    for (const std::string& path : arguments_.paths) {
-      list.emplace_back(path, arguments_.hdl_version.value_or(""),
-                        arguments_.library.value_or(projectdb::kDefaultLibrary));
+  void operator()(std::vector<DesignFile>& files) {
+    std::vector<DesignFile> added;
+    for (const std::string& name : StoredNames(directory_)) {
+      added.emplace_back(name, arguments_.hdl_version.value_or(""),
+                         arguments_.library.value_or(projectdb::kDefaultLibrary));
+    }
+    Insert(files, added, ListOfKind(), arguments_.place);
+  }
+
+  void operator()(std::vector<std::string>& files) {
+    Insert(files, StoredNames(directory_), ListOfKind(), arguments_.place);
+  }
+
+  void operator()(std::vector<IP>& ips) {
+    if (!arguments_.instance_path) {
+      return AddSources(InstanceIn(ips), arguments_.place);
+    }
+    IP ip{*arguments_.instance, StoredName(*arguments_.instance_path, directory_), {}};
+    AddSources(ip, {});
+    RequireNewInstance(ips);
+    Insert(ips, {std::move(ip)}, ListOfKind(), arguments_.place);
+  }
+
+  /// Why names that were added are not those of files.
+  const std::vector<std::string>& doubts() const { return doubts_; }
+
+ private:
+  ListOfFiles ListOfKind() const {
+    return {directory_, directory_, TitleInSentence(TermOf(*arguments_.kind))};
+  }
+
+  std::vector<std::string> StoredNames(const std::filesystem::path& directory) const {
+    std::vector<std::string> stored;
+    for (const std::string& name : names_) stored.push_back(StoredName(name, directory));
+    return stored;
+  }
+
+  IP& InstanceIn(std::vector<IP>& ips) const {
+    const auto ip = std::find_if(ips.begin(), ips.end(), [&](const IP& each) {
+      return each.instance_name == *arguments_.instance;
+    });
+    if (ip != ips.end()) return *ip;
+    throw Refusal("there is no IP instance \"" + *arguments_.instance + "\"; --path adds one");
+  }
+
+  void RequireNewInstance(const std::vector<IP>& ips) const {
+    for (const IP& ip : ips) {
+      if (arguments_.again || ip.instance_name != *arguments_.instance) continue;
+      throw Refusal("there is an IP instance \"" + ip.instance_name + "\" already");
     }
   }
 
-  void operator()(std::vector<std::string>& list) const {
-    list.insert(list.end(), arguments_.paths.begin(), arguments_.paths.end());
+  void AddSources(IP& ip, const ListPlace& place) {
+    const std::filesystem::path directory = (directory_ / ip.path).parent_path();
+    std::vector<IPSrcFile> added;
+    for (const std::string& name : StoredNames(directory)) added.push_back({name});
+    Insert(ip.src_files, added,
+           {directory_, directory, "source files of IP instance \"" + ip.instance_name + "\""},
+           place);
   }
 
-  void operator()(std::vector<projectdb::IP>& /*list*/) const {}
+  template <typename Entry>
+  void Insert(std::vector<Entry>& entries, const std::vector<Entry>& added, const ListOfFiles& list,
+              const ListPlace& place) {
+    if (!arguments_.again) RequireNew(entries, added, list);
+    for (const Entry& entry : added) Doubt(projectdb::FileNameOf(entry), list.directory);
+    const std::size_t position = PositionOf(place, entries, list);
+    entries.insert(entries.begin() + static_cast<std::ptrdiff_t>(position), added.begin(),
+                   added.end());
+  }
 
- private:
+  template <typename Entry>
+  void RequireNew(const std::vector<Entry>& entries, const std::vector<Entry>& added,
+                  const ListOfFiles& list) {
+    std::unordered_set<std::string> files;
+    const auto insert = [&](const Entry& entry) {
+      return files.insert(identities_.Of(list.directory / projectdb::FileNameOf(entry))).second;
+    };
+    for (const Entry& entry : entries) insert(entry);
+    for (const Entry& entry : added) {
+      if (insert(entry)) continue;
+      throw Refusal("\"" + projectdb::FileNameOf(entry) + "\" is among the " + list.title +
+                    " already");
+    }
+  }
+
+  // A timing constraint file must not be a directory in any case.
+  void Doubt(const std::string& name, const std::filesystem::path& directory) {
+    const projectdb::ProjectTerm& term = TermOf(*arguments_.kind);
+    const std::optional<std::string> reason = WhyNoFile(directory, name);
+    if (reason && term.file_ending == projectdb::kTimingConstraintFileEnding &&
+        std::filesystem::is_directory(directory / name)) {
+      throw Trouble(*reason);
+    }
+    RequireEnding(term, name);
+    if (!reason) return;
+    if (arguments_.strict) throw Refusal(*reason);
+    doubts_.push_back(*reason);
+  }
+
   const AddArguments& arguments_;
+  const std::vector<std::string>& names_;
+  std::filesystem::path directory_;
+  FileIdentities identities_;
+  std::vector<std::string> doubts_;
 };
-
-void AddFiles(ProjectContents& project, const AddArguments& arguments) {
-  if (TermOf(*arguments.kind).file_ending == projectdb::kTimingConstraintFileEnding) {
-    RequireTimingConstraintFiles(arguments.paths, project.current_path);
-  }
-  WithList(*arguments.kind, project, Addition(arguments));
-}
 
 }  // namespace
 
 ExitStatus Run(const AddArguments& arguments, const Console& console) {
   RequireArgumentsOfKind(arguments);
+  const std::vector<std::string> names = NamesIn(arguments);
+  std::vector<std::string> doubts;
   ChangeProject(arguments.file, console, [&](ProjectContents& project) {
-    AddFiles(project, arguments);
-    WarnOfMissingFiles(console, project.current_path, arguments.paths);
+    Addition addition(arguments, names, project);
+    WithList(*arguments.kind, project, [&](auto& list) { addition(list); });
+    doubts = addition.doubts();
   });
+  for (const std::string& doubt : doubts) {
+    WriteMessage(console.err, Diag::MessageType::kWarning, doubt);
+  }
   return ExitStatus::kYes;
 }
 

@@ -4,6 +4,7 @@
 #include <projectdb/project_db.h>
 
 #include "commands/changing.h"
+#include "stored_project.h"
 
 namespace kelproj {
 namespace {
@@ -17,6 +18,7 @@ void RequireNewProjectFile(const std::string& file) {
                   KelProjectDatabase::XML_FILE_EXT);
   }
   if (std::filesystem::exists(path)) throw Trouble(file + " exists already");
+  RequireWritable(file);
 }
 
 }  // namespace

@@ -8,11 +8,14 @@
 namespace kelproj {
 
 ExitStatus Run(const SetInterfaceArguments& arguments, const Console& console) {
+  if (arguments.path.empty()) throw Trouble("the empty text names no file");
   const Key key = FindKey("constraint.interface");
+  std::optional<std::string> doubt;
   ChangeProject(arguments.file, console, [&](projectdb::ProjectContents& project) {
     key.write(project, arguments.path, std::nullopt);
-    WarnOfMissingFiles(console, project.current_path, {arguments.path});
+    doubt = WhyNoFile(project.current_path, project.design_constraint.inter_file);
   });
+  if (doubt) WriteMessage(console.err, Diag::MessageType::kWarning, *doubt);
   return ExitStatus::kYes;
 }
 

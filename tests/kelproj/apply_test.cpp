@@ -1,0 +1,175 @@
+#include "tests/kelproj/kelproj_test.h"
+
+namespace {
+
+using namespace test_support;
+using Json = nlohmann::json;
+
+class Apply : public KelprojTest {
+ protected:
+  void SetUp() override {
+    MakeProject();
+    ASSERT_EQ(
+        Run({"add", "blinker.xml", "--rtl", "rtl/a.v", "rtl/b.v", "--library", "work"}).status, 0);
+    ASSERT_EQ(Run({"set", "blinker.xml", "info.owner", "M. Ferreira", "synthesis.tool", "synth",
+                   "synthesis.param.goal", "speed", "synthesis.defmacro.WIDTH", "8"}),
+              Done());
+    ASSERT_EQ(Run({"set", "blinker.xml", "synthesis.param.retiming", "true", "--type", "e_bool"}),
+              Done());
+  }
+
+  // What "show --json" has, but for what every writing and every load makes anew.
+  Json Project(const std::string& file = "blinker.xml") const {
+    Json project = Json::parse(Run({"show", file, "--json"}).out);
+    for (const char* key : {"sw_version", "last_change_date", "directory"}) project.erase(key);
+    return project;
+  }
+
+  Outcome Applied(const std::string& document, const std::string& file = "blinker.xml") const {
+    ProcessSettings settings;
+    settings.input = document;
+    return Run({"apply", file, "-"}, settings);
+  }
+
+  void ExpectRefused(const std::string& document, const std::string& reason) const {
+    const std::string before = Read("blinker.xml");
+    EXPECT_EQ(Applied(document), Failed(reason));
+    EXPECT_EQ(Read("blinker.xml"), before);
+  }
+};
+
+TEST_F(Apply, AllOfAnotherProject_MakesTheContentsThose) {
+  std::filesystem::copy_file(SampleProject(), PathOf("sample.xml"));
+  EXPECT_EQ(Applied(Run({"show", "sample.xml", "--json"}).out), Done());
+  EXPECT_EQ(Project(), Project("sample.xml"));
+  EXPECT_EQ(Run({"diff", "sample.xml", "blinker.xml"}), Done());
+}
+
+TEST_F(Apply, AllOfANewProject_TakesAwayWhatItHasNot) {
+  ASSERT_EQ(Run({"new", "mixer", "-o", "mixer.xml"}), Done());
+  EXPECT_EQ(Applied(Run({"show", "mixer.xml", "--json"}).out), Done());
+  EXPECT_EQ(Run({"diff", "mixer.xml", "blinker.xml"}), Done());
+}
+
+TEST_F(Apply, AllOfAProjectWithoutProcesses_MakesThemEmpty) {
+  Write("bare.xml", "<kel:project xmlns:kel=\"http://schema.kel.example/wdp_proj\"/>");
+  EXPECT_EQ(Applied(Run({"show", "bare.xml", "--json"}).out), Done());
+  EXPECT_EQ(Shown("synthesis"), Json::parse(R"({"name": "synthesis", "tool": "", "param": {},
+                                                "dynparam": {}, "defmacro": {}})"));
+  EXPECT_EQ(Applied(Run({"show", "blinker.xml", "--json"}).out, "bare.xml"), Done());
+}
+
+TEST_F(Apply, AllOfTheProjectItself_LeavesTheFile) {
+  const std::string before = Read("blinker.xml");
+  EXPECT_EQ(Applied(Run({"show", "blinker.xml", "--json"}).out), Done());
+  EXPECT_EQ(Read("blinker.xml"), before);
+}
+
+TEST_F(Apply, PartOfADocument_ChangesThatPartAlone) {
+  const std::pair<const char*, const char*> cases[] = {
+      {R"({"name": "mixer"})", "/name"},
+      {R"({"device": {"timing_model": "slow_85c"}})", "/device/timing_model"},
+      {R"({"info": {"review": "done"}})", "/info"},
+      {R"({"design": {"files": [{"name": "rtl/c.v", "version": "sv_2017", "library": "x"}]}})",
+       "/design/files"},
+      {R"({"constraint": {"sdc": ["clocks.sdc"]}})", "/constraint/sdc"},
+      {R"({"ip": [{"instance_name": "u_pll", "path": "pll.ip", "files": ["pll.v"]}]})", "/ip"},
+      {R"({"debugger": {"tool": "probe"}})", "/debugger/tool"},
+      {R"({"synthesis": {"param": {"effort": {"value": "3", "type": "e_option"}}}})",
+       "/synthesis/param"},
+      {R"({"synthesis": {"defmacro": {}}})", "/synthesis/defmacro"}};
+  for (const auto& [document, key] : cases) {
+    const Json::json_pointer place(key);
+    Json expected = Project();
+    ASSERT_NE(expected.at(place), Json::parse(document).at(place));
+    expected.at(place) = Json::parse(document).at(place);
+    EXPECT_EQ(Applied(document), Done());
+    EXPECT_EQ(Project(), expected);
+  }
+}
+
+TEST_F(Apply, EmptyDocument_LeavesTheFile) {
+  const std::string before = Read("blinker.xml");
+  EXPECT_EQ(Applied("{}"), Done());
+  EXPECT_EQ(Read("blinker.xml"), before);
+}
+
+TEST_F(Apply, WhatAnEntryLeavesOut_IsTheDefault) {
+  EXPECT_EQ(Applied(R"({"design": {"files": [{"name": "c.v"}]},
+                        "ip": [{"instance_name": "u_pll", "path": "pll.ip"}]})"),
+            Done());
+  EXPECT_EQ(Shown("design.files"),
+            Json::parse(R"([{"name": "c.v", "version": "", "library": "default"}])"));
+  EXPECT_EQ(Shown("ip"),
+            Json::parse(R"([{"instance_name": "u_pll", "path": "pll.ip", "files": []}])"));
+}
+
+TEST_F(Apply, ParameterWithoutType_KeepsItsTypeOrGetsThatOfItsMap) {
+  EXPECT_EQ(Applied(R"({"synthesis": {"param": {"retiming": {"value": "false"},
+                                                "mode": {"value": "fast"}},
+                                      "defmacro": {"DEPTH": {"value": "4"}}}})"),
+            Done());
+  EXPECT_EQ(Shown("synthesis.param"),
+            Json::parse(R"({"retiming": {"value": "false", "type": "e_bool"},
+                            "mode": {"value": "fast", "type": "e_string"}})"));
+  EXPECT_EQ(Shown("synthesis.defmacro"), Json::parse(R"({"DEPTH": {"value": "4", "type": ""}})"));
+}
+
+TEST_F(Apply, Document_IsReadFromAFileOrFromStandardInput) {
+  Write("part.json", R"({"name": "mixer"})");
+  EXPECT_EQ(Run({"apply", "blinker.xml", "part.json"}), Done());
+  EXPECT_EQ(Get("blinker.xml", "name"), "mixer\n");
+  ProcessSettings settings;
+  settings.input = R"({"name": "filter"})";
+  EXPECT_EQ(Run({"apply", "blinker.xml"}, settings), Done());
+  EXPECT_EQ(Get("blinker.xml", "name"), "filter\n");
+}
+
+TEST_F(Apply, StampsAndDirectory_AreIgnored) {
+  const std::string before = Read("blinker.xml");
+  EXPECT_EQ(Applied(R"({"sw_version": "9", "last_change_date": "x", "directory": "/"})"), Done());
+  EXPECT_EQ(Read("blinker.xml"), before);
+}
+
+TEST_F(Apply, UnknownKey_IsRefusedWithItsPath) {
+  const char* const kNoKey = ": a project has no such key";
+  const std::pair<const char*, const char*> cases[] = {
+      {R"({"name": "x", "nmae": "y"})", "nmae"},
+      {R"({"device": {"speed": "3"}})", "device.speed"},
+      {R"({"": "x"})", "the document"},
+      {R"({"synthesis": {"param": {"a": {"value": "1", "kind": "x"}}}})", "synthesis.param.a.kind"},
+      {R"({"synthesis": {"macro": {}}})", "synthesis.macro"},
+      {R"({"debugger": {"defmacro": {}}})", "debugger.defmacro"},
+      {R"({"synthesis": {"parameters": []}})", "synthesis.parameters"},
+      {R"({"design": {"files": [{"name": "a.v"}, {"name": "b.v", "lib": "x"}]}})",
+       "design.files[1].lib"},
+      {R"({"ip": [{"instance_name": "u", "path": "p", "sources": []}]})", "ip[0].sources"}};
+  for (const auto& [document, path] : cases) ExpectRefused(document, path + std::string(kNoKey));
+}
+
+TEST_F(Apply, ValueOfAnotherForm_IsRefusedWithItsPath) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"[]", "the document: an object is needed"},
+      {R"({"name": 3})", "name: a text is needed"},
+      {R"({"device": "R40"})", "device: an object is needed"},
+      {R"({"design": {"files": {}}})", "design.files: a list is needed"},
+      {R"({"design": {"files": ["a.v"]}})", "design.files[0]: an object is needed"},
+      {R"({"design": {"files": [{"library": "x"}]}})", "design.files[0].name: it is missing"},
+      {R"({"constraint": {"sdc": [1]}})", "constraint.sdc[0]: a text is needed"},
+      {R"({"info": {"name": "x"}})", "info.name: a project does not keep it"},
+      {R"({"synthesis": {"name": "x"}})", "synthesis.name: it is always \"synthesis\""},
+      {R"({"synthesis": {"param": {"a": {"type": "e_bool"}}}})",
+       "synthesis.param.a.value: it is missing"},
+      {R"({"synthesis": {"param": {"a": {"value": "1", "type": "text"}}}})",
+       "synthesis.param.a.type: there is no type \"text\""},
+      {R"({"synthesis": {"param": {"a": {"value": "1", "type": "e_noarg"}}}})",
+       "synthesis.param.a: a parameter of type e_noarg takes no value"},
+      {"{\"name\": ", "the document is no JSON: byte 10"}};
+  for (const auto& [document, reason] : cases) ExpectRefused(document, reason);
+}
+
+TEST_F(Apply, DocumentThatIsNotThere_Fails) {
+  ExpectUnchangedBy({"apply", "blinker.xml", "part.json"}, Failed("part.json does not exist"));
+}
+
+}  // namespace

@@ -1,0 +1,108 @@
+#include "tests/kelproj/kelproj_test.h"
+
+namespace {
+
+using namespace test_support;
+
+class Remove : public KelprojTest {
+ protected:
+  void SetUp() override {
+    MakeProject();
+    std::filesystem::create_directories(PathOf("rtl"));
+    std::filesystem::create_directories(PathOf("ip/pll"));
+    for (const char* name : {"a.v", "rtl/a.v", "rtl/b.v", "clocks.sdc", "floor.isf", "notes.md",
+                             "ip/pll/pll.ip", "ip/pll/pll.v"}) {
+      Write(name, "");
+    }
+    ASSERT_EQ(Run({"add", "blinker.xml", "--rtl", "a.v", "rtl/a.v", "rtl/b.v"}), Done());
+    ASSERT_EQ(Run({"add", "blinker.xml", "--sim", "rtl/b.v", "a.v"}), Done());
+    ASSERT_EQ(Run({"add", "blinker.xml", "--misc", "notes.md"}), Done());
+    ASSERT_EQ(Run({"add", "blinker.xml", "--sdc", "clocks.sdc"}), Done());
+    ASSERT_EQ(Run({"add", "blinker.xml", "--isf", "floor.isf"}), Done());
+    ASSERT_EQ(Run({"add", "blinker.xml", "--ip", "u_pll", "--path", "ip/pll/pll.ip", "ip/pll/pll.v",
+                   "rtl/b.v"}),
+              Done());
+  }
+};
+
+TEST_F(Remove, File_IsInNoListAnyMore) {
+  EXPECT_EQ(Run({"remove", "blinker.xml", "rtl/b.v"}), Done());
+  EXPECT_THAT(Listed("design.files"), ElementsAre("a.v", "rtl/a.v"));
+  EXPECT_THAT(Listed("simulation.files"), ElementsAre("a.v"));
+  EXPECT_EQ(Shown("ip").at(0).at("files"), nlohmann::json({"pll.v"}));
+}
+
+TEST_F(Remove, FileOfOneKind_StaysInTheOtherLists) {
+  EXPECT_EQ(Run({"remove", "blinker.xml", "--sim", "rtl/b.v"}), Done());
+  EXPECT_THAT(Listed("design.files"), ElementsAre("a.v", "rtl/a.v", "rtl/b.v"));
+  EXPECT_THAT(Listed("simulation.files"), ElementsAre("a.v"));
+  EXPECT_EQ(Shown("ip").at(0).at("files"), nlohmann::json({"pll.v", "../../rtl/b.v"}));
+}
+
+TEST_F(Remove, FileOfEachKind_LeavesItsList) {
+  const std::array<std::string, 3> cases[] = {
+      {"--rtl", "a.v", "design.files"},     {"--sim", "a.v", "simulation.files"},
+      {"--misc", "notes.md", "misc.files"}, {"--sdc", "clocks.sdc", "constraint.sdc"},
+      {"--isf", "floor.isf", "isf.files"},  {"--ip", "ip/pll/pll.ip", "ip"}};
+  for (const auto& [kind, name, list] : cases) {
+    ASSERT_THAT(Listed(list), Contains(name));
+    EXPECT_EQ(Run({"remove", "blinker.xml", kind, name}), Done());
+    EXPECT_THAT(Listed(list), Not(Contains(name)));
+  }
+}
+
+TEST_F(Remove, OtherSpellingOfAName_MeansTheSameFile) {
+  std::filesystem::create_directory_symlink("rtl", PathOf("sources"));
+  for (const std::string& name :
+       {std::string("./rtl//../rtl/b.v"), PathOf("rtl/b.v"), std::string("sources/b.v")}) {
+    const std::string before = Read("blinker.xml");
+    EXPECT_EQ(Run({"remove", "blinker.xml", name}), Done()) << name;
+    EXPECT_THAT(Listed("design.files"), ElementsAre("a.v", "rtl/a.v"));
+    Write("blinker.xml", before);
+  }
+}
+
+TEST_F(Remove, AbsoluteStoredName_IsMeantByTheRelativeOne) {
+  ASSERT_EQ(Run({"add", "blinker.xml", "--misc", PathOf("a.v")}), Done());
+  EXPECT_EQ(Run({"remove", "blinker.xml", "--misc", "a.v"}), Done());
+  EXPECT_THAT(Listed("misc.files"), ElementsAre("notes.md"));
+}
+
+TEST_F(Remove, NameFromAnotherDirectory_IsThatOfTheFileThere) {
+  EXPECT_EQ(Run({"remove", "../blinker.xml", "a.v"}, {PathOf("rtl")}), Done());
+  EXPECT_THAT(Listed("design.files"), ElementsAre("a.v", "rtl/b.v"));
+  EXPECT_THAT(Listed("simulation.files"), ElementsAre("rtl/b.v", "a.v"));
+}
+
+TEST_F(Remove, StoredNameFromAnotherDirectory_IsKnown) {
+  EXPECT_EQ(Run({"remove", "../blinker.xml", "rtl/b.v"}, {PathOf("ip")}), Done());
+  EXPECT_THAT(Listed("design.files"), ElementsAre("a.v", "rtl/a.v"));
+}
+
+TEST_F(Remove, IpInstance_IsMeantByItsNameToo) {
+  EXPECT_EQ(Run({"remove", "blinker.xml", "u_pll"}), Done());
+  EXPECT_EQ(Shown("ip"), nlohmann::json::array());
+}
+
+TEST_F(Remove, Several_AreAllRemoved) {
+  EXPECT_EQ(Run({"remove", "blinker.xml", "rtl/a.v", "notes.md"}), Done());
+  EXPECT_THAT(Listed("design.files"), ElementsAre("a.v", "rtl/b.v"));
+  EXPECT_THAT(Listed("misc.files"), IsEmpty());
+}
+
+TEST_F(Remove, OneThatIsInNoList_ChangesNothingAndTheAnswerIsNo) {
+  ExpectUnchangedBy({"remove", "blinker.xml", "a.v", "rtl/c.v"},
+                    Refused("\"rtl/c.v\" is in no list of the project"));
+  ExpectUnchangedBy({"remove", "blinker.xml", "--rtl", "a.v", "notes.md"},
+                    Refused("\"notes.md\" is not among the design files"));
+  ExpectUnchangedBy({"remove", "blinker.xml", "--ip", "u_fifo"},
+                    Refused("\"u_fifo\" is not among the IP instances"));
+}
+
+TEST_F(Remove, FileThatIsGoneFromDisk_IsRemoved) {
+  std::filesystem::remove_all(PathOf("rtl"));
+  EXPECT_EQ(Run({"remove", "blinker.xml", "rtl/b.v"}), Done());
+  EXPECT_THAT(Listed("design.files"), ElementsAre("a.v", "rtl/a.v"));
+}
+
+}  // namespace

@@ -1,0 +1,108 @@
+#include "tests/kelproj/kelproj_test.h"
+
+namespace {
+
+using namespace test_support;
+
+class Rename : public KelprojTest {
+ protected:
+  void SetUp() override {
+    MakeProject();
+    for (const char* directory : {"rtl/old/deep", "rtl/older", "ip/pll"}) {
+      std::filesystem::create_directories(PathOf(directory));
+    }
+    for (const char* name : {"top.v", "rtl/old/a.v", "rtl/old/deep/b.v", "rtl/older/c.v",
+                             "clocks.sdc", "pins.interface.csv", "ip/pll/pll.ip", "ip/pll/pll.v"}) {
+      Write(name, "");
+    }
+    ASSERT_EQ(Run({"add", "blinker.xml", "--rtl", "top.v", "rtl/old/a.v", "rtl/old/deep/b.v",
+                   "rtl/older/c.v"}),
+              Done());
+    ASSERT_EQ(Run({"add", "blinker.xml", "--sim", "rtl/old/a.v"}), Done());
+    ASSERT_EQ(Run({"add", "blinker.xml", "--sdc", "clocks.sdc"}), Done());
+    ASSERT_EQ(Run({"set-interface", "blinker.xml", "pins.interface.csv"}), Done());
+    ASSERT_EQ(Run({"add", "blinker.xml", "--ip", "u_pll", "--path", "ip/pll/pll.ip", "ip/pll/pll.v",
+                   "rtl/old/a.v"}),
+              Done());
+  }
+
+  nlohmann::json Sources() const { return Shown("ip").at(0).at("files"); }
+};
+
+TEST_F(Rename, File_HasTheNewNameInEveryListThatHasIt) {
+  EXPECT_EQ(Run({"rename", "blinker.xml", "rtl/old/a.v", "rtl/first.v"}), Done());
+  EXPECT_THAT(Listed("design.files"),
+              ElementsAre("top.v", "rtl/first.v", "rtl/old/deep/b.v", "rtl/older/c.v"));
+  EXPECT_THAT(Listed("simulation.files"), ElementsAre("rtl/first.v"));
+  EXPECT_EQ(Sources(), nlohmann::json({"pll.v", "../../rtl/first.v"}));
+}
+
+TEST_F(Rename, Constraints_AreRenamed) {
+  EXPECT_EQ(Run({"rename", "blinker.xml", "clocks.sdc", "timing.sdc"}), Done());
+  EXPECT_THAT(Listed("constraint.sdc"), ElementsAre("timing.sdc"));
+  EXPECT_EQ(Run({"rename", "blinker.xml", "pins.interface.csv", "io/b.interface.csv"}), Done());
+  EXPECT_EQ(Get("blinker.xml", "constraint.interface"), "io/b.interface.csv\n");
+}
+
+TEST_F(Rename, Directory_IsThatOfAllFilesBelow) {
+  EXPECT_EQ(Run({"rename", "blinker.xml", "rtl/old/", "rtl/new/"}), Done());
+  EXPECT_THAT(Listed("design.files"),
+              ElementsAre("top.v", "rtl/new/a.v", "rtl/new/deep/b.v", "rtl/older/c.v"));
+  EXPECT_THAT(Listed("simulation.files"), ElementsAre("rtl/new/a.v"));
+  EXPECT_EQ(Sources(), nlohmann::json({"pll.v", "../../rtl/new/a.v"}));
+}
+
+TEST_F(Rename, DirectoryWithoutSlashOrThatIsGone_IsKnownByItsFiles) {
+  std::filesystem::remove_all(PathOf("rtl"));
+  EXPECT_EQ(Run({"rename", "blinker.xml", "rtl/old", "src"}), Done());
+  EXPECT_THAT(Listed("design.files"),
+              ElementsAre("top.v", "src/a.v", "src/deep/b.v", "rtl/older/c.v"));
+}
+
+TEST_F(Rename, DirectoryOfAnIpInstance_TakesItsSourcesAlong) {
+  EXPECT_EQ(Run({"rename", "blinker.xml", "ip/", "cores/vendor/"}), Done());
+  EXPECT_THAT(Listed("ip"), ElementsAre("cores/vendor/pll/pll.ip"));
+  EXPECT_EQ(Sources(), nlohmann::json({"pll.v", "../../../rtl/old/a.v"}));
+}
+
+TEST_F(Rename, PathOfAnIpInstance_LeavesItsSourcesTheFilesThatTheyAre) {
+  EXPECT_EQ(Run({"rename", "blinker.xml", "ip/pll/pll.ip", "pll.ip"}), Done());
+  EXPECT_THAT(Listed("ip"), ElementsAre("pll.ip"));
+  EXPECT_EQ(Sources(), nlohmann::json({"ip/pll/pll.v", "rtl/old/a.v"}));
+}
+
+TEST_F(Rename, NamesFromAnotherDirectory_AreThoseOfTheFilesThere) {
+  EXPECT_EQ(Run({"rename", "../../blinker.xml", "a.v", "../z.v"}, {PathOf("rtl/old")}), Done());
+  EXPECT_THAT(Listed("simulation.files"), ElementsAre("rtl/z.v"));
+}
+
+TEST_F(Rename, StoredNameFromAnotherDirectory_IsKnown) {
+  EXPECT_EQ(Run({"rename", "../blinker.xml", "rtl/old/a.v", "rtl/z.v"}, {PathOf("ip")}), Done());
+  EXPECT_THAT(Listed("simulation.files"), ElementsAre("rtl/z.v"));
+}
+
+TEST_F(Rename, AbsoluteName_StaysAbsoluteAndBecomesSoIfItIsGivenSo) {
+  ASSERT_EQ(Run({"add", "blinker.xml", "--misc", PathOf("top.v")}), Done());
+  EXPECT_EQ(Run({"rename", "blinker.xml", "top.v", "main.v"}), Done());
+  EXPECT_THAT(Listed("misc.files"), ElementsAre(PathOf("main.v")));
+  EXPECT_THAT(Listed("design.files"), Contains("main.v"));
+  EXPECT_EQ(Run({"rename", "blinker.xml", "main.v", "/cores/main.v"}), Done());
+  EXPECT_THAT(Listed("design.files"), Contains("/cores/main.v"));
+}
+
+TEST_F(Rename, OneThatIsInNoList_ChangesNothingAndTheAnswerIsNo) {
+  ExpectUnchangedBy({"rename", "blinker.xml", "rtl/ol", "rtl/new"},
+                    Refused("\"rtl/ol\" is in no list of the project"));
+  ExpectUnchangedBy({"rename", "blinker.xml", "top.v/", "main/"},
+                    Refused("\"top.v/\" is in no list of the project"));
+}
+
+TEST_F(Rename, NameThatTheListCannotHave_Fails) {
+  ExpectUnchangedBy({"rename", "blinker.xml", "clocks.sdc", "clocks.txt"},
+                    Failed("constraint.sdc: \"clocks.txt\" must be named NAME.sdc"));
+  ExpectUnchangedBy({"rename", "blinker.xml", "top.v", "rtl/"},
+                    Failed("\"top.v\" is renamed as a file, not to a directory"));
+  ExpectUnchangedBy({"rename", "blinker.xml", "top.v", ""}, Failed("the empty text names no file"));
+}
+
+}  // namespace

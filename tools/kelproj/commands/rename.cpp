@@ -1,0 +1,141 @@
+#include <filesystem>
+#include <optional>
+#include <variant>
+
+#include <projectdb/project_contents.h>
+#include <projectdb/vocabulary.h>
+
+#include "commands/changing.h"
+#include "file_identities.h"
+#include "named_files.h"
+#include "stored_project.h"
+
+namespace kelproj {
+namespace {
+
+using projectdb::DesignFile;
+using projectdb::IP;
+using projectdb::IPSrcFile;
+using projectdb::ProjectContents;
+using projectdb::ProjectTerm;
+
+namespace fs = std::filesystem;
+
+/// Gives a file, or all files below a directory, other names wherever a project has them.
+class Renaming {
+ public:
+  /// @param base against which both names are resolved
+  Renaming(const RenameArguments& arguments, const fs::path& base, const ProjectContents& project)
+      : new_path_((base / arguments.new_name).lexically_normal()),
+        makes_absolute_(fs::path(arguments.new_name).is_absolute()),
+        only_below_(!fs::path(arguments.former_name).has_filename()),
+        former_file_(identities_.Of(base / arguments.former_name)),
+        former_directory_(identities_.OfDirectory(base / arguments.former_name)),
+        project_directory_(fs::weakly_canonical(project.current_path)) {}
+
+  /// Whether anything was renamed.
+  bool Rename(ProjectContents& project) {
+    for (const ProjectTerm& term : projectdb::ProjectTerms()) {
+      if (!term.file_ending) continue;
+      std::visit([&](const auto& access) { Rename(term, access(project)); }, term.access);
+    }
+    return is_used_;
+  }
+
+ private:
+  // The attributes are free text.
+  void Rename(const ProjectTerm& /*term*/, projectdb::InfoAttributes& /*attributes*/) {}
+
+  void Rename(const ProjectTerm& term, std::string& name) {
+    if (name.empty()) return;
+    const std::optional<fs::path> path = NewPath(project_directory_ / name);
+    if (!path) return;
+    name = StoredFor(*path, project_directory_, makes_absolute_ || IsAbsolute(name));
+    RequireEnding(term, name);
+  }
+
+  void Rename(const ProjectTerm& term, std::vector<std::string>& names) {
+    for (std::string& name : names) Rename(term, name);
+  }
+
+  void Rename(const ProjectTerm& term, std::vector<DesignFile>& files) {
+    for (DesignFile& file : files) Rename(term, file.name);
+  }
+
+  // The sources stay the files that they are when the directory of the instance changes.
+  void Rename(const ProjectTerm& term, std::vector<IP>& ips) {
+    for (IP& ip : ips) {
+      const fs::path former_directory = (project_directory_ / ip.path).parent_path();
+      Rename(term, ip.path);
+      const fs::path directory = (project_directory_ / ip.path).parent_path();
+      for (IPSrcFile& source : ip.src_files) {
+        const fs::path former = former_directory / source.name;
+        const std::optional<fs::path> path = NewPath(former);
+        if (path) {
+          source.name = StoredFor(*path, directory, makes_absolute_ || IsAbsolute(source.name));
+        } else if (directory != former_directory && !IsAbsolute(source.name)) {
+          source.name = StoredFor(former, directory, false);
+        }
+      }
+    }
+  }
+
+  // Nothing for a file that keeps its name.
+  std::optional<fs::path> NewPath(const fs::path& path) {
+    const std::string file = identities_.Of(path);
+    if (!only_below_ && file == former_file_) return Used(NewPathOfFile(path));
+    const std::string below = former_directory_ + "/";
+    if (file.compare(0, below.size(), below) != 0) return std::nullopt;
+    return Used(new_path_ / file.substr(below.size()));
+  }
+
+  fs::path NewPathOfFile(const fs::path& path) const {
+    if (new_path_.has_filename()) return new_path_;
+    throw Trouble("\"" + path.filename().string() + "\" is renamed as a file, not to a directory");
+  }
+
+  fs::path Used(fs::path path) {
+    is_used_ = true;
+    return path;
+  }
+
+  static bool IsAbsolute(const std::string& name) { return fs::path(name).is_absolute(); }
+
+  static std::string StoredFor(const fs::path& path, const fs::path& directory, bool is_absolute) {
+    const fs::path normal = path.lexically_normal();
+    if (is_absolute) return normal.string();
+    return normal.lexically_relative(directory.lexically_normal()).string();
+  }
+
+  FileIdentities identities_;
+  fs::path new_path_;
+  bool makes_absolute_;
+  bool only_below_;
+  std::string former_file_;
+  std::string former_directory_;
+  fs::path project_directory_;
+  bool is_used_ = false;
+};
+
+// As seen from where the user stands; else, as with every name of a file, as it is stored.
+void Rename(const RenameArguments& arguments, ProjectContents& project) {
+  const bool is_renamed =
+      Renaming(arguments, fs::current_path(), project).Rename(project) ||
+      Renaming(arguments, fs::weakly_canonical(project.current_path), project).Rename(project);
+  if (is_renamed) return;
+  throw Refusal("\"" + StoredName(arguments.former_name, project.current_path) +
+                "\" is in no list of the project");
+}
+
+}  // namespace
+
+ExitStatus Run(const RenameArguments& arguments, const Console& console) {
+  if (arguments.former_name.empty() || arguments.new_name.empty()) {
+    throw Trouble("the empty text names no file");
+  }
+  ChangeProject(arguments.file, console,
+                [&](ProjectContents& project) { Rename(arguments, project); });
+  return ExitStatus::kYes;
+}
+
+}  // namespace kelproj

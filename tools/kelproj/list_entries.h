@@ -1,0 +1,67 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <type_traits>
+#include <unordered_set>
+#include <vector>
+
+#include <projectdb/vocabulary.h>
+
+#include "file_identities.h"
+
+namespace kelproj {
+
+/// The entries of lists that names in the arguments mean. A name means the file that it is from
+/// where the user stands. If no known list has that, it means the one that is stored so, or the IP
+/// instance of that name.
+class EntryChoice {
+ public:
+  explicit EntryChoice(std::filesystem::path project_directory)
+      : project_directory_(std::move(project_directory)) {}
+
+  /// Makes the entries of a list known.
+  /// @param directory against which their names are resolved
+  template <typename Entry>
+  void Know(const std::vector<Entry>& list, const std::filesystem::path& directory) {
+    for (const Entry& entry : list) {
+      known_files_.insert(IdentityOf(entry, directory));
+      // What sources of IP instances are called says nothing without their instance.
+      if constexpr (!std::is_same_v<Entry, projectdb::IPSrcFile>) {
+        known_names_.insert({projectdb::NameOf(entry), projectdb::FileNameOf(entry)});
+      }
+    }
+  }
+
+  /// Chooses the known entries that the name means.
+  /// @return whether there are any
+  bool Choose(const std::string& name);
+
+  /// Whether the entry is chosen.
+  template <typename Entry>
+  bool Has(const Entry& entry, const std::filesystem::path& directory) {
+    if (chosen_files_.count(IdentityOf(entry, directory)) > 0) return true;
+    if constexpr (std::is_same_v<Entry, projectdb::IPSrcFile>) return false;
+    return chosen_names_.count(projectdb::NameOf(entry)) > 0 ||
+           chosen_names_.count(projectdb::FileNameOf(entry)) > 0;
+  }
+
+ private:
+  using Texts = std::unordered_set<std::string>;
+
+  template <typename Entry>
+  std::string IdentityOf(const Entry& entry, const std::filesystem::path& directory) {
+    return identities_.Of(directory / projectdb::FileNameOf(entry));
+  }
+
+  static bool ChooseKnown(const std::string& text, const Texts& known, Texts& chosen);
+
+  std::filesystem::path project_directory_;
+  FileIdentities identities_;
+  Texts known_files_;
+  Texts known_names_;
+  Texts chosen_files_;
+  Texts chosen_names_;
+};
+
+}  // namespace kelproj
