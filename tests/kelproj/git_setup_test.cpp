@@ -192,8 +192,8 @@ class ProgramElsewhere : public GitTest {
 
 TEST_F(ProgramElsewhere, Diff_Works) {
   SetName("blinker.xml", "blinker2");
-  EXPECT_EQ(RunGit({"diff"}).out,
-            "--- blinker.xml\n+++ blinker.xml\n- name: blinker\n+ name: blinker2\n");
+  EXPECT_EQ(RunGit({"diff"}),
+            Printed("--- blinker.xml\n+++ blinker.xml\n- name: blinker\n+ name: blinker2\n"));
 }
 
 TEST_F(ProgramElsewhere, Merge_Works) {
@@ -205,6 +205,11 @@ TEST_F(ProgramElsewhere, Merge_Works) {
   Commit();
   Succeed({"merge", "--quiet", "theirs"});
   EXPECT_THAT(Run({"show", "blinker.xml"}).out, HasSubstr("\n  clocks.sdc\n  pins.sdc\n"));
+}
+
+TEST_F(ProgramElsewhere, Filter_Works) {
+  EXPECT_THAT(RunGit({"show", "HEAD:blinker.xml"}).out,
+              AllOf(HasSubstr("name=\"blinker\""), Not(HasSubstr("sw_version"))));
 }
 
 }  // namespace
