@@ -168,6 +168,20 @@ TEST_F(GitSetup, AttributesThatAreNoFile_AreTroubleAndChangeNothing) {
   EXPECT_EQ(Read(".git/config"), configuration);
 }
 
+TEST_F(GitSetup, FileThatIsCommittedAlready_IsRenormalizedAsTheHelpTells) {
+  Commit();
+  ASSERT_THAT(RunGit({"show", "HEAD:blinker.xml"}).out, HasSubstr("sw_version"));
+  ASSERT_EQ(RunHere({"git-setup", "blinker.xml"}), Done());
+  const std::string steps[] = {"add .gitattributes blinker.xml", "add --renormalize blinker.xml"};
+  const std::string help = RunHere({"git-setup", "--help"}).out;
+  for (const std::string& step : steps) EXPECT_THAT(help, HasSubstr("\n  git " + step + "\n"));
+  Succeed({"add", ".gitattributes", "blinker.xml"});
+  Succeed({"add", "--renormalize", "blinker.xml"});
+  Succeed({"commit", "--quiet", "--message", "Let git understand the project file"});
+  EXPECT_EQ(RunGit({"status", "--porcelain"}), Done());
+  EXPECT_THAT(RunGit({"show", "HEAD:blinker.xml"}).out, Not(HasSubstr("sw_version")));
+}
+
 TEST_F(GitSetup, WithoutGit_IsTrouble) {
   EXPECT_EQ(Run({"git-setup", "blinker.xml"}, {".", {{"PATH", "/nowhere"}}}),
             Failed("git is not installed"));

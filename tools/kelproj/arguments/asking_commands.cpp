@@ -70,10 +70,7 @@ stamps of the last writing are left out, and lists are compared as sequences.
 The status is 0 if the projects are equal, 1 if they differ.
 
 As an external diff of git, which calls it with arguments of its own, the status
-is 0 in both cases. To see the changes of project files in "git diff":
-
-  git config diff.kelproj.command "kelproj diff"
-  echo '*.xml diff=kelproj' >> .gitattributes
+is 0 in both cases. "kelproj git-setup" lets "git diff" show project files so.
 
 Example:
   kelproj diff blinker.xml blinker_rev_b.xml)";

@@ -44,7 +44,8 @@ left there, the drivers from the configuration.
 
 Example:
   kelproj git-setup blinker.xml
-  git add --renormalize .gitattributes blinker.xml
+  git add .gitattributes blinker.xml
+  git add --renormalize blinker.xml
   git commit -m "Let git understand the project file")";
 
 void DefineMerge(CLI::App& program, Request& request) {
