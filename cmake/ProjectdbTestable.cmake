@@ -17,6 +17,7 @@ function(projectdb_add_copy copy)
   target_compile_features(${copy} PUBLIC cxx_std_17)
   target_include_directories(${copy} PUBLIC "${PROJECT_SOURCE_DIR}/common/include")
   target_link_libraries(${copy} PUBLIC Threads::Threads PRIVATE fmt::fmt-header-only)
+  target_compile_options(${copy} PRIVATE ${PROJECTDB_LIBRARY_INSTRUMENTATION})
   projectdb_use_warnings(${copy})
 endfunction()
 
@@ -28,9 +29,11 @@ function(projectdb_open_headers library)
 endfunction()
 
 if(PROJECTDB_COVERAGE)
-  # The copy counts what is executed.
+  # The copy counts what is executed. Optimising it nearly halves the time of the tests; inlining
+  # would count each branch once more for each caller.
   projectdb_add_copy(projectdb_testable)
-  target_compile_options(projectdb_testable PRIVATE --coverage -fprofile-update=atomic)
+  target_compile_options(projectdb_testable PRIVATE
+    --coverage -fprofile-update=atomic -Og -fno-early-inlining)
   target_link_options(projectdb_testable INTERFACE --coverage)
 else()
   add_library(projectdb_testable STATIC $<TARGET_OBJECTS:projectdb>)

@@ -139,6 +139,7 @@ TEST(ConcurrentUpdates, EightProcessesKilledAtRandom_LoseAndDoubleNothing) {
     for (;;) {
       try {
         FilesIn(path);
+        ::usleep(1'000);
       } catch (const std::runtime_error&) {
         return 1;
       }
