@@ -41,4 +41,23 @@ TEST_F(Arguments, Wrong_AreTroubleAndNameTheHelp) {
   }
 }
 
+TEST_F(Arguments, UnknownCommandOrOption_IsToldWithTheOneThatIsNear) {
+  const auto expect_reason = [this](const std::vector<std::string>& arguments,
+                                    const std::string& reason) {
+    EXPECT_THAT(Run(arguments).err, StartsWith("kelproj: error: " + reason + "\nTry: kelproj"));
+  };
+  expect_reason({"chekc"}, "there is no command or option \"chekc\"; did you mean \"check\"?");
+  expect_reason({"Show"}, "there is no command or option \"Show\"; did you mean \"show\"?");
+  expect_reason({"--verison"},
+                "there is no command or option \"--verison\"; did you mean \"--version\"?");
+  expect_reason({"paint"}, "there is no command or option \"paint\"");
+  expect_reason({"show", "a.xml", "--jsno"},
+                "there is no option \"--jsno\"; did you mean \"--json\"?");
+  expect_reason({"show", "a.xml", "--verbos"},
+                "there is no option \"--verbos\"; did you mean \"--verbose\"?");
+  expect_reason({"set", "a.xml", "--tpye", "e_bool", "name", "x"},
+                "there is no option \"--tpye\"; did you mean \"--type\"?");
+  expect_reason({"show", "--yaml"}, "there is no option \"--yaml\"");
+}
+
 }  // namespace

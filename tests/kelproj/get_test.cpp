@@ -54,12 +54,26 @@ TEST_F(Get, FullStandardOutput_Fails) {
 }
 
 TEST_F(Get, UnknownKey_FailsBeforeTheFileIsRead) {
-  for (const std::string key :
-       {"", "device", "devcie.family", "Device.family", "info", "info.", "infos.owner", "synthesis",
-        "synthesis.param", "synthesis.param.", "synthesis.options.effort",
-        "debugger.dynparam.WIDTH", "design.files", "name.", "routing.param.effort"}) {
+  for (const std::string key : {"", "device", "info", "synthesis", "synthesis.options.effort",
+                                "design.files", "routing.param.effort", "synthesis.param"}) {
     EXPECT_EQ(Run({"get", "no_such_file.xml", key}),
               Failed("\"" + key + "\" is no key of a project"));
+  }
+}
+
+TEST_F(Get, UnknownKeyThatIsNearToAKey_IsToldWithThatOne) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"devcie.family", "device.family"},
+      {"Device.family", "device.family"},
+      {"name.", "name"},
+      {"infos.owner", "info.owner"},
+      {"syntesis.param.effort", "synthesis.param.effort"},
+      {"synthesis.params.effort", "synthesis.param.effort"},
+      {"debugger.dynparam.WIDTH", "debugger.param.WIDTH"},
+      {"place_and_rout.tool", "place_and_route.tool"}};
+  for (const auto& [key, meant] : cases) {
+    EXPECT_EQ(Run({"get", "no_such_file.xml", key}),
+              Failed("\"" + key + "\" is no key of a project; did you mean \"" + meant + "\"?"));
   }
 }
 

@@ -23,10 +23,15 @@ TEST_F(Installation, Moved_ChecksWithItsOwnSchema) {
   EXPECT_NE(RunProcess({Installed("bin/kelproj"), "check", SampleProject()}), Done());
 }
 
-TEST_F(Installation, ManualPageAndBashCompletion_AreThoseThatTheProgramPrints) {
+TEST_F(Installation, ManualPageAndCompletions_AreThoseThatTheProgramPrints) {
   EXPECT_EQ(Run({"man"}), Printed(ReadFile(Installed("share/man/man1/kelproj.1"))));
-  EXPECT_EQ(Run({"completion", "bash"}),
-            Printed(ReadFile(Installed("share/bash-completion/completions/kelproj"))));
+  const std::pair<const char*, const char*> completions[] = {
+      {"bash", "share/bash-completion/completions/kelproj"},
+      {"zsh", "share/zsh/site-functions/_kelproj"},
+      {"fish", "share/fish/vendor_completions.d/kelproj.fish"}};
+  for (const auto& [shell, file] : completions) {
+    EXPECT_EQ(Run({"completion", shell}), Printed(ReadFile(Installed(file)))) << shell;
+  }
 }
 
 }  // namespace

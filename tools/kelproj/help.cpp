@@ -8,35 +8,10 @@
 #include <kel/version.h>
 #include <CLI/CLI.hpp>
 
-#include "keys.h"
+#include "arguments/definition_parts.h"
 
 namespace kelproj {
 namespace {
-
-bool IsFlag(const CLI::Option& option) { return option.get_items_expected_max() == 0; }
-
-bool IsList(const CLI::Option& option) {
-  return option.get_expected_max() >= CLI::detail::expected_max_vector_size;
-}
-
-/// The options and positionals of a command that help speaks of, in the order of their definition.
-std::vector<const CLI::Option*> OptionsOf(const CLI::App& app, bool positional) {
-  return app.get_options([positional](const CLI::Option* option) {
-    return !option->get_group().empty() && option->get_positional() == positional;
-  });
-}
-
-std::vector<const CLI::App*> CommandsOf(const CLI::App& program) {
-  return program.get_subcommands([](const CLI::App* command) {
-    return !command->get_name().empty() && !command->get_group().empty();
-  });
-}
-
-std::string PositionalName(const CLI::Option& option) {
-  const std::string& text = option.get_option_text();
-  if (!text.empty()) return text;
-  return option.get_name(true, false) + (IsList(option) ? "..." : "");
-}
 
 // A text of its own says what may be left out.
 std::string PositionalSynopsis(const CLI::Option& option) {
@@ -201,22 +176,6 @@ class Manual {
   bool verbatim_ = false;
 };
 
-std::string Joined(const std::vector<std::string>& words) { return CLI::detail::join(words, " "); }
-
-std::vector<std::string> OptionNames(const CLI::App& app) {
-  std::vector<std::string> names;
-  for (const CLI::Option* option : OptionsOf(app, false)) {
-    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
-  }
-  return names;
-}
-
-std::vector<std::string> CommandNames(const CLI::App& program) {
-  std::vector<std::string> names;
-  for (const CLI::App* command : CommandsOf(program)) names.push_back(command->get_name());
-  return names;
-}
-
 }  // namespace
 
 std::shared_ptr<CLI::FormatterBase> HelpFormatter() { return std::make_shared<Formatter>(); }
@@ -241,39 +200,6 @@ std::string ManualPage(const CLI::App& program) {
     manual.Text("\n" + command->get_footer());
   }
   return manual.str();
-}
-
-std::string BashCompletion(const CLI::App& program) {
-  std::ostringstream out;
-  out << R"(_kelproj() {
-  local word=${COMP_WORDS[COMP_CWORD]} command= place=0 options words= i
-  for ((i = 1; i < COMP_CWORD; i++)); do
-    if [[ ${COMP_WORDS[i]} != -* ]]; then
-      [[ $command ]] && ((place++))
-      command=${command:-${COMP_WORDS[i]}}
-    fi
-  done
-  case $command in
-)";
-  for (const CLI::App* command : CommandsOf(program)) {
-    out << "    " << command->get_name() << ") options='" << Joined(OptionNames(*command))
-        << "' ;;\n";
-  }
-  out << "    *) options='" << Joined(OptionNames(program)) << "' ;;\n"
-      << "  esac\n"
-      << "  case $command:$place:${COMP_WORDS[COMP_CWORD - 1]} in\n"
-      << "    :*) words='" << Joined(CommandNames(program)) << "' ;;\n"
-      << "    set:*:--type) words='" << Joined(ParameterTypeNames()) << "' ;;\n"
-      << "    get:1:* | set:1:*) words='" << Joined(FixedKeys()) << "' ;;\n"
-      << R"(    completion:0:*) words=bash ;;
-  esac
-  [[ $word == -* ]] && words=$options
-  # Without a word the shell completes the name of a file.
-  COMPREPLY=($(compgen -W "$words" -- "$word"))
-}
-complete -o bashdefault -o default -F _kelproj kelproj
-)";
-  return out.str();
 }
 
 }  // namespace kelproj

@@ -18,7 +18,4 @@ std::shared_ptr<CLI::FormatterBase> HelpFormatter();
 /// The manual page, for man(7).
 std::string ManualPage(const CLI::App& program);
 
-/// The script by which bash completes the program's arguments.
-std::string BashCompletion(const CLI::App& program);
-
 }  // namespace kelproj

@@ -8,6 +8,7 @@
 
 #include "console.h"
 #include "named_files.h"
+#include "suggestions.h"
 
 namespace kelproj {
 namespace {
@@ -204,6 +205,22 @@ std::string ProcessNames() {
   return names;
 }
 
+// The fixed keys, and those that take the last part of the text for a name.
+std::vector<std::string> KeysLike(const std::string& text) {
+  std::vector<std::string> keys = FixedKeys();
+  const std::size_t dot = text.find('.');
+  if (dot == std::string::npos) return keys;
+  keys.push_back("info" + text.substr(dot));
+  const std::size_t second_dot = text.find('.', dot + 1);
+  if (second_dot == std::string::npos) return keys;
+  for (const FlowProcessName& process : kFlowProcesses) {
+    for (const ParameterMapName& map : projectdb::MapsOf(process.type)) {
+      keys.push_back(std::string(process.name) + "." + map.name + text.substr(second_dot));
+    }
+  }
+  return keys;
+}
+
 }  // namespace
 
 Key FindKey(const std::string& text) {
@@ -218,7 +235,7 @@ Key FindKey(const std::string& text) {
     const auto key = rest ? ProcessKey(process.type, *rest) : std::nullopt;
     if (key) return *key;
   }
-  throw Trouble("\"" + text + "\" is no key of a project");
+  throw Trouble("\"" + text + "\" is no key of a project" + DidYouMean(text, KeysLike(text)));
 }
 
 std::vector<std::string> FixedKeys() {

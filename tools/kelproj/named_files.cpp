@@ -15,11 +15,18 @@ using projectdb::IP;
 using projectdb::ProjectContents;
 using projectdb::ProjectTerm;
 
+// A way back through a link would lead astray.
+std::filesystem::path CanonicalDirectory(const std::filesystem::path& directory) {
+  std::error_code error;
+  std::filesystem::path path = std::filesystem::canonical(directory, error);
+  return error ? directory : path;
+}
+
 /// Collects the files of a project.
 class Collection {
  public:
   explicit Collection(const ProjectContents& project)
-      : project_(project), directory_(project.current_path) {}
+      : project_(project), directory_(CanonicalDirectory(project.current_path)) {}
 
   void Add(const FileKind& kind) {
     kind_ = &kind;
@@ -108,6 +115,10 @@ void RequireEnding(const ProjectTerm& term, const std::string& name) {
 
 std::string NameFromHere(const std::filesystem::path& path) {
   return path.lexically_normal().lexically_relative(std::filesystem::current_path()).string();
+}
+
+std::string NameFromHere(const NamedFile& file) {
+  return std::filesystem::path(file.name).is_absolute() ? file.name : NameFromHere(file.path);
 }
 
 bool IsFile(const std::filesystem::path& path) {

@@ -42,6 +42,9 @@ void RequireEnding(const projectdb::ProjectTerm& term, const std::string& name);
 /// How the user names a file from where he stands.
 std::string NameFromHere(const std::filesystem::path& path);
 
+/// The same for a file of a project; a name that is stored as absolute stays.
+std::string NameFromHere(const NamedFile& file);
+
 /// Whether a file is there; a directory is none.
 bool IsFile(const std::filesystem::path& path);
 

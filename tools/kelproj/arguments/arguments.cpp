@@ -7,7 +7,9 @@
 #include <CLI/CLI.hpp>
 
 #include "arguments/definition.h"
+#include "arguments/definition_parts.h"
 #include "help.h"
+#include "suggestions.h"
 
 namespace kelproj {
 namespace {
@@ -71,6 +73,28 @@ void UnmarkTexts(CLI::App& command) {
   }
 }
 
+// What stands behind a lone "--" is meant as it is.
+std::string Suggestion(const std::string& word, const std::vector<std::string>& known) {
+  return Unmarked(word) == word ? DidYouMean(word, known) : "";
+}
+
+bool BeginsAsOption(const std::string& word) { return !word.empty() && word.front() == '-'; }
+
+std::string ThereIsNoCommand(const CLI::App& program, const std::string& word) {
+  std::vector<std::string> known = CommandNames(program);
+  for (std::string& option : OptionNames(program)) known.push_back(std::move(option));
+  return "there is no command or option \"" + word + "\"" + Suggestion(word, known);
+}
+
+// Of the program or of the command that is given.
+std::string ThereIsNoOption(const CLI::App& program, const std::string& word) {
+  std::vector<std::string> known = OptionNames(program);
+  for (const CLI::App* command : program.get_subcommands()) {
+    for (std::string& option : OptionNames(*command)) known.push_back(std::move(option));
+  }
+  return "there is no option \"" + word + "\"" + Suggestion(word, known);
+}
+
 }  // namespace
 
 Arguments::Arguments()
@@ -99,11 +123,14 @@ void Arguments::Parse(const std::vector<std::string>& arguments) {
 }
 
 std::string Arguments::Reason(const CLI::ParseError& error) const {
-  const std::vector<std::string> unknown = program_->remaining();
-  const bool has_command = !program_->get_subcommands().empty();
-  std::string reason = has_command || unknown.empty()
-                           ? error.what()
-                           : "there is no command or option \"" + unknown.front() + "\"";
+  const std::vector<std::string> unknown = program_->remaining(true);
+  std::string reason = error.what();
+  if (program_->get_subcommands().empty()) {
+    if (!unknown.empty()) reason = ThereIsNoCommand(*program_, unknown.front());
+  } else if (const auto option = std::find_if(unknown.begin(), unknown.end(), BeginsAsOption);
+             option != unknown.end()) {
+    reason = ThereIsNoOption(*program_, *option);
+  }
   reason.erase(std::remove(reason.begin(), reason.end(), kMark), reason.end());
   return reason;
 }

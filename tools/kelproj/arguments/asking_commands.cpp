@@ -106,7 +106,7 @@ void AddChosenFiles(CLI::App& command, ListArguments& arguments) {
         "List " + TitleInSentence(TermOf(kind)));
   }
   command.add_option("--library", arguments.libraries, "List files that are compiled into it")
-      ->type_name("NAME")
+      ->type_name("LIBRARY")
       ->allow_extra_args(false);
   command.add_option("--hdl-version", arguments.hdl_versions, "List files of the language version")
       ->type_name("VERSION")
@@ -127,17 +127,19 @@ void AddListFormats(CLI::App& command, ListArguments& arguments) {
     const auto choose = [&arguments, format] { arguments.format = format; };
     return command.add_flag_callback(name, choose, help);
   };
+  std::vector<std::string> names;
+  for (const ListFormatName& format : kListFormatNames) names.emplace_back(format.name);
   const auto choose = [&arguments](const std::string& name) {
-    arguments.format = name == "f"      ? ListFormat::kCommandFile
-                       : name == "make" ? ListFormat::kMake
-                                        : ListFormat::kIverilog;
+    for (const ListFormatName& format : kListFormatNames) {
+      if (name == format.name) arguments.format = format.format;
+    }
   };
   ExcludeEachOther(
       {add("-0", ListFormat::kZeroTerminated, "End each name by a zero byte"),
        add("--json", ListFormat::kJson, "Print JSON, for programs"),
        command.add_option_function<std::string>("--format", choose, "Write for another program")
            ->type_name("FORMAT")
-           ->check(OneOf({"f", "iverilog", "make"}))});
+           ->check(OneOf(names))});
   command.add_option("--target", arguments.target, "What make is to make")->type_name("TARGET");
 }
 

@@ -205,7 +205,7 @@ void DefineAdd(CLI::App& program, Request& request) {
   command
       .add_option("--library", arguments.library,
                   "The library that they are compiled into, if not \"default\"")
-      ->type_name("NAME");
+      ->type_name("LIBRARY");
   AddListOfPaths(command, arguments);
   ExcludeEachOther(
       {AddNeighbour(command, "--before", arguments.place.before, "Put them before this one"),

@@ -1,20 +1,63 @@
+#include <memory>
+
 #include "arguments/definition.h"
+#include "completion.h"
 #include "help.h"
 
 namespace kelproj {
 namespace {
 
 constexpr char kCompletionHelp[] =
-    R"(The script goes where bash looks for completions, or into the shell as it is.
+    R"(The script goes where the shell looks for completions, or into the shell as it
+is. It asks this program for what may stand where the cursor is, so that it
+knows the keys of the project at hand, the names of its files and its libraries.
 
 Example:
-  source <(kelproj completion bash))";
+  source <(kelproj completion bash)
+  source <(kelproj completion zsh)
+  kelproj completion fish | source)";
 
-// Requests a text that is made from the program's definition.
-void RequestText(CLI::App& command, Request& request, std::string (*make)(const CLI::App&)) {
-  command.callback([&command, &request, make] {
-    request = [&command, make](const Console& console) {
-      console.out << make(*command.get_parent());
+void DefineCompletion(CLI::App& program, Request& request) {
+  CLI::App& command =
+      AddCommand(program, "completion", "Print a script for a shell's completion", kCompletionHelp);
+  const auto shell = std::make_shared<std::string>();
+  command.add_option("SHELL", *shell, "The shell: " + CLI::detail::join(ShellNames(), ", "))
+      ->required()
+      ->check(OneOf(ShellNames()));
+  command.callback([shell, &request] {
+    request = [shell](const Console& console) {
+      console.out << CompletionScript(*shell);
+      return ExitStatus::kYes;
+    };
+  });
+}
+
+// A command for the programs of this project, of which help does not speak.
+CLI::App& AddHiddenCommand(CLI::App& program, const char* name, const char* summary) {
+  CLI::App& command = AddCommand(program, name, summary, "");
+  command.group("");
+  return command;
+}
+
+void DefineComplete(CLI::App& program, Request& request) {
+  CLI::App& command = AddHiddenCommand(program, "complete", "Print what may stand at the cursor");
+  const auto words = std::make_shared<std::vector<std::string>>();
+  command.add_option("WORD", *words, "The words up to the cursor");
+  command.callback([words, &command, &request] {
+    request = [words, &command](const Console& console) {
+      for (const std::string& word : Completions(*command.get_parent(), *words)) {
+        console.out << word << '\n';
+      }
+      return ExitStatus::kYes;
+    };
+  });
+}
+
+void DefineManual(CLI::App& program, Request& request) {
+  CLI::App& command = AddHiddenCommand(program, "man", "Print the manual page");
+  command.callback([&command, &request] {
+    request = [&command](const Console& console) {
+      console.out << ManualPage(*command.get_parent());
       return ExitStatus::kYes;
     };
   });
@@ -23,13 +66,9 @@ void RequestText(CLI::App& command, Request& request, std::string (*make)(const 
 }  // namespace
 
 void DefineTextCommands(CLI::App& program, Request& request) {
-  CLI::App& completion =
-      AddCommand(program, "completion", "Print a script for a shell's completion", kCompletionHelp);
-  completion.add_option("SHELL", "The shell: bash")->required()->check(OneOf({"bash"}));
-  RequestText(completion, request, BashCompletion);
-  CLI::App& manual = AddCommand(program, "man", "Print the manual page", "");
-  manual.group("");
-  RequestText(manual, request, ManualPage);
+  DefineCompletion(program, request);
+  DefineComplete(program, request);
+  DefineManual(program, request);
 }
 
 }  // namespace kelproj

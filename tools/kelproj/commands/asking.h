@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 #include <vector>
@@ -30,6 +31,17 @@ ExitStatus Run(const CheckArguments& arguments, const Console& console);
 enum class NameForm { kFromHere, kStored, kAbsolute };
 
 enum class ListFormat { kLines, kZeroTerminated, kJson, kCommandFile, kIverilog, kMake };
+
+/// A format for another program.
+struct ListFormatName {
+  const char* name;
+  ListFormat format;
+};
+inline constexpr std::array<ListFormatName, 3> kListFormatNames = {{
+    {"f", ListFormat::kCommandFile},
+    {"iverilog", ListFormat::kIverilog},
+    {"make", ListFormat::kMake},
+}};
 
 struct ListArguments {
   std::string file;

@@ -70,7 +70,7 @@ std::string ShownName(const NamedFile& file, NameForm form) {
     case NameForm::kFromHere:
       break;
   }
-  return std::filesystem::path(file.name).is_absolute() ? file.name : NameFromHere(file.path);
+  return NameFromHere(file);
 }
 
 std::vector<std::string> ShownNames(const std::vector<NamedFile>& files, NameForm form) {
@@ -108,9 +108,7 @@ ExitStatus Run(const ListArguments& arguments, const Console& console) {
   if (arguments.target && arguments.format != ListFormat::kMake) {
     throw Trouble("only --format make has a target");
   }
-  ProjectContents project = ReadProject(arguments.file, console);
-  // A way back through a link would lead astray.
-  project.current_path = std::filesystem::canonical(project.current_path).string();
+  const ProjectContents project = ReadProject(arguments.file, console);
   const std::vector<NamedFile> files = ListedFiles(project, arguments);
   const std::vector<std::string> names = ShownNames(files, arguments.form);
   switch (arguments.format) {

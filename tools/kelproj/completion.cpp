@@ -1,0 +1,297 @@
+#include "completion.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <optional>
+#include <set>
+#include <sstream>
+#include <utility>
+
+#include <projectdb/project_file.h>
+#include <projectdb/vocabulary.h>
+#include <CLI/CLI.hpp>
+
+#include "arguments/definition_parts.h"
+#include "commands/asking.h"
+#include "console.h"
+#include "file_kinds.h"
+#include "keys.h"
+#include "named_files.h"
+
+namespace kelproj {
+namespace {
+
+using projectdb::ProjectContents;
+using Words = std::vector<std::string>;
+
+/// What the unfinished word belongs to.
+struct Situation {
+  std::string placeholder;  ///< By which help names what is to stand there; "" for an option.
+  Words words;              ///< Of the command, before the unfinished one.
+  std::optional<ProjectContents> project;  ///< Nothing without a project file that loads.
+};
+
+const ProjectContents& ProjectOf(const Situation& situation) {
+  static const ProjectContents nothing;
+  return situation.project ? *situation.project : nothing;
+}
+
+Words Keys(const Situation& situation) {
+  Words keys = FixedKeys();
+  if (!situation.project) return keys;
+  const ProjectContents& project = *situation.project;
+  for (const auto& attribute : project.info_attributes) keys.push_back("info." + attribute.first);
+  for (const projectdb::FlowProcessName& process : projectdb::kFlowProcesses) {
+    const auto index = static_cast<std::size_t>(process.type);
+    for (const auto& [map, parameters] : project.flow_processes.at(index).parameter_maps) {
+      const std::string stem = std::string(process.name).append(".").append(map).append(".");
+      for (const auto& parameter : parameters) keys.push_back(stem + parameter.first);
+    }
+  }
+  return keys;
+}
+
+// Of the kinds whose options are given, or of all kinds without one.
+Words FileNames(const Situation& situation) {
+  const auto is_given = [&situation](const FileKind& kind) {
+    return std::find(situation.words.begin(), situation.words.end(), kind.option) !=
+           situation.words.end();
+  };
+  const auto kinds = FileKinds();
+  const bool is_choice = std::any_of(kinds.begin(), kinds.end(), is_given);
+  Words names;
+  for (const NamedFile& file : FilesOf(ProjectOf(situation))) {
+    if (!is_choice || is_given(*file.kind)) names.push_back(NameFromHere(file));
+  }
+  return names;
+}
+
+Words InstanceNames(const Situation& situation) {
+  Words names;
+  for (const projectdb::IP& ip : ProjectOf(situation).ip_info.ips)
+    names.push_back(ip.instance_name);
+  return names;
+}
+
+Words Libraries(const Situation& situation) {
+  Words libraries;
+  for (const NamedFile& file : FilesOf(ProjectOf(situation))) libraries.push_back(file.library);
+  return libraries;
+}
+
+Words Versions(const Situation& situation) {
+  Words versions;
+  for (const NamedFile& file : FilesOf(ProjectOf(situation))) versions.push_back(file.version);
+  return versions;
+}
+
+Words Types(const Situation& /*situation*/) { return ParameterTypeNames(); }
+
+Words Formats(const Situation& /*situation*/) {
+  Words names;
+  for (const ListFormatName& format : kListFormatNames) names.emplace_back(format.name);
+  return names;
+}
+
+Words Shells(const Situation& /*situation*/) { return ShellNames(); }
+
+/// What may stand for a placeholder.
+struct Source {
+  const char* placeholder;
+  Words (*candidates)(const Situation&);
+};
+
+constexpr std::array<Source, 10> kSources = {{{"KEY", Keys},
+                                              {"NAME", FileNames},
+                                              {"OLD", FileNames},
+                                              {"OTHER", FileNames},
+                                              {"INSTANCE", InstanceNames},
+                                              {"LIBRARY", Libraries},
+                                              {"VERSION", Versions},
+                                              {"TYPE", Types},
+                                              {"FORMAT", Formats},
+                                              {"SHELL", Shells}}};
+
+Words Candidates(const Situation& situation) {
+  for (const auto& [placeholder, candidates] : kSources) {
+    if (situation.placeholder == placeholder) return candidates(situation);
+  }
+  return {};
+}
+
+// The project file of the command, quietly: who completes wants no messages.
+std::optional<ProjectContents> ReadQuietly(std::string file) {
+  const char* const home = std::getenv("HOME");
+  // A shell replaces the sign only when it runs the command.
+  if (home && file.rfind("~/", 0) == 0) file.replace(0, 1, home);
+  if (!IsFile(file)) return std::nullopt;
+  return projectdb::ReadProjectFile(file, "").contents;
+}
+
+bool BeginsOption(const std::string& word) { return !word.empty() && word.front() == '-'; }
+
+/// Goes through the words of a command as its parser does.
+class Walk {
+ public:
+  explicit Walk(const CLI::App& command) : command_(command) {}
+
+  void Take(const std::string& word) {
+    if (value_of_) {
+      value_of_ = nullptr;
+    } else if (word == "--" && !is_behind_hyphens_) {
+      is_behind_hyphens_ = true;
+    } else if (MayBeOption(word) && word != "-") {
+      const CLI::Option* const option = command_.get_option_no_throw(word);
+      if (option && !IsFlag(*option)) value_of_ = option;
+    } else {
+      positionals_.push_back(word);
+    }
+  }
+
+  /// Whether a word would be an option behind those that were taken.
+  bool MayBeOption(const std::string& word) const {
+    return !is_behind_hyphens_ && !value_of_ && BeginsOption(word);
+  }
+
+  /// The name of what is to stand next; "" if nothing is.
+  std::string Placeholder() const {
+    if (value_of_) return value_of_->get_type_name();
+    std::size_t at = positionals_.size();
+    for (const CLI::Option* option : OptionsOf(command_, true)) {
+      const Words names = NamesIn(*option);
+      if (IsList(*option)) return names[at % names.size()];
+      if (at == 0) return names.front();
+      --at;
+    }
+    return "";
+  }
+
+  /// The project file that is given; "" if none is.
+  std::string ProjectFile() const {
+    const auto options = OptionsOf(command_, true);
+    const bool has_file = !options.empty() && options.front()->get_name() == "FILE";
+    return has_file && !positionals_.empty() ? positionals_.front() : "";
+  }
+
+ private:
+  // What help calls the values of a positional, which take turns.
+  static Words NamesIn(const CLI::Option& option) {
+    std::string text = PositionalName(option);
+    for (const char c : {'[', ']', '.'})
+      text.erase(std::remove(text.begin(), text.end(), c), text.end());
+    std::istringstream words(text);
+    Words names;
+    for (std::string name; words >> name;) names.push_back(name);
+    return names;
+  }
+
+  const CLI::App& command_;
+  const CLI::Option* value_of_ = nullptr;
+  bool is_behind_hyphens_ = false;
+  Words positionals_;
+};
+
+Words WithPrefix(const Words& words, const std::string& prefix) {
+  Words chosen;
+  std::set<std::string> seen;
+  for (const std::string& word : words) {
+    if (word.empty() || word.compare(0, prefix.size(), prefix) != 0) continue;
+    // Shells take a line for a candidate.
+    if (word.find('\n') == std::string::npos && seen.insert(word).second) chosen.push_back(word);
+  }
+  return chosen;
+}
+
+Words CommandCompletions(const CLI::App& command, const Words& words) {
+  const std::string& unfinished = words.back();
+  const Words finished(words.begin(), words.end() - 1);
+  Walk walk(command);
+  for (const std::string& word : finished) walk.Take(word);
+  if (walk.MayBeOption(unfinished)) return WithPrefix(OptionNames(command), unfinished);
+  return WithPrefix(Candidates({walk.Placeholder(), finished, ReadQuietly(walk.ProjectFile())}),
+                    unfinished);
+}
+
+constexpr char kBashScript[] = R"script(_kelproj() {
+  local -a words=()
+  local word i
+  for ((i = 1; i <= COMP_CWORD; i++)); do
+    # As they are typed, words have quotes.
+    words+=("${COMP_WORDS[i]//[\\\"\']/}")
+  done
+  COMPREPLY=()
+  # Without an answer the shell completes the name of a file.
+  while IFS= read -r word; do
+    COMPREPLY+=("$(printf %q "$word")")
+  done < <("$1" complete -- "${words[@]}" 2>/dev/null)
+}
+complete -o bashdefault -o default -F _kelproj kelproj
+)script";
+
+constexpr char kZshScript[] = R"script(#compdef kelproj
+_kelproj() {
+  local -a candidates
+  candidates=("${(@f)$(${(Q)words[1]} complete -- "${(@Q)words[2,CURRENT-1]}" "${(Q)PREFIX}" \
+    2>/dev/null)}")
+  if [[ -n ${candidates[1]} ]]; then
+    compadd -- "${candidates[@]}"
+  else
+    _files
+  fi
+}
+if [[ ${funcstack[1]} == _kelproj ]]; then
+  _kelproj "$@"
+else
+  compdef _kelproj kelproj
+fi
+)script";
+
+constexpr char kFishScript[] = R"script(function __kelproj_complete
+  set -l words (commandline --current-process --cut-at-cursor --tokenize)
+  set -l unfinished (commandline --current-token --cut-at-cursor)
+  set -l plain (string unescape -- "$unfinished"; or echo -- "$unfinished")
+  set -l candidates (command $words[1] complete -- $words[2..-1] "$plain" 2>/dev/null)
+  if set -q candidates[1]
+    string join -- \n $candidates
+  else
+    __fish_complete_path "$plain"
+  end
+end
+complete --command kelproj --no-files --arguments '(__kelproj_complete)'
+)script";
+
+constexpr std::array<std::pair<const char*, const char*>, 3> kScripts = {
+    {{"bash", kBashScript}, {"zsh", kZshScript}, {"fish", kFishScript}}};
+
+}  // namespace
+
+Words ShellNames() {
+  Words names;
+  for (const auto& script : kScripts) names.emplace_back(script.first);
+  return names;
+}
+
+std::string CompletionScript(const std::string& shell) {
+  for (const auto& [name, script] : kScripts) {
+    if (shell == name) return script;
+  }
+  throw Trouble("there is no script for " + shell);
+}
+
+Words Completions(const CLI::App& program, const Words& words) {
+  if (words.empty()) return {};
+  const auto command_word = std::find_if_not(words.begin(), words.end() - 1, BeginsOption);
+  if (command_word == words.end() - 1) {
+    return WithPrefix(BeginsOption(words.back()) ? OptionNames(program) : CommandNames(program),
+                      words.back());
+  }
+  for (const CLI::App* command : CommandsOf(program)) {
+    if (command->get_name() == *command_word) {
+      return CommandCompletions(*command, Words(command_word + 1, words.end()));
+    }
+  }
+  return {};
+}
+
+}  // namespace kelproj
