@@ -86,10 +86,9 @@ std::string Word(const std::string& text) {
 // In names of files, variables of the environment are replaced whatever the quotes.
 bool NamesVariable(const std::string& name) {
   for (std::size_t at = name.find('$'); at != std::string::npos; at = name.find('$', at + 1)) {
-    const char next = at + 1 < name.size() ? name[at + 1] : '\0';
-    if (std::isalnum(static_cast<unsigned char>(next)) != 0 ||
-        (next != '\0' && HasOneOf(std::string_view(&next, 1), "_({")))
-      return true;
+    const std::string next = name.substr(at + 1, 1);
+    if (HasOneOf(next, "_({")) return true;
+    if (!next.empty() && std::isalnum(static_cast<unsigned char>(next[0])) != 0) return true;
   }
   return false;
 }

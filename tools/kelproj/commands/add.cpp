@@ -8,8 +8,8 @@
 
 #include "commands/changing.h"
 #include "file_identities.h"
-#include "input.h"
 #include "named_files.h"
+#include "standard_input.h"
 #include "stored_project.h"
 
 namespace kelproj {

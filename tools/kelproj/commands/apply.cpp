@@ -1,8 +1,8 @@
 #include <projectdb/project_contents.h>
 
 #include "commands/changing.h"
-#include "input.h"
 #include "json_reading.h"
+#include "standard_input.h"
 #include "stored_project.h"
 
 namespace kelproj {

@@ -6,8 +6,8 @@
 
 #include "console.h"
 #include "file_kinds.h"
-#include "input.h"
 #include "list_place.h"
+#include "standard_input.h"
 #include "stored_project.h"
 
 /// The commands that change project files: what each is given, and the function that runs it. File

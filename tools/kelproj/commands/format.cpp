@@ -6,7 +6,7 @@
 #include <projectdb/project_file.h>
 
 #include "commands/changing.h"
-#include "input.h"
+#include "standard_input.h"
 #include "stored_project.h"
 
 namespace kelproj {

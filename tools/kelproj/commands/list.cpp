@@ -75,6 +75,7 @@ std::string ShownName(const NamedFile& file, NameForm form) {
 
 std::vector<std::string> ShownNames(const std::vector<NamedFile>& files, NameForm form) {
   std::vector<std::string> names;
+  names.reserve(files.size());
   for (const NamedFile& file : files) names.push_back(ShownName(file, form));
   return names;
 }

@@ -1,4 +1,4 @@
-#include "input.h"
+#include "standard_input.h"
 
 #include <fstream>
 #include <iostream>
