@@ -69,8 +69,9 @@ Words FileNames(const Situation& situation) {
 
 Words InstanceNames(const Situation& situation) {
   Words names;
-  for (const projectdb::IP& ip : ProjectOf(situation).ip_info.ips)
+  for (const projectdb::IP& ip : ProjectOf(situation).ip_info.ips) {
     names.push_back(ip.instance_name);
+  }
   return names;
 }
 
@@ -178,8 +179,9 @@ class Walk {
   // What help calls the values of a positional, which take turns.
   static Words NamesIn(const CLI::Option& option) {
     std::string text = PositionalName(option);
-    for (const char c : {'[', ']', '.'})
+    for (const char c : {'[', ']', '.'}) {
       text.erase(std::remove(text.begin(), text.end(), c), text.end());
+    }
     std::istringstream words(text);
     Words names;
     for (std::string name; words >> name;) names.push_back(name);
