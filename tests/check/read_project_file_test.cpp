@@ -96,6 +96,14 @@ TEST_F(ReadingFile, Pipe_IsReadToItsEndAndHasNoVersion) {
   EXPECT_EQ(file.version, ProjectFileVersion());
 }
 
+TEST_F(ReadingFile, PipeWithTextThatIsNoUtf8_IsReadOnceAlone) {
+  const NamedPipe pipe(directory / "pipe");
+  ProjectFile file;
+  EXPECT_TRUE(pipe.RunWith(ProjectXml("", "name=\"\xFF\""),
+                           [&] { file = ReadProjectFile(directory / "pipe", ""); }));
+  EXPECT_FALSE(file.contents);
+}
+
 TEST_F(ReadingFile, MissingFile_HasNoContentsAndNoVersion) {
   const ProjectFile file = Read();
   EXPECT_THAT(ErrorsOf(file), ElementsAre("the project file does not exist"));

@@ -305,6 +305,30 @@ TEST_F(WritingFile, ExpectedVersion_IsWritten) {
   EXPECT_TRUE(WriteProjectFile(path(), contents, options));
 }
 
+TEST_F(WritingFile, ExpectedVersionThatWasReadWithASchemaWhichRefusesIt_IsWritten) {
+  Write("p.xml", CompleteProjectXml());
+  WriteOptions options;
+  const ProjectFile refused = ReadProjectFile(path(), Write("device.xsd", DeviceOnlySchema()));
+  ASSERT_FALSE(refused.contents);
+  options.expected = refused.version;
+  ProjectContents contents = contents_;
+  contents.project_name = "next";
+  EXPECT_TRUE(WriteProjectFile(path(), contents, options));
+}
+
+TEST_F(WritingFile, ExpectedVersionThatLoadsWithAGivenSchemaAlone_IsWritten) {
+  Write("wdp_proj.xsd", DeviceOnlySchema());
+  Write("p.xml", ProjectXml("<design_info/>",
+                            "xsi:schemaLocation=\"http://schema.kel.example/wdp_proj "
+                            "wdp_proj.xsd\""));
+  ASSERT_FALSE(ReadProjectFile(path(), "").contents);
+  WriteOptions options;
+  const ProjectFile read = ReadProjectFile(path(), ShippedSchema());
+  ASSERT_TRUE(read.contents);
+  options.expected = read.version;
+  EXPECT_TRUE(WriteProjectFile(path(), contents_, options));
+}
+
 TEST_F(WritingFile, FileOfAnotherVersion_IsNotTouched) {
   Write("p.xml", CompleteProjectXml());
   WriteOptions options;

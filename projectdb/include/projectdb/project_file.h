@@ -51,8 +51,9 @@ struct ProjectFile {
   ProjectFileVersion version;         ///< That of no file if there is none.
 };
 
-/// Reads a file, which is opened once; a pipe is read as well. A name that does not end in ".xml"
-/// is a problem of severity error, but no obstacle: the contents are there.
+/// Reads a file, which is opened once, and once more only to find the line of text that is not
+/// UTF-8; a pipe is read as well, once. A name that does not end in ".xml" is a problem of severity
+/// error, but no obstacle: the contents are there.
 ///
 /// @param path native path
 /// @param schema_file native path of the XML schema, or "" as with

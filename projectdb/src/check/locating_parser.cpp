@@ -7,6 +7,7 @@
 #include <limits>
 #include <optional>
 #include <string>
+#include <system_error>
 
 #include <xercesc/internal/XMLScanner.hpp>
 #include <xercesc/sax/Locator.hpp>
@@ -38,12 +39,15 @@ bool IsOfUtf8(unsigned int code, const XMLCh* domain) {
          std::find(kCodes.begin(), kCodes.end(), code) != kCodes.end();
 }
 
-// The parser decodes a file in large blocks, so that it cannot say where in one the error is.
+// The parser decodes a file in large blocks, so that it cannot say where in one the error is. What
+// a pipe gave cannot be read again.
 std::optional<Position> PlaceOfBadText(const std::string& uri, const Source& source) {
   if (source.bytes && uri == source.uri) return FirstInvalidUtf8(*source.bytes);
   const std::optional<std::filesystem::path> path = xml::LocalPath(uri, uri);
+  std::error_code error;
+  if (!path || !std::filesystem::is_regular_file(*path, error)) return std::nullopt;
   const std::optional<std::string> bytes =
-      path ? xml::ReadBytes(*path, std::numeric_limits<std::size_t>::max()) : std::nullopt;
+      xml::ReadBytes(*path, std::numeric_limits<std::size_t>::max());
   return bytes ? FirstInvalidUtf8(*bytes) : std::nullopt;
 }
 
