@@ -309,9 +309,11 @@ TEST_F(Merge, WhatASideHasAndNoMergeKeeps_IsAWarning) {
 }
 
 TEST_F(Merge, OutputThatCannotBeWritten_IsTrouble) {
-  const Outcome outcome = RunMerge({"-o", "no/out.xml"});
-  EXPECT_EQ(outcome.status, 2);
-  EXPECT_THAT(outcome.err, HasSubstr("no/out.xml"));
+  EXPECT_EQ(RunMerge({"-o", "no/out.xml"}), Failed("there is no directory " + PathOf("no")));
+  if (!PermissionsBind()) GTEST_SKIP() << "permissions do not bind root";
+  const Permissions read_only(Directory(), 0555);
+  EXPECT_EQ(RunUnprivileged({"merge", "base.xml", "ours.xml", "theirs.xml", "-o", "out.xml"}),
+            Failed("the directory " + Directory() + " may not be written"));
 }
 
 TEST_F(Merge, OfTheSampleProject_HasTheChangesOfBothAndNothingElse) {

@@ -56,6 +56,14 @@ TEST_F(New, DirectoryThatCannotBeWritten_Fails) {
             Failed("the directory " + Directory() + " may not be written"));
 }
 
+TEST_F(New, DirectoryThatCannotBeEntered_Fails) {
+  if (!PermissionsBind()) GTEST_SKIP() << "permissions do not bind root";
+  std::filesystem::create_directory(PathOf("closed"));
+  const Permissions closed(PathOf("closed"), 0);
+  EXPECT_EQ(RunUnprivileged({"new", "blinker", "-o", "closed/blinker.xml"}),
+            Failed("closed/blinker.xml: Permission denied"));
+}
+
 TEST_F(New, TextThatXmlCannotHold_CreatesNothing) {
   EXPECT_EQ(Run({"new", "blink\x02", "-o", "blinker.xml"}).status, 2);
   EXPECT_THAT(Names(), IsEmpty());

@@ -121,6 +121,7 @@ constexpr bool kKeepStamps = true;
 
 MergedProjects MergeIntoFile(const MergeArguments& arguments, const std::string& output,
                              const Console& console) {
+  RequireWritable(output);
   // The output may be an input: it stays as it is from before it is read until it is written.
   std::optional<projectdb::ProjectFileLock> lock;
   projectdb::WriteOptions options{kKeepStamps, projectdb::ProjectFileVersion(), true};

@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <system_error>
 
 #include <projectdb/durable_export.h>
 #include <projectdb/project_db.h>
@@ -17,7 +18,9 @@ void RequireNewProjectFile(const std::string& file) {
     throw Trouble(file + ": the name of a project file ends in " +
                   KelProjectDatabase::XML_FILE_EXT);
   }
-  if (std::filesystem::exists(path)) throw Trouble(file + " exists already");
+  std::error_code error;
+  if (std::filesystem::exists(path, error)) throw Trouble(file + " exists already");
+  if (error) throw Trouble(file + ": " + error.message());
   RequireWritable(file);
 }
 
