@@ -146,6 +146,28 @@ TEST_F(ReadingFile, InterruptedRead_IsTriedAgain) {
   EXPECT_THAT(Read().problems, IsEmpty());
 }
 
+// --- What is not kept ---
+
+TEST_F(ReadingFile, CommentsAndSecuritySections_AreUnkeptAndNoProblems) {
+  const ProjectFile file = ReadBytes(
+      "<!-- one --><project>\n text<!-- two\n --> <security/><!-- three -->\n"
+      "<device_info><!-- four --></device_info></project>\n<!-- five -->");
+  EXPECT_THAT(file.problems, IsEmpty());
+  Lines unkept;
+  for (const FileProblem& each : file.unkept) {
+    EXPECT_EQ(each.severity, ProblemSeverity::kWarning);
+    unkept.push_back(std::to_string(each.line) + ":" + std::to_string(each.column) + ": " +
+                     each.message);
+  }
+  EXPECT_THAT(unkept, ElementsAre("1:1: the comment is not kept", "2:6: the comment is not kept",
+                                  "3:6: <security> is not kept", "3:17: the comment is not kept",
+                                  "4:14: the comment is not kept", "5:1: the comment is not kept"));
+}
+
+TEST_F(ReadingFile, FileThatIsKeptWhole_HasNothingUnkept) {
+  EXPECT_THAT(ReadBytes(CompleteProjectXml()).unkept, IsEmpty());
+}
+
 // --- Versions ---
 
 TEST_F(ReadingFile, UnchangedFile_HasItsVersionAgain) {

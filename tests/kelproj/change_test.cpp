@@ -166,6 +166,48 @@ TEST_P(ChangeOfContents, ElementThatALoadDoesNotKnow_IsAnErrorWithItsLineUnlessF
   EXPECT_THAT(Read("blinker.xml"), Not(HasSubstr("floorplan")));
 }
 
+TEST_P(ChangeOfContents, WhatASaveDrops_IsAWarningWithItsLine) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"<!-- who knows why -->", "the comment is not kept"},
+      {"<kel:security/>", "<security> is not kept"},
+      {"<kel:package_info/>", "<package_info> is deprecated and ignored"},
+      {"<kel:synthesis><kel:param name=\"goal\" value=\"\" "
+       "value_type=\"e_string\"/></kel:synthesis>",
+       "parameter \"goal\" is ignored"}};
+  const std::string former = Read("blinker.xml");
+  for (const auto& [text, warning] : cases) {
+    Write("blinker.xml", former);
+    const std::size_t line = Insert(text, "device_info");
+    const Outcome outcome = Run(GetParam());
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.err, AllOf(StartsWith("blinker.xml:" + std::to_string(line) + ":"),
+                                   HasSubstr(std::string(": warning: ") + warning)));
+    EXPECT_THAT(Read("blinker.xml"), Not(HasSubstr(text)));
+  }
+}
+
+TEST_P(ChangeOfContents, MisspeltAttribute_IsAnErrorWithItsLineUnlessForced) {
+  const std::string place =
+      "blinker.xml:" +
+      std::to_string(Insert("<kel:ip_info><kel:ip instance_name=\"u\" path=\"p.ip\" pfad=\"p\"/>"
+                            "</kel:ip_info>",
+                            "ip_info")) +
+      ":";
+  Command command = GetParam();
+  EXPECT_EQ(Run(command).status, 2);
+  command.emplace_back("--force");
+  const Outcome forced = Run(command);
+  EXPECT_EQ(forced.status, 0);
+  EXPECT_THAT(forced.err, AllOf(HasSubstr(place), HasSubstr("pfad")));
+  EXPECT_THAT(Read("blinker.xml"), Not(HasSubstr("pfad")));
+}
+
+TEST_F(KelprojTest, ChangeThatChangesNothing_TellsOfNothingThatItWouldDrop) {
+  MakeProject();
+  Write("blinker.xml", Read("blinker.xml") + "<!-- the end -->\n");
+  ExpectUnchangedBy({"set", "blinker.xml", "name", "blinker"}, Done());
+}
+
 TEST_F(KelprojTest, SeveralThatChangeOneFileAtOnce_LoseNoChange) {
   constexpr int kChangers = 4;
   constexpr int kChangesOfEach = 10;

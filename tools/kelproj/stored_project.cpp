@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
+#include <tuple>
+#include <utility>
 
 #include <fcntl.h>
 #include <projectdb/project_file.h>
@@ -38,10 +40,20 @@ bool MayWrite(const std::filesystem::path& path) {
   return ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
 }
 
-void UpdateOrSayWhyNot(const std::string& path, const std::function<void(ProjectContents&)>& change,
+// In the order of their places.
+std::vector<FileProblem> Joined(std::vector<FileProblem> problems,
+                                const std::vector<FileProblem>& unkept) {
+  problems.insert(problems.end(), unkept.begin(), unkept.end());
+  std::stable_sort(problems.begin(), problems.end(), [](const auto& a, const auto& b) {
+    return std::tie(a.line, a.column) < std::tie(b.line, b.column);
+  });
+  return problems;
+}
+
+bool UpdateOrSayWhyNot(const std::string& path, const std::function<void(ProjectContents&)>& change,
                        const projectdb::UpdateOptions& options) {
   try {
-    projectdb::UpdateProjectFile(path, change, options);
+    return projectdb::UpdateProjectFile(path, change, options);
   } catch (const Trouble&) {
     throw;
   } catch (const Refusal&) {
@@ -102,7 +114,7 @@ ProjectContents ParseToChange(const std::string& bytes, const std::string& name,
                               bool despite_errors, const Console& console) {
   const std::string schema = InstalledSchema();
   ProjectFile read = projectdb::ParseProjectFile(bytes, schema);
-  WriteProblems(console.err, name, read.problems);
+  WriteProblems(console.err, name, Joined(read.problems, read.unkept));
   if (!despite_errors && HasError(read.problems)) ThrowHasErrors(name);
   // With a schema, what it refuses has no contents.
   if (!read.contents) read = projectdb::ParseProjectFile(bytes, "");
@@ -116,6 +128,7 @@ void ChangeProject(const ChangedFile& file, const Console& console,
   ReportReading(file.path);
   const std::string schema = InstalledSchema();
   std::vector<FileProblem> problems;
+  std::vector<FileProblem> unkept;
   projectdb::UpdateOptions options;
   // With a schema, what it refuses has no contents.
   if (!file.despite_errors) options.schema_file = schema;
@@ -124,14 +137,16 @@ void ChangeProject(const ChangedFile& file, const Console& console,
   options.canonical = form.canonical;
   options.on_reading = [&](const ProjectFile& read) {
     problems = file.despite_errors ? projectdb::CheckProjectFile(file.path, schema) : read.problems;
+    unkept = read.unkept;
     const bool is_refused = !file.despite_errors && HasError(problems);
     if (read.contents && !is_refused) return;
     WriteProblems(console.err, file.path, problems);
     if (is_refused) ThrowHasErrors(file.path);
     ThrowDoesNotLoad(file.path);
   };
-  UpdateOrSayWhyNot(file.path, change, options);
+  const bool is_written = UpdateOrSayWhyNot(file.path, change, options);
   // What the file has beside the project is lost with the former file.
+  if (is_written) problems = Joined(std::move(problems), unkept);
   WriteProblems(console.err, file.path, problems);
 }
 

@@ -35,9 +35,9 @@ struct ChangedFile {
 /// What a project file would hold, if it may be changed. What a save would not keep is told on the
 /// console.
 /// @param name of the bytes in messages
-/// @exception Trouble if they have errors by a load or the installed schema and are not to be
-/// changed
-///            despite them
+/// @exception Trouble if they do not load, or if they have errors by a load or the installed
+///            schema and are not to be changed despite
+///            them
 projectdb::ProjectContents ParseToChange(const std::string& bytes, const std::string& name,
                                          bool despite_errors, const Console& console);
 

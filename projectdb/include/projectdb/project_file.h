@@ -49,6 +49,9 @@ struct ProjectFile {
   std::optional<ProjectContents> contents;
   std::vector<FileProblem> problems;  ///< As CheckProjectFile lists them.
   ProjectFileVersion version;         ///< That of no file if there is none.
+  /// What is no problem, but not kept: comments and security sections, each a warning in its place.
+  /// Who writes over a file may want to tell of it.
+  std::vector<FileProblem> unkept = {};
 };
 
 /// Reads a file, which is opened once, and once more only to find the line of text that is not

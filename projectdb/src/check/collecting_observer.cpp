@@ -69,6 +69,11 @@ void CollectingObserver::UnexpectedSection(const DOMElement& element) {
                                 expected));
 }
 
+void CollectingObserver::SkippedSection(const DOMElement& element) {
+  unkept_.Add(ProblemSeverity::kWarning, positions_.Of(element),
+              fmt::format("{} is not kept", Tag(element)));
+}
+
 void CollectingObserver::UnexpectedChild(const DOMElement& element, const Names& expected) {
   AddError(element, fmt::format("{} cannot stand in {}; expected {}", Tag(element),
                                 ParentTag(element), Tags(expected)));

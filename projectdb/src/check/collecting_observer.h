@@ -12,10 +12,11 @@ namespace projectdb::check {
 class CollectingObserver : public LoadObserver {
  public:
   /// @param positions of the document's elements; like the problems, they must outlive this
-  CollectingObserver(ElementPositions& positions, ProblemList& problems)
-      : positions_(positions), problems_(problems) {}
+  CollectingObserver(ElementPositions& positions, ProblemList& problems, ProblemList& unkept)
+      : positions_(positions), problems_(problems), unkept_(unkept) {}
 
   void UnexpectedSection(const xercesc::DOMElement& element) override;
+  void SkippedSection(const xercesc::DOMElement& element) override;
   void UnexpectedChild(const xercesc::DOMElement& element, const Names& expected) override;
   void IgnoredElement(const xercesc::DOMElement& element, const Names& expected) override;
   void NamelessFile(const xercesc::DOMElement& element) override;
@@ -33,6 +34,7 @@ class CollectingObserver : public LoadObserver {
 
   ElementPositions& positions_;
   ProblemList& problems_;
+  ProblemList& unkept_;
 };
 
 /// The start tag of an element as it stands in the file, but without prefix and attributes.

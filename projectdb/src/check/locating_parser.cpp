@@ -97,6 +97,7 @@ class LocatingParser : public xml::DomParser {
 
   void docComment(const XMLCh* comment) override {
     DomParser::docComment(comment);
+    positions_.AddComment();
     NoteEndOfPiece();
   }
 

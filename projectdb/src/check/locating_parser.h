@@ -26,8 +26,9 @@ struct Position {
 /// @return nothing if there is none
 std::optional<Position> FirstInvalidUtf8(std::string_view bytes);
 
-/// Where the elements of a document begin, noted while it is parsed. Most documents have no problem
-/// and nobody asks for a position: the first question costs more than noting them all.
+/// Where the elements and comments of a document begin, noted while it is parsed. Most documents
+/// have no problem and nobody asks for a position: the first question costs more than noting them
+/// all.
 class ElementPositions {
  public:
   /// Notes where the markup begins that the parser comes to next.
@@ -37,6 +38,11 @@ class ElementPositions {
     positions_.emplace_back(element, position);
   }
 
+  /// Notes that the markup is a comment that the parser has just come to.
+  void AddComment() { comments_.push_back(current_); }
+
+  const std::vector<Position>& comments() const { return comments_; }
+
   /// Where the markup begins that is being parsed; nowhere before the parse.
   Position current() const { return current_; }
 
@@ -45,6 +51,7 @@ class ElementPositions {
 
  private:
   Position current_;
+  std::vector<Position> comments_;
   std::vector<std::pair<const xercesc::DOMElement*, Position>> positions_;
   bool is_sorted_ = false;  ///< By the element.
 };

@@ -75,6 +75,7 @@ class ProjectFileReader {
 
   ProjectFile TakeResult() {
     result_.problems = problems_.Take();
+    result_.unkept = unkept_.Take();
     return std::move(result_);
   }
 
@@ -107,12 +108,16 @@ class ProjectFileReader {
           ProblemSeverity::kWarning, positions.Of(root),
           fmt::format("the root is {}; expected <{}>", check::Tag(root), format::kProject.narrow));
     }
-    check::CollectingObserver observer(positions, problems_);
+    for (const check::Position& comment : positions.comments()) {
+      unkept_.Add(ProblemSeverity::kWarning, comment, "the comment is not kept");
+    }
+    check::CollectingObserver observer(positions, problems_, unkept_);
     xml::WithPrefixedErrors("", [&] { return project_.LoadProjectDocument(&root, observer); });
   }
 
   KelProjectDatabase project_;
   check::ProblemList problems_;
+  check::ProblemList unkept_;
   ProjectFile result_;
 };
 

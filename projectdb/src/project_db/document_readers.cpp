@@ -141,7 +141,10 @@ bool KelProjectDatabase::LoadProjectInfo(const char* ns, const DOMElement* elem,
     const auto& [type, name, title] = kFlowProcesses[i];
     if (is(format::kProcesses[i])) return SetUpFlowProcess(type, name, ns, elem, observer);
   }
-  if (is(format::kSecurity)) return true;
+  if (is(format::kSecurity)) {
+    observer.SkippedSection(*elem);
+    return true;
+  }
   if (is(format::kPackageInfo)) {
     observer.DeprecatedElement(*elem);
     return true;

@@ -28,6 +28,7 @@ class PostingObserver : public LoadObserver {
   void UnexpectedSection(const DOMElement& element) override {
     messages::Post(messages::MsgUnexpectedTag(TagOf(element)));
   }
+  void SkippedSection(const DOMElement& /*element*/) override {}
   void UnexpectedChild(const DOMElement& /*element*/, const Names& /*expected*/) override {}
   void IgnoredElement(const DOMElement& /*element*/, const Names& /*expected*/) override {}
   void NamelessFile(const DOMElement& /*element*/) override {}

@@ -23,6 +23,9 @@ class LoadObserver {
   /// A child of the root that is no section; the load's result is false.
   virtual void UnexpectedSection(const xercesc::DOMElement& element) = 0;
 
+  /// A section that no project keeps, of which nobody needs to be told.
+  virtual void SkippedSection(const xercesc::DOMElement& element) = 0;
+
   /// A child that its section does not have; the load's result is false.
   /// @param expected the children that it has
   virtual void UnexpectedChild(const xercesc::DOMElement& element, const Names& expected) = 0;
