@@ -37,6 +37,22 @@ TEST_F(Rename, File_HasTheNewNameInEveryListThatHasIt) {
   EXPECT_EQ(Sources(), nlohmann::json({"pll.v", "../../rtl/first.v"}));
 }
 
+TEST_F(Rename, NameThatAListHasAlready_IsRefused) {
+  const std::string former = Read("blinker.xml");
+  EXPECT_EQ(Run({"rename", "blinker.xml", "rtl/old/a.v", "./top.v"}),
+            Refused("\"top.v\" is among the design files already"));
+  EXPECT_EQ(Run({"rename", "blinker.xml", "rtl/old/a.v", "ip/pll/pll.v"}),
+            Refused("\"ip/pll/pll.v\" is among the source files of IP instance \"u_pll\" already"));
+  EXPECT_EQ(Read("blinker.xml"), former);
+}
+
+TEST_F(Rename, FileThatAListHasTwice_IsRenamedTwice) {
+  ASSERT_EQ(Run({"add", "blinker.xml", "--rtl", "top.v", "--again"}), Done());
+  EXPECT_EQ(Run({"rename", "blinker.xml", "top.v", "chip.v"}), Done());
+  EXPECT_THAT(Listed("design.files"),
+              ElementsAre("chip.v", "rtl/old/a.v", "rtl/old/deep/b.v", "rtl/older/c.v", "chip.v"));
+}
+
 TEST_F(Rename, Constraints_AreRenamed) {
   EXPECT_EQ(Run({"rename", "blinker.xml", "clocks.sdc", "timing.sdc"}), Done());
   EXPECT_THAT(Listed("constraint.sdc"), ElementsAre("timing.sdc"));

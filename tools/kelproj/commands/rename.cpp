@@ -1,12 +1,16 @@
 #include <filesystem>
 #include <optional>
+#include <string>
+#include <unordered_set>
 #include <variant>
+#include <vector>
 
 #include <projectdb/project_contents.h>
 #include <projectdb/vocabulary.h>
 
 #include "commands/changing.h"
 #include "file_identities.h"
+#include "file_kinds.h"
 #include "named_files.h"
 #include "stored_project.h"
 
@@ -43,6 +47,8 @@ class Renaming {
   }
 
  private:
+  using Identities = std::vector<std::string>;
+
   // The attributes are free text.
   void Rename(const ProjectTerm& /*term*/, projectdb::InfoAttributes& /*attributes*/) {}
 
@@ -55,11 +61,15 @@ class Renaming {
   }
 
   void Rename(const ProjectTerm& term, std::vector<std::string>& names) {
+    const Identities former = IdentitiesOf(names, project_directory_);
     for (std::string& name : names) Rename(term, name);
+    RequireNew(former, IdentitiesOf(names, project_directory_), TitleInSentence(term));
   }
 
   void Rename(const ProjectTerm& term, std::vector<DesignFile>& files) {
+    const Identities former = IdentitiesOf(files, project_directory_);
     for (DesignFile& file : files) Rename(term, file.name);
+    RequireNew(former, IdentitiesOf(files, project_directory_), TitleInSentence(term));
   }
 
   // The sources stay the files that they are when the directory of the instance changes.
@@ -68,15 +78,45 @@ class Renaming {
       const fs::path former_directory = (project_directory_ / ip.path).parent_path();
       Rename(term, ip.path);
       const fs::path directory = (project_directory_ / ip.path).parent_path();
-      for (IPSrcFile& source : ip.src_files) {
-        const fs::path former = former_directory / source.name;
-        const std::optional<fs::path> path = NewPath(former);
-        if (path) {
-          source.name = StoredFor(*path, directory, makes_absolute_ || IsAbsolute(source.name));
-        } else if (directory != former_directory && !IsAbsolute(source.name)) {
-          source.name = StoredFor(former, directory, false);
-        }
-      }
+      const Identities former = IdentitiesOf(ip.src_files, former_directory);
+      for (IPSrcFile& source : ip.src_files) RenameSource(source, former_directory, directory);
+      RequireNew(former, IdentitiesOf(ip.src_files, directory),
+                 "source files of IP instance \"" + ip.instance_name + "\"");
+    }
+  }
+
+  void RenameSource(IPSrcFile& source, const fs::path& former_directory,
+                    const fs::path& directory) {
+    const fs::path former = former_directory / source.name;
+    const std::optional<fs::path> path = NewPath(former);
+    if (path) {
+      source.name = StoredFor(*path, directory, makes_absolute_ || IsAbsolute(source.name));
+    } else if (directory != former_directory && !IsAbsolute(source.name)) {
+      source.name = StoredFor(former, directory, false);
+    }
+  }
+
+  template <typename Entry>
+  Identities IdentitiesOf(const std::vector<Entry>& entries, const fs::path& directory) {
+    Identities identities;
+    identities.reserve(entries.size());
+    for (const Entry& entry : entries) {
+      identities.push_back(identities_.Of(directory / projectdb::FileNameOf(entry)));
+    }
+    return identities;
+  }
+
+  // Two files of a list that became one could not be told apart again.
+  void RequireNew(const Identities& former, const Identities& present,
+                  const std::string& title) const {
+    std::unordered_set<std::string> kept;
+    for (std::size_t i = 0; i < former.size(); ++i) {
+      if (former[i] == present[i]) kept.insert(present[i]);
+    }
+    for (std::size_t i = 0; i < former.size(); ++i) {
+      if (former[i] == present[i] || kept.count(present[i]) == 0) continue;
+      throw Refusal("\"" + StoredFor(present[i], project_directory_, false) + "\" is among the " +
+                    title + " already");
     }
   }
 
