@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <projectdb/durable_export.h>
@@ -91,6 +92,19 @@ inline void PrintTo(const FileState& state, std::ostream* out) {
   *out << "inode " << state.status.st_ino << ", mode 0" << std::oct << state.status.st_mode
        << std::dec << ", owner " << state.status.st_uid << ", group " << state.status.st_gid << ", "
        << state.bytes.size() << " bytes";
+}
+
+/// Runs work while the process may have so many files open.
+template <typename Work>
+std::string WithOpenFileLimit(rlim_t files, Work work) {
+  rlimit former{};
+  ::getrlimit(RLIMIT_NOFILE, &former);
+  rlimit limit = former;
+  limit.rlim_cur = files;
+  ::setrlimit(RLIMIT_NOFILE, &limit);
+  std::string result = work();
+  ::setrlimit(RLIMIT_NOFILE, &former);
+  return result;
 }
 
 }  // namespace test_support

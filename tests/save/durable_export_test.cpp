@@ -563,19 +563,6 @@ TEST_F(FailingDurableExport, FileSizeLimitBelowTheWhole_IsAnErrorAndLeavesTheFor
   EXPECT_EQ(NameInFile(path_), "next");
 }
 
-/// Runs work while the process may have so many files open.
-template <typename Work>
-std::string WithOpenFileLimit(rlim_t files, Work work) {
-  rlimit former{};
-  ::getrlimit(RLIMIT_NOFILE, &former);
-  rlimit limit = former;
-  limit.rlim_cur = files;
-  ::setrlimit(RLIMIT_NOFILE, &limit);
-  std::string result = work();
-  ::setrlimit(RLIMIT_NOFILE, &former);
-  return result;
-}
-
 TEST_F(FailingDurableExport, TooFewFilesMayBeOpen_IsAnErrorAndLeavesTheFormerFile) {
   if (kSanitized) GTEST_SKIP() << "the sanitizer needs files of its own";
   const FileState former(path_);

@@ -162,11 +162,13 @@ TEST_F(FilteredSave, FlushesTheWholeFileBeforeItsRenamingAndTheDirectoryAfterIt)
     return 0;
   });
   EXPECT_EQ(SaveError(database_, path_), "");
-  EXPECT_THAT(steps, ElementsAre("getentropy none, former", "openat directory, former",
-                                 "flock temporary, former", "getxattr none, former",
-                                 "fremovexattr temporary, former", "fchmod temporary, former",
-                                 "fsync temporary, former", "renameat directory, former",
-                                 "fsync directory, next"));
+  EXPECT_THAT(
+      steps,
+      ElementsAre("getentropy none, former", "openat directory, former", "flock temporary, former",
+                  "fstat temporary, former", "fstat temporary, former", "fstat temporary, former",
+                  "getxattr none, former", "fremovexattr temporary, former",
+                  "fstat temporary, former", "fchmod temporary, former", "fsync temporary, former",
+                  "renameat directory, former", "fsync directory, next"));
 }
 
 TEST_F(FilteredSave, TemporaryFile_IsForItsOwnerOnlyAndWholeUnderNoProjectsNameUntilRenamed) {

@@ -13,7 +13,9 @@
 #include <projectdb/durable_export.h>
 #include <projectdb/project_db.h>
 
+#include "testing/child_process.h"
 #include "testing/project_loading.h"
+#include "testing/sanitizers.h"
 #include "testing/saving.h"
 #include "testing/threads.h"
 #include "testing/xml_platform.h"
@@ -24,9 +26,12 @@ using namespace std::chrono_literals;
 using namespace projectdb;
 using test_support::CompleteProjectXml;
 using test_support::FileState;
+using test_support::InChildProcess;
 using test_support::Loading;
 using test_support::NamesIn;
 using test_support::ProjectXml;
+using test_support::TerminateXmlPlatformForAll;
+using test_support::WithOpenFileLimit;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::UnorderedElementsAreArray;
@@ -151,6 +156,30 @@ TEST_F(Update, FileThatBreaksTheGivenSchema_IsRefused) {
   options.schema_file = Write("device.xsd", test_support::DeviceOnlySchema());
   EXPECT_NE(UpdateError([](ProjectContents& project) { project.project_name = "x"; }, options), "");
   EXPECT_EQ(Contents().project_name, "demo");
+}
+
+// The XML library is there for each call alone, as in a program that does nothing else with it.
+TEST_F(Update, TooFewFilesMayBeOpen_IsAnErrorAndLeavesTheFormerFile) {
+  if (test_support::kSanitized) GTEST_SKIP() << "the sanitizer needs files of its own";
+  const FileState former(path());
+  const auto error_under = [&](rlim_t files) {
+    return InChildProcess([&] {
+      TerminateXmlPlatformForAll();
+      const auto change = [](ProjectContents& project) { project.project_name = "next"; };
+      return WithOpenFileLimit(files, [&] { return UpdateError(change); });
+    });
+  };
+  int failures = 0;
+  for (rlim_t files = 0; files < 1000; ++files) {
+    const std::string error = error_under(files);
+    if (error.empty()) break;
+    ++failures;
+    ASSERT_THAT(error, HasSubstr("Too many open files"));
+    ASSERT_EQ(FileState(path()), former);
+    ASSERT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
+  }
+  EXPECT_GE(failures, 3);
+  EXPECT_EQ(Contents().project_name, "next");
 }
 
 TEST_F(Update, MissingFile_IsAnErrorThatNamesIt) {

@@ -15,12 +15,15 @@
 #include <projectdb/vocabulary.h>
 
 #include "save/replace_file.h"
+#include "testing/child_process.h"
 #include "testing/denied.h"
 #include "testing/filtered_calls.h"
 #include "testing/project_loading.h"
+#include "testing/sanitizers.h"
 #include "testing/saving.h"
 #include "testing/shipped_files.h"
 #include "testing/test.h"
+#include "testing/xml_platform.h"
 
 namespace {
 
@@ -294,6 +297,30 @@ TEST_F(WritingFile, CanonicalWanted_ReplacesOtherBytesOfTheSameContentsOnce) {
   options.canonical = true;
   EXPECT_TRUE(WriteProjectFile(path(), contents_, options));
   EXPECT_FALSE(WriteProjectFile(path(), contents_, options));
+}
+
+// The XML library is there for each call alone, as in a program that does nothing else with it.
+TEST_F(WritingFile, TooFewFilesMayBeOpen_IsAnErrorAndLeavesTheFormerFile) {
+  if (kSanitized) GTEST_SKIP() << "the sanitizer needs files of its own";
+  Write("p.xml", ProjectXml("", "name=\"former\""));
+  const FileState former(path());
+  const auto error_under = [&](rlim_t files) {
+    return InChildProcess([&] {
+      TerminateXmlPlatformForAll();
+      return WithOpenFileLimit(files, [&] { return WriteError(contents_); });
+    });
+  };
+  int failures = 0;
+  for (rlim_t files = 0; files < 1000; ++files) {
+    const std::string error = error_under(files);
+    if (error.empty()) break;
+    ++failures;
+    ASSERT_EQ(error, WritingError(path(), "Too many open files"));
+    ASSERT_EQ(FileState(path()), former);
+    ASSERT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
+  }
+  EXPECT_GE(failures, 3);
+  EXPECT_THAT(DifferencesButStamps(contents_, Contents()), IsEmpty());
 }
 
 TEST_F(WritingFile, ExpectedVersion_IsWritten) {

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "base/failure.h"
+#include "base/system_calls.h"
 
 namespace projectdb::files {
 
@@ -38,7 +39,7 @@ class FileDescriptor {
 
   struct stat Status() const {
     struct stat status {};
-    RequireSuccess(::fstat(number_, &status));
+    RequireSuccess(CallSystem("fstat", ::fstat, number_, &status));
     return status;
   }
 

@@ -71,7 +71,7 @@ void Directory::Flush() const {
   if (FlushToDisk(descriptor()) != 0 && errno != EINVAL) ThrowSystemFailure();
 }
 
-TemporaryFile::TemporaryFile(const Directory& directory, mode_t mode) : directory_(directory) {
+TemporaryFile::TemporaryFile(const Directory& directory, mode_t mode) : TemporaryFile(directory) {
   // Somebody who removes abandoned files may take it for one before it is locked.
   do {
     Create(mode);
@@ -88,7 +88,7 @@ void TemporaryFile::Create(mode_t mode) {
 }
 
 TemporaryFile::~TemporaryFile() {
-  if (!stays_) ::unlinkat(directory_.descriptor(), name_.c_str(), 0);
+  if (descriptor_ && !stays_) ::unlinkat(directory_.descriptor(), name_.c_str(), 0);
 }
 
 void TemporaryFile::Flush() const { RequireSuccess(FlushToDisk(descriptor_->number())); }

@@ -60,6 +60,9 @@ class TemporaryFile {
   void Unlock() const;
 
  private:
+  /// No file yet: once this has run, the destructor cleans up after whatever fails.
+  explicit TemporaryFile(const Directory& directory) : directory_(directory) {}
+
   void Create(mode_t mode);
 
   const Directory& directory_;

@@ -22,13 +22,11 @@ namespace projectdb {
 namespace {
 
 std::string BytesOf(const ProjectContents& contents, const FormatOptions& options) {
-  const xml::Platform platform;
   return xml::WriteDOMDocumentToBytes(*CanonicalDocument(contents, options));
 }
 
 void WriteTo(const std::string& path, const ProjectContents& contents,
              const FormatOptions& options) {
-  const xml::Platform platform;
   xml::WriteDOMDocumentToFile(path, CanonicalDocument(contents, options).get());
 }
 
@@ -104,12 +102,21 @@ std::unique_ptr<files::FileLock> LockForWriting(const std::string& path,
   }
 }
 
+/// As xml::WithPrefixedErrors. The XML library is there until none of its exceptions is left.
+template <typename Action>
+auto WithXmlLibrary(const std::string& prefix, Action action) {
+  return xml::WithBadAlloc([&] {
+    const xml::Platform platform;
+    return xml::WithPrefixedErrors(prefix, action);
+  });
+}
+
 }  // namespace
 
 bool WriteOver(const std::string& path, const ProjectFile& former, const ProjectContents& contents,
                const WriteOptions& options) {
-  return xml::WithPrefixedErrors(WritingPrefix(path),
-                                 [&] { return Write(path, former, contents, options); });
+  return WithXmlLibrary(WritingPrefix(path),
+                        [&] { return Write(path, former, contents, options); });
 }
 
 bool WriteProjectFile(const std::string& path, const ProjectContents& contents,
@@ -119,8 +126,7 @@ bool WriteProjectFile(const std::string& path, const ProjectContents& contents,
 }
 
 std::string FormatProjectFile(const ProjectContents& contents, const FormatOptions& options) {
-  return xml::WithPrefixedErrors("Failed writing XML file: ",
-                                 [&] { return BytesOf(contents, options); });
+  return WithXmlLibrary("Failed writing XML file: ", [&] { return BytesOf(contents, options); });
 }
 
 }  // namespace projectdb
