@@ -87,6 +87,33 @@ TEST_F(Add, FromAnotherDirectory_NamesAreTakenFromThereAndStoredRelativeToThePro
   EXPECT_THAT(Listed("design.files").back(), EndsWith("../nowhere.v"));
 }
 
+TEST_F(Add, ProjectReachedThroughALink_HasTheNamesOfItsFilesWithoutIt) {
+  std::filesystem::create_directories(PathOf("real/proj/rtl"));
+  std::filesystem::create_directory_symlink("real/proj", PathOf("proj"));
+  for (const char* name : {"a.v", "b.v", "c.v"}) Write(std::string("real/proj/rtl/") + name, "");
+  ASSERT_EQ(Run({"new", "lamp", "-o", "proj/lamp.xml"}), Done());
+  EXPECT_EQ(Run({"add", "proj/lamp.xml", "--rtl", "proj/rtl/a.v"}), Done());
+  EXPECT_EQ(Run({"add", "proj/lamp.xml", "--rtl", "real/proj/rtl/b.v"}), Done());
+  EXPECT_EQ(Run({"add", "real/proj/lamp.xml", "--rtl", "proj/rtl/c.v"}), Done());
+  EXPECT_EQ(Run({"list", "proj/lamp.xml", "--stored"}).out, "rtl/a.v\nrtl/b.v\nrtl/c.v\n");
+}
+
+TEST_F(Add, WayBackThroughALink_LeadsWhereTheSystemSays) {
+  std::filesystem::create_directories(PathOf("other/sub"));
+  std::filesystem::create_directory_symlink("other/sub", PathOf("link"));
+  Write("other/x.v", "");
+  EXPECT_EQ(Run({"add", "blinker.xml", "--rtl", "link/../x.v"}), Done());
+  EXPECT_THAT(Listed("design.files"), ElementsAre("other/x.v"));
+  EXPECT_EQ(Run({"rename", "blinker.xml", "other/x.v", "link/../y.v"}), Done());
+  EXPECT_THAT(Listed("design.files"), ElementsAre("other/y.v"));
+}
+
+TEST_F(Add, FileBehindALinkInTheProject_KeepsItsSpelling) {
+  std::filesystem::create_directory_symlink("rtl", PathOf("sources"));
+  EXPECT_EQ(Run({"add", "blinker.xml", "--rtl", "sources/d.v"}), Done());
+  EXPECT_THAT(Listed("design.files"), ElementsAre("sources/d.v"));
+}
+
 TEST_F(Add, AbsoluteName_StaysAbsolute) {
   EXPECT_EQ(Run({"add", "blinker.xml", "--rtl", PathOf("a.v")}), Done());
   EXPECT_THAT(Listed("design.files"), ElementsAre(PathOf("a.v")));

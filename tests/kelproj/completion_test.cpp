@@ -176,6 +176,8 @@ TEST_F(BashCompletion, UnfinishedWord_IsOfferedWhatMayStandThere) {
             Lines({"synthesis.param.effort"}));
   EXPECT_EQ(CompletionsInBash({"kelproj", "remove", "lamp.xml", "my\\ rtl/"}),
             Lines({"my\\ rtl/it\\'s\\ \\$new.v", "my\\ rtl/lamp.v"}));
+  EXPECT_EQ(CompletionsInBash({"kelproj", "remove", "lamp.xml", "\"my rtl/la"}),
+            Lines({"my rtl/lamp.v"}));
   EXPECT_EQ(CompletionsInBash({"kelproj", "show", ""}), Lines());
 }
 

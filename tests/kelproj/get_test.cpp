@@ -61,6 +61,14 @@ TEST_F(Get, UnknownKey_FailsBeforeTheFileIsRead) {
   }
 }
 
+TEST_F(Get, KeyWithoutAName_IsNotSuggestedAsItIs) {
+  for (const std::string key : {"synthesis.param.", "info."}) {
+    EXPECT_THAT(Run({"get", "no_such_file.xml", key}).err,
+                AllOf(HasSubstr("\"" + key + "\" is no key of a project"),
+                      Not(HasSubstr("did you mean \"" + key + "\""))));
+  }
+}
+
 TEST_F(Get, UnknownKeyThatIsNearToAKey_IsToldWithThatOne) {
   const std::pair<std::string, std::string> cases[] = {
       {"devcie.family", "device.family"},

@@ -102,6 +102,13 @@ TEST_F(GitSetup, Global_ConfiguresTheUserAndNotTheRepository) {
   EXPECT_EQ(ReadFile(Home(".gitconfig")), users);
 }
 
+TEST_F(GitSetup, FileThatIsNoProjectFileByItsName_IsRefused) {
+  Write("top.sv", "");
+  EXPECT_EQ(Run({"git-setup", "top.sv"}),
+            Failed("top.sv: the name of a project file ends in .xml"));
+  EXPECT_FALSE(std::filesystem::exists(PathOf(".gitattributes")));
+}
+
 TEST_F(GitSetup, FileOfAnyName_IsMeantAloneWhateverStandsInItsName) {
   std::filesystem::create_directory(PathOf("Söhne & [Co]"));
   for (const std::string file :

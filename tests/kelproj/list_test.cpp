@@ -74,6 +74,14 @@ TEST_F(List, ThroughALinkToTheDirectory_PrintsNamesThatTheUserCanOpen) {
   }
 }
 
+TEST_F(List, NameThatGoesBackThroughALink_IsWhereTheSystemSays) {
+  std::filesystem::create_directories(PathOf("other/sub"));
+  std::filesystem::create_directory_symlink(PathOf("other/sub"), PathOf("lamp/link"));
+  Write("rename.json", R"({"simulation": {"files": [{"name": "link/../bench.sv"}]}})");
+  ASSERT_EQ(Run({"apply", "lamp/lamp.xml", "rename.json"}).status, 0);
+  EXPECT_EQ(RunList({"--sim"}, "lamp", "lamp.xml"), Printed("../other/bench.sv\n"));
+}
+
 TEST_F(List, KindsLibrariesAndVersions_ChooseAmongTheFiles) {
   const std::pair<std::vector<std::string>, const char*> cases[] = {
       {{"--rtl"}, "rtl/my core/up counter.v\nrtl/lamp.sv\n/opt/cells/pad.v\n"},
@@ -244,6 +252,22 @@ TEST_F(ListedDesign, CommandFile_HasMacrosDefineParametersAndDesign) {
                                                                 "rtl/top.v\n"
                                                                 "\"rtl/my core/up counter.v\"\n"
                                                                 "ip/gate.v\n"));
+}
+
+TEST_F(ListedDesign, SourceOfSeveralInstances_IsInACommandFileOnce) {
+  const std::string sources = Run({"list", "lamp.xml", "--rtl", "--stored"}).out;
+  const std::string first = sources.substr(0, sources.find('\n'));
+  for (const char* instance : {"u_first", "u_second"}) {
+    ASSERT_NE(
+        Run({"add", "lamp.xml", "--ip", instance, "--path", std::string(instance) + ".ip", first})
+            .status,
+        2);
+  }
+  for (const char* format : {"f", "iverilog"}) {
+    const std::string listed = Run({"list", "lamp.xml", "--format", format}).out;
+    EXPECT_NE(listed.find(first), std::string::npos) << listed;
+    EXPECT_EQ(listed.find(first), listed.rfind(first)) << listed;
+  }
 }
 
 TEST_F(ListedDesign, CommandFile_IsReadByALinterHereAndElsewhere) {

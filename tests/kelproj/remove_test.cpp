@@ -32,6 +32,14 @@ TEST_F(Remove, File_IsInNoListAnyMore) {
   EXPECT_EQ(Shown("ip").at(0).at("files"), nlohmann::json({"pll.v"}));
 }
 
+TEST_F(Remove, NameOfNoFile_MeansNoEntryWithoutAFile) {
+  Write("instances.json", R"({"ip": [{"instance_name": "u_soft", "path": "", "files": [""]}]})");
+  ASSERT_EQ(Run({"apply", "blinker.xml", "instances.json"}).status, 0);
+  EXPECT_EQ(Run({"remove", "blinker.xml", ""}), Failed("the empty text names no file"));
+  EXPECT_EQ(Run({"remove", "blinker.xml", "."}).status, 1);
+  EXPECT_EQ(Shown("ip").size(), 1U);
+}
+
 TEST_F(Remove, FileOfOneKind_StaysInTheOtherLists) {
   EXPECT_EQ(Run({"remove", "blinker.xml", "--sim", "rtl/b.v"}), Done());
   EXPECT_THAT(Listed("design.files"), ElementsAre("a.v", "rtl/a.v", "rtl/b.v"));

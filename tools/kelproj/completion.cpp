@@ -217,7 +217,9 @@ Words CommandCompletions(const CLI::App& command, const Words& words) {
 
 constexpr char kBashScript[] = R"script(_kelproj() {
   local -a words=()
-  local word i
+  local word i form=%q
+  # What stands in quotes is not quoted once more.
+  [[ ${COMP_WORDS[COMP_CWORD]} == [\"\']* ]] && form=%s
   for ((i = 1; i <= COMP_CWORD; i++)); do
     # As they are typed, words have quotes.
     words+=("${COMP_WORDS[i]//[\\\"\']/}")
@@ -225,7 +227,7 @@ constexpr char kBashScript[] = R"script(_kelproj() {
   COMPREPLY=()
   # Without an answer the shell completes the name of a file.
   while IFS= read -r word; do
-    COMPREPLY+=("$(printf %q "$word")")
+    COMPREPLY+=("$(printf "$form" "$word")")
   done < <("$1" complete -- "${words[@]}" 2>/dev/null)
 }
 complete -o bashdefault -o default -F _kelproj kelproj

@@ -1,5 +1,7 @@
 #include "list_entries.h"
 
+#include "console.h"
+
 namespace kelproj {
 
 bool EntryChoice::ChooseKnown(const std::string& text, const Texts& known, Texts& chosen) {
@@ -9,6 +11,7 @@ bool EntryChoice::ChooseKnown(const std::string& text, const Texts& known, Texts
 }
 
 bool EntryChoice::Choose(const std::string& name) {
+  if (name.empty()) throw Trouble("the empty text names no file");
   const auto choose_file = [&](const std::filesystem::path& directory) {
     return ChooseKnown(identities_.Of(directory / name), known_files_, chosen_files_);
   };

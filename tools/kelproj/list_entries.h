@@ -25,7 +25,9 @@ class EntryChoice {
   template <typename Entry>
   void Know(const std::vector<Entry>& list, const std::filesystem::path& directory) {
     for (const Entry& entry : list) {
-      known_files_.insert(IdentityOf(entry, directory));
+      if (!projectdb::FileNameOf(entry).empty()) {
+        known_files_.insert(IdentityOf(entry, directory));
+      }
       // What sources of IP instances are called says nothing without their instance.
       if constexpr (!std::is_same_v<Entry, projectdb::IPSrcFile>) {
         known_names_.insert({projectdb::NameOf(entry), projectdb::FileNameOf(entry)});
@@ -40,7 +42,8 @@ class EntryChoice {
   /// Whether the entry is chosen.
   template <typename Entry>
   bool Has(const Entry& entry, const std::filesystem::path& directory) {
-    if (chosen_files_.count(IdentityOf(entry, directory)) > 0) return true;
+    const bool has_file = !projectdb::FileNameOf(entry).empty();
+    if (has_file && chosen_files_.count(IdentityOf(entry, directory)) > 0) return true;
     if constexpr (std::is_same_v<Entry, projectdb::IPSrcFile>) return false;
     return chosen_names_.count(projectdb::NameOf(entry)) > 0 ||
            chosen_names_.count(projectdb::FileNameOf(entry)) > 0;

@@ -6,6 +6,7 @@
 #include <variant>
 
 #include "console.h"
+#include "file_identities.h"
 #include "shown_terms.h"
 
 namespace kelproj {
@@ -98,13 +99,32 @@ std::vector<NamedFile> FilesOf(const ProjectContents& project) {
   return collection.files();
 }
 
+std::filesystem::path NormalPath(const std::filesystem::path& path) {
+  FileIdentities identities;
+  const std::filesystem::path normal = path.lexically_normal();
+  const std::string file = identities.Of(path);
+  return identities.Of(normal) == file ? normal : std::filesystem::path(file);
+}
+
 std::string StoredName(const std::string& name, const std::filesystem::path& directory) {
-  if (std::filesystem::path(name).is_absolute()) return name;
-  // The system knows where the user stands without links, and a way back through one leads astray.
-  return (std::filesystem::current_path() / name)
-      .lexically_normal()
-      .lexically_relative(std::filesystem::weakly_canonical(directory))
-      .string();
+  namespace fs = std::filesystem;
+  if (fs::path(name).is_absolute()) return name;
+  FileIdentities identities;
+  const std::string file = identities.Of(fs::current_path() / name);
+  const fs::path spelled = (fs::current_path() / name).lexically_normal();
+  const fs::path project = fs::weakly_canonical(directory);
+  // A way back through a link leads elsewhere than its spelling says.
+  const auto denotes_it = [&](const fs::path& path) {
+    return !path.empty() && identities.Of(project / path) == file;
+  };
+  // Links on the way to the project are left out of the names of the files in it.
+  for (const fs::path& path :
+       {spelled.lexically_relative(fs::absolute(directory).lexically_normal()),
+        fs::path(file).lexically_relative(project)}) {
+    if (denotes_it(path) && *path.begin() != "..") return path.string();
+  }
+  const fs::path path = spelled.lexically_relative(project);
+  return (denotes_it(path) ? path : fs::path(file).lexically_relative(project)).string();
 }
 
 void RequireEnding(const ProjectTerm& term, const std::string& name) {
@@ -114,7 +134,7 @@ void RequireEnding(const ProjectTerm& term, const std::string& name) {
 }
 
 std::string NameFromHere(const std::filesystem::path& path) {
-  return path.lexically_normal().lexically_relative(std::filesystem::current_path()).string();
+  return NormalPath(path).lexically_relative(std::filesystem::current_path()).string();
 }
 
 std::string NameFromHere(const NamedFile& file) {

@@ -30,6 +30,10 @@ struct NamedFile {
 /// All files that the project names, in the order of its lists.
 std::vector<NamedFile> FilesOf(const projectdb::ProjectContents& project);
 
+/// The path without "." and "..". It keeps its links, but for those through which it goes back, as
+/// these lead elsewhere than they are spelled.
+std::filesystem::path NormalPath(const std::filesystem::path& path);
+
 /// The name under which a project stores a file that the user names from where he stands: relative
 /// to the directory, which is the project's or, for a source of an IP instance, that of its path.
 /// An absolute name stays.

@@ -45,7 +45,7 @@ std::string DidYouMean(const std::string& word, const std::vector<std::string>& 
   std::string nearest;
   for (const std::string& each : known) {
     const std::size_t edits = EditsBetween(InLowerCase(word), InLowerCase(each));
-    if (edits >= fewest) continue;
+    if (edits >= fewest || each == word) continue;
     fewest = edits;
     nearest = each;
   }

@@ -1,12 +1,16 @@
 #include <algorithm>
 #include <filesystem>
 #include <ostream>
+#include <string>
+#include <unordered_set>
+#include <vector>
 
 #include <projectdb/project_contents.h>
 #include <projectdb/vocabulary.h>
 
 #include "command_files.h"
 #include "commands/asking.h"
+#include "file_identities.h"
 #include "json.h"
 #include "named_files.h"
 #include "stored_project.h"
@@ -51,11 +55,18 @@ bool IsChosen(const NamedFile& file, const ListArguments& arguments) {
 
 std::vector<NamedFile> ListedFiles(const ProjectContents& project, const ListArguments& arguments) {
   std::vector<NamedFile> files;
+  std::unordered_set<std::string> sources;
+  FileIdentities identities;
   for (const NamedFile& file : FilesOf(project)) {
     if (file.name.empty() || !IsOfAskedKind(file, arguments) || !IsChosen(file, arguments)) {
       continue;
     }
-    if (IsCommandFile(arguments.format) && file.is_ip_instance()) continue;
+    if (IsCommandFile(arguments.format)) {
+      // Two instances of a core share its sources, which no program reads twice.
+      const bool is_source =
+          !file.is_ip_instance() && sources.insert(identities.Of(file.path)).second;
+      if (!is_source) continue;
+    }
     files.push_back(file);
   }
   return files;
@@ -66,7 +77,7 @@ std::string ShownName(const NamedFile& file, NameForm form) {
     case NameForm::kStored:
       return file.name;
     case NameForm::kAbsolute:
-      return file.path.lexically_normal().string();
+      return NormalPath(file.path).string();
     case NameForm::kFromHere:
       break;
   }

@@ -30,7 +30,7 @@ class Renaming {
  public:
   /// @param base against which both names are resolved
   Renaming(const RenameArguments& arguments, const fs::path& base, const ProjectContents& project)
-      : new_path_((base / arguments.new_name).lexically_normal()),
+      : new_path_(NormalPath(base / arguments.new_name)),
         makes_absolute_(fs::path(arguments.new_name).is_absolute()),
         only_below_(!fs::path(arguments.former_name).has_filename()),
         former_file_(identities_.Of(base / arguments.former_name)),
@@ -87,6 +87,7 @@ class Renaming {
 
   void RenameSource(IPSrcFile& source, const fs::path& former_directory,
                     const fs::path& directory) {
+    if (source.name.empty()) return;
     const fs::path former = former_directory / source.name;
     const std::optional<fs::path> path = NewPath(former);
     if (path) {
