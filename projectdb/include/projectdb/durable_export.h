@@ -17,8 +17,8 @@ class KelProjectDatabase;
 /// under any other name than its own, a filled parameter map that the format does not have, a
 /// parameter that is stored under another key than its name or whose value does not go with its
 /// type, a constraint or ISF file without a name. Plain parameters of a process, maps without
-/// parameters and the number of a type that has no text are in no file. The project is tested in the
-/// moment in which it is copied to be written.
+/// parameters and the number of a type that has no text are in no file. The project is tested in
+/// the moment in which it is copied to be written.
 ///
 /// The project is written to a new file in the same directory, which then takes the place of the
 /// former one. Hence:
