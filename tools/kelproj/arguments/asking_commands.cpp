@@ -1,3 +1,7 @@
+#include <iterator>
+#include <string>
+#include <vector>
+
 #include "arguments/definition.h"
 #include "commands/asking.h"
 #include "keys.h"
@@ -128,6 +132,7 @@ void AddListFormats(CLI::App& command, ListArguments& arguments) {
     return command.add_flag_callback(name, choose, help);
   };
   std::vector<std::string> names;
+  names.reserve(std::size(kListFormatNames));
   for (const ListFormatName& format : kListFormatNames) names.emplace_back(format.name);
   const auto choose = [&arguments](const std::string& name) {
     for (const ListFormatName& format : kListFormatNames) {
