@@ -229,6 +229,24 @@ TEST(HostileProject, ReadProjectFile_ATerabyteOfZerosBehindAProject_TakesNoMoreM
   EXPECT_LT(measured.peak_megabytes, 200);
 }
 
+// The XML library itself would write beyond its memory there.
+TEST(HostileProject, CheckProjectFile_ManyLevelsAboveTheFirstInTheSchema_HasErrors) {
+  const TemporaryDirectory directory;
+  const std::string path = directory / "p.xml";
+  constexpr int kLevels = 100'000;
+  {
+    std::ofstream file(path);
+    for (int level = 0; level < kLevels; ++level) file << "<a>";
+    file << ProjectXml("");
+    for (int level = 0; level < kLevels; ++level) file << "</a>";
+  }
+  const std::string outcome = InChildProcess([&] {
+    const std::vector<FileProblem> problems = CheckProjectFile(path, ShippedSchema());
+    return std::any_of(problems.begin(), problems.end(), IsError) ? "errors" : "no errors";
+  });
+  EXPECT_EQ(outcome, "errors");
+}
+
 INSTANTIATE_TEST_SUITE_P(Files, Hostile, testing::ValuesIn(kHostileFiles), ByName());
 
 TEST(HostileSchema, LoadProjectData_HintToAFileOfATerabyte_TakesMemoryForTheLargestSchemaOnly) {

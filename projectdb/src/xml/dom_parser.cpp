@@ -47,6 +47,18 @@ bool HasDefaults(const xercesc::XMLElementDecl& declaration) {
   return false;
 }
 
+// The XML library keeps a number for each level of elements. It makes room for them only where it
+// validates, and then by doubling it once: below many levels that are in no schema, it would write
+// beyond. The function that makes room is private, which an explicit instantiation may name.
+constexpr XMLSize_t kFirstRoomForLevels = 16;
+
+template <void (xercesc::IGXMLScanner::*Function)()>
+struct RoomForLevels {
+  friend void DoubleRoomForLevels(xercesc::IGXMLScanner& scanner) { (scanner.*Function)(); }
+};
+template struct RoomForLevels<&xercesc::IGXMLScanner::resizeElemState>;
+void DoubleRoomForLevels(xercesc::IGXMLScanner& scanner);
+
 bool HasPrefix(const XMLAttr& attribute) { return attribute.getPrefix() && *attribute.getPrefix(); }
 
 }  // namespace
@@ -54,6 +66,15 @@ bool HasPrefix(const XMLAttr& attribute) { return attribute.getPrefix() && *attr
 class DomParser::Scanner : public xercesc::IGXMLScanner {
  public:
   using IGXMLScanner::IGXMLScanner;
+
+  /// Makes room for the children of an element, before the base class sees them.
+  /// @param depth of the element; 1 for the root
+  void MakeRoomBelow(XMLSize_t depth) {
+    while (depth + 1 >= room_for_levels_) {
+      DoubleRoomForLevels(*this);
+      room_for_levels_ *= 2;
+    }
+  }
 
   /// Declares for the current element what is in scope there anyway.
   void Declare(const std::set<std::u16string>& prefixes) {
@@ -63,6 +84,9 @@ class DomParser::Scanner : public xercesc::IGXMLScanner {
       if (!is_unknown) fElemStack.addPrefix(prefix.c_str(), uri);
     }
   }
+
+ private:
+  XMLSize_t room_for_levels_ = kFirstRoomForLevels;
 };
 
 DomParser::DomParser()
@@ -172,6 +196,7 @@ void DomParser::endElement(const xercesc::XMLElementDecl& declaration, unsigned 
 
 void DomParser::EnterElement(const XmlAttributes& attributes, XMLSize_t count) {
   ++depth_;
+  scanner_->MakeRoomBelow(depth_);
   NotePrefixes(attributes, count);
   if (depth_ % kLevelsBetweenDeclarations == 0) scanner_->Declare(prefixes_);
 }
