@@ -95,7 +95,8 @@ TEST_F(Add, ProjectReachedThroughALink_HasTheNamesOfItsFilesWithoutIt) {
   EXPECT_EQ(Run({"add", "proj/lamp.xml", "--rtl", "proj/rtl/a.v"}), Done());
   EXPECT_EQ(Run({"add", "proj/lamp.xml", "--rtl", "real/proj/rtl/b.v"}), Done());
   EXPECT_EQ(Run({"add", "real/proj/lamp.xml", "--rtl", "proj/rtl/c.v"}), Done());
-  EXPECT_EQ(Run({"list", "proj/lamp.xml", "--stored"}).out, "rtl/a.v\nrtl/b.v\nrtl/c.v\n");
+  EXPECT_EQ(Run({"rename", "proj/lamp.xml", "proj/rtl/c.v", "proj/rtl/d.v"}), Done());
+  EXPECT_EQ(Run({"list", "proj/lamp.xml", "--stored"}).out, "rtl/a.v\nrtl/b.v\nrtl/d.v\n");
 }
 
 TEST_F(Add, WayBackThroughALink_LeadsWhereTheSystemSays) {

@@ -18,6 +18,7 @@
 #include "testing/child_process.h"
 #include "testing/denied.h"
 #include "testing/filtered_calls.h"
+#include "testing/named_pipe.h"
 #include "testing/project_loading.h"
 #include "testing/sanitizers.h"
 #include "testing/saving.h"
@@ -354,6 +355,17 @@ TEST_F(WritingFile, ExpectedVersionThatLoadsWithAGivenSchemaAlone_IsWritten) {
   ASSERT_TRUE(read.contents);
   options.expected = read.version;
   EXPECT_TRUE(WriteProjectFile(path(), contents_, options));
+}
+
+TEST_F(WritingFile, PipeInThePlaceOfTheExpectedVersion_IsNotWaitedFor) {
+  Write("p.xml", CompleteProjectXml());
+  WriteOptions options;
+  options.expected = ReadProjectFile(path(), "").version;
+  std::filesystem::remove(path());
+  const NamedPipe pipe(path());
+  std::string error;
+  EXPECT_TRUE(pipe.RunWith("", [&] { error = WriteError(contents_, options); }));
+  EXPECT_EQ(error, WritingError(path(), "it is not the file that was expected"));
 }
 
 TEST_F(WritingFile, FileOfAnotherVersion_IsNotTouched) {

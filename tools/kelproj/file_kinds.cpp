@@ -5,6 +5,8 @@
 #include <cctype>
 #include <stdexcept>
 
+#include "console.h"
+
 namespace kelproj {
 namespace {
 
@@ -21,6 +23,16 @@ constexpr std::array<FileKind, 7> kFileKinds = {{
     {"--ip", "ip", false},
     {"--interface", "constraint.interface", false},
 }};
+
+// The options of the kinds for a sentence, such as "--rtl, --sim and --misc".
+std::string OptionsInSentence(Table<FileKind> kinds) {
+  std::string options;
+  for (const FileKind& kind : kinds) {
+    if (!options.empty()) options += &kind + 1 == kinds.end() ? " and " : ", ";
+    options += kind.option;
+  }
+  return options;
+}
 
 }  // namespace
 
@@ -53,13 +65,8 @@ std::string TitleInSentence(const ProjectTerm& term) {
   return title;
 }
 
-std::string OptionsInSentence(Table<FileKind> kinds) {
-  std::string options;
-  for (const FileKind& kind : kinds) {
-    if (!options.empty()) options += &kind + 1 == kinds.end() ? " and " : ", ";
-    options += kind.option;
-  }
-  return options;
+void RequireKind(const FileKind* kind) {
+  if (!kind) throw Trouble("one of " + OptionsInSentence(ListedFileKinds()) + " is needed");
 }
 
 }  // namespace kelproj

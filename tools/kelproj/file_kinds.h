@@ -35,8 +35,9 @@ const projectdb::ProjectTerm& TermOf(const FileKind& kind);
 /// The title of a term within a sentence, such as "design files" or "ISF files".
 std::string TitleInSentence(const projectdb::ProjectTerm& term);
 
-/// The options of the kinds for a sentence, such as "--rtl, --sim and --misc".
-std::string OptionsInSentence(projectdb::Table<FileKind> kinds);
+/// Requires that the arguments choose a listed kind.
+/// @exception Trouble if it is null
+void RequireKind(const FileKind* kind);
 
 /// Calls the function with the list of a listed kind: a vector of DesignFile, std::string or IP.
 template <typename Project, typename Function>

@@ -89,7 +89,7 @@ void ReadRecord(const Json& object, const std::string& path, const Terms& terms,
   RecordReader<Terms, Record>(terms, record, read_other).Read(object, path);
 }
 
-// Its name, and that of its file, an entry of a list must have.
+// An entry of a list must have its name and that of its file.
 template <typename Terms, typename Record>
 void ReadEntry(const Json& object, const std::string& path, const Terms& terms, Record& record) {
   ReadRecord(object, path, terms, record);
@@ -156,7 +156,7 @@ void ReadField(const Json& /*value*/, const std::string& path,
   RefuseKey(path);
 }
 
-// The format is no term's business: what it wants, the reader of the record knows.
+// The reader of the record knows what the format wants, which is no term's business.
 bool IsOfDocument(TermKind kind) { return kind != TermKind::kMemory && kind != TermKind::kFormat; }
 
 template <typename Terms, typename Record>

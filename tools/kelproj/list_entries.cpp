@@ -1,8 +1,17 @@
 #include "list_entries.h"
 
 #include "console.h"
+#include "named_files.h"
 
 namespace kelproj {
+
+std::string TitleOfSources(const projectdb::IP& ip) {
+  return "source files of IP instance \"" + ip.instance_name + "\"";
+}
+
+void RefuseRepeated(const std::string& name, const std::string& title) {
+  throw Refusal("\"" + name + "\" is among the " + title + " already");
+}
 
 bool EntryChoice::ChooseKnown(const std::string& text, const Texts& known, Texts& chosen) {
   if (known.count(text) == 0) return false;
@@ -11,7 +20,7 @@ bool EntryChoice::ChooseKnown(const std::string& text, const Texts& known, Texts
 }
 
 bool EntryChoice::Choose(const std::string& name) {
-  if (name.empty()) throw Trouble("the empty text names no file");
+  RequireName(name);
   const auto choose_file = [&](const std::filesystem::path& directory) {
     return ChooseKnown(identities_.Of(directory / name), known_files_, chosen_files_);
   };

@@ -12,6 +12,13 @@
 
 namespace kelproj {
 
+/// What the sources of an instance are called within a sentence.
+std::string TitleOfSources(const projectdb::IP& ip);
+
+/// Refuses a file that a list has.
+/// @param title of the list, within a sentence
+[[noreturn]] void RefuseRepeated(const std::string& name, const std::string& title);
+
 /// The entries of lists that names in the arguments mean. A name means the file that it is from
 /// where the user stands. If no known list has that, it means the one that is stored so, or the IP
 /// instance of that name.

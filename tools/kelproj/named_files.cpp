@@ -100,31 +100,32 @@ std::vector<NamedFile> FilesOf(const ProjectContents& project) {
 }
 
 std::filesystem::path NormalPath(const std::filesystem::path& path) {
+  std::filesystem::path normal = path.lexically_normal();
+  if (std::find(path.begin(), path.end(), "..") == path.end()) return normal;
   FileIdentities identities;
-  const std::filesystem::path normal = path.lexically_normal();
   const std::string file = identities.Of(path);
   return identities.Of(normal) == file ? normal : std::filesystem::path(file);
 }
 
-std::string StoredName(const std::string& name, const std::filesystem::path& directory) {
-  namespace fs = std::filesystem;
-  if (fs::path(name).is_absolute()) return name;
-  FileIdentities identities;
-  const std::string file = identities.Of(fs::current_path() / name);
-  const fs::path spelled = (fs::current_path() / name).lexically_normal();
-  const fs::path project = fs::weakly_canonical(directory);
-  // A way back through a link leads elsewhere than its spelling says.
-  const auto denotes_it = [&](const fs::path& path) {
-    return !path.empty() && identities.Of(project / path) == file;
-  };
-  // Links on the way to the project are left out of the names of the files in it.
-  for (const fs::path& path :
-       {spelled.lexically_relative(fs::absolute(directory).lexically_normal()),
-        fs::path(file).lexically_relative(project)}) {
-    if (denotes_it(path) && *path.begin() != "..") return path.string();
+std::string NameIn(const std::filesystem::path& directory, const std::filesystem::path& path) {
+  const std::filesystem::path normal = NormalPath(path);
+  const std::filesystem::path real_directory = std::filesystem::weakly_canonical(directory);
+  // Links on the way to the directory are left out of the names of what is below it.
+  for (const std::filesystem::path& name :
+       {normal.lexically_relative(NormalPath(std::filesystem::absolute(directory))),
+        std::filesystem::path(FileIdentities().Of(path)).lexically_relative(real_directory)}) {
+    if (!name.empty() && *name.begin() != "..") return name.string();
   }
-  const fs::path path = spelled.lexically_relative(project);
-  return (denotes_it(path) ? path : fs::path(file).lexically_relative(project)).string();
+  return normal.lexically_relative(real_directory).string();
+}
+
+std::string StoredName(const std::string& name, const std::filesystem::path& directory) {
+  if (std::filesystem::path(name).is_absolute()) return name;
+  return NameIn(directory, std::filesystem::current_path() / name);
+}
+
+void RequireName(const std::string& name) {
+  if (name.empty()) throw Trouble("the empty text names no file");
 }
 
 void RequireEnding(const ProjectTerm& term, const std::string& name) {

@@ -34,6 +34,14 @@ std::vector<NamedFile> FilesOf(const projectdb::ProjectContents& project);
 /// these lead elsewhere than they are spelled.
 std::filesystem::path NormalPath(const std::filesystem::path& path);
 
+/// The name of a file relative to a directory. Links on the way to the directory are not in it.
+/// @param path absolute
+std::string NameIn(const std::filesystem::path& directory, const std::filesystem::path& path);
+
+/// Requires that a name in the arguments is one.
+/// @exception Trouble if it is empty
+void RequireName(const std::string& name);
+
 /// The name under which a project stores a file that the user names from where he stands: relative
 /// to the directory, which is the project's or, for a source of an IP instance, that of its path.
 /// An absolute name stays.

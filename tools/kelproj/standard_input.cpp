@@ -18,11 +18,14 @@ std::string ReadAll(std::istream& in, const std::string& title) {
 
 }  // namespace
 
+std::string ReadFile(const std::string& path, const std::string& title) {
+  RequireReadable(path);
+  std::ifstream file(path, std::ios::binary);
+  return ReadAll(file, title);
+}
+
 std::string ReadInput(const std::string& name) {
-  if (name == kStandardInput) return ReadAll(std::cin, "standard input");
-  RequireReadable(name);
-  std::ifstream file(name, std::ios::binary);
-  return ReadAll(file, name);
+  return name == kStandardInput ? ReadAll(std::cin, "standard input") : ReadFile(name, name);
 }
 
 }  // namespace kelproj

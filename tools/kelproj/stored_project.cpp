@@ -8,6 +8,7 @@
 
 #include <fcntl.h>
 #include <projectdb/project_file.h>
+#include <projectdb/vocabulary.h>
 #include <unistd.h>
 
 #include "installed_schema.h"
@@ -76,6 +77,11 @@ void RequireReadable(const std::string& path) {
   if (error) throw Trouble(path + ": " + error.message());
   if (std::filesystem::is_directory(status)) throw Trouble(path + " is a directory");
   if (::access(path.c_str(), R_OK) != 0) throw Trouble(path + " may not be read");
+}
+
+void RequireProjectFileName(const std::string& path) {
+  if (projectdb::HasEnding(path, projectdb::kProjectFileEnding)) return;
+  throw Trouble(path + ": the name of a project file ends in " + projectdb::kProjectFileEnding);
 }
 
 bool HasError(const std::vector<FileProblem>& problems) {

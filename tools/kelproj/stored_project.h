@@ -16,6 +16,10 @@ namespace kelproj {
 ///            read
 void RequireReadable(const std::string& path);
 
+/// Requires that a project file may have the name.
+/// @exception Trouble if it ends in anything else
+void RequireProjectFileName(const std::string& path);
+
 bool HasError(const std::vector<projectdb::FileProblem>& problems);
 
 /// The project of a file, whose problems are listed on the console.
@@ -36,8 +40,7 @@ struct ChangedFile {
 /// console.
 /// @param name of the bytes in messages
 /// @exception Trouble if they do not load, or if they have errors by a load or the installed
-///            schema and are not to be changed despite
-///            them
+///            schema and are not to be changed despite them
 projectdb::ProjectContents ParseToChange(const std::string& bytes, const std::string& name,
                                          bool despite_errors, const Console& console);
 

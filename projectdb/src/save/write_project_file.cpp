@@ -62,17 +62,20 @@ ProjectFile FormerFile(const std::string& path) {
   return is_file ? ReadProjectFile(path, "") : ProjectFile();
 }
 
-// Which bytes count depends on the schema that the file was read with, as a file that does not load
-// has a version without them.
-bool IsExpected(const std::string& path, const ProjectFile& former,
+// A file that does not load has a version without its bytes, and whether it loads depends on the
+// schema that it was read with.
+bool IsExpected(const std::string& path, ProjectFileVersion former,
                 const ProjectFileVersion& expected) {
-  return former.version == expected || files::IsOfVersion(path, expected);
+  if (former == expected) return true;
+  if (former.bytes_digest != 0 && expected.bytes_digest != 0) return false;
+  former.bytes_digest = expected.bytes_digest;
+  return former == expected && files::IsOfVersion(path, expected);
 }
 
 bool Write(const std::string& path, const ProjectFile& former, const ProjectContents& contents,
            const WriteOptions& options) {
   RequireWritable(contents);
-  if (options.expected && !IsExpected(path, former, *options.expected)) ThrowChanged(path);
+  if (options.expected && !IsExpected(path, former.version, *options.expected)) ThrowChanged(path);
   if (SaysTheSame(former, contents, options)) return false;
   files::Replacement replacement;
   replacement.write = [&](const std::string& file) {

@@ -21,9 +21,7 @@ using projectdb::IPSrcFile;
 using projectdb::ProjectContents;
 
 void RequireArgumentsOfKind(const AddArguments& arguments) {
-  if (!arguments.kind) {
-    throw Trouble("one of " + OptionsInSentence(ListedFileKinds()) + " is needed");
-  }
+  RequireKind(arguments.kind);
   if (!arguments.kind->is_source && (arguments.hdl_version || arguments.library)) {
     throw Trouble("only --rtl and --sim files have an HDL version and a library");
   }
@@ -43,11 +41,8 @@ void AppendNames(const AddArguments& arguments, std::vector<std::string>& names)
 // The names of all files to add, from where the user stands.
 std::vector<std::string> NamesIn(const AddArguments& arguments) {
   std::vector<std::string> names = arguments.paths;
-  if (arguments.instance_path) names.push_back(*arguments.instance_path);
-  if (std::find(names.begin(), names.end(), "") != names.end()) {
-    throw Trouble("the empty text names no file");
-  }
-  names = arguments.paths;
+  for (const std::string& name : names) RequireName(name);
+  if (arguments.instance_path) RequireName(*arguments.instance_path);
   if (arguments.list_of_paths) AppendNames(arguments, names);
   return names;
 }
@@ -115,9 +110,7 @@ class Addition {
     const std::filesystem::path directory = (directory_ / ip.path).parent_path();
     std::vector<IPSrcFile> added;
     for (const std::string& name : StoredNames(directory)) added.push_back({name});
-    Insert(ip.src_files, added,
-           {directory_, directory, "source files of IP instance \"" + ip.instance_name + "\""},
-           place);
+    Insert(ip.src_files, added, {directory_, directory, TitleOfSources(ip)}, place);
   }
 
   template <typename Entry>
@@ -139,9 +132,7 @@ class Addition {
     };
     for (const Entry& entry : entries) insert(entry);
     for (const Entry& entry : added) {
-      if (insert(entry)) continue;
-      throw Refusal("\"" + projectdb::FileNameOf(entry) + "\" is among the " + list.title +
-                    " already");
+      if (!insert(entry)) RefuseRepeated(projectdb::FileNameOf(entry), list.title);
     }
   }
 

@@ -19,7 +19,7 @@ void RemoveStamps(ProjectContents& project) {
   project.last_modify_time.clear();
 }
 
-// In the canonical form; of no file, as the form alone changes, are the stamps made anew.
+// In the canonical form. The stamps stay, since the form alone changes.
 std::string Formatted(const std::string& bytes, const std::string& file,
                       const FormatArguments& arguments, const Console& console) {
   const std::string name = file == kStandardInput ? "standard input" : file;

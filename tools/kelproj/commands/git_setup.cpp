@@ -2,8 +2,6 @@
 #include <filesystem>
 #include <map>
 
-#include <projectdb/vocabulary.h>
-
 #include "commands/git.h"
 #include "git_attributes.h"
 #include "git_program.h"
@@ -81,13 +79,6 @@ bool IsDirectory(const fs::path& path) {
   return fs::is_directory(path, error);
 }
 
-// Git would ask this program about everything else that the drivers are for.
-void RequireProjectFile(const std::string& file) {
-  RequireReadable(file);
-  if (projectdb::HasEnding(file, projectdb::kProjectFileEnding)) return;
-  throw Trouble(file + ": the name of a project file ends in " + projectdb::kProjectFileEnding);
-}
-
 /// Of a file that need not be there, or of a pattern.
 Pattern PatternOf(const std::string& file) {
   const fs::path path = fs::absolute(file).lexically_normal();
@@ -104,7 +95,11 @@ Pattern PatternOf(const std::string& file) {
 std::map<fs::path, GitAttributes> ChangedAttributes(const GitSetupArguments& arguments) {
   std::map<fs::path, GitAttributes> attributes;
   for (const std::string& file : arguments.files) {
-    if (!arguments.undo && !IsPattern(file)) RequireProjectFile(file);
+    if (!arguments.undo && !IsPattern(file)) {
+      RequireReadable(file);
+      // Git would ask this program about any other file too.
+      RequireProjectFileName(file);
+    }
     const Pattern pattern = PatternOf(file);
     GitAttributes& changed = attributes.try_emplace(pattern.top, pattern.top).first->second;
     if (arguments.undo) {

@@ -1,6 +1,4 @@
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <ostream>
 #include <system_error>
 #include <utility>
@@ -13,6 +11,7 @@
 #include "json.h"
 #include "places.h"
 #include "problems.h"
+#include "standard_input.h"
 #include "stored_project.h"
 
 namespace kelproj {
@@ -43,20 +42,12 @@ Inputs InputsOf(const MergeArguments& arguments) {
           input(arguments.theirs, "theirs")};
 }
 
-std::string BytesOf(const Input& input) {
-  RequireReadable(input.file);
-  std::ifstream stream(input.file, std::ios::binary);
-  std::string bytes(std::istreambuf_iterator<char>(stream), {});
-  if (!stream) throw Trouble(input.name + " cannot be read");
-  return bytes;
-}
-
 [[noreturn]] void RefuseToLoad(const Input& input) { throw Trouble(input.name + " does not load"); }
 
-// Of the base it is enough what loads of it: what is lost of it, it lacks, and no side has
-// removed it.
+// What loads of the base is enough. A part that does not load counts as one that the base lacks, so
+// that no side has removed it.
 ProjectContents BaseOf(const Input& input, const Console& console) {
-  const std::string bytes = BytesOf(input);
+  const std::string bytes = ReadFile(input.file, input.name);
   if (bytes.empty()) return {};
   ProjectFile read = projectdb::ParseProjectFile(bytes, "");
   if (read.contents) return *std::move(read.contents);
@@ -66,7 +57,8 @@ ProjectContents BaseOf(const Input& input, const Console& console) {
 
 // What of a side does not load, or is not written again, would be lost.
 ProjectContents SideOf(const Input& input, const Console& console) {
-  ProjectFile read = projectdb::ParseProjectFile(BytesOf(input), InstalledSchema());
+  ProjectFile read =
+      projectdb::ParseProjectFile(ReadFile(input.file, input.name), InstalledSchema());
   WriteProblems(console.err, input.name, read.problems);
   if (read.contents && !HasError(read.problems)) return *std::move(read.contents);
   RefuseToLoad(input);

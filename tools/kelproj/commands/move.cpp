@@ -14,9 +14,7 @@ namespace {
 using projectdb::ProjectContents;
 
 void RequirePlace(const MoveArguments& arguments) {
-  if (!arguments.kind) {
-    throw Trouble("one of " + OptionsInSentence(ListedFileKinds()) + " is needed");
-  }
+  RequireKind(arguments.kind);
   const ListPlace& place = arguments.place;
   if (!place.before && !place.after && !place.first && !place.last) {
     throw Trouble("one of --before, --after, --first and --last is needed");

@@ -13,13 +13,9 @@ namespace {
 using projectdb::KelProjectDatabase;
 
 void RequireNewProjectFile(const std::string& file) {
-  const std::filesystem::path path(file);
-  if (path.extension() != KelProjectDatabase::XML_FILE_EXT) {
-    throw Trouble(file + ": the name of a project file ends in " +
-                  KelProjectDatabase::XML_FILE_EXT);
-  }
+  RequireProjectFileName(file);
   std::error_code error;
-  if (std::filesystem::exists(path, error)) throw Trouble(file + " exists already");
+  if (std::filesystem::exists(file, error)) throw Trouble(file + " exists already");
   if (error) throw Trouble(file + ": " + error.message());
   RequireWritable(file);
 }

@@ -11,6 +11,7 @@
 #include "commands/changing.h"
 #include "file_identities.h"
 #include "file_kinds.h"
+#include "list_entries.h"
 #include "named_files.h"
 #include "stored_project.h"
 
@@ -80,8 +81,7 @@ class Renaming {
       const fs::path directory = (project_directory_ / ip.path).parent_path();
       const Identities former = IdentitiesOf(ip.src_files, former_directory);
       for (IPSrcFile& source : ip.src_files) RenameSource(source, former_directory, directory);
-      RequireNew(former, IdentitiesOf(ip.src_files, directory),
-                 "source files of IP instance \"" + ip.instance_name + "\"");
+      RequireNew(former, IdentitiesOf(ip.src_files, directory), TitleOfSources(ip));
     }
   }
 
@@ -116,8 +116,7 @@ class Renaming {
     }
     for (std::size_t i = 0; i < former.size(); ++i) {
       if (former[i] == present[i] || kept.count(present[i]) == 0) continue;
-      throw Refusal("\"" + StoredFor(present[i], project_directory_, false) + "\" is among the " +
-                    title + " already");
+      RefuseRepeated(NameIn(project_directory_, present[i]), title);
     }
   }
 
@@ -143,9 +142,7 @@ class Renaming {
   static bool IsAbsolute(const std::string& name) { return fs::path(name).is_absolute(); }
 
   static std::string StoredFor(const fs::path& path, const fs::path& directory, bool is_absolute) {
-    const fs::path normal = path.lexically_normal();
-    if (is_absolute) return normal.string();
-    return normal.lexically_relative(directory.lexically_normal()).string();
+    return is_absolute ? path.lexically_normal().string() : NameIn(directory, path);
   }
 
   FileIdentities identities_;
@@ -171,9 +168,8 @@ void Rename(const RenameArguments& arguments, ProjectContents& project) {
 }  // namespace
 
 ExitStatus Run(const RenameArguments& arguments, const Console& console) {
-  if (arguments.former_name.empty() || arguments.new_name.empty()) {
-    throw Trouble("the empty text names no file");
-  }
+  RequireName(arguments.former_name);
+  RequireName(arguments.new_name);
   ChangeProject(arguments.file, console,
                 [&](ProjectContents& project) { Rename(arguments, project); });
   return ExitStatus::kYes;

@@ -8,7 +8,7 @@
 namespace kelproj {
 
 ExitStatus Run(const SetInterfaceArguments& arguments, const Console& console) {
-  if (arguments.path.empty()) throw Trouble("the empty text names no file");
+  RequireName(arguments.path);
   const Key key = FindKey("constraint.interface");
   std::optional<std::string> doubt;
   ChangeProject(arguments.file, console, [&](projectdb::ProjectContents& project) {
