@@ -203,6 +203,14 @@ TEST_F(CheckContents, TimingConstraintFileOfAnotherEnding_IsAWarning) {
                     ".sdc\n"));
 }
 
+TEST_F(CheckContents, FileOrParameterWithoutAName_IsAWarning) {
+  EXPECT_EQ(
+      CheckProject("<kel:sim_info><kel:sim_file library=\"work\"/></kel:sim_info><kel:debugger>" +
+                   Parameter("", "usb", "e_string") + "</kel:debugger>"),
+      Printed("mixer.xml: warning: simulation.files[0]: it names no file\n"
+              "mixer.xml: warning: debugger.param: a parameter has no name\n"));
+}
+
 TEST_F(CheckContents, ValueThatIsNoBool_IsAWarning) {
   const auto check = [this](const std::string& value) {
     return CheckProject("<kel:debugger>" + Parameter("trace", value, "e_bool") + "</kel:debugger>");
@@ -254,6 +262,8 @@ TEST_F(CheckContents, OfAFileWithAnError_AreNotLookedAt) {
               Not(HasSubstr("design.files")));
 }
 
+constexpr char kNamelessFile[] = "mixer.xml: warning: design.files[1]: it names no file\n";
+
 class CheckFiles : public KelprojTest {
  protected:
   void SetUp() override {
@@ -278,15 +288,16 @@ TEST_F(CheckFiles, FilesThatDoNotExist_AreEachAnError) {
   const Outcome outcome = Run({"check", "mixer.xml", "--files"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.out,
-            "mixer.xml: error: design.files[0]: \"top.v\" does not exist\n"
-            "mixer.xml: error: design.files[1]: \"\" does not exist\n"
-            "mixer.xml: error: simulation.files[0]: \"tb höhe.sv\" does not exist\n"
-            "mixer.xml: error: misc.files[0]: \"/no/such/notes.md\" does not exist\n"
-            "mixer.xml: error: constraint.sdc[0]: \"clocks.sdc\" does not exist\n"
-            "mixer.xml: error: constraint.interface: \"pins.interface.csv\" does not exist\n"
-            "mixer.xml: error: isf.files[0]: \"pads.isf\" does not exist\n"
-            "mixer.xml: error: ip[0]: \"ip/pll.ip\" does not exist\n"
-            "mixer.xml: error: ip.pll.files[0]: \"pll.v\" does not exist\n");
+            std::string(kNamelessFile) +
+                "mixer.xml: error: design.files[0]: \"top.v\" does not exist\n"
+                "mixer.xml: error: design.files[1]: \"\" does not exist\n"
+                "mixer.xml: error: simulation.files[0]: \"tb höhe.sv\" does not exist\n"
+                "mixer.xml: error: misc.files[0]: \"/no/such/notes.md\" does not exist\n"
+                "mixer.xml: error: constraint.sdc[0]: \"clocks.sdc\" does not exist\n"
+                "mixer.xml: error: constraint.interface: \"pins.interface.csv\" does not exist\n"
+                "mixer.xml: error: isf.files[0]: \"pads.isf\" does not exist\n"
+                "mixer.xml: error: ip[0]: \"ip/pll.ip\" does not exist\n"
+                "mixer.xml: error: ip.pll.files[0]: \"pll.v\" does not exist\n");
 }
 
 TEST_F(CheckFiles, FilesThatExist_AreNotNamed) {
@@ -295,14 +306,15 @@ TEST_F(CheckFiles, FilesThatExist_AreNotNamed) {
     Write(name, "");
   }
   EXPECT_EQ(Run({"check", "mixer.xml", "--files"}).out,
-            "mixer.xml: error: design.files[1]: \"\" does not exist\n"
-            "mixer.xml: error: misc.files[0]: \"/no/such/notes.md\" does not exist\n");
+            std::string(kNamelessFile) +
+                "mixer.xml: error: design.files[1]: \"\" does not exist\n"
+                "mixer.xml: error: misc.files[0]: \"/no/such/notes.md\" does not exist\n");
 }
 
 TEST_F(CheckFiles, FromAnotherDirectory_AreLookedForBesideTheProjectIfTheOptionIsGiven) {
   Write("top.v", "");
   EXPECT_THAT(Run({"check", PathOf("mixer.xml"), "--files"}, {"/"}).out, Not(HasSubstr("top.v")));
-  EXPECT_EQ(Run({"check", "mixer.xml"}), Done());
+  EXPECT_EQ(Run({"check", "mixer.xml"}), Printed(kNamelessFile));
 }
 
 TEST_F(CheckFiles, FileThatDoesNotLoad_HasItsOwnErrorsAlone) {
@@ -319,15 +331,15 @@ TEST_F(CheckFiles, Unlisted_NamesTheHdlFilesBelowTheProjectThatNoListHas) {
         "rtl/notes.txt", "rtl/clocks.sdc", ".cache/d.v", "unlisted.v"}) {
     Write(name, "");
   }
-  const std::string shown =
-      "mixer.xml: warning: \"ip/ram.v\" is in no list of the project\n"
-      "mixer.xml: warning: \"rtl/b.vhd\" is in no list of the project\n"
-      "mixer.xml: warning: \"rtl/c.vhdl\" is in no list of the project\n"
-      "mixer.xml: warning: \"rtl/core/a b.sv\" is in no list of the project\n"
-      "mixer.xml: warning: \"unlisted.v\" is in no list of the project\n";
+  const std::string shown = std::string(kNamelessFile) +
+                            "mixer.xml: warning: \"ip/ram.v\" is in no list of the project\n"
+                            "mixer.xml: warning: \"rtl/b.vhd\" is in no list of the project\n"
+                            "mixer.xml: warning: \"rtl/c.vhdl\" is in no list of the project\n"
+                            "mixer.xml: warning: \"rtl/core/a b.sv\" is in no list of the project\n"
+                            "mixer.xml: warning: \"unlisted.v\" is in no list of the project\n";
   EXPECT_EQ(Run({"check", "mixer.xml", "--unlisted"}), Printed(shown));
   EXPECT_EQ(Run({"check", "mixer.xml", "--unlisted", "--strict"}), AnsweredNo(shown));
-  EXPECT_EQ(Run({"check", "mixer.xml"}), Done());
+  EXPECT_EQ(Run({"check", "mixer.xml"}), Printed(kNamelessFile));
 }
 
 TEST_F(CheckFiles, UnlistedBesideAListedNameInAnotherSpelling_IsNotNamed) {

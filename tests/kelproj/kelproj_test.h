@@ -29,6 +29,10 @@ inline Outcome Refused(const std::string& reason) {
 inline Outcome DoneWithWarning(const std::string& warning) {
   return {0, "", "kelproj: warning: " + warning + "\n"};
 }
+/// The outcome of a change that puts into the file what deserves a look.
+inline Outcome DoneWithContentWarning(const std::string& warning) {
+  return {0, "", "blinker.xml: warning: " + warning + "\n"};
+}
 /// The outcome of wrong arguments: trouble, with a reason and the command's help named.
 /// @param words that the reason has; the rest of it is the argument parser's
 inline testing::Matcher<const Outcome&> IsWrongUse(const std::string& command,

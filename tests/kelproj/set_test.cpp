@@ -88,7 +88,7 @@ TEST_F(Set, OneBadPairOfSeveral_ChangesNothing) {
       {{"device.device", "R40", "device.speed", "3"}, "\"device.speed\" is no key of a project"},
       {{"device.device", "R40", "sw_version", "3"}, "sw_version cannot be set"},
       {{"device.device", "R40", "synthesis.param.goal", ""},
-       "goal: a parameter of type e_string needs a value"},
+       "synthesis.param.goal: a parameter of type e_string needs a value"},
       {{"device.device", "R40", "info.name", "x"}, "a project does not keep info.name"}};
   for (auto [arguments, reason] : cases) {
     arguments.insert(arguments.begin(), {"set", "blinker.xml"});
@@ -154,23 +154,38 @@ TEST_F(Set, NameOfAFile_IsTakenFromWhereTheUserStands) {
                 {PathOf("pins")}),
             Done());
   EXPECT_EQ(Value("constraint.interface"), "pins/board.interface.csv\n");
+  EXPECT_EQ(Run({"set", "../blinker.xml", "constraint.interface", "board.csv"}, {PathOf("pins")}),
+            Failed("constraint.interface: \"pins/board.csv\" must be named NAME.interface.csv"));
 }
 
 TEST_F(Set, RefusedValue_FailsAndLeavesTheFile) {
   const std::pair<std::vector<std::string>, const char*> cases[] = {
-      {{"synthesis.param.goal", ""}, "goal: a parameter of type e_string needs a value"},
+      {{"synthesis.param.goal", ""},
+       "synthesis.param.goal: a parameter of type e_string needs a value"},
       {{"synthesis.param.keep_hierarchy", "yes", "--type", "e_noarg"},
-       "keep_hierarchy: a parameter of type e_noarg takes no value"},
+       "synthesis.param.keep_hierarchy: a parameter of type e_noarg takes no value"},
       {{"device.device", "R40", "--type", "e_string"},
        "device.device has no type: only parameters have one"},
       {{"info.xmlns:board", "x"}, "a project does not keep info.xmlns:board"},
       {{"info.name", "x"}, "a project does not keep info.name"},
       {{"info.two words", "x"},
-       "Failed writing XML file blinker.xml: \"two words\" cannot be the name of an attribute"}};
+       "Failed writing XML file blinker.xml: info.two words: \"two words\" cannot be the name of "
+       "an attribute"}};
   for (auto [arguments, reason] : cases) {
     arguments.insert(arguments.begin(), {"set", "blinker.xml"});
     ExpectUnchangedBy(arguments, Failed(reason));
   }
+}
+
+TEST_F(Set, ValueThatDeservesALook_IsSetWithAWarning) {
+  EXPECT_EQ(SetValue("synthesis.param.retiming", "perhaps", "e_bool"),
+            DoneWithContentWarning("synthesis.param.retiming: \"perhaps\" is no value of type "
+                                   "e_bool; expected true, false, on, off, yes, no, 0 or 1"));
+  EXPECT_EQ(Value("synthesis.param.retiming"), "perhaps\n");
+  EXPECT_EQ(SetValue("place_and_route.param.max_threads", "four"),
+            DoneWithContentWarning("place_and_route.param.max_threads: \"four\" is no number of "
+                                   "threads; the tool takes its own default"));
+  EXPECT_EQ(SetValue("place_and_route.param.max_threads", "4"), Done());
 }
 
 TEST_F(Set, UnknownType_IsRefused) {
@@ -179,8 +194,9 @@ TEST_F(Set, UnknownType_IsRefused) {
 }
 
 TEST_F(Set, TextThatIsNotUtf8OrThatXmlCannotHold_IsRefused) {
-  ExpectUnchangedBy({"set", "blinker.xml", "info.note", "\x1b[31m"},
-                    testing::Field(&Outcome::err, HasSubstr("U+001B")));
+  ExpectUnchangedBy(
+      {"set", "blinker.xml", "info.note", "\x1b[31m"},
+      testing::Field(&Outcome::err, AllOf(HasSubstr("info.note: the text "), HasSubstr("U+001B"))));
   ExpectUnchangedBy({"set", "blinker.xml", "info.note", "caf\xE9"},
                     testing::Field(&Outcome::status, 2));
 }

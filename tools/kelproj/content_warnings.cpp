@@ -15,6 +15,7 @@
 
 #include "file_identities.h"
 #include "named_files.h"
+#include "places.h"
 
 namespace kelproj {
 namespace {
@@ -35,7 +36,10 @@ class Warnings {
 
   void AddOfFiles() {
     for (const NamedFile& file : FilesOf(project_)) {
-      if (file.name.empty()) continue;
+      if (file.name.empty()) {
+        Add(file.place, "it names no file");
+        continue;
+      }
       // Two instances may be made from one description.
       if (!file.is_ip_instance()) AddOfRepeated(file);
       AddOfEnding(file);
@@ -47,8 +51,11 @@ class Warnings {
     for (const projectdb::FlowProcessName& process : projectdb::kFlowProcesses) {
       const auto& contents = project_.flow_processes.at(static_cast<std::size_t>(process.type));
       for (const auto& [map, parameters] : contents.parameter_maps) {
-        const std::string key = std::string(process.name).append(".").append(map).append(".");
-        for (const auto& [name, parameter] : parameters) AddOfValue(key + name, parameter);
+        const std::string key = MemberPlace(process.name, map);
+        for (const auto& [name, parameter] : parameters) {
+          if (name.empty()) Add(key, "a parameter has no name");
+          AddOfValue(MemberPlace(key, name), parameter);
+        }
       }
       AddOfMaxThreads(process, contents);
     }
@@ -75,9 +82,8 @@ class Warnings {
 
   void AddOfAbsolute(const NamedFile& file) {
     if (!std::filesystem::path(file.name).is_absolute()) return;
-    const std::string directory = identities_.OfDirectory(project_.current_path) + "/";
-    const std::string path = identities_.Of(file.path);
-    if (path.compare(0, directory.size(), directory) != 0) return;
+    const std::string directory = identities_.OfDirectory(project_.current_path);
+    if (!PartBelow(directory, identities_.Of(file.path))) return;
     Add(file.place, "\"" + file.name +
                         "\" is absolute; the project can move along with it only as a relative "
                         "name, since it is below the project's directory");

@@ -14,6 +14,12 @@ std::filesystem::path WithoutLinks(const std::filesystem::path& directory) {
 
 }  // namespace
 
+std::optional<std::string> PartBelow(const std::string& directory, const std::string& file) {
+  const std::string begin = directory == "/" ? directory : directory + "/";
+  if (file.compare(0, begin.size(), begin) != 0) return std::nullopt;
+  return file.substr(begin.size());
+}
+
 std::string FileIdentities::Of(const std::filesystem::path& path) {
   const std::filesystem::path name = path.filename();
   if (name.empty() || name == "." || name == "..") return OfDirectory(path);

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -11,8 +13,10 @@
 #include <projectdb/vocabulary.h>
 
 #include "console.h"
-#include "json.h"
+#include "json_parsing.h"
 #include "keys.h"
+#include "places.h"
+#include "suggestions.h"
 
 namespace kelproj {
 namespace {
@@ -31,10 +35,11 @@ using projectdb::TermKind;
   throw Trouble((path.empty() ? "the document" : path) + ": " + reason);
 }
 
-[[noreturn]] void RefuseKey(const std::string& path) { Refuse(path, "a project has no such key"); }
+using Names = std::vector<std::string>;
 
-std::string Joined(const std::string& path, const std::string& name) {
-  return path.empty() ? name : path + "." + name;
+/// @param known keys at the same place
+[[noreturn]] void RefuseKey(const std::string& path, const Names& known = {}) {
+  Refuse(path, "a project has no such key" + DidYouMean(path, known));
 }
 
 const std::string& TextIn(const Json& value, const std::string& path) {
@@ -46,47 +51,69 @@ void RequireObject(const Json& value, const std::string& path) {
   if (!value.is_object()) Refuse(path, "an object is needed");
 }
 
+// The reader of the record knows what the format wants, which is no term's business.
+bool IsOfDocument(TermKind kind) { return kind != TermKind::kMemory && kind != TermKind::kFormat; }
+
 bool IsBeginOf(std::string_view key, std::string_view begin) {
   return key.size() > begin.size() && key.substr(0, begin.size()) == begin &&
          key[begin.size()] == '.';
 }
 
-/// Reads members of an object that no term of the record has; gives whether it has.
+// The part of a key behind another one with which it begins; "" if it does not.
+std::string PartBehind(std::string_view begin, std::string_view key) {
+  if (!begin.empty() && !IsBeginOf(key, begin)) return "";
+  const std::string_view rest = key.substr(begin.empty() ? 0 : begin.size() + 1);
+  return std::string(rest.substr(0, rest.find('.')));
+}
+
+/// What reads the members of a record's object that no term of the record has, by their names.
 using OtherMembers =
-    std::function<bool(const Json&, const std::string& path, const std::string& key)>;
+    std::map<std::string, std::function<void(const Json&, const std::string& path)>>;
 
 /// Reads the members of objects into the fields of a record whose keys they are.
 template <typename Terms, typename Record>
 class RecordReader {
  public:
-  RecordReader(const Terms& terms, Record& record, OtherMembers read_other)
-      : terms_(terms), record_(record), read_other_(std::move(read_other)) {}
+  RecordReader(const Terms& terms, Record& record, const OtherMembers& others)
+      : terms_(terms), record_(record), others_(others) {}
 
   /// @param path of the object in the document
   /// @param key of the object in the record, with which those of its members begin
   void Read(const Json& object, const std::string& path, const std::string& key = "") {
     RequireObject(object, path);
     for (const auto& [name, value] : object.items()) {
-      ReadMember(value, Joined(path, name), Joined(key, name));
+      const std::string place = MemberPlace(path, name);
+      if (name.find('.') != std::string::npos) Refuse(place, "a part of a key has no dot");
+      const bool is_read = ReadMember(value, place, MemberPlace(key, name));
+      if (!is_read) RefuseKey(place, MembersOf(path, key));
     }
   }
 
  private:
-  void ReadMember(const Json& value, const std::string& path, const std::string& key);
+  // Gives whether the object may have the member.
+  bool ReadMember(const Json& value, const std::string& path, const std::string& key);
+
+  // All that the object may have, as places.
+  Names MembersOf(const std::string& path, const std::string& key) const {
+    Names members;
+    for (const auto& term : terms_) {
+      const std::string part = PartBehind(key, term.key);
+      if (IsOfDocument(term.kind) && !part.empty()) members.push_back(MemberPlace(path, part));
+    }
+    if (!key.empty()) return members;
+    for (const auto& other : others_) members.push_back(MemberPlace(path, other.first));
+    return members;
+  }
 
   const Terms& terms_;
   Record& record_;
-  OtherMembers read_other_;
+  const OtherMembers& others_;
 };
-
-bool HasNoOther(const Json& /*value*/, const std::string& /*path*/, const std::string& /*key*/) {
-  return false;
-}
 
 template <typename Terms, typename Record>
 void ReadRecord(const Json& object, const std::string& path, const Terms& terms, Record& record,
-                const OtherMembers& read_other = HasNoOther) {
-  RecordReader<Terms, Record>(terms, record, read_other).Read(object, path);
+                const OtherMembers& others = {}) {
+  RecordReader<Terms, Record>(terms, record, others).Read(object, path);
 }
 
 // An entry of a list must have its name and that of its file.
@@ -97,7 +124,7 @@ void ReadEntry(const Json& object, const std::string& path, const Terms& terms, 
     const bool is_text = std::holds_alternative<Access<Record, std::string>>(term.access);
     const bool is_needed = &term == terms.begin() || (is_text && term.file_ending);
     const std::string key(term.key);
-    if (is_needed && !object.contains(key)) Refuse(Joined(path, key), "it is missing");
+    if (is_needed && !object.contains(key)) Refuse(MemberPlace(path, key), "it is missing");
   }
 }
 
@@ -109,7 +136,7 @@ void ReadField(const Json& value, const std::string& path, projectdb::InfoAttrib
   RequireObject(value, path);
   attributes.clear();
   for (const auto& [name, text] : value.items()) {
-    const std::string place = Joined(path, name);
+    const std::string place = MemberPlace(path, name);
     if (!projectdb::IsInfoAttributeName(name)) Refuse(place, "a project does not keep it");
     attributes[name] = TextIn(text, place);
   }
@@ -137,13 +164,23 @@ void ReadField(const Json& value, const std::string& path, IP& ip) {
   ReadEntry(value, path, projectdb::IPTerms(), ip);
 }
 
+// A load passes over an entry without a name if a name is all that it has.
+template <typename Entry>
+void RequireKept(const Entry& entry, const std::string& path) {
+  if constexpr (std::is_same_v<Entry, std::string>) {
+    if (entry.empty()) Refuse(path, "a project does not keep a file without a name");
+  }
+}
+
 template <typename Entry>
 void ReadField(const Json& value, const std::string& path, std::vector<Entry>& list) {
   if (!value.is_array()) Refuse(path, "a list is needed");
   list.clear();
   for (std::size_t i = 0; i < value.size(); ++i) {
+    const std::string place = PlaceText(path, std::to_string(i));
     list.push_back(NewEntry(list));
-    ReadField(value[i], path + "[" + std::to_string(i) + "]", list.back());
+    ReadField(value[i], place, list.back());
+    RequireKept(list.back(), place);
   }
 }
 
@@ -156,47 +193,49 @@ void ReadField(const Json& /*value*/, const std::string& path,
   RefuseKey(path);
 }
 
-// The reader of the record knows what the format wants, which is no term's business.
-bool IsOfDocument(TermKind kind) { return kind != TermKind::kMemory && kind != TermKind::kFormat; }
-
 template <typename Terms, typename Record>
-void RecordReader<Terms, Record>::ReadMember(const Json& value, const std::string& path,
+bool RecordReader<Terms, Record>::ReadMember(const Json& value, const std::string& path,
                                              const std::string& key) {
   const auto* const term = std::find_if(terms_.begin(), terms_.end(), [&key](const auto& each) {
-    return each.key == key && IsOfDocument(each.kind);
+    return each.key == key && IsOfDocument(each.kind) && !key.empty();
   });
   const auto is_begin = [&key](const auto& each) { return IsBeginOf(each.key, key); };
-  if (term != terms_.end() && !key.empty()) {
-    // What others decide may be in the document, as in that of a whole project.
-    if (term->kind != TermKind::kValue) return static_cast<void>(TextIn(value, path));
+  const auto other = others_.find(key);
+  if (term != terms_.end() && term->kind == TermKind::kValue) {
     std::visit([&](const auto& access) { ReadField(value, path, access(record_)); }, term->access);
+  } else if (term != terms_.end()) {
+    // What others decide may be in the document, as in that of a whole project.
+    TextIn(value, path);
   } else if (std::any_of(terms_.begin(), terms_.end(), is_begin)) {
     Read(value, path, key);
-  } else if (!read_other_(value, path, key)) {
-    RefuseKey(path);
+  } else if (other != others_.end()) {
+    other->second(value, path);
+  } else {
+    return false;
   }
+  return true;
 }
 
 projectdb::ParameterType TypeIn(const Json& value, const std::string& path) {
   const std::string& text = TextIn(value, path);
   const std::vector<std::string> names = ParameterTypeNames();
   const bool is_known = text.empty() || std::count(names.begin(), names.end(), text) > 0;
-  if (!is_known) Refuse(path, "there is no type \"" + text + "\"");
+  if (!is_known) Refuse(path, "there is no type \"" + text + "\"" + DidYouMean(text, names));
   return ParameterTypeFromName(text);
 }
 
 // A parameter whose type is not given keeps the one that it has.
 Parameter ParameterIn(const Json& object, const std::string& path, Parameter parameter) {
   RequireObject(object, path);
-  if (!object.contains("value")) Refuse(Joined(path, "value"), "it is missing");
+  if (!object.contains("value")) Refuse(MemberPlace(path, "value"), "it is missing");
   for (const auto& [key, value] : object.items()) {
-    const std::string place = Joined(path, key);
+    const std::string place = MemberPlace(path, key);
     if (key == "value") {
       parameter.value = TextIn(value, place);
     } else if (key == "type") {
       parameter.type = TypeIn(value, place);
     } else {
-      RefuseKey(place);
+      RefuseKey(place, {MemberPlace(path, "value"), MemberPlace(path, "type")});
     }
   }
   if (const auto reason = WhyRefused(parameter)) Refuse(path, *reason);
@@ -211,16 +250,9 @@ void ReadMap(const Json& object, const std::string& path, const std::string& map
     const auto former = parameters.find(name);
     const Parameter stored =
         former == parameters.end() ? Parameter(name, "", TypeOfNewParameter(map)) : former->second;
-    read.emplace(name, ParameterIn(value, Joined(path, name), stored));
+    read.emplace(name, ParameterIn(value, MemberPlace(path, name), stored));
   }
   parameters = std::move(read);
-}
-
-bool IsNameOfProcess(const std::string& key) {
-  const auto terms = projectdb::FlowProcessTerms();
-  return std::any_of(terms.begin(), terms.end(), [&key](const projectdb::FlowProcessTerm& term) {
-    return term.kind == TermKind::kFormat && term.key == key;
-  });
 }
 
 // A process that no file has told of yet has the empty name.
@@ -232,43 +264,32 @@ void RequireNameOfProcess(const Json& value, const std::string& path, const Flow
 
 void ReadProcess(const Json& object, const std::string& path, const FlowProcessName& name,
                  FlowProcessContents& process) {
-  const auto read_other = [&](const Json& value, const std::string& place, const std::string& key) {
-    if (IsNameOfProcess(key)) {
+  OtherMembers others;
+  for (const projectdb::FlowProcessTerm& term : projectdb::FlowProcessTerms()) {
+    if (term.kind != TermKind::kFormat) continue;
+    others[std::string(term.key)] = [&name](const Json& value, const std::string& place) {
       RequireNameOfProcess(value, place, name);
-      return true;
-    }
-    for (const projectdb::ParameterMapName& map : projectdb::MapsOf(name.type)) {
-      if (key != map.name) continue;
-      ReadMap(value, place, key, process.parameter_maps[key]);
-      return true;
-    }
-    return false;
-  };
-  ReadRecord(object, path, projectdb::FlowProcessTerms(), process, read_other);
-}
-
-Json Parsed(const std::string& text) {
-  try {
-    return Json::parse(text);
-  } catch (const Json::parse_error& error) {
-    throw Trouble("the document is no JSON: byte " + std::to_string(error.byte));
+    };
   }
+  for (const projectdb::ParameterMapName& map : projectdb::MapsOf(name.type)) {
+    others[map.name] = [&map, &process](const Json& value, const std::string& place) {
+      ReadMap(value, place, map.name, process.parameter_maps[map.name]);
+    };
+  }
+  ReadRecord(object, path, projectdb::FlowProcessTerms(), process, others);
 }
 
 }  // namespace
 
 void ApplyJson(const std::string& text, ProjectContents& project) {
-  const auto read_process = [&](const Json& value, const std::string& path,
-                                const std::string& key) {
-    for (const FlowProcessName& process : projectdb::kFlowProcesses) {
-      if (key != process.name) continue;
+  OtherMembers processes;
+  for (const FlowProcessName& process : projectdb::kFlowProcesses) {
+    processes[process.name] = [&process, &project](const Json& value, const std::string& path) {
       ReadProcess(value, path, process,
                   project.flow_processes.at(static_cast<std::size_t>(process.type)));
-      return true;
-    }
-    return false;
-  };
-  ReadRecord(Parsed(text), "", projectdb::ProjectTerms(), project, read_process);
+    };
+  }
+  ReadRecord(ParseJson(text), "", projectdb::ProjectTerms(), project, processes);
 }
 
 }  // namespace kelproj

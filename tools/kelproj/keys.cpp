@@ -1,5 +1,6 @@
 #include "keys.h"
 
+#include <cstddef>
 #include <string_view>
 #include <utility>
 #include <variant>
@@ -8,6 +9,7 @@
 
 #include "console.h"
 #include "named_files.h"
+#include "places.h"
 #include "suggestions.h"
 
 namespace kelproj {
@@ -61,8 +63,9 @@ std::optional<std::string> RestBehind(std::string_view part, std::string_view te
 std::string StoredText(const ProjectTerm& term, const std::string& value,
                        const ProjectContents& project) {
   if (!term.file_ending || value.empty()) return value;
-  RequireEnding(term, value);
-  return StoredName(value, project.current_path);
+  std::string name = StoredName(value, project.current_path);
+  RequireEnding(term, name);
+  return name;
 }
 
 Key TextKey(const ProjectTerm& term, const ProjectText& access) {
@@ -124,6 +127,11 @@ struct ParameterPlace {
   std::string name;
 };
 
+std::string KeyOf(const ParameterPlace& place) {
+  const char* const process = kFlowProcesses.at(static_cast<std::size_t>(place.process)).name;
+  return MemberPlace(MemberPlace(process, place.map), place.name);
+}
+
 void WriteParameter(ProjectContents& project, const ParameterPlace& place, const std::string& value,
                     std::optional<ParameterType> asked_type) {
   projectdb::SortedParameters& map = ProcessOf(project, place.process).parameter_maps[place.map];
@@ -131,7 +139,7 @@ void WriteParameter(ProjectContents& project, const ParameterPlace& place, const
   const ParameterType own_type =
       stored == map.end() ? TypeOfNewParameter(place.map) : stored->second.type;
   const Parameter parameter(place.name, value, asked_type.value_or(own_type));
-  if (const auto reason = WhyRefused(parameter)) throw Trouble(place.name + ": " + *reason);
+  if (const auto reason = WhyRefused(parameter)) throw Trouble(KeyOf(place) + ": " + *reason);
   map.insert_or_assign(place.name, parameter);
 }
 

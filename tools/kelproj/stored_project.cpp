@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
+#include <set>
 #include <system_error>
 #include <tuple>
 #include <utility>
@@ -11,6 +13,7 @@
 #include <projectdb/vocabulary.h>
 #include <unistd.h>
 
+#include "content_warnings.h"
 #include "installed_schema.h"
 #include "problems.h"
 
@@ -48,6 +51,17 @@ std::vector<FileProblem> Joined(std::vector<FileProblem> problems,
   std::stable_sort(problems.begin(), problems.end(), [](const auto& a, const auto& b) {
     return std::tie(a.line, a.column) < std::tie(b.line, b.column);
   });
+  return problems;
+}
+
+// The problems that were none before.
+std::vector<FileProblem> NewOnes(const std::vector<FileProblem>& former,
+                                 const std::vector<FileProblem>& present) {
+  std::set<std::string> known;
+  for (const FileProblem& problem : former) known.insert(problem.message);
+  std::vector<FileProblem> problems;
+  std::copy_if(present.begin(), present.end(), std::back_inserter(problems),
+               [&known](const auto& problem) { return known.count(problem.message) == 0; });
   return problems;
 }
 
@@ -154,6 +168,17 @@ void ChangeProject(const ChangedFile& file, const Console& console,
   // What the file has beside the project is lost with the former file.
   if (is_written) problems = Joined(std::move(problems), unkept);
   WriteProblems(console.err, file.path, problems);
+}
+
+void ChangeValues(const ChangedFile& file, const Console& console,
+                  const std::function<void(ProjectContents&)>& change) {
+  std::vector<FileProblem> warnings;
+  ChangeProject(file, console, [&](ProjectContents& project) {
+    const std::vector<FileProblem> former = ContentWarnings(project);
+    change(project);
+    warnings = NewOnes(former, ContentWarnings(project));
+  });
+  WriteProblems(console.err, file.path, warnings);
 }
 
 }  // namespace kelproj

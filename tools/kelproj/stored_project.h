@@ -60,4 +60,8 @@ void ChangeProject(const ChangedFile& file, const Console& console,
                    const std::function<void(projectdb::ProjectContents&)>& change,
                    const ChangedForm& form = {});
 
+/// Does the same for a change of values, and warns on the console of those that deserve a look.
+void ChangeValues(const ChangedFile& file, const Console& console,
+                  const std::function<void(projectdb::ProjectContents&)>& change);
+
 }  // namespace kelproj

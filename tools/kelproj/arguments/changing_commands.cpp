@@ -20,7 +20,8 @@ that names a file, constraint.interface, is relative to where you stand.
 A parameter that is there keeps its type unless --type gives it another. A new
 one gets the type of --type, else e_string if it is under param and no type if
 it is a define parameter or a macro. A parameter of type e_noarg takes the empty
-value, any other takes one that is not empty.
+value, any other takes one that is not empty. A value that "kelproj check"
+warns of is set with that warning.
 
 Example:
   kelproj set blinker.xml device.timing_model slow_85c info.owner "M. Ferreira"
@@ -91,8 +92,9 @@ without a type keeps the one that it has.
 
 The stamps sw_version and last_change_date and the directory may be in the
 document and are ignored, since every writing and every load makes them anew.
-Names of files are taken as they are stored, relative to the project. A key that
-no project has is an error, with its path.
+Names of files are taken as they are stored, relative to the project. What no
+project file can hold, such as an unknown key, is an error, with its path; what
+a file can hold and "kelproj check" warns of is applied with that warning.
 
 Example:
   kelproj show blinker.xml --json | kelproj apply blinker_rev_b.xml -

@@ -9,8 +9,8 @@ namespace kelproj {
 
 ExitStatus Run(const ApplyArguments& arguments, const Console& console) {
   const std::string document = ReadInput(arguments.document);
-  ChangeProject(arguments.file, console,
-                [&](projectdb::ProjectContents& project) { ApplyJson(document, project); });
+  ChangeValues(arguments.file, console,
+               [&](projectdb::ProjectContents& project) { ApplyJson(document, project); });
   return ExitStatus::kYes;
 }
 

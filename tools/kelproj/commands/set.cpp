@@ -44,7 +44,7 @@ std::optional<ParameterType> TypeOf(const SetArguments& arguments, const Key& ke
 ExitStatus Run(const SetArguments& arguments, const Console& console) {
   const std::vector<Setting> settings = SettingsOf(arguments);
   const std::optional<ParameterType> type = TypeOf(arguments, settings.front().key);
-  ChangeProject(arguments.file, console, [&](ProjectContents& project) {
+  ChangeValues(arguments.file, console, [&](ProjectContents& project) {
     for (const auto& [key, value] : settings) key.write(project, value, type);
   });
   return ExitStatus::kYes;

@@ -11,7 +11,7 @@ ExitStatus Run(const SetInterfaceArguments& arguments, const Console& console) {
   RequireName(arguments.path);
   const Key key = FindKey("constraint.interface");
   std::optional<std::string> doubt;
-  ChangeProject(arguments.file, console, [&](projectdb::ProjectContents& project) {
+  ChangeValues(arguments.file, console, [&](projectdb::ProjectContents& project) {
     key.write(project, arguments.path, std::nullopt);
     doubt = WhyNoFile(project.current_path, project.design_constraint.inter_file);
   });
