@@ -76,6 +76,8 @@ TEST_F(Add, StrictlyWhatIsNoFile_IsRefused) {
                     Refused("\"c.v\" does not exist in " + Directory()));
   ExpectUnchangedBy({"add", "blinker.xml", "--misc", "rtl", "--strict"},
                     Refused("\"rtl\" is a directory"));
+  EXPECT_EQ(Run({"add", "../blinker.xml", "--rtl", "c.v", "--strict"}, {PathOf("rtl")}),
+            Refused("\"rtl/c.v\" does not exist in " + Directory()));
   EXPECT_EQ(Run({"add", "blinker.xml", "--rtl", "a.v", "--strict"}), Done());
 }
 
@@ -172,6 +174,12 @@ TEST_F(Add, NamesInAList_AreOneOnEachLine) {
   EXPECT_THAT(Listed("design.files"), ElementsAre("a.v", "ein Name.v", "b.v"));
 }
 
+TEST_F(Add, BlankLinesAndCarriageReturnsOfAList_AreOfNoName) {
+  Write("list.txt", "a.v\r\n\r\n \t\r\n\t\nb.v\r\n");
+  EXPECT_EQ(Run({"add", "blinker.xml", "--rtl", "--from", "list.txt", "--strict"}), Done());
+  EXPECT_THAT(Listed("design.files"), ElementsAre("a.v", "b.v"));
+}
+
 TEST_F(Add, NamesInAListFromStandardInput_StandBehindTheOthers) {
   ProcessSettings settings;
   settings.input = "b.v\nrtl/d.v\n";
@@ -208,6 +216,12 @@ TEST_F(Add, SourcesOfAnIpInstanceThatIsThere_StandBehindItsOwn) {
   EXPECT_EQ(Shown("ip").at(0).at("files"), nlohmann::json({"../../rtl/d.v", "pll.v"}));
 }
 
+TEST_F(Add, IpInstancesOfOnePath_AreKnownByTheirNames) {
+  ASSERT_EQ(Run({"add", "blinker.xml", "--ip", "u_pll", "--path", "ip/pll/pll.ip"}), Done());
+  EXPECT_EQ(Run({"add", "blinker.xml", "--ip", "u_pll_2", "--path", "ip/pll/pll.ip"}), Done());
+  EXPECT_THAT(Listed("ip"), ElementsAre("ip/pll/pll.ip", "ip/pll/pll.ip"));
+}
+
 TEST_F(Add, IpInstanceOrSourceTwice_IsRefused) {
   ASSERT_EQ(Run({"add", "blinker.xml", "--ip", "u_pll", "--path", "ip/pll/pll.ip", "rtl/d.v"}),
             Done());
@@ -225,6 +239,8 @@ TEST_F(Add, RefusedFile_FailsAndLeavesTheProject) {
       {{"add", "blinker.xml", "a.v"},
        "one of --rtl, --sim, --misc, --sdc, --isf and --ip is needed"},
       {{"add", "blinker.xml", "--rtl", "a.v", ""}, "the empty text names no file"},
+      {{"add", "blinker.xml", "--ip", "", "--path", "ip/pll/pll.ip"},
+       "the empty text names no IP instance"},
       {{"add", "blinker.xml", "--misc", "a.v", "--library", "work"},
        "only --rtl and --sim files have an HDL version and a library"},
       {{"add", "blinker.xml", "--sdc", "a.sdc", "notes.md"},

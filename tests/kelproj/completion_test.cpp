@@ -95,6 +95,7 @@ TEST_F(Completion, NamesOfAProjectsFiles_AreOfferedAsTheUserSeesThem) {
   EXPECT_EQ(Completions({"remove", "lamp.xml", "--rtl", ""}), rtl);
   EXPECT_EQ(Completions({"rename", "lamp.xml", "ip/"}), Lines({"ip/pll.ip", "ip/pll.v"}));
   EXPECT_EQ(Completions({"move", "lamp.xml", "--sdc", ""}), Lines({"my clocks.sdc"}));
+  EXPECT_EQ(Completions({"rename", "lamp.xml", "--ip", "p"}), Lines({"pll"}));
   EXPECT_EQ(Completions({"move", "lamp.xml", "--rtl", "a.v", "--before", "my rtl/l"}),
             Lines({"my rtl/lamp.v"}));
   EXPECT_EQ(Completions({"remove", "../lamp.xml", "../my"}, "out"),

@@ -62,6 +62,14 @@ TEST_F(Move, NamesFromAnotherDirectory_AreThoseOfTheFilesThere) {
   EXPECT_THAT(Listed("design.files"), ElementsAre("a.v", "rtl/d.v", "b.v", "c.v"));
 }
 
+TEST_F(Move, NameThatEndsInASlash_MeansAllFilesBelow) {
+  ASSERT_EQ(Run({"add", "blinker.xml", "--rtl", "rtl/e.v", "--first"}).status, 0);
+  EXPECT_EQ(Run({"move", "blinker.xml", "--rtl", "rtl/", "--before", "c.v"}), Done());
+  EXPECT_THAT(Listed("design.files"), ElementsAre("a.v", "b.v", "rtl/e.v", "rtl/d.v", "c.v"));
+  EXPECT_EQ(Run({"move", "blinker.xml", "--rtl", "a.v", "--after", "rtl/"}), Done());
+  EXPECT_THAT(Listed("design.files"), ElementsAre("b.v", "rtl/e.v", "rtl/d.v", "a.v", "c.v"));
+}
+
 TEST_F(Move, FileThatTheListHasNot_ChangesNothingAndTheAnswerIsNo) {
   ExpectUnchangedBy({"move", "blinker.xml", "--rtl", "e.v", "--first"},
                     Refused("\"e.v\" is not among the design files"));
@@ -74,6 +82,8 @@ TEST_F(Move, FileThatTheListHasNot_ChangesNothingAndTheAnswerIsNo) {
 TEST_F(Move, FileNextToItself_Fails) {
   ExpectUnchangedBy({"move", "blinker.xml", "--rtl", "a.v", "--before", "./a.v"},
                     Failed("\"a.v\" cannot stand next to itself"));
+  EXPECT_EQ(Run({"move", "../blinker.xml", "--rtl", "d.v", "--after", "d.v"}, {PathOf("rtl")}),
+            Failed("\"rtl/d.v\" cannot stand next to itself"));
 }
 
 TEST_F(Move, WithoutKindOrPlace_Fails) {

@@ -87,6 +87,30 @@ TEST_F(Remove, StoredNameFromAnotherDirectory_IsKnown) {
   EXPECT_THAT(Listed("design.files"), ElementsAre("a.v", "rtl/a.v"));
 }
 
+TEST_F(Remove, NameThatEndsInASlash_MeansAllFilesBelow) {
+  EXPECT_EQ(Run({"remove", "blinker.xml", "rtl/"}), Done());
+  EXPECT_THAT(Listed("design.files"), ElementsAre("a.v"));
+  EXPECT_THAT(Listed("simulation.files"), ElementsAre("a.v"));
+  EXPECT_EQ(Shown("ip").at(0).at("files"), nlohmann::json({"pll.v"}));
+  EXPECT_EQ(Run({"remove", "../blinker.xml", "pll/"}, {PathOf("ip")}), Done());
+  EXPECT_THAT(Listed("ip"), IsEmpty());
+  EXPECT_EQ(Run({"remove", "blinker.xml", "--sim", PathOf("")}), Done());
+  EXPECT_THAT(Listed("simulation.files"), IsEmpty());
+  EXPECT_THAT(Listed("design.files"), ElementsAre("a.v"));
+}
+
+TEST_F(Remove, DirectoryWithNoFileBelow_ChangesNothingAndTheAnswerIsNo) {
+  std::filesystem::create_directory(PathOf("rt"));
+  ExpectUnchangedBy({"remove", "blinker.xml", "a.v", "rt/"},
+                    Refused("\"rt/\" is in no list of the project"));
+  ExpectUnchangedBy({"remove", "blinker.xml", "--misc", "rtl/"},
+                    Refused("\"rtl/\" is not among the miscellaneous files"));
+  ExpectUnchangedBy({"remove", "blinker.xml", "a.v/"},
+                    Refused("\"a.v/\" is in no list of the project"));
+  ExpectUnchangedBy({"remove", "blinker.xml", "rtl"},
+                    Refused("\"rtl\" is in no list of the project"));
+}
+
 TEST_F(Remove, IpInstance_IsMeantByItsNameToo) {
   EXPECT_EQ(Run({"remove", "blinker.xml", "u_pll"}), Done());
   EXPECT_EQ(Shown("ip"), nlohmann::json::array());

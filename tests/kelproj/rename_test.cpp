@@ -92,9 +92,27 @@ TEST_F(Rename, NamesFromAnotherDirectory_AreThoseOfTheFilesThere) {
   EXPECT_THAT(Listed("simulation.files"), ElementsAre("rtl/z.v"));
 }
 
-TEST_F(Rename, StoredNameFromAnotherDirectory_IsKnown) {
-  EXPECT_EQ(Run({"rename", "../blinker.xml", "rtl/old/a.v", "rtl/z.v"}, {PathOf("ip")}), Done());
+TEST_F(Rename, StoredNameFromAnotherDirectory_IsKnownAndTheNewOneIsTakenFromThere) {
+  EXPECT_EQ(Run({"rename", "../blinker.xml", "rtl/old/a.v", "../rtl/z.v"}, {PathOf("ip")}), Done());
   EXPECT_THAT(Listed("simulation.files"), ElementsAre("rtl/z.v"));
+  EXPECT_EQ(Run({"rename", "../blinker.xml", "rtl/", "src/"}, {PathOf("ip")}), Done());
+  EXPECT_THAT(Listed("simulation.files"), ElementsAre("ip/src/z.v"));
+}
+
+TEST_F(Rename, IpInstance_HasTheNewName) {
+  EXPECT_EQ(Run({"rename", "blinker.xml", "--ip", "u_pll", "u_main"}), Done());
+  EXPECT_EQ(Shown("ip").at(0).at("instance_name"), "u_main");
+  EXPECT_THAT(Listed("ip"), ElementsAre("ip/pll/pll.ip"));
+}
+
+TEST_F(Rename, IpInstanceThatIsNotThereOrNameOfAnotherOne_IsRefused) {
+  ASSERT_EQ(Run({"add", "blinker.xml", "--ip", "u_fifo", "--path", "ip/pll/pll.ip"}), Done());
+  ExpectUnchangedBy({"rename", "blinker.xml", "--ip", "u_pll", "u_fifo"},
+                    Refused("there is an IP instance \"u_fifo\" already"));
+  ExpectUnchangedBy({"rename", "blinker.xml", "--ip", "ip/pll/pll.ip", "u_main"},
+                    Refused("\"ip/pll/pll.ip\" is not among the IP instances"));
+  ExpectUnchangedBy({"rename", "blinker.xml", "--ip", "u_pll", ""},
+                    Failed("the empty text names no IP instance"));
 }
 
 TEST_F(Rename, AbsoluteName_StaysAbsoluteAndBecomesSoIfItIsGivenSo) {
@@ -117,7 +135,9 @@ TEST_F(Rename, NameThatTheListCannotHave_Fails) {
   ExpectUnchangedBy({"rename", "blinker.xml", "clocks.sdc", "clocks.txt"},
                     Failed("constraint.sdc: \"clocks.txt\" must be named NAME.sdc"));
   ExpectUnchangedBy({"rename", "blinker.xml", "top.v", "rtl/"},
-                    Failed("\"top.v\" is renamed as a file, not to a directory"));
+                    Failed("\"top.v\" is a file, but \"rtl/\" is a directory"));
+  ExpectUnchangedBy({"rename", "blinker.xml", "rtl/old/a.v", "rtl"},
+                    Failed("\"rtl/old/a.v\" is a file, but \"rtl\" is a directory"));
   ExpectUnchangedBy({"rename", "blinker.xml", "top.v", ""}, Failed("the empty text names no file"));
 }
 

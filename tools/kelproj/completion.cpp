@@ -52,7 +52,16 @@ Words Keys(const Situation& situation) {
   return keys;
 }
 
-// Of the kinds whose options are given, or of all kinds without one.
+Words InstanceNames(const Situation& situation) {
+  Words names;
+  for (const projectdb::IP& ip : ProjectOf(situation).ip_info.ips) {
+    names.push_back(ip.instance_name);
+  }
+  return names;
+}
+
+// Of the kinds whose options are given, or of all kinds without one. An IP instance may be named by
+// its own name too.
 Words FileNames(const Situation& situation) {
   const auto is_given = [&situation](const FileKind& kind) {
     return std::find(situation.words.begin(), situation.words.end(), kind.option) !=
@@ -60,17 +69,9 @@ Words FileNames(const Situation& situation) {
   };
   const auto kinds = FileKinds();
   const bool is_choice = std::any_of(kinds.begin(), kinds.end(), is_given);
-  Words names;
+  Words names = is_given(InstanceKind()) ? InstanceNames(situation) : Words();
   for (const NamedFile& file : FilesOf(ProjectOf(situation))) {
     if (!is_choice || is_given(*file.kind)) names.push_back(NameFromHere(file));
-  }
-  return names;
-}
-
-Words InstanceNames(const Situation& situation) {
-  Words names;
-  for (const projectdb::IP& ip : ProjectOf(situation).ip_info.ips) {
-    names.push_back(ip.instance_name);
   }
   return names;
 }

@@ -1,5 +1,7 @@
 #include "list_entries.h"
 
+#include <algorithm>
+
 #include "console.h"
 #include "named_files.h"
 
@@ -13,6 +15,41 @@ void RefuseRepeated(const std::string& name, const std::string& title) {
   throw Refusal("\"" + name + "\" is among the " + title + " already");
 }
 
+void RefuseMissing(const std::string& name, const std::string& title) {
+  throw Refusal("\"" + name + "\" is " +
+                (title.empty() ? "in no list of the project" : "not among the " + title));
+}
+
+void RefuseRepeatedInstance(const std::string& name) {
+  throw Refusal("there is an IP instance \"" + name + "\" already");
+}
+
+void RequireInstanceName(const std::string& name) {
+  if (name.empty()) throw Trouble("the empty text names no IP instance");
+}
+
+bool EntryChoice::HasFile(const std::string& file) const {
+  const auto is_above = [&file](const std::string& directory) {
+    return PartBelow(directory, file).has_value();
+  };
+  return chosen_files_.count(file) > 0 ||
+         std::any_of(chosen_directories_.begin(), chosen_directories_.end(), is_above);
+}
+
+bool EntryChoice::ChooseFile(const std::filesystem::path& path) {
+  const std::string file = identities_.Of(path);
+  return path.has_filename() ? ChooseKnown(file, known_files_, chosen_files_) : ChooseBelow(file);
+}
+
+bool EntryChoice::ChooseBelow(const std::string& directory) {
+  const auto is_below = [&directory](const std::string& file) {
+    return PartBelow(directory, file).has_value();
+  };
+  if (std::none_of(known_files_.begin(), known_files_.end(), is_below)) return false;
+  chosen_directories_.push_back(directory);
+  return true;
+}
+
 bool EntryChoice::ChooseKnown(const std::string& text, const Texts& known, Texts& chosen) {
   if (known.count(text) == 0) return false;
   chosen.insert(text);
@@ -21,11 +58,8 @@ bool EntryChoice::ChooseKnown(const std::string& text, const Texts& known, Texts
 
 bool EntryChoice::Choose(const std::string& name) {
   RequireName(name);
-  const auto choose_file = [&](const std::filesystem::path& directory) {
-    return ChooseKnown(identities_.Of(directory / name), known_files_, chosen_files_);
-  };
-  return choose_file(std::filesystem::current_path()) ||
-         ChooseKnown(name, known_names_, chosen_names_) || choose_file(project_directory_);
+  return ChooseFile(std::filesystem::current_path() / name) ||
+         ChooseKnown(name, known_names_, chosen_names_) || ChooseFile(project_directory_ / name);
 }
 
 }  // namespace kelproj

@@ -19,9 +19,21 @@ std::string TitleOfSources(const projectdb::IP& ip);
 /// @param title of the list, within a sentence
 [[noreturn]] void RefuseRepeated(const std::string& name, const std::string& title);
 
+/// Refuses a name that means nothing in a list.
+/// @param name as it would be stored
+/// @param title of the list, within a sentence; "" for all lists of the project
+[[noreturn]] void RefuseMissing(const std::string& name, const std::string& title = "");
+
+/// Refuses the name of an IP instance that is there.
+[[noreturn]] void RefuseRepeatedInstance(const std::string& name);
+
+/// Requires that a name in the arguments is one of an IP instance.
+/// @exception Trouble if it is empty
+void RequireInstanceName(const std::string& name);
+
 /// The entries of lists that names in the arguments mean. A name means the file that it is from
 /// where the user stands. If no known list has that, it means the one that is stored so, or the IP
-/// instance of that name.
+/// instance of that name. A name that ends in a slash means all files below that directory.
 class EntryChoice {
  public:
   explicit EntryChoice(std::filesystem::path project_directory)
@@ -50,7 +62,7 @@ class EntryChoice {
   template <typename Entry>
   bool Has(const Entry& entry, const std::filesystem::path& directory) {
     const bool has_file = !projectdb::FileNameOf(entry).empty();
-    if (has_file && chosen_files_.count(IdentityOf(entry, directory)) > 0) return true;
+    if (has_file && HasFile(IdentityOf(entry, directory))) return true;
     if constexpr (std::is_same_v<Entry, projectdb::IPSrcFile>) return false;
     return chosen_names_.count(projectdb::NameOf(entry)) > 0 ||
            chosen_names_.count(projectdb::FileNameOf(entry)) > 0;
@@ -64,6 +76,9 @@ class EntryChoice {
     return identities_.Of(directory / projectdb::FileNameOf(entry));
   }
 
+  bool HasFile(const std::string& file) const;
+  bool ChooseFile(const std::filesystem::path& path);
+  bool ChooseBelow(const std::string& directory);
   static bool ChooseKnown(const std::string& text, const Texts& known, Texts& chosen);
 
   std::filesystem::path project_directory_;
@@ -71,6 +86,7 @@ class EntryChoice {
   Texts known_files_;
   Texts known_names_;
   Texts chosen_files_;
+  std::vector<std::string> chosen_directories_;
   Texts chosen_names_;
 };
 

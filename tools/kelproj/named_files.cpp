@@ -156,7 +156,8 @@ std::optional<std::string> WhyNoFile(const std::filesystem::path& directory,
     return "\"" + name + "\" is a directory";
   }
   const bool is_absolute = std::filesystem::path(name).is_absolute();
-  return "\"" + name + "\" does not exist" + (is_absolute ? "" : " in " + directory.string());
+  return "\"" + name + "\" does not exist" +
+         (is_absolute ? "" : " in " + FileIdentities().OfDirectory(directory));
 }
 
 }  // namespace kelproj

@@ -39,11 +39,12 @@ constexpr char kAddHelp[] =
     R"(The files stand behind those that are there, or where --before or --first says.
 One of the options for a kind is needed. The status is 1, and nothing is
 changed, if the list has one of the files already, by whatever name. A file that
-does not exist, or is a directory, is added with a warning.
+does not exist, or is a directory, is added with a warning. Blank lines of a
+LIST name no file.
 
 An IP instance is added with its PATH and its sources, which are stored relative
 to the directory that holds PATH. Without --path, sources are added to an
-instance that is there.
+instance that is there. Several instances may have one PATH, but no two one name.
 
 Example:
   kelproj add blinker.xml --rtl rtl/blinker.v rtl/divider.v --library work
@@ -52,26 +53,33 @@ Example:
 
 constexpr char kRemoveHelp[] =
     R"(A name is that of a file, of a source of an IP instance or of an IP instance.
-The files are removed from every list that has them, or from that of the kind.
-The status is 1, and nothing is changed, if one of them is in none. On disk they
+One that ends in a slash means all files below that directory. The files are
+removed from every list that has them, or from that of the kind. The status is
+1, and nothing is changed, if one of the names is in none. On disk the files
 stay.
 
 Example:
-  kelproj remove blinker.xml rtl/divider.v
+  kelproj remove blinker.xml rtl/divider.v rtl/old/
   kelproj remove blinker.xml --ip u_pll)";
 
 constexpr char kRenameHelp[] =
     R"(The name changes in every list that has it, as a constraint or as a path or
 source of an IP instance. If OLD is a directory, the names of all files below it
-change. The status is 1 if there is none. On disk nothing is renamed.
+change. OLD may also be a stored name; NEW is relative to where you stand. The
+status is 1, and nothing is changed, if no list has OLD, or if one has a file
+twice then. On disk nothing is renamed.
+
+With --ip, the IP instance OLD is called NEW, which no other one may be.
 
 Example:
   kelproj rename blinker.xml rtl/divider.v rtl/clock_divider.v
-  kelproj rename blinker.xml rtl/ src/)";
+  kelproj rename blinker.xml rtl/ src/
+  kelproj rename blinker.xml --ip u_pll u_pll_main)";
 
 constexpr char kMoveHelp[] =
     R"(One of the options for a kind is needed, and one for the place. The status is 1,
-and nothing is changed, if the list has not both files. On disk nothing is moved.
+and nothing is changed, if the list has not both files. A name that ends in a
+slash means all files below that directory. On disk nothing is moved.
 
 Example:
   kelproj move blinker.xml --rtl rtl/blinker_pkg.sv --first
@@ -202,7 +210,7 @@ void DefineAdd(CLI::App& program, Request& request) {
               AddFileKinds(command, FlatFileKinds(), arguments.kind, "They are "));
   command
       .add_option("--hdl-version", arguments.hdl_version,
-                  "The language version of design or simulation files")
+                  "The language version of design or simulation files, such as sv_2017")
       ->type_name("VERSION");
   command
       .add_option("--library", arguments.library,
@@ -231,6 +239,8 @@ void DefineRename(CLI::App& program, Request& request) {
   AddChangedFile(command, arguments.file);
   command.add_option("OLD", arguments.former_name, "The file or directory")->required();
   command.add_option("NEW", arguments.new_name, "What it is called now")->required();
+  command.add_flag(InstanceKind().option, arguments.of_instance,
+                   "OLD and NEW are names of an IP instance");
 }
 
 void DefineMove(CLI::App& program, Request& request) {

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <filesystem>
+#include <type_traits>
 #include <unordered_set>
 #include <utility>
 
@@ -27,13 +28,22 @@ void RequireArgumentsOfKind(const AddArguments& arguments) {
   }
 }
 
-// The names of a list, of which empty lines are none.
+// What a line of a list names; "" if it is blank.
+std::string NameInLine(std::string line) {
+  // Other systems end a line with two characters.
+  if (!line.empty() && line.back() == '\r') line.pop_back();
+  return line.find_first_not_of(" \t") == std::string::npos ? "" : line;
+}
+
+// The names of a list.
 void AppendNames(const AddArguments& arguments, std::vector<std::string>& names) {
   const std::string list = ReadInput(*arguments.list_of_paths);
   const char end = arguments.ends_with_zero ? '\0' : '\n';
   for (std::size_t begin = 0; begin < list.size();) {
     const std::size_t size = std::min(list.find(end, begin), list.size()) - begin;
-    if (size > 0) names.push_back(list.substr(begin, size));
+    const std::string part = list.substr(begin, size);
+    const std::string name = arguments.ends_with_zero ? part : NameInLine(part);
+    if (!name.empty()) names.push_back(name);
     begin += size + 1;
   }
 }
@@ -42,6 +52,7 @@ void AppendNames(const AddArguments& arguments, std::vector<std::string>& names)
 std::vector<std::string> NamesIn(const AddArguments& arguments) {
   std::vector<std::string> names = arguments.paths;
   for (const std::string& name : names) RequireName(name);
+  if (arguments.instance) RequireInstanceName(*arguments.instance);
   if (arguments.instance_path) RequireName(*arguments.instance_path);
   if (arguments.list_of_paths) AppendNames(arguments, names);
   return names;
@@ -102,7 +113,7 @@ class Addition {
   void RequireNewInstance(const std::vector<IP>& ips) const {
     for (const IP& ip : ips) {
       if (arguments_.again || ip.instance_name != *arguments_.instance) continue;
-      throw Refusal("there is an IP instance \"" + ip.instance_name + "\" already");
+      RefuseRepeatedInstance(ip.instance_name);
     }
   }
 
@@ -116,7 +127,9 @@ class Addition {
   template <typename Entry>
   void Insert(std::vector<Entry>& entries, const std::vector<Entry>& added, const ListOfFiles& list,
               const ListPlace& place) {
-    if (!arguments_.again) RequireNew(entries, added, list);
+    // An IP instance is known by its name: several may be made from one description.
+    constexpr bool kIsFile = !std::is_same_v<Entry, IP>;
+    if (kIsFile && !arguments_.again) RequireNew(entries, added, list);
     for (const Entry& entry : added) Doubt(projectdb::FileNameOf(entry), list.directory);
     const std::size_t position = PositionOf(place, entries, list);
     entries.insert(entries.begin() + static_cast<std::ptrdiff_t>(position), added.begin(),

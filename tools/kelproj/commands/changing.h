@@ -67,6 +67,7 @@ struct RenameArguments {
   ChangedFile file;
   std::string former_name;
   std::string new_name;
+  bool of_instance = false;  ///< Whether they are names of an IP instance and not of a file.
 };
 ExitStatus Run(const RenameArguments& arguments, const Console& console);
 

@@ -29,7 +29,7 @@ void RequireOtherPlace(const MoveArguments& arguments, const ListOfFiles& list,
   EntryChoice neighbour = EntriesOf(entries, list, place.before ? *place.before : *place.after);
   for (const Entry& entry : entries) {
     if (moved.Has(entry, list.directory) && neighbour.Has(entry, list.directory)) {
-      throw Trouble("\"" + arguments.name + "\" cannot stand next to itself");
+      throw Trouble("\"" + projectdb::NameOf(entry) + "\" cannot stand next to itself");
     }
   }
 }

@@ -32,13 +32,11 @@ void ForEachList(ProjectContents& project, const FileKind* kind, Function functi
   }
 }
 
-std::string NotThere(const RemoveArguments& arguments, const std::string& name,
-                     const ProjectContents& project) {
-  const std::string shown =
-      arguments.kind == &InstanceKind() ? name : StoredName(name, project.current_path);
-  return "\"" + shown + "\" is " +
-         (arguments.kind ? "not among the " + TitleInSentence(TermOf(*arguments.kind))
-                         : "in no list of the project");
+[[noreturn]] void Refuse(const RemoveArguments& arguments, const std::string& name,
+                         const ProjectContents& project) {
+  const bool is_of_instance = arguments.kind == &InstanceKind();
+  RefuseMissing(is_of_instance ? name : StoredName(name, project.current_path),
+                arguments.kind ? TitleInSentence(TermOf(*arguments.kind)) : "");
 }
 
 void Remove(const RemoveArguments& arguments, ProjectContents& project) {
@@ -46,7 +44,7 @@ void Remove(const RemoveArguments& arguments, ProjectContents& project) {
   ForEachList(project, arguments.kind,
               [&](const auto& list, const auto& directory) { removed.Know(list, directory); });
   for (const std::string& name : arguments.names) {
-    if (!removed.Choose(name)) throw Refusal(NotThere(arguments, name, project));
+    if (!removed.Choose(name)) Refuse(arguments, name, project);
   }
   ForEachList(project, arguments.kind, [&](auto& list, const auto& directory) {
     const auto end = std::remove_if(

@@ -1,6 +1,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <unordered_set>
 #include <variant>
 #include <vector>
@@ -29,13 +30,14 @@ namespace fs = std::filesystem;
 /// Gives a file, or all files below a directory, other names wherever a project has them.
 class Renaming {
  public:
-  /// @param base against which both names are resolved
-  Renaming(const RenameArguments& arguments, const fs::path& base, const ProjectContents& project)
-      : new_path_(NormalPath(base / arguments.new_name)),
+  /// @param former_base against which the former name is resolved
+  Renaming(const RenameArguments& arguments, const fs::path& former_base,
+           const ProjectContents& project)
+      : new_path_(NormalPath(fs::current_path() / arguments.new_name)),
         makes_absolute_(fs::path(arguments.new_name).is_absolute()),
         only_below_(!fs::path(arguments.former_name).has_filename()),
-        former_file_(identities_.Of(base / arguments.former_name)),
-        former_directory_(identities_.OfDirectory(base / arguments.former_name)),
+        former_file_(identities_.Of(former_base / arguments.former_name)),
+        former_directory_(identities_.OfDirectory(former_base / arguments.former_name)),
         project_directory_(fs::weakly_canonical(project.current_path)) {}
 
   /// Whether anything was renamed.
@@ -124,14 +126,16 @@ class Renaming {
   std::optional<fs::path> NewPath(const fs::path& path) {
     const std::string file = identities_.Of(path);
     if (!only_below_ && file == former_file_) return Used(NewPathOfFile(path));
-    const std::string below = former_directory_ + "/";
-    if (file.compare(0, below.size(), below) != 0) return std::nullopt;
-    return Used(new_path_ / file.substr(below.size()));
+    const std::optional<std::string> part = PartBelow(former_directory_, file);
+    if (!part) return std::nullopt;
+    return Used(new_path_ / *part);
   }
 
   fs::path NewPathOfFile(const fs::path& path) const {
-    if (new_path_.has_filename()) return new_path_;
-    throw Trouble("\"" + path.filename().string() + "\" is renamed as a file, not to a directory");
+    std::error_code error;
+    if (new_path_.has_filename() && !fs::is_directory(new_path_, error)) return new_path_;
+    throw Trouble("\"" + NameIn(project_directory_, path) + "\" is a file, but \"" +
+                  NameIn(project_directory_, new_path_) + "\" is a directory");
   }
 
   fs::path Used(fs::path path) {
@@ -155,23 +159,39 @@ class Renaming {
   bool is_used_ = false;
 };
 
-// As seen from where the user stands; else, as with every name of a file, as it is stored.
-void Rename(const RenameArguments& arguments, ProjectContents& project) {
+// The former name is as seen from where the user stands; else, as with every name of a file that
+// is there, as it is stored.
+void RenameFiles(const RenameArguments& arguments, ProjectContents& project) {
   const bool is_renamed =
       Renaming(arguments, fs::current_path(), project).Rename(project) ||
       Renaming(arguments, fs::weakly_canonical(project.current_path), project).Rename(project);
   if (is_renamed) return;
-  throw Refusal("\"" + StoredName(arguments.former_name, project.current_path) +
-                "\" is in no list of the project");
+  RefuseMissing(StoredName(arguments.former_name, project.current_path));
+}
+
+void RenameInstances(const RenameArguments& arguments, std::vector<IP>& ips) {
+  bool is_renamed = false;
+  for (IP& ip : ips) {
+    if (ip.instance_name == arguments.former_name) {
+      ip.instance_name = arguments.new_name;
+      is_renamed = true;
+    } else if (ip.instance_name == arguments.new_name) {
+      RefuseRepeatedInstance(arguments.new_name);
+    }
+  }
+  if (!is_renamed) RefuseMissing(arguments.former_name, TitleInSentence(TermOf(InstanceKind())));
 }
 
 }  // namespace
 
 ExitStatus Run(const RenameArguments& arguments, const Console& console) {
-  RequireName(arguments.former_name);
-  RequireName(arguments.new_name);
-  ChangeProject(arguments.file, console,
-                [&](ProjectContents& project) { Rename(arguments, project); });
+  const auto require = arguments.of_instance ? RequireInstanceName : RequireName;
+  require(arguments.former_name);
+  require(arguments.new_name);
+  ChangeProject(arguments.file, console, [&](ProjectContents& project) {
+    if (arguments.of_instance) return RenameInstances(arguments, project.ip_info.ips);
+    RenameFiles(arguments, project);
+  });
   return ExitStatus::kYes;
 }
 
