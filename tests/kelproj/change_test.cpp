@@ -202,6 +202,23 @@ TEST_P(ChangeOfContents, MisspeltAttribute_IsAnErrorWithItsLineUnlessForced) {
   EXPECT_THAT(Read("blinker.xml"), Not(HasSubstr("pfad")));
 }
 
+TEST_F(KelprojTest, FileBehindALinkIntoAnotherDirectory_HasTheNamesThatALoadOfTheLinkWants) {
+  std::filesystem::create_directories(PathOf("real"));
+  MakeProject("real/lamp.xml");
+  std::filesystem::create_symlink("real/lamp.xml", PathOf("lamp.xml"));
+  Write("real/a.v", "");
+  const Outcome warned = DoneWithWarning(
+      "lamp.xml is a link to " + std::filesystem::canonical(PathOf("real/lamp.xml")).string() +
+      "; names of files are relative to the directory of the link");
+  EXPECT_EQ(Run({"add", "lamp.xml", "--rtl", "real/a.v"}), warned);
+  EXPECT_EQ(Run({"check", "lamp.xml", "--files"}), Done());
+  EXPECT_EQ(Run({"list", "lamp.xml"}), Printed("real/a.v\n"));
+  EXPECT_EQ(Run({"list", "lamp.xml", "--stored"}), Printed("real/a.v\n"));
+  EXPECT_EQ(Run({"rename", "lamp.xml", "real/a.v", "real/b.v"}), warned);
+  EXPECT_EQ(Run({"remove", "lamp.xml", "real/b.v"}), warned);
+  EXPECT_EQ(Run({"list", "lamp.xml"}), Done());
+}
+
 TEST_F(KelprojTest, ChangeThatChangesNothing_TellsOfNothingThatItWouldDrop) {
   MakeProject();
   Write("blinker.xml", Read("blinker.xml") + "<!-- the end -->\n");

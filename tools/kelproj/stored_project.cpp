@@ -65,6 +65,16 @@ std::vector<FileProblem> NewOnes(const std::vector<FileProblem>& former,
   return problems;
 }
 
+// A load takes the names of the files from the directory of the path that it is given.
+void WarnOfLink(const std::string& path, const Console& console) {
+  const std::filesystem::path file = std::filesystem::absolute(path);
+  const std::filesystem::path target = std::filesystem::weakly_canonical(file);
+  if (target.parent_path() == std::filesystem::weakly_canonical(file.parent_path())) return;
+  WriteMessage(console.err, Diag::MessageType::kWarning,
+               path + " is a link to " + target.string() +
+                   "; names of files are relative to the directory of the link");
+}
+
 bool UpdateOrSayWhyNot(const std::string& path, const std::function<void(ProjectContents&)>& change,
                        const projectdb::UpdateOptions& options) {
   try {
@@ -168,6 +178,7 @@ void ChangeProject(const ChangedFile& file, const Console& console,
   // What the file has beside the project is lost with the former file.
   if (is_written) problems = Joined(std::move(problems), unkept);
   WriteProblems(console.err, file.path, problems);
+  if (is_written) WarnOfLink(file.path, console);
 }
 
 void ChangeValues(const ChangedFile& file, const Console& console,
