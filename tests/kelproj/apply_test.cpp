@@ -227,12 +227,13 @@ TEST_F(Apply, KeyTwiceInAnObject_IsRefusedWithItsPath) {
 }
 
 TEST_F(Apply, TextThatIsNoJson_IsRefusedWithLineAndColumn) {
-  const std::pair<const char*, const char*> cases[] = {
+  const std::pair<std::string, const char*> cases[] = {
       {"", "line 1, column 1"},
       {"{\"name\": ", "line 1, column 10"},
       {"{\n  \"name\": mixer\n}\n", "line 2, column 11"},
       {"{\"name\": \"Tür\" \"Ä\"}", "line 1, column 18"},
-      {"{}\n\n}", "line 3, column 1"}};
+      {"{}\n\n}", "line 3, column 1"},
+      {std::string(100000, '['), "line 1, column 100001"}};
   for (const auto& [document, place] : cases) {
     ExpectRefused(document, "the document is no JSON: " + std::string(place));
   }
@@ -242,6 +243,7 @@ TEST_F(Apply, ValueOfAnotherForm_IsRefusedWithItsPath) {
   const std::pair<const char*, const char*> cases[] = {
       {"[]", "the document: an object is needed"},
       {R"({"name": 3})", "name: a text is needed"},
+      {R"({"name": 1e999})", "the document is no JSON: line 1, column 14"},
       {R"({"device": "R40"})", "device: an object is needed"},
       {R"({"design": {"files": {}}})", "design.files: a list is needed"},
       {R"({"design": {"files": ["a.v"]}})", "design.files[0]: an object is needed"},

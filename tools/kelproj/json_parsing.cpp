@@ -4,69 +4,12 @@
 #include <cstddef>
 #include <string_view>
 #include <unordered_set>
-#include <utility>
 #include <vector>
 
 #include "console.h"
-#include "places.h"
 
 namespace kelproj {
 namespace {
-
-/// Follows a parse, and refuses what is in one object twice.
-class MemberCheck {
- public:
-  void See(Json::parse_event_t event, const Json& parsed) {
-    using Event = Json::parse_event_t;
-    switch (event) {
-      case Event::object_start:
-      case Event::array_start:
-        values_.push_back({NextPlace(), event == Event::array_start});
-        break;
-      case Event::object_end:
-      case Event::array_end:
-        values_.pop_back();
-        CountElement();
-        break;
-      case Event::key:
-        AddMember(parsed.get_ref<const std::string&>());
-        break;
-      case Event::value:
-        CountElement();
-        break;
-    }
-  }
-
- private:
-  /// An object or list that has not ended yet.
-  struct OpenValue {
-    std::string place;
-    bool is_list;
-    std::size_t elements = 0;  ///< Of a list, those that have ended.
-    std::string member = {};   ///< Of an object, the last one.
-    std::unordered_set<std::string> members = {};
-  };
-
-  // Of the value that is next.
-  std::string NextPlace() const {
-    if (values_.empty()) return "";
-    const OpenValue& outer = values_.back();
-    return outer.is_list ? PlaceText(outer.place, std::to_string(outer.elements))
-                         : MemberPlace(outer.place, outer.member);
-  }
-
-  void AddMember(const std::string& name) {
-    OpenValue& object = values_.back();
-    object.member = name;
-    if (!object.members.insert(name).second) throw Trouble(NextPlace() + ": it is there twice");
-  }
-
-  void CountElement() {
-    if (!values_.empty()) ++values_.back().elements;
-  }
-
-  std::vector<OpenValue> values_;
-};
 
 bool BeginsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }
 
@@ -79,18 +22,86 @@ std::string LineAndColumn(std::string_view text, std::size_t byte) {
   return "line " + std::to_string(lines + 1) + ", column " + std::to_string(characters + 1);
 }
 
+/// Goes through a text from one end to the other, and refuses what a parse alone would not, or not
+/// with its place.
+class Inspection : public Json::json_sax_t {
+ public:
+  explicit Inspection(const std::string& text) : text_(text) {}
+
+  bool null() override { return EndValue(); }
+  bool boolean(bool /*value*/) override { return EndValue(); }
+  bool number_integer(number_integer_t /*value*/) override { return EndValue(); }
+  bool number_unsigned(number_unsigned_t /*value*/) override { return EndValue(); }
+  bool number_float(number_float_t /*value*/, const string_t& /*text*/) override {
+    return EndValue();
+  }
+  bool string(string_t& /*value*/) override { return EndValue(); }
+  bool binary(binary_t& /*value*/) override { return EndValue(); }
+
+  bool start_object(std::size_t /*size*/) override { return BeginValue(false); }
+  bool start_array(std::size_t /*size*/) override { return BeginValue(true); }
+  bool end_object() override { return EndOpenValue(); }
+  bool end_array() override { return EndOpenValue(); }
+
+  bool key(string_t& name) override {
+    OpenValue& object = values_.back();
+    object.member = name;
+    if (!object.members.insert(name).second) throw Trouble(Place() + ": it is there twice");
+    return true;
+  }
+
+  bool parse_error(std::size_t byte, const std::string& /*token*/,
+                   const nlohmann::detail::exception& /*error*/) override {
+    throw Trouble("the document is no JSON: " + LineAndColumn(text_, byte));
+  }
+
+ private:
+  /// An object or list that has not ended yet.
+  struct OpenValue {
+    bool is_list;
+    std::size_t elements = 0;  ///< Of a list, those that have ended.
+    std::string member = {};   ///< Of an object, the last one.
+    std::unordered_set<std::string> members = {};
+  };
+
+  bool BeginValue(bool is_list) {
+    values_.push_back({is_list});
+    return true;
+  }
+
+  bool EndOpenValue() {
+    values_.pop_back();
+    return EndValue();
+  }
+
+  bool EndValue() {
+    if (!values_.empty()) ++values_.back().elements;
+    return true;
+  }
+
+  // Of the member or element that is next.
+  std::string Place() const {
+    std::string place;
+    for (const OpenValue& value : values_) {
+      if (value.is_list) {
+        place.append("[").append(std::to_string(value.elements)).append("]");
+      } else {
+        place.append(place.empty() ? "" : ".").append(value.member);
+      }
+    }
+    return place;
+  }
+
+  const std::string& text_;
+  std::vector<OpenValue> values_;
+};
+
 }  // namespace
 
 Json ParseJson(const std::string& text) {
-  MemberCheck check;
-  try {
-    return Json::parse(text, [&check](int /*depth*/, Json::parse_event_t event, Json& parsed) {
-      check.See(event, parsed);
-      return true;
-    });
-  } catch (const Json::parse_error& error) {
-    throw Trouble("the document is no JSON: " + LineAndColumn(text, error.byte));
-  }
+  Inspection inspection(text);
+  Json::sax_parse(text, &inspection);
+  return Json::parse(text);
 }
 
 }  // namespace kelproj

@@ -185,9 +185,10 @@ void ChangeValues(const ChangedFile& file, const Console& console,
                   const std::function<void(ProjectContents&)>& change) {
   std::vector<FileProblem> warnings;
   ChangeProject(file, console, [&](ProjectContents& project) {
-    const std::vector<FileProblem> former = ContentWarnings(project);
+    const ProjectContents former = project;
     change(project);
-    warnings = NewOnes(former, ContentWarnings(project));
+    warnings = ContentWarnings(project);
+    if (!warnings.empty()) warnings = NewOnes(ContentWarnings(former), warnings);
   });
   WriteProblems(console.err, file.path, warnings);
 }
