@@ -85,6 +85,8 @@ TEST_F(Remove, NameFromAnotherDirectory_IsThatOfTheFileThere) {
 TEST_F(Remove, StoredNameFromAnotherDirectory_IsKnown) {
   EXPECT_EQ(Run({"remove", "../blinker.xml", "rtl/b.v"}, {PathOf("ip")}), Done());
   EXPECT_THAT(Listed("design.files"), ElementsAre("a.v", "rtl/a.v"));
+  EXPECT_EQ(Run({"remove", "../blinker.xml", "rtl/"}, {PathOf("ip")}), Done());
+  EXPECT_THAT(Listed("design.files"), ElementsAre("a.v"));
 }
 
 TEST_F(Remove, NameThatEndsInASlash_MeansAllFilesBelow) {

@@ -124,6 +124,15 @@ TEST_F(Rename, AbsoluteName_StaysAbsoluteAndBecomesSoIfItIsGivenSo) {
   EXPECT_THAT(Listed("design.files"), Contains("/cores/main.v"));
 }
 
+TEST_F(Rename, AbsoluteNameGivenARelativeOne_BecomesRelative) {
+  ASSERT_EQ(Run({"add", "blinker.xml", "--misc", PathOf("top.v"), PathOf("rtl/old/a.v")}), Done());
+  EXPECT_EQ(Run({"rename", "blinker.xml", PathOf("top.v"), "top.v"}), Done());
+  EXPECT_THAT(Listed("misc.files"), ElementsAre("top.v", PathOf("rtl/old/a.v")));
+  EXPECT_EQ(Run({"rename", "../blinker.xml", PathOf(""), "../"}, {PathOf("ip")}), Done());
+  EXPECT_THAT(Listed("misc.files"), ElementsAre("top.v", "rtl/old/a.v"));
+  EXPECT_EQ(Sources(), nlohmann::json({"pll.v", "../../rtl/old/a.v"}));
+}
+
 TEST_F(Rename, OneThatIsInNoList_ChangesNothingAndTheAnswerIsNo) {
   ExpectUnchangedBy({"rename", "blinker.xml", "rtl/ol", "rtl/new"},
                     Refused("\"rtl/ol\" is in no list of the project"));

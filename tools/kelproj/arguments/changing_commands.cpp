@@ -65,9 +65,10 @@ Example:
 constexpr char kRenameHelp[] =
     R"(The name changes in every list that has it, as a constraint or as a path or
 source of an IP instance. If OLD is a directory, the names of all files below it
-change. OLD may also be a stored name; NEW is relative to where you stand. The
-status is 1, and nothing is changed, if no list has OLD, or if one has a file
-twice then. On disk nothing is renamed.
+change. OLD may also be a stored name; NEW is relative to where you stand. A
+name that is stored as absolute stays so, unless OLD is absolute and NEW is not.
+The status is 1, and nothing is changed, if no list has OLD, or if one has a
+file twice then. On disk nothing is renamed.
 
 With --ip, the IP instance OLD is called NEW, which no other one may be.
 

@@ -34,7 +34,8 @@ class Renaming {
   Renaming(const RenameArguments& arguments, const fs::path& former_base,
            const ProjectContents& project)
       : new_path_(NormalPath(fs::current_path() / arguments.new_name)),
-        makes_absolute_(fs::path(arguments.new_name).is_absolute()),
+        makes_absolute_(IsAbsolute(arguments.new_name)),
+        makes_relative_(IsAbsolute(arguments.former_name) && !makes_absolute_),
         only_below_(!fs::path(arguments.former_name).has_filename()),
         former_file_(identities_.Of(former_base / arguments.former_name)),
         former_directory_(identities_.OfDirectory(former_base / arguments.former_name)),
@@ -59,7 +60,7 @@ class Renaming {
     if (name.empty()) return;
     const std::optional<fs::path> path = NewPath(project_directory_ / name);
     if (!path) return;
-    name = StoredFor(*path, project_directory_, makes_absolute_ || IsAbsolute(name));
+    name = StoredFor(*path, project_directory_, IsAbsoluteThen(name));
     RequireEnding(term, name);
   }
 
@@ -93,7 +94,7 @@ class Renaming {
     const fs::path former = former_directory / source.name;
     const std::optional<fs::path> path = NewPath(former);
     if (path) {
-      source.name = StoredFor(*path, directory, makes_absolute_ || IsAbsolute(source.name));
+      source.name = StoredFor(*path, directory, IsAbsoluteThen(source.name));
     } else if (directory != former_directory && !IsAbsolute(source.name)) {
       source.name = StoredFor(former, directory, false);
     }
@@ -145,6 +146,11 @@ class Renaming {
 
   static bool IsAbsolute(const std::string& name) { return fs::path(name).is_absolute(); }
 
+  // A name stays of its form unless the two in the arguments tell to change it.
+  bool IsAbsoluteThen(const std::string& name) const {
+    return makes_absolute_ || (IsAbsolute(name) && !makes_relative_);
+  }
+
   static std::string StoredFor(const fs::path& path, const fs::path& directory, bool is_absolute) {
     return is_absolute ? path.lexically_normal().string() : NameIn(directory, path);
   }
@@ -152,6 +158,7 @@ class Renaming {
   FileIdentities identities_;
   fs::path new_path_;
   bool makes_absolute_;
+  bool makes_relative_;
   bool only_below_;
   std::string former_file_;
   std::string former_directory_;
