@@ -409,6 +409,8 @@ class KEL_EXPORT KelProjectDatabase {
   bool AppendProjectToRoot(xercesc::DOMElement* root, ProjectTest test) const;
   /// A copy of all that there is, for whoever has the lock.
   ProjectContents CopyContents() const;
+  /// All that there is, for whoever needs the object no more.
+  ProjectContents TakeContents();
 
   bool LoadProjectInfoAttributes(const char* ns, const xercesc::DOMElement* root);
   bool LoadProjectInfo(const char* ns, const xercesc::DOMElement* elem, LoadObserver& observer);

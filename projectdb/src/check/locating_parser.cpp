@@ -9,8 +9,8 @@
 #include <string>
 #include <system_error>
 
+#include <xercesc/internal/ReaderMgr.hpp>
 #include <xercesc/internal/XMLScanner.hpp>
-#include <xercesc/sax/Locator.hpp>
 #include <xercesc/util/XMLExceptMsgs.hpp>
 #include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUni.hpp>
@@ -76,7 +76,7 @@ class LocatingParser : public xml::DomParser {
     DomParser::startElement(declaration, uri_id, prefix, attributes, attribute_count, is_empty,
                             is_root);
     positions_.Add(static_cast<const xercesc::DOMElement*>(getCurrentNode()), begin);
-    NoteEndOfPiece();
+    if (!is_empty) NoteEndOfPiece();  // Else endElement has done so.
   }
 
   void endElement(const xercesc::XMLElementDecl& declaration, unsigned int uri_id, bool is_root,
@@ -121,8 +121,9 @@ class LocatingParser : public xml::DomParser {
 
  private:
   void NoteEndOfPiece() {
-    const xercesc::Locator& locator = *getScanner()->getLocator();
-    positions_.BeginMarkup({locator.getLineNumber(), locator.getColumnNumber()});
+    xercesc::ReaderMgr::LastExtEntityInfo place;
+    getScanner()->getReaderMgr()->getLastExtEntityInfo(place);
+    positions_.BeginMarkup({place.lineNumber, place.colNumber});
   }
 
   ElementPositions& positions_;

@@ -91,7 +91,7 @@ class ProjectFileReader {
     const DOMElement* root = parse.document ? parse.document->getDocumentElement() : nullptr;
     if (!root) return;
     ReadDocument(*root, parse.positions);
-    if (!has_error) result_.contents = GetProjectContents(project_);
+    if (!has_error) result_.contents = project_.TakeContents();
   }
 
   std::string SchemaLocation(const std::string& schema_file) {

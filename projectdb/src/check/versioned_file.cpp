@@ -11,17 +11,8 @@
 namespace projectdb::files {
 namespace {
 
-// The 64-bit digest by Fowler, Noll and Vo: it tells changes apart that nobody made to deceive it.
-constexpr std::uint64_t kDigestStart = 0xCBF29CE484222325;
-constexpr std::uint64_t kDigestFactor = 0x100000001B3;
-
 // A load stops at a zero behind the project; an endless rest of zeros is not worth the time.
 constexpr std::uint64_t kMostDigested = std::uint64_t{256} << 20U;
-
-std::uint64_t Digest(std::uint64_t digest, const unsigned char* bytes, std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i) digest = (digest ^ bytes[i]) * kDigestFactor;
-  return digest;
-}
 
 std::int64_t Nanoseconds(const timespec& time) {
   constexpr std::int64_t kPerSecond = 1'000'000'000;
@@ -30,13 +21,10 @@ std::int64_t Nanoseconds(const timespec& time) {
 
 }  // namespace
 
-VersionedFile::VersionedFile(const std::string& path) : file_(path), digest_(kDigestStart) {}
-
 std::size_t VersionedFile::Read(unsigned char* target, std::size_t most) {
   const std::size_t size = file_.Read(target, most);
-  const std::uint64_t digested = std::min<std::uint64_t>(size, kMostDigested - digested_);
-  digest_ = Digest(digest_, target, static_cast<std::size_t>(digested));
-  digested_ += digested;
+  const std::uint64_t digested = std::min<std::uint64_t>(size, kMostDigested - digest_.size());
+  digest_.Add(target, static_cast<std::size_t>(digested));
   return size;
 }
 
@@ -45,9 +33,9 @@ ProjectFileVersion VersionedFile::Version() {
   if (version == ProjectFileVersion()) return version;
   constexpr std::size_t kBlockSize = 64 * 1024UL;
   std::array<unsigned char, kBlockSize> rest;
-  while (digested_ < kMostDigested && Read(rest.data(), rest.size()) > 0) {
+  while (digest_.size() < kMostDigested && Read(rest.data(), rest.size()) > 0) {
   }
-  version.bytes_digest = digest_;
+  version.bytes_digest = digest_.Value();
   return version;
 }
 
@@ -59,10 +47,11 @@ ProjectFileVersion VersionedFile::VersionWithoutDigest() const {
 }
 
 bool HasBytes(const ProjectFileVersion& version, std::string_view bytes) {
-  const auto* begin = reinterpret_cast<const unsigned char*>(bytes.data());
-  const std::size_t digested = std::min<std::size_t>(bytes.size(), kMostDigested);
-  return version.size == bytes.size() &&
-         version.bytes_digest == Digest(kDigestStart, begin, digested);
+  if (version.size != bytes.size()) return false;
+  BytesDigest digest;
+  digest.Add(reinterpret_cast<const unsigned char*>(bytes.data()),
+             std::min<std::size_t>(bytes.size(), kMostDigested));
+  return version.bytes_digest == digest.Value();
 }
 
 bool IsOfVersion(const std::string& path, const ProjectFileVersion& version) {

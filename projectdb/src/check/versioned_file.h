@@ -8,6 +8,7 @@
 #include <projectdb/project_file.h>
 
 #include "base/input_file.h"
+#include "check/bytes_digest.h"
 
 namespace projectdb::files {
 
@@ -15,7 +16,7 @@ namespace projectdb::files {
 class VersionedFile {
  public:
   /// @exception Failure as InputFile
-  explicit VersionedFile(const std::string& path);
+  explicit VersionedFile(const std::string& path) : file_(path) {}
 
   /// As InputFile::Read.
   std::size_t Read(unsigned char* target, std::size_t most);
@@ -30,8 +31,7 @@ class VersionedFile {
 
  private:
   InputFile file_;
-  std::uint64_t digest_;
-  std::uint64_t digested_ = 0;  // Bytes.
+  BytesDigest digest_;
 };
 
 /// Whether a file of this version has these bytes.

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <mutex>
+#include <utility>
 
 #include "contents/parameter_rules.h"
 #include "contents/project_rules.h"
@@ -10,21 +11,22 @@
 namespace projectdb {
 namespace {
 
-// All but the flow processes, whose maps have an order on one side and an index on the other.
+// All but the flow processes, whose maps have an order on one side and an index on the other. From
+// an rvalue the fields are moved.
 template <typename From, typename To>
-void CopyFields(const From& from, To& to) {
-  to.project_name = from.project_name;
-  to.current_path = from.current_path;
-  to.software_version = from.software_version;
-  to.last_modify_time = from.last_modify_time;
+void AssignFields(From&& from, To& to) {
+  to.project_name = std::forward<From>(from).project_name;
+  to.current_path = std::forward<From>(from).current_path;
+  to.software_version = std::forward<From>(from).software_version;
+  to.last_modify_time = std::forward<From>(from).last_modify_time;
   to.info_attributes.insert(from.info_attributes.begin(), from.info_attributes.end());
-  to.device_info = from.device_info;
-  to.design_info = from.design_info;
-  to.design_constraint = from.design_constraint;
-  to.design_isf = from.design_isf;
-  to.ip_info = from.ip_info;
-  to.sim_files = from.sim_files;
-  to.misc_files = from.misc_files;
+  to.device_info = std::forward<From>(from).device_info;
+  to.design_info = std::forward<From>(from).design_info;
+  to.design_constraint = std::forward<From>(from).design_constraint;
+  to.design_isf = std::forward<From>(from).design_isf;
+  to.ip_info = std::forward<From>(from).ip_info;
+  to.sim_files = std::forward<From>(from).sim_files;
+  to.misc_files = std::forward<From>(from).misc_files;
 }
 
 FlowProcessContents ContentsOf(const FlowProcess& process) {
@@ -52,17 +54,26 @@ FlowProcess ProcessOf(const FlowProcessContents& contents) {
   return process;
 }
 
+// Moves what it can if the data are an rvalue.
+template <typename Data>
+ProjectContents AllContentsOf(Data&& data) {
+  ProjectContents contents;
+  contents.flow_processes.reserve(data.flow_processes.size());
+  for (const FlowProcess& process : data.flow_processes) {
+    contents.flow_processes.push_back(ContentsOf(process));
+  }
+  AssignFields(std::forward<Data>(data), contents);
+  return contents;
+}
+
 }  // namespace
 
 ProjectContents KelProjectDatabase::CopyContents() const {
-  ProjectContents contents;
-  if (!data_) return contents;
-  CopyFields(*data_, contents);
-  contents.flow_processes.reserve(data_->flow_processes.size());
-  for (const FlowProcess& process : data_->flow_processes) {
-    contents.flow_processes.push_back(ContentsOf(process));
-  }
-  return contents;
+  return data_ ? AllContentsOf(std::as_const(*data_)) : ProjectContents();
+}
+
+ProjectContents KelProjectDatabase::TakeContents() {
+  return data_ ? AllContentsOf(std::move(*data_)) : ProjectContents();
 }
 
 ProjectContents GetProjectContents(const KelProjectDatabase& database) {
@@ -73,7 +84,7 @@ ProjectContents GetProjectContents(const KelProjectDatabase& database) {
 void SetProjectContents(KelProjectDatabase& database, const ProjectContents& contents) {
   RequireProject(contents);
   auto data = std::make_unique<KelProjectDatabase::ProjectData>();
-  CopyFields(contents, *data);
+  AssignFields(contents, *data);
   data->flow_processes.reserve(contents.flow_processes.size());
   for (const FlowProcessContents& process : contents.flow_processes) {
     data->flow_processes.push_back(ProcessOf(process));
