@@ -11,6 +11,7 @@
 #include "testing/project_loading.h"
 #include "testing/test.h"
 #include "testing/xml_tree.h"
+#include "xml/dom.h"
 #include "xml/error_handler.h"
 #include "xml/input.h"
 #include "xml/owned.h"
@@ -172,6 +173,35 @@ TEST(DomParserWithSchema, Parse_AttributeThatTheSchemaAdds_IsInTheDocument) {
   const auto* root = document->getDocumentElement();
   EXPECT_EQ(Utf8(root->getAttribute(u"added")), "here");
   EXPECT_EQ(root->getAttributes()->getLength(), 101U);
+}
+
+TEST(DomParserWithSchema, Parse_ElementsOfOneNameAndTwoTypes_HaveTheAttributesOfTheirTypes) {
+  const XmlPlatform platform;
+  const TemporaryDirectory directory;
+  const auto parent = [](const std::string& name, const std::string& attributes) {
+    return "<xs:element name=\"" + name +
+           "\"><xs:complexType><xs:sequence><xs:element name=\"e\" maxOccurs=\"unbounded\">"
+           "<xs:complexType>" +
+           attributes +
+           "</xs:complexType></xs:element></xs:sequence></xs:complexType></xs:element>";
+  };
+  WriteFile(directory / "s.xsd",
+            "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\"><xs:element name=\"project\">"
+            "<xs:complexType><xs:sequence>" +
+                parent("plain", "") +
+                parent("full", "<xs:attribute name=\"added\" default=\"here\"/>") +
+                "</xs:sequence></xs:complexType></xs:element></xs:schema>");
+  WriteFile(directory / "p.xml",
+            "<project><plain><e/><e/><e/></plain><full><e/><e added=\"v\"/><e/></full></project>");
+  const auto document = ParseProjectXMLFile(directory / "p.xml", directory / "s.xsd");
+  ASSERT_NE(document, nullptr);
+  std::vector<std::string> added;
+  for (const auto* child : ChildElements(document->getDocumentElement())) {
+    for (const auto* element : ChildElements(child)) {
+      added.push_back(Utf8(element->getAttribute(u"added")));
+    }
+  }
+  EXPECT_THAT(added, ElementsAre("", "", "", "here", "v", "here"));
 }
 
 TEST(DomParserWithSchema, Parse_ElementDeepBelowItsNamespace_IsValidatedInIt) {

@@ -115,27 +115,27 @@ void DomParser::startElement(const xercesc::XMLElementDecl& declaration, unsigne
   EnterElement(attributes, count);
   if (!AppendPlainElement(declaration, uri, prefix, attributes, count)) {
     StartOtherElement(declaration, uri, prefix, attributes, count, is_empty, is_root);
-    NoteKind(uri);
+    NoteKind(declaration, uri);
   } else if (is_empty) {
     endElement(declaration, uri, is_root, prefix);
   }
 }
 
 // Appends an element whose kind is known and whose attributes are plain, and makes it the current
-// one.
+// one. A declaration is of one local name, but of any prefix and namespace.
 bool DomParser::AppendPlainElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,
                                    const XMLCh* prefix, const XmlAttributes& attributes,
                                    XMLSize_t count) {
-  const auto kind = kinds_.find(declaration.getBaseName());
+  const auto kind = kinds_.find(&declaration);
   if (kind == kinds_.end() || kind->second.uri != uri) return false;
   const ElementNames& names = kind->second.names;
-  if (!XMLString::equals(names.prefix, prefix)) return false;
-  if (!ArePlain(attributes, count) || HasDefaults(declaration)) return false;
+  if (!XMLString::equals(names.prefix, prefix) || !ArePlain(attributes, count)) return false;
   xercesc::DOMElementNSImpl* element = AppendElement(*fCurrentParent, names);
   if (!element) return false;
   TextAttributes& texts = *TextAttributesOf(*element);
   for (XMLSize_t i = 0; i < count; ++i) {
-    texts.Set(attributes.elementAt(i)->getName(), attributes.elementAt(i)->getValue());
+    const XMLAttr& attribute = *attributes.elementAt(i);
+    texts.Set(attribute.getName(), attribute.getValue());
   }
   fCurrentParent = element;
   fCurrentNode = element;
@@ -174,12 +174,11 @@ void DomParser::StartOtherElement(const xercesc::XMLElementDecl& declaration, un
   if (is_empty) endElement(declaration, uri, is_root, prefix);
 }
 
-// Remembers the kind of the element that has just begun.
-void DomParser::NoteKind(unsigned int uri) {
+// Remembers the kind of the element that has just begun, unless such elements are not plain.
+void DomParser::NoteKind(const xercesc::XMLElementDecl& declaration, unsigned int uri) {
   const xercesc::DOMElementNSImpl* element = PlainElement(fCurrentNode);
-  if (!element || kinds_.size() == kMostKinds) return;
-  const ElementNames names(*element);
-  kinds_.emplace(names.local_name, Kind{uri, names});
+  if (!element || kinds_.size() == kMostKinds || HasDefaults(declaration)) return;
+  kinds_.emplace(&declaration, Kind{uri, ElementNames(*element)});
 }
 
 void DomParser::endElement(const xercesc::XMLElementDecl& declaration, unsigned int uri,

@@ -2,7 +2,6 @@
 
 #include <set>
 #include <string>
-#include <string_view>
 #include <unordered_map>
 
 #include <xercesc/dom/DOMErrorHandler.hpp>
@@ -43,7 +42,7 @@ class DomParser : public xercesc::DOMLSParserImpl {
  private:
   class Scanner;
 
-  /// Elements that have all their names in common.
+  /// Elements that have all their names in common, and no attributes but those in the file.
   struct Kind {
     unsigned int uri;
     ElementNames names;
@@ -61,12 +60,12 @@ class DomParser : public xercesc::DOMLSParserImpl {
                          const XMLCh* prefix,
                          const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes, XMLSize_t count,
                          bool is_empty, bool is_root);
-  void NoteKind(unsigned int uri);
+  void NoteKind(const xercesc::XMLElementDecl& declaration, unsigned int uri);
 
   Scanner* scanner_;  // fScanner, which the base class owns.
   std::set<std::u16string> prefixes_;
   XMLSize_t depth_ = 0;
-  std::unordered_map<std::u16string_view, Kind> kinds_;  // By local name.
+  std::unordered_map<const xercesc::XMLElementDecl*, Kind> kinds_;
 };
 
 /// Keeps no elements: only the errors matter.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <typeinfo>
+#include <vector>
 
 #include <xercesc/dom/DOMImplementation.hpp>
 #include <xercesc/dom/impl/DOMAttrNSImpl.hpp>
@@ -45,9 +46,21 @@ class Document final : public DOMDocumentImpl {
         xercesc::DOMAttrNSImpl(this, nullptr, nullptr, name, name);
   }
 
+  /// The document's own copy of an attribute's name. A project has few: no table finds them faster.
+  const XMLCh* AttributeName(const XMLCh* name) {
+    for (const XMLCh* known : attribute_names_) {
+      if (xercesc::XMLString::equals(known, name)) return known;
+    }
+    const XMLCh* const added = getPooledString(name);
+    if (attribute_names_.size() < kFewNames) attribute_names_.push_back(added);
+    return added;
+  }
+
  private:
   static constexpr XMLSize_t kNameTableSize = 16411;
+  static constexpr std::size_t kFewNames = 8;
 
+  std::vector<const XMLCh*> attribute_names_;
   bool is_parsed_ = false;
 };
 
@@ -69,17 +82,16 @@ Document* OwnDocument(const DOMNode& node) {
                                                            : nullptr;
 }
 
-void LinkAsOnlyChild(DOMElementNSImpl& parent, DOMElementNSImpl& element) {
-  parent.fParent.fFirstChild = &element;
-  element.fNode.isFirstChild(true);
-  element.fChild.previousSibling = &element;
-}
-
 // The first child knows the last one as the one before it.
-void LinkAfter(DOMElementNSImpl& first, DOMElementNSImpl& last, DOMElementNSImpl& element) {
-  last.fChild.nextSibling = &element;
-  element.fChild.previousSibling = &last;
-  first.fChild.previousSibling = &element;
+void LinkBehind(DOMElementNSImpl* last, DOMElementNSImpl& parent, DOMElementNSImpl& element) {
+  if (last) {
+    last->fChild.nextSibling = &element;
+    element.fChild.previousSibling = last;
+  } else {
+    parent.fParent.fFirstChild = &element;
+    element.fNode.isFirstChild(true);
+  }
+  PlainElement(parent.fParent.fFirstChild)->fChild.previousSibling = &element;
 }
 
 }  // namespace
@@ -106,9 +118,10 @@ Owned<xercesc::DOMDocument> CreateDocument(xercesc::DOMImplementation& core,
 }
 
 const DOMElementNSImpl* PlainElement(const DOMNode* node) {
+  // The type on the left is one of this file alone, so that no names of types are compared.
   const bool is_plain =
       kMakesNodes && node &&
-      (typeid(*node) == typeid(Element) || typeid(*node) == typeid(DOMElementNSImpl));
+      (typeid(Element) == typeid(*node) || typeid(DOMElementNSImpl) == typeid(*node));
   return is_plain ? static_cast<const DOMElementNSImpl*>(node) : nullptr;
 }
 
@@ -131,18 +144,16 @@ DOMElementNSImpl* AppendElement(DOMNode& parent_node, const ElementNames& names)
   element->fAttributes = new (document) TextAttributes(*element);
   element->fNode.fOwnerNode = parent;
   element->fNode.isOwned(true);
-  if (first) {
-    LinkAfter(*first, *last, *element);
-  } else {
-    LinkAsOnlyChild(*parent, *element);
-  }
+  LinkBehind(last, *parent, *element);
   document->changed();
   return element;
 }
 
 void TextAttributes::Set(const XMLCh* name, const XMLCh* text) {
   auto& document = static_cast<Document&>(*element_.getOwnerDocument());
-  const XMLCh* const kept_text = document.cloneString(text);
+  const XMLSize_t size = xercesc::XMLString::stringLen(text) + 1;
+  auto* const kept_text = static_cast<XMLCh*>(document.allocate(size * sizeof(XMLCh)));
+  std::copy_n(text, size, kept_text);
   TextAttribute** place = &first_;
   int order = -1;
   while (*place && (order = xercesc::XMLString::compareString((*place)->name, name)) < 0) {
@@ -151,67 +162,57 @@ void TextAttributes::Set(const XMLCh* name, const XMLCh* text) {
   if (*place && order == 0) {
     (*place)->text = kept_text;
   } else {
-    *place = new (&document) TextAttribute{document.getPooledString(name), kept_text, *place};
+    *place = new (&document) TextAttribute{document.AttributeName(name), kept_text, *place};
   }
 }
 
-DOMAttrMapImpl& TextAttributes::Nodes() const {
-  if (nodes_) return *nodes_;
+DOMAttrMapImpl& TextAttributes::Map() const {
+  if (map_) return *map_;
   auto* document = static_cast<Document*>(element_.getOwnerDocument());
-  auto* nodes = new (document) DOMAttrMapImpl(&element_);
-  if (first_) nodes->reserve(1);  // It grows.
+  auto* map = new (document) DOMAttrMapImpl(&element_);
+  if (first_) map->reserve(1);  // It grows.
   for (const TextAttribute* attribute = first_; attribute; attribute = attribute->next) {
     xercesc::DOMAttrImpl* node = document->NewAttribute(attribute->name);
     node->setValueFast(attribute->text);
-    nodes->setNamedItemFast(node);  // Asks not whether the element may be changed.
+    map->setNamedItemFast(node);  // Asks not whether the element may be changed.
   }
-  element_.fAttributes = nodes;
-  nodes_ = nodes;
-  return *nodes;
+  element_.fAttributes = map;
+  map_ = map;
+  return *map;
 }
 
-DOMAttrMapImpl* TextAttributes::cloneAttrMap(DOMNode* owner) { return Nodes().cloneAttrMap(owner); }
+DOMAttrMapImpl* TextAttributes::cloneAttrMap(DOMNode* owner) { return Map().cloneAttrMap(owner); }
 
-int TextAttributes::findNamePoint(const XMLCh* name) const { return Nodes().findNamePoint(name); }
+int TextAttributes::findNamePoint(const XMLCh* name) const { return Map().findNamePoint(name); }
 
 int TextAttributes::findNamePoint(const XMLCh* uri, const XMLCh* local_name) const {
-  return Nodes().findNamePoint(uri, local_name);
+  return Map().findNamePoint(uri, local_name);
 }
 
-DOMNode* TextAttributes::removeNamedItemAt(XMLSize_t index) {
-  return Nodes().removeNamedItemAt(index);
-}
+DOMNode* TextAttributes::removeNamedItemAt(XMLSize_t i) { return Map().removeNamedItemAt(i); }
 
 void TextAttributes::setReadOnly(bool is_read_only, bool is_deep) {
-  Nodes().setReadOnly(is_read_only, is_deep);
+  Map().setReadOnly(is_read_only, is_deep);
 }
 
-XMLSize_t TextAttributes::getLength() const { return Nodes().getLength(); }
+XMLSize_t TextAttributes::getLength() const { return Map().getLength(); }
 
-DOMNode* TextAttributes::item(XMLSize_t index) const { return Nodes().item(index); }
+DOMNode* TextAttributes::item(XMLSize_t i) const { return Map().item(i); }
 
-DOMNode* TextAttributes::getNamedItem(const XMLCh* name) const {
-  return Nodes().getNamedItem(name);
-}
+DOMNode* TextAttributes::getNamedItem(const XMLCh* name) const { return Map().getNamedItem(name); }
 
-DOMNode* TextAttributes::setNamedItem(DOMNode* attribute) {
-  return Nodes().setNamedItem(attribute);
-}
+DOMNode* TextAttributes::setNamedItem(DOMNode* node) { return Map().setNamedItem(node); }
 
-DOMNode* TextAttributes::removeNamedItem(const XMLCh* name) {
-  return Nodes().removeNamedItem(name);
-}
+DOMNode* TextAttributes::removeNamedItem(const XMLCh* name) { return Map().removeNamedItem(name); }
 
 DOMNode* TextAttributes::getNamedItemNS(const XMLCh* uri, const XMLCh* local_name) const {
-  return Nodes().getNamedItemNS(uri, local_name);
+  return Map().getNamedItemNS(uri, local_name);
 }
 
-DOMNode* TextAttributes::setNamedItemNS(DOMNode* attribute) {
-  return Nodes().setNamedItemNS(attribute);
-}
+DOMNode* TextAttributes::setNamedItemNS(DOMNode* node) { return Map().setNamedItemNS(node); }
 
 DOMNode* TextAttributes::removeNamedItemNS(const XMLCh* uri, const XMLCh* local_name) {
-  return Nodes().removeNamedItemNS(uri, local_name);
+  return Map().removeNamedItemNS(uri, local_name);
 }
 
 const TextAttributes* TextAttributesOf(const DOMElement& element) {

@@ -15,8 +15,9 @@
 /// - How a last child is linked (AppendElement): the members of DOMElementImpl, which its installed
 ///   header makes public. The parent and its first and last child must be elements of exactly the
 ///   class DOMElementNSImpl or made here; what stands elsewhere is left to the XML library.
-/// - The names of an element, which DOMElementNSImpl opens to the classes that are derived from it:
-///   each is the document's own copy, taken from another of its elements.
+/// - The names of an element and the document's table of names, which DOMElementNSImpl and
+///   DOMDocumentImpl open to the classes that are derived from them: each name is the document's
+///   own copy, taken from another of its elements, and the table is replaced while it is empty.
 /// - How an element keeps its attributes (TextAttributes): a map that the element asks by virtual
 ///   functions only. This one makes the usual nodes, and takes the usual map's place, as soon as it
 ///   is asked for one, so that every operation on such a tree does what it would do anyway.
@@ -25,7 +26,7 @@
 ///   same.
 ///
 /// These members are those of version 3.2. With another one, or with the build option
-/// PROJECTDB_PLAIN_DOM, no document is one of these, and the XML library does everything.
+/// PROJECTDB_PLAIN_DOM, no element is made here, and the XML library makes and writes them all.
 namespace projectdb::xml {
 
 /// The names of an element, in its document's memory.
@@ -46,9 +47,8 @@ struct TextAttribute {
   TextAttribute* next;  ///< In the order of the names.
 };
 
-/// A document that is empty, for a parser. Its table of names, each entry of which is the start of
-/// a list, is larger than usual.
-/// @return allocated by the memory manager
+/// An empty document for a parser, allocated by the memory manager. Its table of names, each entry
+/// of which is the start of a list, is larger than usual.
 xercesc::DOMDocumentImpl* NewDocument(xercesc::MemoryManager& memory);
 
 /// A document with a root.
@@ -79,23 +79,23 @@ class TextAttributes final : public xercesc::DOMAttrMapImpl {
   xercesc::DOMAttrMapImpl* cloneAttrMap(xercesc::DOMNode* owner) override;
   int findNamePoint(const XMLCh* name) const override;
   int findNamePoint(const XMLCh* uri, const XMLCh* local_name) const override;
-  xercesc::DOMNode* removeNamedItemAt(XMLSize_t index) override;
+  xercesc::DOMNode* removeNamedItemAt(XMLSize_t i) override;
   void setReadOnly(bool is_read_only, bool is_deep) override;
   XMLSize_t getLength() const override;
-  xercesc::DOMNode* item(XMLSize_t index) const override;
+  xercesc::DOMNode* item(XMLSize_t i) const override;
   xercesc::DOMNode* getNamedItem(const XMLCh* name) const override;
-  xercesc::DOMNode* setNamedItem(xercesc::DOMNode* attribute) override;
+  xercesc::DOMNode* setNamedItem(xercesc::DOMNode* node) override;
   xercesc::DOMNode* removeNamedItem(const XMLCh* name) override;
   xercesc::DOMNode* getNamedItemNS(const XMLCh* uri, const XMLCh* local_name) const override;
-  xercesc::DOMNode* setNamedItemNS(xercesc::DOMNode* attribute) override;
+  xercesc::DOMNode* setNamedItemNS(xercesc::DOMNode* node) override;
   xercesc::DOMNode* removeNamedItemNS(const XMLCh* uri, const XMLCh* local_name) override;
 
  private:
-  xercesc::DOMAttrMapImpl& Nodes() const;
+  xercesc::DOMAttrMapImpl& Map() const;
 
   xercesc::DOMElementNSImpl& element_;
   TextAttribute* first_ = nullptr;
-  mutable xercesc::DOMAttrMapImpl* nodes_ = nullptr;  // The usual map, once it is made.
+  mutable xercesc::DOMAttrMapImpl* map_ = nullptr;  // The usual map, once it is made.
 };
 
 /// @return null if the element has nodes for attributes

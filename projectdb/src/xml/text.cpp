@@ -75,19 +75,17 @@ std::u16string Transcoder::ToElementName(std::string_view name) {
 }
 
 std::string Transcoder::ToUtf8(const XMLCh* text) {
-  const XMLSize_t length = xercesc::XMLString::stringLen(text);
-  if (std::all_of(text, text + length, [](XMLCh unit) { return unit < 0x80; })) {
-    return std::string(text, text + length);
-  }
+  if (!text) return {};
+  const XMLCh* plain_end = text;
+  while (*plain_end != 0 && *plain_end < 0x80) ++plain_end;
+  if (*plain_end == 0) return std::string(text, plain_end);
   // A 16-bit unit takes at most three bytes, a pair of them four.
+  const XMLSize_t length = xercesc::XMLString::stringLen(text);
   std::string result(length * 3, '\0');
   XMLSize_t units_read = 0;
-  const XMLSize_t size =
-      length == 0 ? 0
-                  : transcoder_.transcodeTo(text, length, reinterpret_cast<XMLByte*>(result.data()),
-                                            result.size(), units_read,
-                                            xercesc::XMLTranscoder::UnRep_RepChar);
-  result.resize(size);
+  result.resize(transcoder_.transcodeTo(text, length, reinterpret_cast<XMLByte*>(result.data()),
+                                        result.size(), units_read,
+                                        xercesc::XMLTranscoder::UnRep_RepChar));
   return result;
 }
 
