@@ -46,6 +46,9 @@ inline constexpr char kPeakMemory[] = "peak_memory";
 /// library does. Without a schema the other builds a node of each blank.
 inline constexpr char kWithoutText[] = "_without_text";
 
+/// The name of what threads do that have nothing to do with each other.
+inline constexpr char kApart[] = "LoadProjectData, a file for each thread";
+
 /// Sizes of lists; the growth is measured from the second to the last.
 inline const std::vector<std::int64_t> kListSizes = {100, 1'000, 100'000};
 

@@ -48,6 +48,13 @@ struct Growth {
 
 constexpr Growth kGrowths[] = {{1'000, 100'000, 1.25}, {10'000, 1'000'000, 1.5}};
 
+/// The bytes that an operation on the largest project may take.
+constexpr long kLargestSize = 1'000'000;
+constexpr double kMostMemory = 1.2e9;
+
+/// How many times as fast two threads shall be as one that have nothing to do with each other.
+constexpr double kSpeedOfTwoThreads = 1.8;
+
 double Median(std::vector<double> values) {
   const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
   std::nth_element(values.begin(), middle, values.end());
@@ -72,10 +79,12 @@ std::string Quantity(const std::string& operation, double value) {
   return IsMemory(operation) ? Fixed(value / 1e6, 1) + " MB" : Time(value);
 }
 
+std::string Answer(bool is_met) { return is_met ? "yes" : "NO"; }
+
 // The last cells of a row.
 std::vector<std::string> RatioCells(double ratio, std::optional<double> target) {
   if (!target) return {Fixed(ratio, 2), "", ""};
-  return {Fixed(ratio, 2), "<= " + Fixed(*target, 2), ratio <= *target ? "yes" : "NO"};
+  return {Fixed(ratio, 2), "<= " + Fixed(*target, 2), Answer(ratio <= *target)};
 }
 
 std::optional<double> TargetOf(const std::string& operation, long size) {
@@ -125,6 +134,7 @@ void TableReporter::ReportRuns(const std::vector<Run>& runs) {
 void TableReporter::Finalize() {
   PrintRatios(GetOutputStream());
   PrintGrowth(GetOutputStream());
+  PrintLargestMemory(GetOutputStream());
   PrintThreads(GetOutputStream());
 }
 
@@ -163,15 +173,32 @@ void TableReporter::PrintGrowth(std::ostream& out) const {
   }
 }
 
+void TableReporter::PrintLargestMemory(std::ostream& out) const {
+  TextTable table({"operation", "size", "library", "target", "met"});
+  for (const auto& [key, comparison] : comparisons_) {
+    const auto& [operation, size] = key;
+    if (!IsMemory(operation) || size != kLargestSize) continue;
+    const double memory = Median(comparison.library);
+    table.Row({operation, std::to_string(size), Quantity(operation, memory),
+               "<= " + Quantity(operation, kMostMemory), Answer(memory <= kMostMemory)});
+  }
+  table.Print(out);
+}
+
 // In wall time, of what the threads do together.
 void TableReporter::PrintThreads(std::ostream& out) const {
-  TextTable table({"operation", "size", "1 thread", "2 threads", "4 threads"});
+  TextTable table(
+      {"operation", "size", "1 thread", "2 threads", "4 threads", "speed of 2", "target", "met"});
   for (const auto& [key, one] : times_) {
     const auto& [operation, size, threads] = key;
     if (threads != 1) continue;
-    table.Row({operation, std::to_string(size), Time(Median(one)),
-               Time(Median(times_.at({operation, size, 2}))),
-               Time(Median(times_.at({operation, size, 4})))});
+    const Values& two = times_.at({operation, size, 2});
+    const double speed = Median(one) / Median(two);
+    const bool has_target = operation == kApart;
+    table.Row({operation, std::to_string(size), Time(Median(one)), Time(Median(two)),
+               Time(Median(times_.at({operation, size, 4}))), Fixed(speed, 2),
+               has_target ? ">= " + Fixed(kSpeedOfTwoThreads, 2) : "",
+               has_target ? Answer(speed >= kSpeedOfTwoThreads) : ""});
   }
   table.Print(out);
 }

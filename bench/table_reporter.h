@@ -30,6 +30,7 @@ class TableReporter : public benchmark::BenchmarkReporter {
 
   void PrintRatios(std::ostream& out) const;
   void PrintGrowth(std::ostream& out) const;
+  void PrintLargestMemory(std::ostream& out) const;
   void PrintThreads(std::ostream& out) const;
 
   /// By the name of the operation and the number of design files or elements.

@@ -149,7 +149,7 @@ void RegisterXmlBenchmarks() {
            [](State& state) { CompareExporting(state, &Sample::project); });
   Register("export_of_utf8", kProjectSizes,
            [](State& state) { CompareExporting(state, &Sample::utf8_project); });
-  RegisterForThreads("LoadProjectData, a file for each thread", {10'000}, LoadInEachThread);
+  RegisterForThreads(kApart, {10'000}, LoadInEachThread);
 }
 
 }  // namespace bench
