@@ -1,3 +1,5 @@
+#include <projectdb/vocabulary.h>
+
 #include "tests/kelproj/kelproj_test.h"
 
 namespace {
@@ -19,9 +21,19 @@ class Apply : public KelprojTest {
   }
 
   // What "show --json" has, but for what every writing and every load makes anew.
-  Json Project(const std::string& file = "blinker.xml") const {
-    Json project = Json::parse(Run({"show", file, "--json"}).out);
+  static Json Contents(const std::string& document) {
+    Json project = Json::parse(document);
     for (const char* key : {"sw_version", "last_change_date", "directory"}) project.erase(key);
+    return project;
+  }
+
+  Json Project(const std::string& file = "blinker.xml") const {
+    return Contents(Run({"show", file, "--json"}).out);
+  }
+
+  // A writing gives each process its name, even if a file has told of none.
+  static Json WithoutNamesOfProcesses(Json project) {
+    for (const auto& process : projectdb::kFlowProcesses) project.at(process.name).erase("name");
     return project;
   }
 
@@ -90,6 +102,23 @@ TEST_F(Apply, AllOfAnOddProjectThatLoads_MakesTheContentsThose) {
   EXPECT_THAT(outcome.err, Not(HasSubstr("error")));
   EXPECT_EQ(Project(), Project("odd.xml"));
   EXPECT_EQ(Run({"diff", "odd.xml", "blinker.xml"}), Done());
+}
+
+TEST_F(Apply, AllOfAnyFileThatLoads_MakesTheContentsThose) {
+  int loaded = 0;
+  for (const std::string& file : CorpusProjects()) {
+    const Outcome shown = Run({"show", file, "--json"});
+    // What only XML 1.1 can carry, no writing can.
+    const bool is_beyond_xml10 =
+        std::filesystem::path(file).filename() == "xml11_control_characters.xml";
+    if (shown.status != 0 || is_beyond_xml10) continue;
+    ++loaded;
+    const Outcome applied = Applied(shown.out);
+    EXPECT_EQ(applied.status, 0) << file << ": " << applied.err;
+    EXPECT_EQ(WithoutNamesOfProcesses(Project()), WithoutNamesOfProcesses(Contents(shown.out)))
+        << file;
+  }
+  EXPECT_GE(loaded, 20);
 }
 
 TEST_F(Apply, WhatDeservesALook_IsAWarningWhenItComesIn) {
