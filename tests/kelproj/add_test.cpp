@@ -227,6 +227,8 @@ TEST_F(Add, IpInstanceOrSourceTwice_IsRefused) {
             Done());
   ExpectUnchangedBy({"add", "blinker.xml", "--ip", "u_pll", "--path", "ip/pll/other.ip"},
                     Refused("there is an IP instance \"u_pll\" already"));
+  ExpectUnchangedBy({"add", "blinker.xml", "--ip", "u_pll", "--path", "ip/pll/pll.ip", "--again"},
+                    Refused("there is an IP instance \"u_pll\" already"));
   ExpectUnchangedBy({"add", "blinker.xml", "--ip", "u_pll", "./rtl/d.v"},
                     Refused("\"../../rtl/d.v\" is among the source files of IP instance "
                             "\"u_pll\" already"));

@@ -147,6 +147,8 @@ TEST_F(Rename, NameThatTheListCannotHave_Fails) {
                     Failed("\"top.v\" is a file, but \"rtl/\" is a directory"));
   ExpectUnchangedBy({"rename", "blinker.xml", "rtl/old/a.v", "rtl"},
                     Failed("\"rtl/old/a.v\" is a file, but \"rtl\" is a directory"));
+  ExpectUnchangedBy({"rename", "blinker.xml", "rtl/", "top.v"},
+                    Failed("\"top.v\" is a file, not a directory"));
   ExpectUnchangedBy({"rename", "blinker.xml", "top.v", ""}, Failed("the empty text names no file"));
 }
 

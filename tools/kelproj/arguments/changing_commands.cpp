@@ -221,7 +221,7 @@ void DefineAdd(CLI::App& program, Request& request) {
   ExcludeEachOther(
       {AddNeighbour(command, "--before", arguments.place.before, "Put them before this one"),
        command.add_flag("--first", arguments.place.first, "Put them before all others")});
-  command.add_flag("--again", arguments.again, "Add also what is in the list already");
+  command.add_flag("--again", arguments.again, "Add also files that are in the list already");
   command.add_flag("--strict", arguments.strict, "Refuse, with status 1, what is no file");
 }
 

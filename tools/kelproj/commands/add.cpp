@@ -112,8 +112,7 @@ class Addition {
 
   void RequireNewInstance(const std::vector<IP>& ips) const {
     for (const IP& ip : ips) {
-      if (arguments_.again || ip.instance_name != *arguments_.instance) continue;
-      RefuseRepeatedInstance(ip.instance_name);
+      if (ip.instance_name == *arguments_.instance) RefuseRepeatedInstance(ip.instance_name);
     }
   }
 

@@ -129,6 +129,9 @@ class Renaming {
     if (!only_below_ && file == former_file_) return Used(NewPathOfFile(path));
     const std::optional<std::string> part = PartBelow(former_directory_, file);
     if (!part) return std::nullopt;
+    if (IsFile(new_path_)) {
+      throw Trouble("\"" + NameIn(project_directory_, new_path_) + "\" is a file, not a directory");
+    }
     return Used(new_path_ / *part);
   }
 
