@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <optional>
 #include <ostream>
 #include <set>
@@ -558,11 +559,11 @@ TEST(MergedAnyProjects, MergeProjects_SidesExchangedWithoutConflict_GivesTheSame
   }));
 }
 
-std::ptrdiff_t CountOf(const std::vector<std::string>& row, const Rows& rows) {
-  return std::count(rows.begin(), rows.end(), row);
-}
+using ProjectRow = std::vector<std::string>;
 
-bool Has(const Rows& rows, const std::vector<std::string>& row) { return CountOf(row, rows) > 0; }
+bool Has(const Rows& rows, const ProjectRow& row) {
+  return std::find(rows.begin(), rows.end(), row) != rows.end();
+}
 
 /// Without the empty name and tool of a process: they are as much as those of no process.
 Rows WithoutEmptyNames(Rows rows) {
@@ -573,45 +574,114 @@ Rows WithoutEmptyNames(Rows rows) {
   return rows;
 }
 
-TEST(MergedAnyProjects, MergeProjects_AddedByOneSide_IsThere) {
+/// What a project holds, by what a side may change alone: a value or an entry of a list, told by
+/// its name.
+using RowsByKey = std::map<ProjectRow, Rows>;
+
+/// How many fields of a row tell what it is about.
+std::ptrdiff_t KeySize(const ProjectRow& row) {
+  const std::string& title = row.at(0);
+  const std::string& field = row.at(1);
+  if (field == "map") return 4;
+  if (field == "plain" || title == "ip file") return 3;
+  const bool is_entry = title == "ip" || title == "sdc" || title == "isf";
+  return row.size() == 2 && !is_entry ? 1 : 2;
+}
+
+ProjectRow KeyOf(const ProjectRow& row) { return {row.begin(), row.begin() + KeySize(row)}; }
+
+std::ptrdiff_t InstanceCount(const ProjectContents& project, const std::string& instance) {
+  return std::count_if(project.ip_info.ips.begin(), project.ip_info.ips.end(),
+                       [&](const IP& ip) { return ip.instance_name == instance; });
+}
+
+/// Adds a row of an IP instance. That is an entry, with its path and files in their order; but if
+/// both sides have it, each of these is merged too.
+void AddOfInstance(const ThreeProjects& projects, const ProjectRow& row, RowsByKey& sorted) {
+  const std::string& name = row.at(1);
+  const auto in_ours = InstanceCount(projects.ours, name);
+  const auto in_theirs = InstanceCount(projects.theirs, name);
+  // The rows of two instances of one name are told apart by nothing.
+  if (std::max({InstanceCount(projects.base, name), in_ours, in_theirs}) > 1) return;
+  sorted[{"ip", name}].push_back(row);
+  if (in_ours + in_theirs == 2 && row.at(0) != "ip") sorted[KeyOf(row)].push_back(row);
+}
+
+/// @param project one of the three or their merge
+RowsByKey SortedByKey(const ThreeProjects& projects, const ProjectContents& project) {
+  RowsByKey sorted;
+  for (const ProjectRow& row : WithoutEmptyNames(RowsOf(project))) {
+    if (row.at(0).rfind("ip", 0) == 0) {
+      AddOfInstance(projects, row, sorted);
+    } else {
+      sorted[KeyOf(row)].push_back(row);
+    }
+  }
+  for (auto& [key, rows] : sorted) {
+    if (key.at(0) != "ip") std::sort(rows.begin(), rows.end());
+  }
+  return sorted;
+}
+
+/// What three projects and their merge hold.
+struct MergedRows {
+  RowsByKey base;
+  RowsByKey ours;
+  RowsByKey theirs;
+  RowsByKey merged;
+};
+
+MergedRows PickMergedRows() {
+  const ThreeProjects projects = PickThreeProjects();
+  return {SortedByKey(projects, projects.base), SortedByKey(projects, projects.ours),
+          SortedByKey(projects, projects.theirs), SortedByKey(projects, Merge(projects).contents)};
+}
+
+Rows RowsAt(const RowsByKey& rows, const ProjectRow& key) {
+  const auto found = rows.find(key);
+  return found == rows.end() ? Rows() : found->second;
+}
+
+// What one side does alone counts whatever the two are in conflict over elsewhere.
+
+TEST(MergedAnyProjects, MergeProjects_AddedByOneSideAlone_IsThere) {
   EXPECT_TRUE(rc::check([] {
-    const ThreeProjects projects = PickThreeProjects();
-    const MergedProjects merged = Merge(projects);
-    const Rows base = RowsOf(projects.base);
-    const Rows rows = RowsOf(merged.contents);
-    for (const auto& row : WithoutEmptyNames(RowsOf(projects.ours))) {
-      if (!Has(base, row)) RC_ASSERT(Has(rows, row));
-    }
-    for (const auto& row : WithoutEmptyNames(RowsOf(projects.theirs))) {
-      if (merged.conflicts.empty() && !Has(base, row)) RC_ASSERT(Has(rows, row));
-    }
+    const MergedRows rows = PickMergedRows();
+    const auto expect_added = [&](const RowsByKey& side, const RowsByKey& other) {
+      for (const auto& [key, added] : side) {
+        const bool is_alone = rows.base.count(key) == 0 && other.count(key) == 0;
+        if (is_alone) RC_ASSERT(RowsAt(rows.merged, key) == added);
+      }
+    };
+    expect_added(rows.ours, rows.theirs);
+    expect_added(rows.theirs, rows.ours);
   }));
 }
 
-bool RepeatsAnInstance(const ProjectContents& project) {
-  std::set<std::string> names;
-  const auto is_known = [&](const IP& ip) { return !names.insert(ip.instance_name).second; };
-  return std::any_of(project.ip_info.ips.begin(), project.ip_info.ips.end(), is_known);
+TEST(MergedAnyProjects, MergeProjects_RemovedByOneSideAndLeftAloneByTheOther_IsGone) {
+  EXPECT_TRUE(rc::check([] {
+    const MergedRows rows = PickMergedRows();
+    const auto expect_gone = [&](const RowsByKey& side, const RowsByKey& other) {
+      for (const auto& [key, former] : rows.base) {
+        const bool is_removed = side.count(key) == 0 && RowsAt(other, key) == former;
+        if (is_removed) RC_ASSERT(RowsAt(rows.merged, key).empty());
+      }
+    };
+    expect_gone(rows.ours, rows.theirs);
+    expect_gone(rows.theirs, rows.ours);
+  }));
 }
 
-TEST(MergedAnyProjects, MergeProjects_RemovedByOneSide_IsGone) {
+TEST(MergedAnyProjects, MergeProjects_ChangedByOneSideAlone_IsAsThatSideHasIt) {
   EXPECT_TRUE(rc::check([] {
-    const ThreeProjects projects = PickThreeProjects();
-    // The rows of two instances of one name are told apart by nothing.
-    RC_PRE(!RepeatsAnInstance(projects.base) && !RepeatsAnInstance(projects.ours) &&
-           !RepeatsAnInstance(projects.theirs));
-    const Rows base = WithoutEmptyNames(RowsOf(projects.base));
-    const Rows ours = RowsOf(projects.ours);
-    const Rows theirs = RowsOf(projects.theirs);
-    const MergedProjects merged = Merge(projects);
-    const Rows rows = RowsOf(merged.contents);
-    for (const auto& row : base) {
-      const auto count = CountOf(row, base);
-      if (!Has(ours, row) && CountOf(row, theirs) == count) RC_ASSERT(!Has(rows, row));
-      // An instance that theirs has removed and ours has changed is there as ours has it.
-      if (!merged.conflicts.empty()) continue;
-      if (!Has(theirs, row) && CountOf(row, ours) == count) RC_ASSERT(!Has(rows, row));
-    }
+    const MergedRows rows = PickMergedRows();
+    const auto expect_changed = [&](const RowsByKey& side, const RowsByKey& other) {
+      for (const auto& [key, former] : rows.base) {
+        if (RowsAt(other, key) == former) RC_ASSERT(RowsAt(rows.merged, key) == RowsAt(side, key));
+      }
+    };
+    expect_changed(rows.ours, rows.theirs);
+    expect_changed(rows.theirs, rows.ours);
   }));
 }
 
