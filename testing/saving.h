@@ -75,13 +75,19 @@ class FileTimes {
   struct stat status_;
 };
 
-/// A file as it is: the same one, with the same content and the same permissions.
+inline bool IsSameTime(const timespec& a, const timespec& b) {
+  return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
+}
+
+/// A file as it is: the same one, with the same content and the same permissions, since the same
+/// time.
 struct FileState {
   explicit FileState(const std::string& path) : status(StatusOf(path)), bytes(ReadFile(path)) {}
   bool operator==(const FileState& other) const {
     return status.st_ino == other.status.st_ino && status.st_mode == other.status.st_mode &&
            status.st_uid == other.status.st_uid && status.st_gid == other.status.st_gid &&
-           bytes == other.bytes;
+           IsSameTime(status.st_mtim, other.status.st_mtim) &&
+           IsSameTime(status.st_ctim, other.status.st_ctim) && bytes == other.bytes;
   }
 
   struct stat status;

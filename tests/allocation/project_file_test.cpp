@@ -37,6 +37,7 @@ class ProjectFileOutOfMemory : public testing::TestWithParam<Shortage> {
     for (; outcome != Outcome::kCompleted; failures += kStride) {
       SCOPED_TRACE(failures);
       outcome = RunWithFailure(failures, GetParam(), operation, unused);
+      EXPECT_NE(outcome, Outcome::kOtherException);
       judge(outcome);
     }
     return failures / kStride;
@@ -54,19 +55,50 @@ bool HasThrown(Outcome outcome) {
   return outcome == Outcome::kOutOfMemory || outcome == Outcome::kRuntimeError;
 }
 
+/// Memory that runs short in the parser may be an error of the file.
+void ExpectAllOrAnError(const ProjectContents& expected, const ProjectFile& file) {
+  const bool has_error = std::any_of(file.problems.begin(), file.problems.end(), IsError);
+  EXPECT_EQ(has_error, !file.contents);
+  if (file.contents) {
+    EXPECT_TRUE(AllDifferences(expected, *file.contents).empty());
+  }
+}
+
 TEST_P(ProjectFileOutOfMemory, ReadProjectFile_AnyAllocationFails_ThrowsOrGivesAllOrAnError) {
   const ProjectContents expected = Contents();
+  const FileState before(path_);
   ProjectFile file;
   const auto read = [&](auto&) { file = ReadProjectFile(path_, ""); };
   const long failures = FailEach(read, [&](Outcome outcome) {
-    if (HasThrown(outcome)) return;
-    const bool has_error = std::any_of(file.problems.begin(), file.problems.end(), IsError);
-    EXPECT_EQ(has_error, !file.contents);
-    if (file.contents) {
-      EXPECT_TRUE(AllDifferences(expected, *file.contents).empty());
-    }
+    if (!HasThrown(outcome)) ExpectAllOrAnError(expected, file);
+    EXPECT_EQ(FileState(path_), before);
   });
   EXPECT_GT(failures, kSanitized ? 5 : 50);
+}
+
+TEST_P(ProjectFileOutOfMemory, ParseProjectFile_AnyAllocationFails_ThrowsOrGivesAllOrAnError) {
+  const std::string bytes = CompleteProjectXml();
+  const ProjectContents expected = CompleteProject("");
+  ProjectFile file;
+  const auto parse = [&](auto&) { file = ParseProjectFile(bytes, ""); };
+  const long failures = FailEach(parse, [&](Outcome outcome) {
+    if (!HasThrown(outcome)) ExpectAllOrAnError(expected, file);
+    EXPECT_EQ(bytes, CompleteProjectXml());
+  });
+  EXPECT_GT(failures, kSanitized ? 5 : 50);
+}
+
+TEST_P(ProjectFileOutOfMemory, FormatProjectFile_AnyAllocationFails_ThrowsAndLeavesTheContents) {
+  const ProjectContents contents = CompleteProject();
+  const std::string expected = FormatProjectFile(contents, {true});
+  std::string bytes;
+  const auto format = [&](auto&) { bytes = FormatProjectFile(contents, {true}); };
+  const long failures = FailEach(format, [&](Outcome outcome) {
+    EXPECT_EQ(bytes, HasThrown(outcome) ? "" : expected);
+    EXPECT_TRUE(AllDifferences(CompleteProject(), contents).empty());
+    bytes.clear();
+  });
+  EXPECT_GT(failures, kSanitized ? 2 : 30);
 }
 
 TEST_P(ProjectFileOutOfMemory, WriteProjectFile_AnyAllocationFails_LeavesTheFormerFile) {
@@ -77,6 +109,7 @@ TEST_P(ProjectFileOutOfMemory, WriteProjectFile_AnyAllocationFails_LeavesTheForm
   const long failures = FailEach(write, [&](Outcome outcome) {
     const ProjectContents& expected = HasThrown(outcome) ? former : next;
     EXPECT_TRUE(DifferencesButStamps(expected, Contents()).empty());
+    EXPECT_EQ(next.project_name, "next");
     EXPECT_EQ(NamesIn(directory_.path()), Lines{"p.xml"});
     WriteFile(path_, CompleteProjectXml());
   });
