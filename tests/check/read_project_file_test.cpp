@@ -52,6 +52,17 @@ TEST_F(ReadingFile, GoodFile_GivesTheContentsOfALoad) {
   EXPECT_THAT(AllDifferences(CompleteContents(), *file.contents), IsEmpty());
 }
 
+TEST_F(ReadingFile, GoodFile_IsOpenedOnce) {
+  Write("p.xml", CompleteProjectXml());
+  int opened = 0;
+  const FilteredCalls calls([&](const projectdb::files::SystemCall& call) {
+    if (call.name == std::string("open")) ++opened;
+    return 0;
+  });
+  Read();
+  EXPECT_EQ(opened, 1);
+}
+
 TEST_F(ReadingFile, ReadFile_PostsNoMessages) {
   Write("p.xml", ProjectXml("<unknown/>"));
   const MessageRecorder recorder;
@@ -137,6 +148,28 @@ TEST_F(ReadingFile, LaterReadThatFails_IsAnErrorAndGivesNoContents) {
   const FilteredCalls calls(FailCall("read", 3, EIO));
   const ProjectFile file = Read();
   EXPECT_EQ(ErrorsOf(file).size(), 1U);
+  EXPECT_FALSE(file.contents);
+}
+
+TEST_F(ReadingFile, FileOfWhichTheSystemDoesNotTell_IsAnErrorWithItsReason) {
+  Write("p.xml", CompleteProjectXml());
+  const FilteredCalls calls(FailCall("stat", 1, EIO));
+  EXPECT_THAT(ErrorsOf(Read()), ElementsAre("the file cannot be read: Input/output error"));
+}
+
+TEST_F(ReadingFile, RestThatCannotBeRead_IsAnErrorAndGivesNoContents) {
+  Write("p.xml", CompleteProjectXml());
+  int reads = 0;
+  {
+    const FilteredCalls calls([&](const projectdb::files::SystemCall& call) {
+      if (call.name == std::string("read")) ++reads;
+      return 0;
+    });
+    Read();
+  }
+  const FilteredCalls calls(FailCall("read", reads, EIO));
+  const ProjectFile file = Read();
+  EXPECT_THAT(ErrorsOf(file), ElementsAre("the file cannot be read: Input/output error"));
   EXPECT_FALSE(file.contents);
 }
 
@@ -247,6 +280,17 @@ TEST(ParsingBytes, TextThatIsNotUtf8_IsAnErrorWithItsPlace) {
   EXPECT_THAT(file.problems[0].message, HasSubstr("the text is not UTF-8"));
   EXPECT_EQ(file.problems[0].line, 2U);
   EXPECT_EQ(file.problems[0].column, 7U);
+}
+
+TEST_F(ReadingFile, BytesThatNameASchema_AreParsedWithoutIt) {
+  const std::string schema = Write("device.xsd", DeviceOnlySchema());
+  const std::string bytes =
+      ProjectXml("<design_info/>",
+                 "xsi:schemaLocation=\"http://schema.kel.example/wdp_proj file://" + schema + "\"");
+  ASSERT_FALSE(ReadBytes(bytes).contents);
+  const ProjectFile file = ParseProjectFile(bytes, "");
+  EXPECT_THAT(file.problems, IsEmpty());
+  EXPECT_TRUE(file.contents);
 }
 
 TEST(ParsingBytes, NoBytes_AreNoProject) {

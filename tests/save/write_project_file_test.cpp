@@ -7,6 +7,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -300,6 +301,52 @@ TEST_F(WritingFile, CanonicalWanted_ReplacesOtherBytesOfTheSameContentsOnce) {
   EXPECT_FALSE(WriteProjectFile(path(), contents_, options));
 }
 
+TEST_F(WritingFile, FileThatSaysTheSameButThatTheSchemaBesideItRefuses_IsNotTouched) {
+  Write("wdp_proj.xsd", DeviceOnlySchema());
+  WriteOptions options;
+  for (const bool canonical : {false, true}) {
+    options.canonical = canonical;
+    std::filesystem::remove(path());
+    EXPECT_TRUE(WriteProjectFile(path(), contents_, options));
+    ASSERT_FALSE(ReadProjectFile(path(), "").contents);
+    const FileState before(path());
+    EXPECT_FALSE(WriteProjectFile(path(), contents_, options));
+    EXPECT_EQ(FileState(path()), before);
+  }
+}
+
+TEST_F(WritingFile, OtherContentsThanOfAFileThatTheSchemaBesideItRefuses_AreWritten) {
+  Write("wdp_proj.xsd", DeviceOnlySchema());
+  WriteProjectFile(path(), contents_);
+  ProjectContents contents = contents_;
+  contents.project_name = "next";
+  EXPECT_TRUE(WriteProjectFile(path(), contents));
+}
+
+TEST_F(WritingFile, FileThatSaysTheSameByTheDefaultValuesOfTheSchemaBesideIt_IsNotTouched) {
+  std::string schema = ReadFile(ShippedSchema());
+  const std::string attribute = "<xs:attribute name=\"tool_name\"";
+  ASSERT_NE(schema.find(attribute), std::string::npos);
+  schema.insert(schema.find(attribute) + attribute.size(), " default=\"own\"");
+  Write("wdp_proj.xsd", schema);
+  Write("p.xml", ProjectXml("<debugger/>",
+                            "xsi:schemaLocation=\"http://schema.kel.example/wdp_proj "
+                            "wdp_proj.xsd\""));
+  const ProjectContents contents = Contents();
+  ASSERT_EQ(contents.flow_processes.at(e_debugger).tool_name, "own");
+  EXPECT_FALSE(WriteProjectFile(path(), contents));
+}
+
+TEST_F(WritingFile, ParameterOfATypeThatNoFormatKnows_IsWrittenOnce) {
+  ProjectContents contents = contents_;
+  Put(contents.flow_processes[e_debugger], kParameterMap, "x",
+      {"x", "1", static_cast<ParameterType>(7)});
+  WriteOptions options;
+  options.canonical = true;
+  EXPECT_TRUE(WriteProjectFile(path(), contents, options));
+  EXPECT_FALSE(WriteProjectFile(path(), contents, options));
+}
+
 // The XML library is there for each call alone, as in a program that does nothing else with it.
 TEST_F(WritingFile, TooFewFilesMayBeOpen_IsAnErrorAndLeavesTheFormerFile) {
   if (kSanitized) GTEST_SKIP() << "the sanitizer needs files of its own";
@@ -415,6 +462,17 @@ TEST_F(WritingFile, ExpectedVersionUnderTheCallersOwnLock_DoesNotWait) {
   EXPECT_THROW(ProjectFileLock(path(), std::chrono::milliseconds::zero()), std::runtime_error);
 }
 
+TEST_F(WritingFile, OwnLockThatTheSystemDoesNotTellOf_IsNotWaitedForEither) {
+  for (const char* name : {"stat", "fstat"}) {
+    Write("p.xml", ProjectXml(""));
+    const ProjectFileLock lock(path());
+    WriteOptions options;
+    options.expected = ReadProjectFile(path(), "").version;
+    const FilteredCalls calls(FailCall(name, 1, EIO));
+    EXPECT_EQ(WriteError(contents_, options), "");
+  }
+}
+
 TEST_F(WritingFile, FileThatChangesWhileTheNewOneIsMade_IsNotTouched) {
   Write("p.xml", CompleteProjectXml());
   WriteOptions options;
@@ -513,8 +571,10 @@ TEST_F(WritingFile, TemporaryFileOfASaveThatIsAtWork_Stays) {
 
 TEST_F(WritingFile, TemporaryFileThatIsTakenForAnAbandonedOne_IsMadeAnew) {
   int created = 0;
+  bool is_removed = false;
   const FilteredCalls calls([&](const SystemCall& call) {
-    if (call.name == std::string("flock") && ++created == 1) {
+    if (call.name == std::string("openat")) ++created;
+    if (call.name == std::string("flock") && !std::exchange(is_removed, true)) {
       for (const std::string& name : NamesIn(directory.path())) {
         std::filesystem::remove(directory / name);
       }

@@ -45,7 +45,7 @@ struct ProjectFileVersion {
 /// What a reading gives.
 struct ProjectFile {
   /// What a load of the file into a new object would give; none if the load would leave the object
-  /// without a project.
+  /// without a project, or if the file cannot be read to its end.
   std::optional<ProjectContents> contents;
   std::vector<FileProblem> problems;  ///< As CheckProjectFile lists them.
   ProjectFileVersion version;         ///< That of no file if there is none.
@@ -68,7 +68,7 @@ KEL_EXPORT ProjectFile ReadProjectFile(const std::string& path, const std::strin
 /// @param bytes of a project file, in any encoding that its XML declaration names
 /// @param schema_file as with ReadProjectFile
 /// @return contents with the empty text for a directory, and the version of no file; a schema that
-///         the bytes name is not looked for
+///         the bytes name is not looked for, wherever it is
 /// @exception std::bad_alloc
 KEL_EXPORT ProjectFile ParseProjectFile(const std::string& bytes, const std::string& schema_file);
 
@@ -83,7 +83,8 @@ struct FormatOptions {
 /// ("param", "dynparam", "defmacro", then others by name) and then by name, all else as in an
 /// export. The same contents give the same bytes, but for the stamps, on every platform.
 ///
-/// Plain parameters of a process, and the number of a type that has no text, are in no file.
+/// Plain parameters of a process, and the number of a type that has no text, are in no file: such a
+/// type is left out, as kNoParameterType is.
 ///
 /// @exception std::runtime_error "Failed writing XML file: " + reason + "\n" for contents that no
 ///            project file can hold or that a load would not give back, as with
@@ -111,7 +112,8 @@ struct WriteOptions {
 };
 
 /// Saves a project in canonical order, and as safely as ExportProjectDataDurably does. A file that
-/// says the same already, stamps and directory aside, is not touched.
+/// says the same already, stamps and directory aside, is not touched, even if a schema that it
+/// names refuses it.
 ///
 /// Without an expected version it takes no ProjectFileLock and replaces whatever is there. The path
 /// may end in anything; a load wants ".xml". It is not the same file afterwards: another hard link

@@ -3,10 +3,10 @@
 #include <cerrno>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "base/failure.h"
 #include "base/system_calls.h"
@@ -31,11 +31,17 @@ class FileDescriptor {
   /// @param number what the opening call gave
   /// @exception Failure if that call failed
   explicit FileDescriptor(int number) : number_(RequireSuccess(number)) {}
-  ~FileDescriptor() { ::close(number_); }
+  ~FileDescriptor() {
+    if (number_ >= 0) CloseFile(number_);
+  }
   FileDescriptor(const FileDescriptor&) = delete;
   FileDescriptor& operator=(const FileDescriptor&) = delete;
 
   int number() const { return number_; }
+
+  /// Closes it before the end.
+  /// @return the result of the system call
+  int Close() { return CloseFile(std::exchange(number_, -1)); }
 
   struct stat Status() const {
     struct stat status {};

@@ -1,7 +1,6 @@
 #include "base/input_file.h"
 
 #include <algorithm>
-#include <cerrno>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -29,9 +28,9 @@ std::size_t InputFile::ReadFromSystem(unsigned char* target, std::size_t most) c
   while (size < most) {
     const ssize_t count =
         CallSystem("read", ::read, descriptor_.number(), target + size, most - size);
+    if (count < 0) ThrowSystemFailure();
     if (count == 0) break;
-    if (count < 0 && errno != EINTR) ThrowSystemFailure();
-    if (count > 0) size += static_cast<std::size_t>(count);
+    size += static_cast<std::size_t>(count);
   }
   return size;
 }

@@ -4,8 +4,10 @@
 #include <functional>
 #include <type_traits>
 
-/// The system calls on which it depends what a save leaves are made through here, so that a test
-/// can stand between any two of them.
+#include <unistd.h>
+
+/// The system calls on files that a lock, a read and a save make go through here, so that a test
+/// can stand between any two of them. Only the names of directories are looked up elsewhere.
 namespace projectdb::files {
 
 /// A call that is about to be made.
@@ -23,17 +25,46 @@ inline SystemCallFilter& FilterOfSystemCalls() {
   return filter;
 }
 
-/// Makes a call that gives a negative result if it fails.
+/// The errno with which a call is to fail, or 0.
+inline int ErrorOfFilter(const SystemCall& call) {
+  const SystemCallFilter& filter = FilterOfSystemCalls();
+  return filter ? filter(call) : 0;
+}
+
+/// Makes a call that gives a negative number or null if it fails. For calls that may have done
+/// their work although a signal interrupted them.
 template <typename Function, typename First, typename... Others>
-auto CallSystem(const char* name, Function function, First first, Others... others) {
+auto CallSystemOnce(const char* name, Function function, First first, Others... others) {
   using Result = decltype(function(first, others...));
   int descriptor = -1;
   if constexpr (std::is_same_v<First, int>) descriptor = first;
-  const SystemCallFilter& filter = FilterOfSystemCalls();
-  const int error = filter ? filter({name, descriptor}) : 0;
+  const int error = ErrorOfFilter({name, descriptor});
   if (error == 0) return function(first, others...);
   errno = error;
-  return Result{-1};
+  if constexpr (std::is_pointer_v<Result>) {
+    return Result{nullptr};
+  } else {
+    return Result{-1};
+  }
+}
+
+/// Makes a call that gives a negative number if it fails, again each time a signal interrupts it.
+template <typename Function, typename First, typename... Others>
+auto CallSystem(const char* name, Function function, First first, Others... others) {
+  for (;;) {
+    const auto result = CallSystemOnce(name, function, first, others...);
+    if (result >= 0 || errno != EINTR) return result;
+  }
+}
+
+/// Closes an open file. The system does so even if it tells of a failure, such as of a write that
+/// it has put off until then.
+inline int CloseFile(int descriptor) {
+  const int error = ErrorOfFilter({"close", descriptor});
+  const int result = ::close(descriptor);
+  if (error == 0) return result;
+  errno = error;
+  return -1;
 }
 
 }  // namespace projectdb::files

@@ -9,8 +9,10 @@
 
 #include <fmt/format.h>
 #include <xercesc/dom/DOMLocator.hpp>
+#include <xercesc/util/XMLUni.hpp>
 
 #include "base/paths.h"
+#include "xml/dom_parser.h"
 #include "xml/error_handler.h"
 #include "xml/errors.h"
 #include "xml/file_uri.h"
@@ -99,6 +101,9 @@ LocatedParse ParseLocated(const Source& source, const std::string& schema_locati
       ProblemCollector collector(source.uri, parse.positions, parse.problems);
       const xml::Owned<xercesc::DOMLSParser> parser =
           CreateLocatingParser(collector, parse.positions, source);
+      if (!source.follows_schema_hints) {
+        xml::Set(*parser, xercesc::XMLUni::fgXercesLoadSchema, false);
+      }
       xml::Owned<xercesc::DOMDocument> document =
           xml::ParseWith(*parser, collector, source.input, schema_location);
       collector.RethrowException();

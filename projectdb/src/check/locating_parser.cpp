@@ -7,7 +7,6 @@
 #include <limits>
 #include <optional>
 #include <string>
-#include <system_error>
 
 #include <xercesc/internal/ReaderMgr.hpp>
 #include <xercesc/internal/XMLScanner.hpp>
@@ -44,8 +43,7 @@ bool IsOfUtf8(unsigned int code, const XMLCh* domain) {
 std::optional<Position> PlaceOfBadText(const std::string& uri, const Source& source) {
   if (source.bytes && uri == source.uri) return FirstInvalidUtf8(*source.bytes);
   const std::optional<std::filesystem::path> path = xml::LocalPath(uri, uri);
-  std::error_code error;
-  if (!path || !std::filesystem::is_regular_file(*path, error)) return std::nullopt;
+  if (!path) return std::nullopt;
   const std::optional<std::string> bytes =
       xml::ReadBytes(*path, std::numeric_limits<std::size_t>::max());
   return bytes ? FirstInvalidUtf8(*bytes) : std::nullopt;

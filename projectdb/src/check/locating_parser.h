@@ -62,6 +62,8 @@ struct Source {
   std::string uri;  ///< That of the input.
   /// All that the input holds, if it is no file that could be read again.
   std::optional<std::string_view> bytes;
+  /// Whether a local schema that it names is looked for, if no other one is given.
+  bool follows_schema_hints = true;
 };
 
 /// A configured DomParser that also notes where the elements stand, and that knows where the text

@@ -1,6 +1,7 @@
-#include <projectdb/project_file.h>
+#include "check/read_project_file.h"
 
 #include <filesystem>
+#include <optional>
 #include <utility>
 
 #include <fmt/format.h>
@@ -8,6 +9,7 @@
 #include <projectdb/vocabulary.h>
 #include <xercesc/sax/InputSource.hpp>
 
+#include "base/file_status.h"
 #include "base/paths.h"
 #include "check/collecting_observer.h"
 #include "check/located_parse.h"
@@ -47,7 +49,8 @@ class VersionedInput : public xercesc::InputSource {
 class ProjectFileReader {
  public:
   /// @param path of a file that exists
-  void ReadFile(const std::string& path, const std::string& schema_file) {
+  /// @param schema_file nothing for no schema, even if the file names one
+  void ReadFile(const std::string& path, const std::optional<std::string>& schema_file) {
     if (!HasProjectFileExtension(path)) {
       problems_.AddError(
           fmt::format("the name of a project file must end in \"{}\"", kProjectFileEnding));
@@ -56,7 +59,8 @@ class ProjectFileReader {
     files::VersionedFile file(path);
     const xml::Platform platform;
     const std::string uri = xml::FileUri(file_path);
-    Read({VersionedInput(file, uri), uri, std::nullopt}, schema_file);
+    Read({VersionedInput(file, uri), uri, std::nullopt, schema_file.has_value()},
+         schema_file.value_or(""));
     // What a load gives up on, such as an endless file, is not read to its end.
     result_.version = result_.contents ? file.Version() : file.VersionWithoutDigest();
     if (!result_.contents) return;
@@ -66,12 +70,15 @@ class ProjectFileReader {
 
   void ReadBytes(const std::string& bytes, const std::string& schema_file) {
     const xml::Platform platform;
-    // Bytes have no directory in which a schema that they name could be.
     const std::string uri = xml::FileUri("/dev/null/bytes");
-    Read({xml::BytesInput(bytes, uri), uri, bytes}, schema_file);
+    Read({xml::BytesInput(bytes, uri), uri, bytes, false}, schema_file);
   }
 
-  void AddError(std::string message) { problems_.AddError(std::move(message)); }
+  /// Notes why the file could not be read, or not to its end.
+  void Fail(std::string reason) {
+    problems_.AddError(std::move(reason));
+    result_.contents.reset();
+  }
 
   ProjectFile TakeResult() {
     result_.problems = problems_.Take();
@@ -130,24 +137,30 @@ ProjectFile Result(Reading reading) {
   try {
     xml::WithBadAlloc([&] { reading(reader); });
   } catch (const Failure& failure) {
-    reader.AddError(std::string("the file cannot be read: ") + failure.what());
+    reader.Fail(std::string("the file cannot be read: ") + failure.what());
   } catch (const std::runtime_error& error) {
-    reader.AddError(error.what());
+    reader.Fail(error.what());
   }
   return reader.TakeResult();
+}
+
+ProjectFile Read(const std::string& path, const std::optional<std::string>& schema_file) {
+  return Result([&](ProjectFileReader& reader) {
+    if (files::FindStatus(path)) {
+      reader.ReadFile(path, schema_file);
+    } else {
+      reader.Fail("the project file does not exist");
+    }
+  });
 }
 
 }  // namespace
 
 ProjectFile ReadProjectFile(const std::string& path, const std::string& schema_file) {
-  return Result([&](ProjectFileReader& reader) {
-    if (FileExists(path)) {
-      reader.ReadFile(path, schema_file);
-    } else {
-      reader.AddError("the project file does not exist");
-    }
-  });
+  return Read(path, schema_file);
 }
+
+ProjectFile ReadWithoutSchema(const std::string& path) { return Read(path, std::nullopt); }
 
 ProjectFile ParseProjectFile(const std::string& bytes, const std::string& schema_file) {
   return Result([&](ProjectFileReader& reader) { reader.ReadBytes(bytes, schema_file); });

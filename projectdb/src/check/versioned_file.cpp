@@ -2,11 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 
 #include <sys/stat.h>
 
-#include "base/system_calls.h"
+#include "base/file_status.h"
 
 namespace projectdb::files {
 namespace {
@@ -55,10 +54,7 @@ bool HasBytes(const ProjectFileVersion& version, std::string_view bytes) {
 }
 
 bool IsOfVersion(const std::string& path, const ProjectFileVersion& version) {
-  struct stat status {};
-  if (CallSystem("stat", ::stat, path.c_str(), &status) != 0 && errno == ENOENT) {
-    return version == ProjectFileVersion();
-  }
+  if (!IsRegularFile(path)) return version == ProjectFileVersion();
   VersionedFile file(path);
   ProjectFileVersion found = file.VersionWithoutDigest();
   found.bytes_digest = version.bytes_digest;

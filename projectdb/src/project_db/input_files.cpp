@@ -1,18 +1,18 @@
 #include "project_db/input_files.h"
 
-#include <filesystem>
-#include <system_error>
-
 #include <projectdb/vocabulary.h>
 
-#include "base/paths.h"
+#include "base/failure.h"
+#include "base/file_status.h"
 
 namespace projectdb {
 
 bool FileExists(const std::string& name) {
-  std::error_code error;
-  return name.find('\0') == std::string::npos &&
-         std::filesystem::exists(paths::FromBytes(name), error);
+  try {
+    return files::FindStatus(name).has_value();
+  } catch (const Failure&) {
+    return false;
+  }
 }
 
 bool HasProjectFileExtension(const std::string& name) {

@@ -23,6 +23,8 @@ using xercesc::DOMElement;
 std::vector<Parameter> ParametersOf(FlowProcessContents& process, std::string_view map) {
   std::vector<Parameter> parameters;
   for (auto& [name, parameter] : process.parameter_maps[std::string(map)]) {
+    // A load makes one of all types that have no text.
+    if (TextOf(parameter.type).empty()) parameter.type = kNoParameterType;
     parameters.push_back(std::move(parameter));
   }
   return parameters;

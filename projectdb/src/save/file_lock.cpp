@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 
+#include "base/file_status.h"
 #include "base/system_calls.h"
 
 namespace projectdb::files {
@@ -53,14 +54,12 @@ std::unique_ptr<FileDescriptor> OpenRegularFile(const std::string& path) {
 
 bool TryLock(const FileDescriptor& descriptor) {
   if (CallSystem("flock", ::flock, descriptor.number(), LOCK_EX | LOCK_NB) == 0) return true;
-  if (errno != EWOULDBLOCK && errno != EINTR) ThrowSystemFailure();
+  if (errno != EWOULDBLOCK) ThrowSystemFailure();
   return false;
 }
 
 void WaitForLock(const FileDescriptor& descriptor) {
-  while (CallSystem("flock", ::flock, descriptor.number(), LOCK_EX) != 0) {
-    if (errno != EINTR) ThrowSystemFailure();
-  }
+  RequireSuccess(CallSystem("flock", ::flock, descriptor.number(), LOCK_EX));
 }
 
 // The system has no wait that ends after a time.
@@ -74,12 +73,8 @@ void WaitForLock(const FileDescriptor& descriptor, Clock::time_point end) {
 }
 
 bool IsNamed(const FileDescriptor& descriptor, const std::string& path) {
-  struct stat named {};
-  if (CallSystem("stat", ::stat, path.c_str(), &named) == 0) {
-    return IsSameFile(named, descriptor.Status());
-  }
-  if (errno != ENOENT) ThrowSystemFailure();
-  return false;
+  const std::optional<struct stat> named = FindStatus(path);
+  return named && IsSameFile(*named, descriptor.Status());
 }
 
 std::unique_ptr<FileDescriptor> LockedFile(const std::string& path,
@@ -129,9 +124,9 @@ FileLock* FindLock(const struct stat& file) {
 }  // namespace
 
 bool IsLockedHere(const std::string& path) {
-  struct stat file {};
+  const std::optional<struct stat> file = FindStatus(path);
   const std::lock_guard<std::mutex> guard(RegistryMutex());
-  return ::stat(path.c_str(), &file) == 0 && FindLock(file);
+  return file && FindLock(*file);
 }
 
 LockHandover::LockHandover(const struct stat& former, const FileDescriptor& replacement)

@@ -34,6 +34,7 @@ class FileLock {
 };
 
 /// Whether this process has a lock on the file at the path.
+/// @exception Failure if the system does not tell
 bool IsLockedHere(const std::string& path);
 
 /// Takes the lock that this process has on a file, if it has one, over to the file that replaces

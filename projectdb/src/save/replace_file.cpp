@@ -8,12 +8,15 @@
 #include <system_error>
 
 #include <fcntl.h>
+#include <linux/limits.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <xercesc/util/IOException.hpp>
 
 #include "base/failure.h"
 #include "base/file_descriptor.h"
+#include "base/file_status.h"
+#include "base/system_calls.h"
 #include "save/file_lock.h"
 #include "save/file_permissions.h"
 #include "save/temporary_file.h"
@@ -33,25 +36,31 @@ struct Target {
 
 // The file at the path or at the end of its links, if it is there and may be replaced.
 std::optional<struct stat> FormerFile(const std::filesystem::path& path) {
-  struct stat status {};
-  if (::stat(path.c_str(), &status) != 0) {
-    if (errno != ENOENT) ThrowSystemFailure();
-    return std::nullopt;
-  }
-  if (S_ISDIR(status.st_mode)) ThrowSystemFailure(EISDIR);
-  if (!S_ISREG(status.st_mode)) throw Failure("not a regular file");
+  const std::optional<struct stat> status = FindStatus(path);
+  if (!status) return std::nullopt;
+  if (S_ISDIR(status->st_mode)) ThrowSystemFailure(EISDIR);
+  if (!S_ISREG(status->st_mode)) throw Failure("not a regular file");
   // The directory alone would let the process replace what it must not write.
-  RequireSuccess(::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS));
+  RequireSuccess(CallSystem("faccessat", ::faccessat, AT_FDCWD, path.c_str(), W_OK, AT_EACCESS));
   return status;
+}
+
+// What a symbolic link has in it; nothing if the path is none. Whatever else keeps a link from
+// being read must not make the save replace it.
+std::optional<std::filesystem::path> ReadLink(const std::filesystem::path& path) {
+  std::string text(PATH_MAX, '\0');
+  const ssize_t size = CallSystem("readlink", ::readlink, path.c_str(), text.data(), text.size());
+  if (size >= 0) return text.substr(0, static_cast<std::size_t>(size));
+  if (errno != EINVAL && errno != ENOENT) ThrowSystemFailure();
+  return std::nullopt;
 }
 
 std::filesystem::path FollowLinks(std::filesystem::path path) {
   constexpr int kMaxLinks = 40;
   for (int links = 0; links <= kMaxLinks; ++links) {
-    std::error_code no_link;
-    const std::filesystem::path next = std::filesystem::read_symlink(path, no_link);
-    if (no_link) return path;
-    path = path.parent_path() / next;
+    const std::optional<std::filesystem::path> next = ReadLink(path);
+    if (!next) return path;
+    path = path.parent_path() / *next;
   }
   ThrowSystemFailure(ELOOP);
 }
@@ -82,7 +91,7 @@ void WriteInto(const TemporaryFile& file, const Replacement& replacement) {
     replacement.write(path);
   } catch (const xercesc::IOException&) {
     // It does not tell the system's reason; a second try does.
-    const FileDescriptor opened(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
+    const FileDescriptor opened(CallSystem("open", ::open, path.c_str(), O_WRONLY | O_CLOEXEC));
     throw Failure("the temporary file could not be opened");
   } catch (const std::runtime_error& error) {
     throw Failure(ReasonOf(error.what(), path));

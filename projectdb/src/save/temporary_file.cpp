@@ -48,23 +48,17 @@ void RemoveIfAbandoned(const Directory& directory, const char* name) {
   const FileDescriptor file(number);
   if (S_ISREG(file.Status().st_mode) &&
       CallSystem("flock", ::flock, file.number(), LOCK_EX | LOCK_NB) == 0) {
-    CallSystem("unlinkat", ::unlinkat, directory.descriptor(), name, 0);
+    CallSystemOnce("unlinkat", ::unlinkat, directory.descriptor(), name, 0);
   }
 }
 
-int FlushToDisk(int descriptor) {
-  int result = 0;
-  do {
-    result = CallSystem("fsync", ::fsync, descriptor);
-  } while (result != 0 && errno == EINTR);
-  return result;
-}
+int FlushToDisk(int descriptor) { return CallSystem("fsync", ::fsync, descriptor); }
 
 }  // namespace
 
 Directory::Directory(std::filesystem::path path)
     : path_(std::move(path)),
-      descriptor_(::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
+      descriptor_(CallSystem("open", ::open, path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
 
 void Directory::Flush() const {
   // EINVAL: the file system has no such operation.
@@ -83,12 +77,12 @@ void TemporaryFile::Create(mode_t mode) {
   descriptor_.emplace(CallSystem("openat", ::openat, directory_.descriptor(), name_.c_str(),
                                  O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode));
   // A file system that has no locks keeps abandoned files.
-  while (CallSystem("flock", ::flock, descriptor_->number(), LOCK_EX) != 0 && errno == EINTR) {
-  }
+  CallSystem("flock", ::flock, descriptor_->number(), LOCK_EX);
 }
 
 TemporaryFile::~TemporaryFile() {
-  if (descriptor_ && !stays_) ::unlinkat(directory_.descriptor(), name_.c_str(), 0);
+  if (!descriptor_ || stays_) return;
+  CallSystemOnce("unlinkat", ::unlinkat, directory_.descriptor(), name_.c_str(), 0);
 }
 
 void TemporaryFile::Flush() const { RequireSuccess(FlushToDisk(descriptor_->number())); }
@@ -96,7 +90,7 @@ void TemporaryFile::Flush() const { RequireSuccess(FlushToDisk(descriptor_->numb
 void TemporaryFile::RenameTo(const std::filesystem::path& name) {
   const int directory = directory_.descriptor();
   RequireSuccess(
-      CallSystem("renameat", ::renameat, directory, name_.c_str(), directory, name.c_str()));
+      CallSystemOnce("renameat", ::renameat, directory, name_.c_str(), directory, name.c_str()));
   stays_ = true;
 }
 
@@ -104,7 +98,7 @@ void TemporaryFile::RenameTo(const std::filesystem::path& name) {
 bool TemporaryFile::LinkTo(const std::filesystem::path& name) {
   const int directory = directory_.descriptor();
   const int result =
-      CallSystem("linkat", ::linkat, directory, name_.c_str(), directory, name.c_str(), 0);
+      CallSystemOnce("linkat", ::linkat, directory, name_.c_str(), directory, name.c_str(), 0);
   if (result == 0) return true;
   if (errno == EEXIST) return false;
   // The file system has no second names.
@@ -113,12 +107,14 @@ bool TemporaryFile::LinkTo(const std::filesystem::path& name) {
   return true;
 }
 
-void TemporaryFile::Unlock() const { ::flock(descriptor_->number(), LOCK_UN); }
+void TemporaryFile::Unlock() const { CallSystem("flock", ::flock, descriptor_->number(), LOCK_UN); }
 
 void RemoveAbandonedFiles(const Directory& directory) {
   // The standard library's iterator ends the program if memory runs short.
-  const std::unique_ptr<DIR, CloseDirectory> stream(::opendir(directory.path().c_str()));
-  while (const dirent* entry = stream ? ::readdir(stream.get()) : nullptr) {
+  const std::unique_ptr<DIR, CloseDirectory> stream(
+      CallSystemOnce("opendir", ::opendir, directory.path().c_str()));
+  const auto read = [&stream] { return CallSystemOnce("readdir", ::readdir, stream.get()); };
+  while (const dirent* entry = stream ? read() : nullptr) {
     if (IsTemporaryName(entry->d_name)) RemoveIfAbandoned(directory, &entry->d_name[0]);
   }
 }

@@ -1,14 +1,13 @@
 #include "save/write_project_file.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
-#include <system_error>
 
 #include "base/failure.h"
-#include "base/paths.h"
+#include "base/file_status.h"
+#include "check/read_project_file.h"
 #include "check/versioned_file.h"
 #include "contents/same_project.h"
 #include "save/canonical_document.h"
@@ -55,11 +54,12 @@ bool SaysTheSame(const ProjectFile& former, const ProjectContents& contents,
   throw ProjectFileChanged(WritingPrefix(path) + "it is not the file that was expected\n");
 }
 
-// What no save replaces is not read either: a pipe might keep the reader waiting.
+// What no save replaces is not read either: a pipe might keep the reader waiting. What a file says
+// counts even if the schema that it names refuses that.
 ProjectFile FormerFile(const std::string& path) {
-  std::error_code error;
-  const bool is_file = std::filesystem::is_regular_file(paths::FromBytes(path), error);
-  return is_file ? ReadProjectFile(path, "") : ProjectFile();
+  if (!files::IsRegularFile(path)) return {};
+  ProjectFile former = ReadProjectFile(path, "");
+  return former.contents ? former : ReadWithoutSchema(path);
 }
 
 // A file that does not load has a version without its bytes, and whether it loads depends on the
@@ -95,8 +95,9 @@ bool Write(const std::string& path, const ProjectFile& former, const ProjectCont
 std::unique_ptr<files::FileLock> LockForWriting(const std::string& path,
                                                 const WriteOptions& options) {
   const bool is_needed = options.expected && *options.expected != ProjectFileVersion();
-  if (!is_needed || files::IsLockedHere(path)) return nullptr;
+  if (!is_needed) return nullptr;
   try {
+    if (files::IsLockedHere(path)) return nullptr;
     return std::make_unique<files::FileLock>(path, std::nullopt);
   } catch (const Failure&) {
     // What keeps the file from being locked, such as a file system without locks, may not keep it
@@ -125,7 +126,8 @@ bool WriteOver(const std::string& path, const ProjectFile& former, const Project
 bool WriteProjectFile(const std::string& path, const ProjectContents& contents,
                       const WriteOptions& options) {
   const std::unique_ptr<files::FileLock> lock = LockForWriting(path, options);
-  return WriteOver(path, FormerFile(path), contents, options);
+  return WithXmlLibrary(WritingPrefix(path),
+                        [&] { return Write(path, FormerFile(path), contents, options); });
 }
 
 std::string FormatProjectFile(const ProjectContents& contents, const FormatOptions& options) {

@@ -5,12 +5,15 @@
 #include <ctime>
 #include <system_error>
 
+#include <fcntl.h>
 #include <fmt/format.h>
+#include <unistd.h>
 #include <xercesc/util/IOException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLExceptMsgs.hpp>
 
 #include "base/failure.h"
+#include "base/system_calls.h"
 #include "xml/text.h"
 
 namespace projectdb::xml {
@@ -19,10 +22,13 @@ namespace {
 // One write for each piece that the serializer hands over would cost more than the serializer.
 constexpr std::size_t kBufferSize = std::size_t{1} << 16U;
 
-std::FILE* OpenFile(const std::string& path) {
+// Gives a negative number if the file cannot be opened.
+int OpenFile(const std::string& path) {
   // Beyond a zero the system would not see the name, and write another file.
-  const bool is_name = path.find('\0') == std::string::npos;
-  return is_name ? std::fopen(path.c_str(), "wb") : nullptr;
+  if (path.find('\0') != std::string::npos) return -1;
+  constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC;
+  constexpr mode_t kAnyNewFile = 0666;
+  return files::CallSystem("open", ::open, path.c_str(), kFlags, kAnyNewFile);
 }
 
 // The path as message text; one that is no text is shown with escapes.
@@ -57,21 +63,26 @@ FileTarget::SizeSignalBlock::~SizeSignalBlock() {
   pthread_sigmask(SIG_SETMASK, &former_mask_, nullptr);
 }
 
-FileTarget::FileTarget(const std::string& path) : buffer_(kBufferSize), file_(OpenFile(path)) {
-  if (!file_) {
+FileTarget::FileTarget(const std::string& path) : buffer_(kBufferSize) {
+  const int number = OpenFile(path);
+  if (number < 0) {
     ThrowXMLwithMemMgr1(xercesc::IOException, xercesc::XMLExcepts::File_CouldNotOpenFile,
                         Printable(path).c_str(), xercesc::XMLPlatformUtils::fgMemoryManager);
   }
-  // The standard library's own buffer would cost a lock and a few calls for each piece.
-  std::setvbuf(file_.get(), nullptr, _IONBF, 0);
+  file_.emplace(number);
 }
 
-void FileTarget::NoteError(bool succeeded) {
-  if (!succeeded && error_ == 0) error_ = errno;
-}
-
+// The system may write less than it is given, such as up to where the disk is full.
 void FileTarget::Write(const XMLByte* bytes, std::size_t count) {
-  if (error_ == 0) NoteError(std::fwrite(bytes, 1, count, file_.get()) == count);
+  while (error_ == 0 && count > 0) {
+    const ssize_t written = files::CallSystem("write", ::write, file_->number(), bytes, count);
+    if (written < 0) {
+      error_ = errno;
+    } else {
+      bytes += written;
+      count -= static_cast<std::size_t>(written);
+    }
+  }
 }
 
 void FileTarget::WriteBuffer() {
@@ -93,7 +104,7 @@ void FileTarget::flush() {}
 
 void FileTarget::Close() {
   WriteBuffer();
-  NoteError(std::fclose(file_.release()) == 0);
+  if (file_->Close() != 0 && error_ == 0) error_ = errno;
   if (error_ != 0) throw Failure(std::generic_category().message(error_));
 }
 

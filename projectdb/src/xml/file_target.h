@@ -1,12 +1,14 @@
 #pragma once
 
 #include <csignal>
-#include <cstdio>
-#include <memory>
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <xercesc/framework/XMLFormatter.hpp>
+
+#include "base/file_descriptor.h"
 
 namespace projectdb::xml {
 
@@ -27,10 +29,6 @@ class FileTarget : public xercesc::XMLFormatTarget {
   void Close();
 
  private:
-  struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-  };
-
   /// Keeps a write beyond the process's file-size limit from ending the process: it fails instead.
   class SizeSignalBlock {
    public:
@@ -43,14 +41,13 @@ class FileTarget : public xercesc::XMLFormatTarget {
     sigset_t former_mask_;
   };
 
-  void NoteError(bool succeeded);
   void Write(const XMLByte* bytes, std::size_t count);
   void WriteBuffer();
 
   SizeSignalBlock size_signal_block_;  // First, so that it outlives the file.
   std::vector<XMLByte> buffer_;
   std::size_t used_ = 0;  // Of the buffer.
-  std::unique_ptr<std::FILE, CloseFile> file_;
+  std::optional<files::FileDescriptor> file_;
   int error_ = 0;  // The first failure's errno.
 };
 

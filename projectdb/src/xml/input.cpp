@@ -1,12 +1,13 @@
 #include "xml/input.h"
 
-#include <fstream>
-#include <system_error>
+#include <algorithm>
+#include <array>
 #include <utility>
 
 #include <xercesc/util/BinMemInputStream.hpp>
 
 #include "base/failure.h"
+#include "base/file_status.h"
 #include "base/input_file.h"
 #include "base/paths.h"
 #include "xml/file_stream.h"
@@ -14,20 +15,23 @@
 #include "xml/text.h"
 
 namespace projectdb::xml {
+
 std::optional<std::string> ReadBytes(const std::filesystem::path& path, std::size_t most) {
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(path, error)) return std::nullopt;
-  std::ifstream file(path, std::ios::binary);
-  if (!file) return std::nullopt;
-  std::string bytes;
-  char block[4096];
-  while (file && bytes.size() < most) {
-    const std::size_t wanted = std::min(sizeof(block), most - bytes.size());
-    file.read(block, static_cast<std::streamsize>(wanted));
-    bytes.append(block, static_cast<std::size_t>(file.gcount()));
+  const std::string name = paths::ToBytes(path);
+  try {
+    if (!files::IsRegularFile(name)) return std::nullopt;
+    files::InputFile file(name);
+    std::string bytes;
+    std::array<unsigned char, 4096> block;
+    while (bytes.size() < most) {
+      const std::size_t size = file.Read(block.data(), std::min(block.size(), most - bytes.size()));
+      if (size == 0) break;
+      bytes.append(reinterpret_cast<const char*>(block.data()), size);
+    }
+    return bytes;
+  } catch (const Failure&) {
+    return std::nullopt;
   }
-  if (file.bad()) return std::nullopt;
-  return bytes;
 }
 
 FileInput::FileInput(const std::string& path)
