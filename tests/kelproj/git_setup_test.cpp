@@ -73,12 +73,73 @@ TEST_F(GitSetup, LastLineWithoutAnEnd_GetsOne) {
   EXPECT_EQ(Read(".gitattributes"), std::string("*.v text\n/blinker.xml") + kAttributes);
 }
 
+TEST_F(GitSetup, EndsOfLinesInOtherAttributes_StayAsTheyAre) {
+  ASSERT_EQ(RunHere({"git-setup", "blinker.xml"}), Done());
+  Write(".gitattributes",
+        "*.v text\r\n/blinker.xml diff=kelproj merge=kelproj filter=kelproj\r\n*.sv text");
+  const std::string attributes = Read(".gitattributes");
+  EXPECT_EQ(RunHere({"git-setup", "blinker.xml"}), Done());
+  EXPECT_EQ(Read(".gitattributes"), attributes);
+  EXPECT_EQ(RunHere({"git-setup", "--undo", "blinker.xml"}), Done());
+  EXPECT_EQ(Read(".gitattributes"), "*.v text\r\n*.sv text");
+}
+
+TEST_F(GitSetup, Attributes_AreReplacedAsAWholeAndKeepTheirPermissions) {
+  Write(".gitattributes", "*.v text\n");
+  std::filesystem::permissions(PathOf(".gitattributes"), std::filesystem::perms(0664));
+  std::filesystem::create_hard_link(PathOf(".gitattributes"), PathOf("former"));
+  ASSERT_EQ(RunHere({"git-setup", "blinker.xml"}), Done());
+  EXPECT_EQ(Read("former"), "*.v text\n");
+  EXPECT_EQ(std::filesystem::status(PathOf(".gitattributes")).permissions(),
+            std::filesystem::perms(0664));
+  EXPECT_THAT(Names(), ElementsAre(".git", ".gitattributes", "blinker.xml", "former"));
+}
+
 TEST_F(GitSetup, UndoOfOneOfTwoFiles_KeepsTheDriversForTheOther) {
   MakeProject("lamp.xml");
   ASSERT_EQ(RunHere({"git-setup", "blinker.xml", "lamp.xml"}), Done());
   EXPECT_EQ(RunHere({"git-setup", "--undo", "blinker.xml"}), Done());
   EXPECT_EQ(Read(".gitattributes"), std::string("/lamp.xml") + kAttributes);
   EXPECT_NE(Configured("merge.kelproj.driver"), "");
+}
+
+TEST_F(GitSetup, UndoWhereOtherAttributesNameADriver_KeepsTheDrivers) {
+  std::filesystem::create_directory(PathOf("hw"));
+  const std::pair<std::string, bool> cases[] = {{"soc.xml merge=kelproj\n", true},
+                                                {"soc.xml -text\tdiff=kelproj\r\n", true},
+                                                {"# soc.xml merge=kelproj\n", false},
+                                                {"*.kel filter=kelproject x=kelproj\n", false}};
+  for (const auto& [attributes, is_named] : cases) {
+    Write("hw/.gitattributes", attributes);
+    ASSERT_EQ(RunHere({"git-setup", "blinker.xml"}), Done());
+    EXPECT_EQ(RunHere({"git-setup", "--undo", "../blinker.xml"}, "hw"), Done());
+    EXPECT_EQ(Configured("merge.kelproj.driver") != "", is_named) << attributes;
+    EXPECT_THAT(Names(), ElementsAre(".git", "blinker.xml", "hw"));
+  }
+}
+
+TEST_F(GitSetup, UndoInOneOfTwoWorkingTrees_KeepsTheDriversForTheOther) {
+  ASSERT_EQ(RunHere({"git-setup", "blinker.xml"}), Done());
+  Commit();
+  Succeed({"worktree", "add", "--quiet", Home("linked"), "-b", "linked"});
+  const std::string linked = Home("linked/blinker.xml");
+  EXPECT_EQ(RunHere({"git-setup", "--undo", linked}), Done());
+  EXPECT_FALSE(std::filesystem::exists(Home("linked/.gitattributes")));
+  EXPECT_NE(Configured("merge.kelproj.driver"), "");
+  EXPECT_EQ(RunHere({"git-setup", "--undo", "blinker.xml"}), Done());
+  EXPECT_EQ(Configured("merge.kelproj.driver"), "");
+}
+
+TEST_F(GitSetup, RelativeGitDirectoryInTheEnvironment_IsFromWhereOneStands) {
+  std::filesystem::create_directories(PathOf("hw/soc"));
+  MakeProject("hw/soc/soc.xml");
+  const ProcessSettings settings = {Directory(), {{"HOME", Home("")}, {"GIT_DIR", ".git"}}};
+  ASSERT_EQ(Run({"git-setup", "hw/soc/soc.xml"}, settings), Done());
+  EXPECT_EQ(Read(".gitattributes"), std::string("/hw/soc/soc.xml") + kAttributes);
+  EXPECT_NE(Configured("merge.kelproj.driver"), "");
+  ASSERT_EQ(Run({"git-setup", "--undo", "hw/soc/soc.xml"}, settings), Done());
+  EXPECT_EQ(Configured("merge.kelproj.driver"), "");
+  EXPECT_THAT(Names(), ElementsAre(".git", "blinker.xml", "hw"));
 }
 
 TEST_F(GitSetup, UndoOfARemovedFile_IsDoneAllTheSame) {
@@ -134,6 +195,7 @@ TEST_F(GitSetup, FromADirectoryBelow_NamesTheFileFromTheTop) {
 
 TEST_F(GitSetup, Pattern_MeansAllThatFitItBelowWhereOneStands) {
   std::filesystem::create_directories(PathOf("hw/soc"));
+  MakeProject("hw/soc/b_soc.xml");
   ASSERT_EQ(RunHere({"git-setup", "**/*_soc.xml"}, "hw"), Done());
   EXPECT_TRUE(IsMergedAsAProject("hw/a_soc.xml"));
   EXPECT_TRUE(IsMergedAsAProject("hw/soc/b_soc.xml"));
@@ -141,6 +203,12 @@ TEST_F(GitSetup, Pattern_MeansAllThatFitItBelowWhereOneStands) {
   EXPECT_FALSE(IsMergedAsAProject("hw/soc/other.xml"));
   ASSERT_EQ(RunHere({"git-setup", "--undo", "**/*_soc.xml"}, "hw"), Done());
   EXPECT_FALSE(IsMergedAsAProject("hw/a_soc.xml"));
+}
+
+TEST_F(GitSetup, PatternThatFitsNoFile_IsWrittenWithAWarning) {
+  EXPECT_EQ(RunHere({"git-setup", "*_soc.xml"}), DoneWithWarning("*_soc.xml fits no file yet"));
+  EXPECT_TRUE(IsMergedAsAProject("a_soc.xml"));
+  EXPECT_EQ(RunHere({"git-setup", "--undo", "*_soc.xml"}), Done());
 }
 
 TEST_F(GitSetup, Trouble_ChangesNothing) {

@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <fstream>
+#include <numeric>
 #include <string_view>
 #include <system_error>
 
 #include "console.h"
-#include "stored_project.h"
+#include "standard_input.h"
 
 namespace kelproj {
 namespace {
@@ -35,46 +36,61 @@ std::string LineOf(const std::string& pattern) {
   return Quoted(pattern) + " diff=kelproj merge=kelproj filter=kelproj";
 }
 
+// The condition whether a line says this, whatever its end.
+auto IsLine(const std::string& text) {
+  return [text](const std::string& line) {
+    return line.substr(0, line.find_last_not_of("\r\n") + 1) == text;
+  };
+}
+
+bool Replace(const std::filesystem::path& path, const std::string& text) {
+  namespace fs = std::filesystem;
+  fs::path temporary = path;
+  temporary += ".kelproj";
+  std::ofstream stream(temporary, std::ios::binary);
+  stream << text;
+  stream.close();
+  std::error_code error;
+  if (stream) {
+    if (fs::exists(path, error)) fs::permissions(temporary, fs::status(path).permissions(), error);
+    fs::rename(temporary, path, error);
+    if (!error) return true;
+  }
+  fs::remove(temporary, error);
+  return false;
+}
+
 }  // namespace
 
 GitAttributes::GitAttributes(const std::filesystem::path& top) : path_(top / ".gitattributes") {
   std::error_code error;
   if (!std::filesystem::exists(path_, error)) return;
-  RequireReadable(path_.string());
-  std::ifstream stream(path_, std::ios::binary);
-  for (std::string line; std::getline(stream, line);) lines_.push_back(line);
+  const std::string text = ReadFile(path_.string(), path_.string());
+  for (std::size_t begin = 0; begin < text.size(); begin += lines_.back().size()) {
+    const std::size_t end = std::min(text.find('\n', begin), text.size() - 1);
+    lines_.push_back(text.substr(begin, end + 1 - begin));
+  }
 }
 
 void GitAttributes::Add(const std::string& pattern) {
   const std::string line = LineOf(pattern);
-  if (std::find(lines_.begin(), lines_.end(), line) != lines_.end()) return;
-  lines_.push_back(line);
+  if (std::any_of(lines_.begin(), lines_.end(), IsLine(line))) return;
+  if (!lines_.empty() && lines_.back().back() != '\n') lines_.back() += '\n';
+  lines_.push_back(line + '\n');
   is_changed_ = true;
 }
 
 void GitAttributes::Remove(const std::string& pattern) {
-  const auto end = std::remove(lines_.begin(), lines_.end(), LineOf(pattern));
+  const auto end = std::remove_if(lines_.begin(), lines_.end(), IsLine(LineOf(pattern)));
   is_changed_ = is_changed_ || end != lines_.end();
   lines_.erase(end, lines_.end());
 }
 
-bool GitAttributes::NamesDrivers() const {
-  return std::any_of(lines_.begin(), lines_.end(), [](const std::string& line) {
-    return line.find("=kelproj") != std::string::npos;
-  });
-}
-
 void GitAttributes::Save() const {
   if (!is_changed_) return;
-  bool is_saved = false;
-  if (lines_.empty()) {
-    std::error_code error;
-    is_saved = std::filesystem::remove(path_, error);
-  } else {
-    std::ofstream stream(path_, std::ios::binary);
-    for (const std::string& line : lines_) stream << line << '\n';
-    is_saved = static_cast<bool>(stream.flush());
-  }
+  const std::string text = std::accumulate(lines_.begin(), lines_.end(), std::string());
+  std::error_code error;
+  const bool is_saved = text.empty() ? std::filesystem::remove(path_, error) : Replace(path_, text);
   if (!is_saved) throw Trouble(path_.string() + " cannot be written");
 }
 

@@ -17,16 +17,13 @@ class GitAttributes {
   void Add(const std::string& pattern);
   void Remove(const std::string& pattern);
 
-  /// Whether a line names a driver of this program.
-  bool NamesDrivers() const;
-
-  /// Writes the file if it changed, and removes one without lines.
+  /// Writes the file anew, whole or not at all, if it changed, and removes one without lines.
   /// @exception Trouble if that fails
   void Save() const;
 
  private:
   std::filesystem::path path_;
-  std::vector<std::string> lines_;
+  std::vector<std::string> lines_;  ///< With their ends, which the last one may lack.
   bool is_changed_ = false;
 };
 

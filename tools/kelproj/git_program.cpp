@@ -1,6 +1,7 @@
 #include "git_program.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 
 #include <sys/wait.h>
@@ -27,7 +28,9 @@ Answer RunShell(const std::string& command) {
 
 Answer RunGit(const std::filesystem::path& directory, const std::vector<std::string>& arguments,
               const char* redirection) {
-  std::string command = "git -C " + ShellQuoted(directory.string());
+  // With GIT_DIR, git goes by where the user stands.
+  std::string command =
+      std::getenv("GIT_DIR") ? "git" : "git -C " + ShellQuoted(directory.string());
   for (const std::string& argument : arguments) command += " " + ShellQuoted(argument);
   Answer answer = RunShell(command + redirection);
   constexpr int kNoSuchCommand = 127;

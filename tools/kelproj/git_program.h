@@ -11,7 +11,7 @@ namespace kelproj {
 /// The word as a shell reads it whole.
 std::string ShellQuoted(const std::string& word);
 
-/// The program git, run in a directory.
+/// The program git, run in a directory, or where the user stands if the environment has GIT_DIR.
 class Git {
  public:
   explicit Git(std::filesystem::path directory) : directory_(std::move(directory)) {}

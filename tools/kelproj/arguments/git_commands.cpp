@@ -36,11 +36,12 @@ committed; the drivers, by the place where this program lies, are written into
 the configuration of the repository, which each clone has its own of, or with
 --global into that of the user. Without the drivers git takes the files as text.
 A FILE that is not there and has one of *?[ in it is a pattern as .gitattributes
-knows them, from where you stand: '**/soc_*.xml'. Done twice it changes nothing;
-do it again when this program has moved.
+knows them, from where you stand: '**/soc_*.xml'. It may fit no file yet, with a
+warning. Done twice it changes nothing; do it again when this program has moved.
 
-With --undo the files are removed from .gitattributes and, when no others are
-left there, the drivers from the configuration.
+With --undo the files are removed from .gitattributes, and the drivers from the
+configuration if no .gitattributes, in any directory of any working tree of the
+repository, names one of them.
 
 Example:
   kelproj git-setup blinker.xml

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <filesystem>
 #include <map>
+#include <sstream>
+#include <string_view>
 
 #include "commands/git.h"
 #include "git_attributes.h"
@@ -14,7 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 
 /// A value of git's configuration.
-struct Setting {
+struct GitSetting {
   std::string key;
   std::string value;
 };
@@ -28,7 +30,7 @@ std::string PercentsDoubled(const std::string& text) {
 
 // The program is called by its place, since git may know other directories of programs than the
 // user's shell, in a graphical program for instance.
-std::vector<Setting> Settings() {
+std::vector<GitSetting> Settings() {
   const fs::path path = RunningProgram();
   if (path.empty()) throw Trouble("the place of this program is unknown");
   const std::string program = ShellQuoted(path.string());
@@ -45,17 +47,17 @@ class Configuration {
   Configuration(const fs::path& top, bool is_of_user)
       : git_(top), scope_(is_of_user ? "--global" : "--local") {}
 
-  void Write(const Setting& setting) const {
+  void Write(const GitSetting& setting) const {
     if (ValueOf(setting) == setting.value) return;
     git_.Tell({"config", scope_, "--replace-all", setting.key, setting.value});
   }
 
-  void Remove(const Setting& setting) const {
+  void Remove(const GitSetting& setting) const {
     if (ValueOf(setting)) git_.Tell({"config", scope_, "--unset-all", setting.key});
   }
 
  private:
-  std::optional<std::string> ValueOf(const Setting& setting) const {
+  std::optional<std::string> ValueOf(const GitSetting& setting) const {
     return git_.Ask({"config", scope_, "--get-all", setting.key});
   }
 
@@ -84,23 +86,61 @@ Pattern PatternOf(const std::string& file) {
   const fs::path path = fs::absolute(file).lexically_normal();
   fs::path directory = path.parent_path();
   while (!IsDirectory(directory)) directory = directory.parent_path();
-  const Git git(directory);
-  const auto top = git.Ask({"rev-parse", "--show-toplevel"});
-  const auto prefix = git.Ask({"rev-parse", "--show-prefix"});
-  if (!top || !prefix) throw Trouble(file + " is in no working tree of git");
+  const auto top = Git(directory).Ask({"rev-parse", "--show-toplevel"});
+  const fs::path place = fs::canonical(directory).lexically_relative(top.value_or(""));
+  if (place.empty() || *place.begin() == "..") {
+    throw Trouble(file + " is in no working tree of git");
+  }
+  const std::string prefix = place == "." ? "/" : "/" + LiteralPattern(place.string()) + "/";
   const std::string name = path.lexically_relative(directory).string();
-  return {*top, "/" + LiteralPattern(*prefix) + (IsPattern(file) ? name : LiteralPattern(name))};
+  return {*top, prefix + (IsPattern(file) ? name : LiteralPattern(name))};
 }
 
-std::map<fs::path, GitAttributes> ChangedAttributes(const GitSetupArguments& arguments) {
+bool FitsAFile(const Pattern& pattern) {
+  const auto files =
+      Git(pattern.top)
+          .Ask({"ls-files", "--cached", "--others", "--", ":(top,glob)" + pattern.text.substr(1)});
+  return files && !files->empty();
+}
+
+// All of the repository, since they share its configuration.
+std::vector<fs::path> WorkingTrees(const fs::path& top) {
+  constexpr std::string_view kTitle = "worktree ";
+  std::istringstream lines(Git(top).Ask({"worktree", "list", "--porcelain"}).value_or(""));
+  std::vector<fs::path> trees;
+  for (std::string line; std::getline(lines, line);) {
+    if (line.rfind(kTitle, 0) == 0) trees.emplace_back(line.substr(kTitle.size()));
+  }
+  return trees;
+}
+
+constexpr char kLineWithDriver[] =
+    "^[[:space:]]*[^#[:space:]].*[[:space:]](diff|merge|filter)=kelproj([[:space:]]|$)";
+
+// In the attributes of any directory.
+bool NamesDrivers(const fs::path& tree) {
+  return Git(tree)
+      .Ask({"grep", "--quiet", "--untracked", "--no-exclude-standard", "--extended-regexp",
+            kLineWithDriver, "--", ":(top,glob)**/.gitattributes"})
+      .has_value();
+}
+
+void RequireFile(const std::string& file, const Pattern& pattern, const Console& console) {
+  if (!IsPattern(file)) {
+    RequireReadable(file);
+    // Git would ask this program about any other file too.
+    RequireProjectFileName(file);
+  } else if (!FitsAFile(pattern)) {
+    WriteMessage(console.err, Diag::MessageType::kWarning, file + " fits no file yet");
+  }
+}
+
+std::map<fs::path, GitAttributes> ChangedAttributes(const GitSetupArguments& arguments,
+                                                    const Console& console) {
   std::map<fs::path, GitAttributes> attributes;
   for (const std::string& file : arguments.files) {
-    if (!arguments.undo && !IsPattern(file)) {
-      RequireReadable(file);
-      // Git would ask this program about any other file too.
-      RequireProjectFileName(file);
-    }
     const Pattern pattern = PatternOf(file);
+    if (!arguments.undo) RequireFile(file, pattern, console);
     GitAttributes& changed = attributes.try_emplace(pattern.top, pattern.top).first->second;
     if (arguments.undo) {
       changed.Remove(pattern.text);
@@ -113,17 +153,18 @@ std::map<fs::path, GitAttributes> ChangedAttributes(const GitSetupArguments& arg
 
 }  // namespace
 
-ExitStatus Run(const GitSetupArguments& arguments, const Console& /*console*/) {
-  for (const auto& [top, attributes] : ChangedAttributes(arguments)) {
+ExitStatus Run(const GitSetupArguments& arguments, const Console& console) {
+  for (const auto& [top, attributes] : ChangedAttributes(arguments, console)) {
     const Configuration configuration(top, arguments.for_user);
-    for (const Setting& setting : Settings()) {
-      if (!arguments.undo) {
-        configuration.Write(setting);
-      } else if (!attributes.NamesDrivers()) {
-        configuration.Remove(setting);
-      }
+    if (!arguments.undo) {
+      for (const GitSetting& setting : Settings()) configuration.Write(setting);
+      attributes.Save();
+      continue;
     }
     attributes.Save();
+    const std::vector<fs::path> trees = WorkingTrees(top);
+    if (std::any_of(trees.begin(), trees.end(), NamesDrivers)) continue;
+    for (const GitSetting& setting : Settings()) configuration.Remove(setting);
   }
   return ExitStatus::kYes;
 }
