@@ -11,10 +11,10 @@ using namespace projectdb;
 using namespace test_support;
 using testing::ContainsRegex;
 
-constexpr const char* kCommands[] = {"new",   "show",          "check",     "get",    "list",
-                                     "set",   "unset",         "add",       "remove", "rename",
-                                     "move",  "set-interface", "apply",     "format", "diff",
-                                     "merge", "git-setup",     "completion"};
+constexpr const char* kCommands[] = {"new",   "show",          "check", "get",       "list",
+                                     "set",   "unset",         "add",   "remove",    "rename",
+                                     "move",  "set-interface", "apply", "format",    "diff",
+                                     "merge", "git-setup",     "help",  "completion"};
 
 class Help : public KelprojTest {};
 
@@ -25,6 +25,13 @@ TEST_F(Help, Program_ListsEveryCommandWithAnExample) {
     EXPECT_THAT(outcome.out, HasSubstr("\n  " + command + " ")) << command;
   }
   EXPECT_THAT(Run({"-h"}).out, HasSubstr("\nExample:\n  kelproj new "));
+}
+
+TEST_F(Help, AsACommand_IsThatOfTheOption) {
+  EXPECT_EQ(Run({"help"}), Printed(Run({"--help"}).out));
+  for (const std::string command : kCommands) {
+    EXPECT_EQ(Run({"help", command}), Printed(Run({command, "--help"}).out));
+  }
 }
 
 TEST_F(Help, Version_IsThatOfTheSoftware) {

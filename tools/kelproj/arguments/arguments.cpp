@@ -67,9 +67,18 @@ std::string Unmarked(const std::string& text) {
   return !text.empty() && text.front() == kMark ? text.substr(1) : text;
 }
 
-void UnmarkTexts(CLI::App& command) {
-  for (CLI::Option* option : command.get_options()) {
-    if (option->get_items_expected_max() > 0) option->transform(Unmarked, "");
+// The parser gives a flag this value itself.
+std::string RefuseValueOfFlag(const std::string& value) {
+  return value == "true" ? "" : "this option takes no value";
+}
+
+void FinishOptions(CLI::App& app) {
+  for (CLI::Option* option : app.get_options()) {
+    if (IsFlag(*option)) {
+      option->check(RefuseValueOfFlag, "");
+    } else {
+      option->transform(Unmarked, "");
+    }
   }
 }
 
@@ -84,6 +93,23 @@ std::string ThereIsNoCommand(const CLI::App& program, const std::string& word) {
   std::vector<std::string> known = CommandNames(program);
   for (std::string& option : OptionNames(program)) known.push_back(std::move(option));
   return "there is no command or option \"" + word + "\"" + Suggestion(word, known);
+}
+
+void RequireCommand(const CLI::App& program, const std::vector<std::string>& words) {
+  const auto word = std::find_if_not(words.begin(), words.end(), BeginsAsOption);
+  if (word == words.end()) return;
+  const auto is_named = [&word](const CLI::App* command) { return command->get_name() == *word; };
+  if (!program.get_subcommands(is_named).empty()) return;
+  throw CLI::ParseError(ThereIsNoCommand(program, *word), CLI::ExitCodes::ExtrasError);
+}
+
+// The words "help COMMAND" ask for the same as "COMMAND --help".
+void ReplaceHelpCommand(std::vector<std::string>& words) {
+  const auto command = std::find_if_not(words.begin(), words.end(), BeginsAsOption);
+  if (command == words.end() || *command != "help") return;
+  if (std::any_of(command, words.end(), BeginsAsOption)) return;
+  words.erase(command);
+  words.emplace_back("--help");
 }
 
 // Of the program or of the command that is given.
@@ -110,13 +136,16 @@ Arguments::Arguments()
   DefineAskingCommands(*program_, request_);
   DefineGitCommands(*program_, request_);
   DefineTextCommands(*program_, request_);
-  for (CLI::App* command : program_->get_subcommands({})) UnmarkTexts(*command);
+  FinishOptions(*program_);
+  for (CLI::App* command : program_->get_subcommands({})) FinishOptions(*command);
 }
 
 Arguments::~Arguments() = default;
 
 void Arguments::Parse(const std::vector<std::string>& arguments) {
   std::vector<std::string> words = Marked(arguments);
+  ReplaceHelpCommand(words);
+  RequireCommand(*program_, words);
   // The parser takes them from the end.
   std::reverse(words.begin(), words.end());
   program_->parse(std::move(words));

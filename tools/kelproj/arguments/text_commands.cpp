@@ -17,6 +17,18 @@ Example:
   source <(kelproj completion zsh)
   kelproj completion fish | source)";
 
+constexpr char kHelpHelp[] =
+    R"(The same as "kelproj COMMAND --help", or without COMMAND as "kelproj --help".
+
+Example:
+  kelproj help set)";
+
+// What is given to it is put in other words before it is parsed.
+void DefineHelp(CLI::App& program) {
+  CLI::App& command = AddCommand(program, "help", "Print the help of a command", kHelpHelp);
+  command.add_option("COMMAND", "The command");
+}
+
 void DefineCompletion(CLI::App& program, Request& request) {
   CLI::App& command =
       AddCommand(program, "completion", "Print a script for a shell's completion", kCompletionHelp);
@@ -66,6 +78,7 @@ void DefineManual(CLI::App& program, Request& request) {
 }  // namespace
 
 void DefineTextCommands(CLI::App& program, Request& request) {
+  DefineHelp(program);
   DefineCompletion(program, request);
   DefineComplete(program, request);
   DefineManual(program, request);
