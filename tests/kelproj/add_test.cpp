@@ -62,7 +62,9 @@ TEST_F(Add, NamesWithBlanksQuotesBracketsAndUmlauts_AreKeptAsTheyAre) {
 TEST_F(Add, FileThatDoesNotExist_IsAddedWithAWarning) {
   EXPECT_EQ(Run({"add", "blinker.xml", "--rtl", "rtl/c.v"}),
             DoneWithWarning("\"rtl/c.v\" does not exist in " + Directory()));
-  EXPECT_THAT(Listed("design.files"), ElementsAre("rtl/c.v"));
+  EXPECT_EQ(Run({"add", "rtl/../blinker.xml", "--rtl", "rtl/x.v"}),
+            DoneWithWarning("\"rtl/x.v\" does not exist in " + Directory()));
+  EXPECT_THAT(Listed("design.files"), ElementsAre("rtl/c.v", "rtl/x.v"));
 }
 
 TEST_F(Add, Directory_IsAddedWithAWarningThatItIsOne) {

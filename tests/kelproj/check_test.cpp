@@ -1,5 +1,6 @@
 #include <nlohmann/json.hpp>
 
+#include "testing/project_loading.h"
 #include "tests/kelproj/kelproj_test.h"
 
 namespace {
@@ -9,24 +10,19 @@ using testing::MatchesRegex;
 
 using Json = nlohmann::json;
 
-constexpr char kUnknownElement[] =
-    "<kel:project xmlns:kel=\"http://schema.kel.example/wdp_proj\" name=\"mixer\">\n"
-    "  <kel:device_info/>\n"
-    "  <kel:floorplan/>\n"
-    "</kel:project>\n";
+std::string MixerXml(const std::string& sections) { return ProjectXml(sections, "name=\"mixer\""); }
 
-constexpr char kDeprecatedElement[] =
-    "<kel:project xmlns:kel=\"http://schema.kel.example/wdp_proj\" name=\"mixer\">\n"
-    "  <kel:package_info/>\n"
-    "</kel:project>\n";
+std::string UnknownElement() { return MixerXml("\n  <device_info/>\n  <floorplan/>\n"); }
+
+std::string DeprecatedElement() { return MixerXml("\n  <package_info/>\n"); }
 
 // Wrong by the schema alone.
-constexpr char kUnknownType[] =
-    "<kel:project xmlns:kel=\"http://schema.kel.example/wdp_proj\" name=\"mixer\">\n"
-    "  <kel:debugger>\n"
-    "    <kel:param name=\"cable\" value=\"usb\" value_type=\"e_float\"/>\n"
-    "  </kel:debugger>\n"
-    "</kel:project>\n";
+std::string UnknownType() {
+  return MixerXml(
+      "\n  <debugger>\n"
+      "    <param name=\"cable\" value=\"usb\" value_type=\"e_float\"/>\n"
+      "  </debugger>\n");
+}
 
 constexpr char kAnySchema[] =
     "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\" "
@@ -42,15 +38,15 @@ TEST_F(Check, SampleAndNewProject_HaveNoProblems) {
 
 TEST_F(Check, Problem_IsToldWithItsPlaceAndTheAnswerIsNoForAnError) {
   struct {
-    const char* bytes;
+    std::string bytes;
     int status;
     const char* shown;
   } const cases[] = {
-      {kUnknownElement, 1, "mixer.xml:3:[0-9]+: error: [^\n]*floorplan(.|\n)*"},
+      {UnknownElement(), 1, "mixer.xml:3:[0-9]+: error: [^\n]*floorplan(.|\n)*"},
       {"<project>\n<device_info>\n", 1, "mixer.xml:[0-9]+:[0-9]+: error: .*\n"},
-      {kDeprecatedElement, 0, "mixer.xml:2:[0-9]+: warning: [^\n]*package_info[^\n]*\n"},
+      {DeprecatedElement(), 0, "mixer.xml:2:[0-9]+: warning: [^\n]*package_info[^\n]*\n"},
       // Found by the installed schema.
-      {kUnknownType, 1, "mixer.xml:3:(.|\n)*: error: [^\n]*e_float(.|\n)*"}};
+      {UnknownType(), 1, "mixer.xml:3:(.|\n)*: error: [^\n]*e_float(.|\n)*"}};
   for (const auto& [bytes, status, shown] : cases) {
     Write("mixer.xml", bytes);
     const Outcome outcome = Run({"check", "mixer.xml"});
@@ -61,7 +57,7 @@ TEST_F(Check, Problem_IsToldWithItsPlaceAndTheAnswerIsNoForAnError) {
 }
 
 TEST_F(Check, Schema_TakesThePlaceOfTheInstalledOne) {
-  Write("mixer.xml", kUnknownType);
+  Write("mixer.xml", UnknownType());
   Write("any.xsd", kAnySchema);
   EXPECT_EQ(Run({"check", "mixer.xml", "--schema", "any.xsd"}).status, 0);
 }
@@ -72,15 +68,15 @@ TEST_F(Check, SchemaThatIsNotThere_IsTrouble) {
 }
 
 TEST_F(Check, SeveralFiles_AreEachCheckedUnderTheirNames) {
-  Write("a.xml", kUnknownElement);
-  Write("b ü.xml", kDeprecatedElement);
+  Write("a.xml", UnknownElement());
+  Write("b ü.xml", DeprecatedElement());
   const Outcome outcome = Run({"check", "a.xml", SampleProject(), "b ü.xml"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(outcome.out, AllOf(StartsWith("a.xml:3:"), HasSubstr("\nb ü.xml:2:")));
 }
 
 TEST_F(Check, MissingFile_IsTroubleAndTheOthersAreStillChecked) {
-  Write("a.xml", kUnknownElement);
+  Write("a.xml", UnknownElement());
   const Outcome outcome = Run({"check", "missing.xml", "a.xml"});
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.err, "kelproj: error: missing.xml does not exist\n");
@@ -105,7 +101,7 @@ TEST_F(Check, FileOfAnotherEnding_IsAnError) {
 }
 
 TEST_F(Check, Json_HasTheProblemsOfEachFile) {
-  Write("a.xml", kUnknownElement);
+  Write("a.xml", UnknownElement());
   const Outcome outcome = Run({"check", "a.xml", SampleProject(), "--json"});
   EXPECT_EQ(outcome.status, 1);
   const Json files = Json::parse(outcome.out);
@@ -116,7 +112,7 @@ TEST_F(Check, Json_HasTheProblemsOfEachFile) {
 }
 
 TEST_F(Check, Json_HasTheFilesThatCannotBeReadToo) {
-  Write("a.xml", kUnknownElement);
+  Write("a.xml", UnknownElement());
   std::filesystem::create_directory(PathOf("b.xml"));
   const Outcome outcome = Run({"check", "missing.xml", "a.xml", "b.xml", "--json"});
   EXPECT_EQ(outcome.status, 2);
@@ -131,7 +127,7 @@ TEST_F(Check, Json_HasTheFilesThatCannotBeReadToo) {
 }
 
 TEST_F(Check, Strict_AnswersNoForAWarningToo) {
-  Write("mixer.xml", kDeprecatedElement);
+  Write("mixer.xml", DeprecatedElement());
   MakeProject();
   EXPECT_EQ(Run({"check", "mixer.xml"}).status, 0);
   EXPECT_EQ(Run({"check", "mixer.xml", "--strict"}).status, 1);
@@ -143,21 +139,19 @@ TEST_F(Check, Strict_AnswersNoForAWarningToo) {
 class CheckContents : public KelprojTest {
  protected:
   Outcome CheckProject(const std::string& elements) const {
-    Write("mixer.xml",
-          "<kel:project xmlns:kel=\"http://schema.kel.example/wdp_proj\" name=\"mixer\">" +
-              elements + "</kel:project>\n");
+    Write("mixer.xml", MixerXml(elements));
     return Run({"check", "mixer.xml"});
   }
 
   static std::string DesignFiles(const std::vector<std::string>& names) {
     std::string files;
-    for (const std::string& name : names) files += "<kel:design_file name=\"" + name + "\"/>";
-    return "<kel:design_info>" + files + "</kel:design_info>";
+    for (const std::string& name : names) files += "<design_file name=\"" + name + "\"/>";
+    return "<design_info>" + files + "</design_info>";
   }
 
   static std::string Parameter(const std::string& name, const std::string& value,
                                const std::string& type) {
-    return "<kel:param name=\"" + name + "\" value=\"" + value + "\" value_type=\"" + type + "\"/>";
+    return "<param name=\"" + name + "\" value=\"" + value + "\" value_type=\"" + type + "\"/>";
   }
 };
 
@@ -172,20 +166,27 @@ TEST_F(CheckContents, FileTwiceInAList_IsAWarningHoweverItIsSpelled) {
 }
 
 TEST_F(CheckContents, FileTwiceAmongTheSourcesOfAnInstance_IsAWarning) {
-  EXPECT_EQ(CheckProject("<kel:ip_info><kel:ip instance_name=\"pll\" path=\"ip/pll.ip\">"
-                         "<kel:ip_src_file name=\"pll.v\"/><kel:ip_src_file name=\"./pll.v\"/>"
-                         "</kel:ip></kel:ip_info>"),
+  EXPECT_EQ(CheckProject("<ip_info><ip instance_name=\"pll\" path=\"ip/pll.ip\">"
+                         "<ip_src_file name=\"pll.v\"/><ip_src_file name=\"./pll.v\"/>"
+                         "</ip></ip_info>"),
             Printed("mixer.xml: warning: ip.pll.files[1]: \"./pll.v\" is the file of "
                     "ip.pll.files[0] too\n"));
 }
 
 TEST_F(CheckContents, FileInTwoListsOrDescriptionOfTwoInstances_IsNoWarning) {
-  EXPECT_EQ(CheckProject("<kel:design_info><kel:design_file name=\"a.v\"/></kel:design_info>"
-                         "<kel:sim_info><kel:sim_file name=\"a.v\"/></kel:sim_info>"),
+  EXPECT_EQ(CheckProject("<design_info><design_file name=\"a.v\"/></design_info>"
+                         "<sim_info><sim_file name=\"a.v\"/></sim_info>"),
             Done());
-  EXPECT_EQ(CheckProject("<kel:ip_info><kel:ip instance_name=\"a\" path=\"pll.ip\"/>"
-                         "<kel:ip instance_name=\"b\" path=\"pll.ip\"/></kel:ip_info>"),
+  EXPECT_EQ(CheckProject("<ip_info><ip instance_name=\"a\" path=\"pll.ip\"/>"
+                         "<ip instance_name=\"b\" path=\"pll.ip\"/></ip_info>"),
             Done());
+}
+
+TEST_F(CheckContents, InstancesOfOneName_AreAWarning) {
+  EXPECT_EQ(CheckProject("<ip_info><ip instance_name=\"pll\" path=\"a.ip\"/>"
+                         "<ip instance_name=\"ram\" path=\"b.ip\"/>"
+                         "<ip instance_name=\"pll\" path=\"c.ip\"/></ip_info>"),
+            Printed("mixer.xml: warning: ip[2]: \"pll\" is the instance name of ip[0] too\n"));
 }
 
 TEST_F(CheckContents, AbsoluteNameBelowTheProjectsDirectory_IsAWarning) {
@@ -197,23 +198,22 @@ TEST_F(CheckContents, AbsoluteNameBelowTheProjectsDirectory_IsAWarning) {
 }
 
 TEST_F(CheckContents, TimingConstraintFileOfAnotherEnding_IsAWarning) {
-  EXPECT_EQ(CheckProject("<kel:constraint_info><kel:sdc_file name=\"a.sdc\"/>"
-                         "<kel:sdc_file name=\"clocks.tcl\"/></kel:constraint_info>"),
+  EXPECT_EQ(CheckProject("<constraint_info><sdc_file name=\"a.sdc\"/>"
+                         "<sdc_file name=\"clocks.tcl\"/></constraint_info>"),
             Printed("mixer.xml: warning: constraint.sdc[1]: \"clocks.tcl\" does not end in "
                     ".sdc\n"));
 }
 
 TEST_F(CheckContents, FileOrParameterWithoutAName_IsAWarning) {
-  EXPECT_EQ(
-      CheckProject("<kel:sim_info><kel:sim_file library=\"work\"/></kel:sim_info><kel:debugger>" +
-                   Parameter("", "usb", "e_string") + "</kel:debugger>"),
-      Printed("mixer.xml: warning: simulation.files[0]: it names no file\n"
-              "mixer.xml: warning: debugger.param: a parameter has no name\n"));
+  EXPECT_EQ(CheckProject("<sim_info><sim_file library=\"work\"/></sim_info><debugger>" +
+                         Parameter("", "usb", "e_string") + "</debugger>"),
+            Printed("mixer.xml: warning: simulation.files[0]: it names no file\n"
+                    "mixer.xml: warning: debugger.param: a parameter has no name\n"));
 }
 
 TEST_F(CheckContents, ValueThatIsNoBool_IsAWarning) {
   const auto check = [this](const std::string& value) {
-    return CheckProject("<kel:debugger>" + Parameter("trace", value, "e_bool") + "</kel:debugger>");
+    return CheckProject("<debugger>" + Parameter("trace", value, "e_bool") + "</debugger>");
   };
   for (const char* value : {"true", "false", "on", "off", "yes", "no", "0", "1"}) {
     EXPECT_EQ(check(value), Done()) << value;
@@ -223,15 +223,14 @@ TEST_F(CheckContents, ValueThatIsNoBool_IsAWarning) {
                                     "\" is no value of type e_bool; expected true, false, on, "
                                     "off, yes, no, 0 or 1\n"));
   }
-  EXPECT_EQ(
-      CheckProject("<kel:debugger>" + Parameter("trace", "maybe", "e_string") + "</kel:debugger>"),
-      Done());
+  EXPECT_EQ(CheckProject("<debugger>" + Parameter("trace", "maybe", "e_string") + "</debugger>"),
+            Done());
 }
 
 TEST_F(CheckContents, NumberOfThreadsThatIsNotTaken_IsAWarning) {
   const auto check = [this](const std::string& process, const std::string& value) {
-    return CheckProject("<kel:" + process + ">" + Parameter("max_threads", value, "e_string") +
-                        "</kel:" + process + ">");
+    return CheckProject("<" + process + ">" + Parameter("max_threads", value, "e_string") + "</" +
+                        process + ">");
   };
   for (const char* value : {"1", "2", "16", "007", "99999"}) {
     EXPECT_EQ(check("synthesis", value), Done()) << value;
@@ -247,18 +246,18 @@ TEST_F(CheckContents, NumberOfThreadsThatIsNotTaken_IsAWarning) {
 }
 
 TEST_F(CheckContents, TwoTopModulesOrParametersOfOneName_AreAWarningInTheirLine) {
-  EXPECT_THAT(CheckProject("<kel:design_info>\n<kel:top_module name=\"a\"/>\n"
-                           "<kel:top_module name=\"b\"/></kel:design_info>")
+  EXPECT_THAT(CheckProject("<design_info>\n<top_module name=\"a\"/>\n"
+                           "<top_module name=\"b\"/></design_info>")
                   .out,
               MatchesRegex("mixer.xml:3:[0-9]+: warning: [^\n]*top_module[^\n]*\n"));
-  EXPECT_THAT(CheckProject("<kel:debugger>\n" + Parameter("cable", "usb", "e_string") + "\n" +
-                           Parameter("cable", "net", "e_string") + "</kel:debugger>")
+  EXPECT_THAT(CheckProject("<debugger>\n" + Parameter("cable", "usb", "e_string") + "\n" +
+                           Parameter("cable", "net", "e_string") + "</debugger>")
                   .out,
               MatchesRegex("mixer.xml:3:[0-9]+: warning: [^\n]*cable[^\n]*\n"));
 }
 
 TEST_F(CheckContents, OfAFileWithAnError_AreNotLookedAt) {
-  EXPECT_THAT(CheckProject(DesignFiles({"a.v", "a.v"}) + "<kel:floorplan/>").out,
+  EXPECT_THAT(CheckProject(DesignFiles({"a.v", "a.v"}) + "<floorplan/>").out,
               Not(HasSubstr("design.files")));
 }
 
@@ -268,19 +267,18 @@ class CheckFiles : public KelprojTest {
  protected:
   void SetUp() override {
     std::filesystem::create_directories(PathOf("ip"));
-    Write("mixer.xml", R"(<kel:project xmlns:kel="http://schema.kel.example/wdp_proj" name="mixer">
-  <kel:design_info><kel:design_file name="top.v"/><kel:design_file name=""/></kel:design_info>
-  <kel:constraint_info>
-    <kel:sdc_file name="clocks.sdc"/><kel:inter_file name="pins.interface.csv"/>
-  </kel:constraint_info>
-  <kel:isf_info><kel:isf_file name="pads.isf"/></kel:isf_info>
-  <kel:sim_info><kel:sim_file name="tb höhe.sv"/></kel:sim_info>
-  <kel:misc_info><kel:misc_file name="/no/such/notes.md"/></kel:misc_info>
-  <kel:ip_info>
-    <kel:ip instance_name="pll" path="ip/pll.ip"><kel:ip_src_file name="pll.v"/></kel:ip>
-  </kel:ip_info>
-</kel:project>
-)");
+    Write("mixer.xml", MixerXml(R"(
+  <design_info><design_file name="top.v"/><design_file name=""/></design_info>
+  <constraint_info>
+    <sdc_file name="clocks.sdc"/><inter_file name="pins.interface.csv"/>
+  </constraint_info>
+  <isf_info><isf_file name="pads.isf"/></isf_info>
+  <sim_info><sim_file name="tb höhe.sv"/></sim_info>
+  <misc_info><misc_file name="/no/such/notes.md"/></misc_info>
+  <ip_info>
+    <ip instance_name="pll" path="ip/pll.ip"><ip_src_file name="pll.v"/></ip>
+  </ip_info>
+)"));
   }
 };
 
@@ -318,7 +316,7 @@ TEST_F(CheckFiles, FromAnotherDirectory_AreLookedForBesideTheProjectIfTheOptionI
 }
 
 TEST_F(CheckFiles, FileThatDoesNotLoad_HasItsOwnErrorsAlone) {
-  Write("mixer.xml", kUnknownElement);
+  Write("mixer.xml", UnknownElement());
   EXPECT_THAT(Run({"check", "mixer.xml", "--files"}).out, Not(HasSubstr("does not exist")));
 }
 
@@ -339,6 +337,7 @@ TEST_F(CheckFiles, Unlisted_NamesTheHdlFilesBelowTheProjectThatNoListHas) {
                             "mixer.xml: warning: \"unlisted.v\" is in no list of the project\n";
   EXPECT_EQ(Run({"check", "mixer.xml", "--unlisted"}), Printed(shown));
   EXPECT_EQ(Run({"check", "mixer.xml", "--unlisted", "--strict"}), AnsweredNo(shown));
+  EXPECT_THAT(Run({"check", "--help"}).out, HasSubstr(".v, .sv, .vhd or .vhdl"));
   EXPECT_EQ(Run({"check", "mixer.xml"}), Printed(kNamelessFile));
 }
 
@@ -346,10 +345,7 @@ TEST_F(CheckFiles, UnlistedBesideAListedNameInAnotherSpelling_IsNotNamed) {
   std::filesystem::create_directories(PathOf("rtl"));
   std::filesystem::create_directory_symlink("rtl", PathOf("link"));
   Write("rtl/a.v", "");
-  Write("mixer.xml", R"(<kel:project xmlns:kel="http://schema.kel.example/wdp_proj" name="mixer">
-  <kel:design_info><kel:design_file name="link/./a.v"/></kel:design_info>
-</kel:project>
-)");
+  Write("mixer.xml", MixerXml("<design_info><design_file name=\"link/./a.v\"/></design_info>"));
   EXPECT_EQ(Run({"check", "mixer.xml", "--unlisted"}), Done());
 }
 
@@ -360,7 +356,7 @@ class MovedInstallation : public KelprojTest {
     std::filesystem::create_directories(PathOf("moved here/bin"));
     std::filesystem::create_directories(PathOf("moved here/share/projectdb"));
     std::filesystem::copy_file(KelprojProgram(), Program());
-    Write("mixer.xml", kUnknownType);
+    Write("mixer.xml", UnknownType());
   }
 
   std::string Program() const { return PathOf("moved here/bin/kelproj"); }

@@ -45,6 +45,7 @@ TEST_F(Get, Verbose_ReportsTheReadingOnStandardError) {
 
 TEST_F(Get, MissingFile_FailsWithTheReason) {
   EXPECT_EQ(Run({"get", "blinker.xml", "name"}), Failed("blinker.xml does not exist"));
+  EXPECT_EQ(Run({"get", "", "name"}), Failed("the empty text names no file"));
 }
 
 TEST_F(Get, FullStandardOutput_Fails) {

@@ -14,6 +14,7 @@
 #include <projectdb/vocabulary.h>
 
 #include "file_identities.h"
+#include "keys.h"
 #include "named_files.h"
 #include "places.h"
 
@@ -25,9 +26,17 @@ using projectdb::Parameter;
 using projectdb::ProblemSeverity;
 using projectdb::ProjectContents;
 
-constexpr std::array<std::string_view, 8> kBoolTexts = {"true", "false", "on", "off",
-                                                        "yes",  "no",    "0",  "1"};
 constexpr std::array<std::string_view, 4> kHdlEndings = {".v", ".sv", ".vhd", ".vhdl"};
+
+bool IsThreadLimit(const NamedParameter& named) {
+  const auto is_of = [&named](projectdb::ProcType type) {
+    const projectdb::FlowProcessName& process =
+        projectdb::kFlowProcesses.at(static_cast<std::size_t>(type));
+    return named.map == MemberPlace(process.name, projectdb::kParameterMap);
+  };
+  return named.parameter.name == projectdb::kMaxThreadsParameter &&
+         (is_of(projectdb::e_synthesis) || is_of(projectdb::e_place_and_route));
+}
 
 /// Collects the warnings of a project.
 class Warnings {
@@ -47,17 +56,22 @@ class Warnings {
     }
   }
 
+  void AddOfInstances() {
+    std::map<std::string, std::string> places;
+    const std::vector<projectdb::IP>& ips = project_.ip_info.ips;
+    for (std::size_t i = 0; i < ips.size(); ++i) {
+      const std::string& name = ips[i].instance_name;
+      const std::string place = "ip[" + std::to_string(i) + "]";
+      const auto [first, is_new] = places.try_emplace(name, place);
+      if (!is_new) Add(place, "\"" + name + "\" is the instance name of " + first->second + " too");
+    }
+  }
+
   void AddOfParameters() {
-    for (const projectdb::FlowProcessName& process : projectdb::kFlowProcesses) {
-      const auto& contents = project_.flow_processes.at(static_cast<std::size_t>(process.type));
-      for (const auto& [map, parameters] : contents.parameter_maps) {
-        const std::string key = MemberPlace(process.name, map);
-        for (const auto& [name, parameter] : parameters) {
-          if (name.empty()) Add(key, "a parameter has no name");
-          AddOfValue(MemberPlace(key, name), parameter);
-        }
-      }
-      AddOfMaxThreads(process, contents);
+    for (const NamedParameter& named : ParametersOf(project_)) {
+      if (named.parameter.name.empty()) Add(named.map, "a parameter has no name");
+      AddOfValue(named.key, named.parameter);
+      if (IsThreadLimit(named)) AddOfThreadLimit(named.key, named.parameter.value);
     }
   }
 
@@ -91,28 +105,17 @@ class Warnings {
 
   void AddOfValue(const std::string& key, const Parameter& parameter) {
     if (parameter.type != projectdb::e_bool) return;
-    if (std::find(kBoolTexts.begin(), kBoolTexts.end(), parameter.value) != kBoolTexts.end()) {
-      return;
-    }
+    const auto texts = BoolTexts();
+    if (std::find(texts.begin(), texts.end(), parameter.value) != texts.end()) return;
     Add(key, "\"" + parameter.value +
                  "\" is no value of type e_bool; expected true, false, on, off, yes, no, 0 or 1");
   }
 
-  void AddOfMaxThreads(const projectdb::FlowProcessName& process,
-                       const projectdb::FlowProcessContents& contents) {
-    if (process.type != projectdb::e_synthesis && process.type != projectdb::e_place_and_route) {
-      return;
-    }
-    const auto map = contents.parameter_maps.find(projectdb::kParameterMap);
-    if (map == contents.parameter_maps.end()) return;
-    const auto parameter = map->second.find("max_threads");
-    if (parameter == map->second.end()) return;
-    const std::string& text = parameter->second.value;
+  void AddOfThreadLimit(const std::string& key, const std::string& text) {
     // A text that is not taken gives whatever the default is.
     using Database = projectdb::KelProjectDatabase;
     if (Database::ParseMaxThreads(text, 1) == Database::ParseMaxThreads(text, 2)) return;
-    Add(std::string(process.name) + ".param.max_threads",
-        "\"" + text + "\" is no number of threads; the tool takes its own default");
+    Add(key, "\"" + text + "\" is no number of threads; the tool takes its own default");
   }
 
   const ProjectContents& project_;
@@ -150,6 +153,7 @@ std::vector<std::filesystem::path> HdlFilesBelow(const std::filesystem::path& di
 std::vector<FileProblem> ContentWarnings(const ProjectContents& project) {
   Warnings warnings(project);
   warnings.AddOfFiles();
+  warnings.AddOfInstances();
   warnings.AddOfParameters();
   return warnings.Take();
 }

@@ -259,6 +259,20 @@ std::vector<std::string> FixedKeys() {
   return keys;
 }
 
+std::vector<NamedParameter> ParametersOf(const ProjectContents& project) {
+  std::vector<NamedParameter> named;
+  // Contents that no file gave may have no flow processes.
+  for (std::size_t i = 0; i < project.flow_processes.size(); ++i) {
+    for (const auto& [map, parameters] : project.flow_processes[i].parameter_maps) {
+      const std::string key = MemberPlace(kFlowProcesses.at(i).name, map);
+      for (const auto& [name, parameter] : parameters) {
+        named.push_back({MemberPlace(key, name), key, parameter});
+      }
+    }
+  }
+  return named;
+}
+
 std::string KeysHelp() {
   std::string help = "Keys:" + GroupedKeys() + Pattern("info.NAME", "an info attribute") +
                      Pattern("PROCESS.tool", "the executable of a flow process");
@@ -286,6 +300,10 @@ std::vector<std::string> ParameterTypeNames() {
 
 ParameterType ParameterTypeFromName(const std::string& name) {
   return projectdb::ParameterTypeOf(name);
+}
+
+std::vector<std::string> BoolTexts() {
+  return {"true", "false", "on", "off", "yes", "no", "0", "1"};
 }
 
 }  // namespace kelproj

@@ -34,6 +34,17 @@ Key FindKey(const std::string& text);
 /// The keys that every project has.
 std::vector<std::string> FixedKeys();
 
+/// A parameter of a project.
+struct NamedParameter {
+  std::string key;  ///< Such as "synthesis.param.effort".
+  std::string map;  ///< The key of the map that has it, such as "synthesis.param".
+  const projectdb::Parameter& parameter;
+};
+
+/// All parameters of the project, which are its own. The order is that of its flow processes, and
+/// by name within each map.
+std::vector<NamedParameter> ParametersOf(const projectdb::ProjectContents& project);
+
 /// What keys there are, for people.
 std::string KeysHelp();
 
@@ -48,5 +59,8 @@ std::vector<std::string> ParameterTypeNames();
 
 /// The type of one of those names.
 projectdb::ParameterType ParameterTypeFromName(const std::string& name);
+
+/// The values that parameters of type e_bool have.
+std::vector<std::string> BoolTexts();
 
 }  // namespace kelproj

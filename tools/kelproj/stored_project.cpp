@@ -15,6 +15,7 @@
 
 #include "content_warnings.h"
 #include "installed_schema.h"
+#include "named_files.h"
 #include "problems.h"
 
 namespace kelproj {
@@ -93,6 +94,7 @@ bool UpdateOrSayWhyNot(const std::string& path, const std::function<void(Project
 }  // namespace
 
 void RequireReadable(const std::string& path) {
+  RequireName(path);
   std::error_code error;
   const std::filesystem::file_status status = std::filesystem::status(path, error);
   if (status.type() == std::filesystem::file_type::not_found) {

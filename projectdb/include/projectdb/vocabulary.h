@@ -160,6 +160,10 @@ inline constexpr char kParameterMap[] = "param";  ///< Ordinary parameters of an
 inline constexpr char kDefineMap[] = "dynparam";  ///< Verilog define parameters of synthesis.
 inline constexpr char kMacroMap[] = "defmacro";   ///< Verilog macros of synthesis.
 
+/// The ordinary parameter of synthesis and of place and route that
+/// KelProjectDatabase::ParseMaxThreads reads.
+inline constexpr char kMaxThreadsParameter[] = "max_threads";
+
 /// A parameter map that a project file can hold.
 struct ParameterMapName {
   const char* name;   ///< In keys, and of a parameter's element in a project file.

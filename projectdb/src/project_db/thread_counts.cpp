@@ -2,13 +2,14 @@
 #include <charconv>
 #include <system_error>
 
+#include <projectdb/vocabulary.h>
+
 #include "base/assertions.h"
 #include "project_db/project_data.h"
 
 namespace projectdb {
 namespace {
 
-constexpr char kMaxThreadsParameter[] = "max_threads";
 constexpr std::uint64_t kMostThreads = 65535;
 
 }  // namespace

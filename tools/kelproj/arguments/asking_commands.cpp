@@ -30,8 +30,12 @@ names its place by a dotted key:
   a file twice in a list, also by another spelling
   a file that does not end as its list wants, such as .sdc
   an absolute name of a file below the project's directory
+  two IP instances of one name
   a parameter of type e_bool that is not true, false, on, off, yes, no, 0 or 1
   a max_threads that is no number of threads
+
+The HDL files that --unlisted looks for end in .v, .sv, .vhd or .vhdl; hidden
+directories, whose names begin with a dot, are passed over.
 
 Example:
   kelproj check blinker.xml --files --unlisted)";
