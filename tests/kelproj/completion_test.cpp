@@ -1,5 +1,8 @@
+#include <algorithm>
+#include <iterator>
 #include <sstream>
 
+#include "testing/project_loading.h"
 #include "tests/kelproj/kelproj_test.h"
 
 namespace {
@@ -21,22 +24,23 @@ class Completion : public KelprojTest {
   void SetUp() override {
     std::filesystem::create_directories(PathOf("my rtl"));
     std::filesystem::create_directories(PathOf("out"));
-    Write("lamp.xml", R"(<kel:project xmlns:kel="http://schema.kel.example/wdp_proj" name="lamp"
-    owner="Ines">
-  <kel:design_info>
-    <kel:design_file name="my rtl/it's $new.v" version="verilog_2001" library="default"/>
-    <kel:design_file name="my rtl/lamp.v" version="sv_2017" library="light"/>
-  </kel:design_info>
-  <kel:constraint_info><kel:sdc_file name="my clocks.sdc"/></kel:constraint_info>
-  <kel:ip_info>
-    <kel:ip instance_name="pll" path="ip/pll.ip"><kel:ip_src_file name="pll.v"/></kel:ip>
-  </kel:ip_info>
-  <kel:synthesis>
-    <kel:param name="effort" value="high" value_type="e_string"/>
-    <kel:defmacro name="STEP" value="3"/>
-  </kel:synthesis>
-</kel:project>
-)");
+    Write("lamp.xml", ProjectXml(R"(
+  <design_info>
+    <design_file name="my rtl/it's $new.v" version="verilog_2001" library="default"/>
+    <design_file name="my rtl/lamp.v" version="sv_2017" library="light"/>
+  </design_info>
+  <constraint_info><sdc_file name="my clocks.sdc"/></constraint_info>
+  <ip_info>
+    <ip instance_name="pll" path="ip/pll.ip"><ip_src_file name="pll.v"/></ip>
+  </ip_info>
+  <synthesis>
+    <param name="effort" value="high" value_type="e_string"/>
+    <param name="retiming" value="off" value_type="e_bool"/>
+    <defmacro name="STEP" value="3"/>
+  </synthesis>
+)",
+                                 R"(owner="Ines" review:round="4"
+    xmlns:review="http://schema.kel.example/wdp_proj/prefix/review")"));
   }
 
   // What the program offers behind these words, of which the last is not finished.
@@ -65,19 +69,33 @@ TEST_F(Completion, UnfinishedWord_IsOfferedWhatMayStandThere) {
       {{"get", "no.xml", "device.f"}, {"device.family"}},
       {{"get", "no.xml", "synthesis."}, {"synthesis.tool"}},
       {{"get", "lamp.xml", "synthesis."},
-       {"synthesis.tool", "synthesis.defmacro.STEP", "synthesis.param.effort"}},
-      {{"get", "~/lamp.xml", "info."}, {"info.owner"}},
-      {{"get", "--", "lamp.xml", "info."}, {"info.owner"}},
-      {{"set", "lamp.xml", "synthesis.p"}, {"synthesis.param.effort"}},
-      {{"set", "--type", "e_bool", "lamp.xml", "synthesis.p"}, {"synthesis.param.effort"}},
-      // The value is free.
+       {"synthesis.tool", "synthesis.defmacro.STEP", "synthesis.param.effort",
+        "synthesis.param.retiming"}},
+      {{"get", "~/lamp.xml", "info."}, {"info.owner", "info.review:round"}},
+      {{"get", "--", "lamp.xml", "info.o"}, {"info.owner"}},
+      // The stamps can be read alone.
+      {{"get", "lamp.xml", "sw"}, {"sw_version"}},
+      {{"set", "lamp.xml", "sw"}, {}},
+      {{"unset", "lamp.xml", "last"}, {}},
+      {{"set", "lamp.xml", "synthesis.param.e"}, {"synthesis.param.effort"}},
+      {{"set", "--type", "e_bool", "lamp.xml", "synthesis.param.e"}, {"synthesis.param.effort"}},
+      // The value is free, but for a parameter with a type that says otherwise.
       {{"set", "lamp.xml", "synthesis.param.effort", "syn"}, {}},
+      {{"set", "lamp.xml", "synthesis.param.retiming", "o"}, {"on", "off"}},
+      {{"set", "lamp.xml", "name", "x", "synthesis.param.retiming", "t"}, {"true"}},
+      {{"set", "lamp.xml", "synthesis.param.retiming", "--type", "e_bool", "f"}, {"false"}},
       // The value of an option.
       {{"set", "lamp.xml", "name", "x", "--type", "e_b"}, {"e_bool"}},
       {{"list", "lamp.xml", "--format", ""}, {"f", "iverilog", "make"}},
       {{"list", "lamp.xml", "--library", ""}, {"default", "light"}},
       {{"list", "lamp.xml", "--hdl-version", "v"}, {"verilog_2001"}},
+      {{"set", "lamp.xml", "name", "x", "--type=e_b"}, {"--type=e_bool"}},
+      {{"list", "lamp.xml", "--library="}, {"--library=default", "--library=light"}},
+      {{"list", "lamp.xml", "--library=light", "--format="},
+       {"--format=f", "--format=iverilog", "--format=make"}},
+      {{"list", "lamp.xml", "--rtl="}, {}},
       {{"completion", ""}, {"bash", "zsh", "fish"}},
+      {{"help", "s"}, {"set", "set-interface", "show"}},
       // A file, which is left to the shell.
       {{"show", ""}, {}},
       // A command that there is not.
@@ -95,7 +113,12 @@ TEST_F(Completion, NamesOfAProjectsFiles_AreOfferedAsTheUserSeesThem) {
   EXPECT_EQ(Completions({"remove", "lamp.xml", "--rtl", ""}), rtl);
   EXPECT_EQ(Completions({"rename", "lamp.xml", "ip/"}), Lines({"ip/pll.ip", "ip/pll.v"}));
   EXPECT_EQ(Completions({"move", "lamp.xml", "--sdc", ""}), Lines({"my clocks.sdc"}));
+  // An IP instance has a name of its own.
   EXPECT_EQ(Completions({"rename", "lamp.xml", "--ip", "p"}), Lines({"pll"}));
+  EXPECT_EQ(Completions({"remove", "lamp.xml", "--ip", "p"}), Lines({"pll"}));
+  EXPECT_EQ(Completions({"move", "lamp.xml", "--ip", ""}), Lines({"pll", "ip/pll.ip", "ip/pll.v"}));
+  EXPECT_EQ(Completions({"move", "lamp.xml", "--ip", "ip/pll.ip", "--after", "p"}), Lines({"pll"}));
+  EXPECT_EQ(Completions({"remove", "lamp.xml", "--sdc", "p"}), Lines());
   EXPECT_EQ(Completions({"move", "lamp.xml", "--rtl", "a.v", "--before", "my rtl/l"}),
             Lines({"my rtl/lamp.v"}));
   EXPECT_EQ(Completions({"remove", "../lamp.xml", "../my"}, "out"),
@@ -106,7 +129,7 @@ TEST_F(Completion, FurtherPairsOfSet_HaveTheirKeysInTurns) {
   EXPECT_EQ(Completions({"set", "lamp.xml", "name", "x", "design.top_m"}),
             Lines({"design.top_module"}));
   EXPECT_EQ(Completions({"set", "lamp.xml", "name", "x", "info.owner", "design.top_m"}), Lines());
-  EXPECT_EQ(Completions({"unset", "lamp.xml", "name", "info."}), Lines({"info.owner"}));
+  EXPECT_EQ(Completions({"unset", "lamp.xml", "name", "info.o"}), Lines({"info.owner"}));
 }
 
 TEST_F(Completion, FileThatDoesNotLoad_HasTheKeysOfAnyProject) {
@@ -154,12 +177,21 @@ class BashCompletion : public ShellCompletion {
     return Offered({"bash", "--norc", "--noprofile", "-uc"}, "source completion; " + script);
   }
 
+  // At the end of a line of these words, with a blank between any two. A word may be in the pieces
+  // in which bash gives it, with a line break between any two.
   Lines CompletionsInBash(const std::vector<std::string>& typed) const {
+    std::string line;
     std::string words;
-    for (const std::string& word : typed) words += word + "\n";
+    for (const std::string& word : typed) {
+      words += word + "\n";
+      line += line.empty() ? "" : " ";
+      std::remove_copy(word.begin(), word.end(), std::back_inserter(line), '\n');
+    }
     Write("typed", words);
+    Write("line", line);
     return InBash(
         "mapfile -t COMP_WORDS < typed; COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); "
+        "COMP_LINE=$(<line); COMP_POINT=${#COMP_LINE}; "
         "_kelproj kelproj; [[ ${#COMPREPLY[@]} == 0 ]] || printf '%s\\n' \"${COMPREPLY[@]}\"");
   }
 };
@@ -171,15 +203,29 @@ TEST_F(BashCompletion, Sourced_CompletesTheProgramAndOtherwiseFiles) {
 
 TEST_F(BashCompletion, UnfinishedWord_IsOfferedWhatMayStandThere) {
   EXPECT_EQ(CompletionsInBash({"kelproj", "lis"}), Lines({"list"}));
-  EXPECT_EQ(CompletionsInBash({"kelproj", "get", "lamp.xml", "synthesis.param."}),
+  EXPECT_EQ(CompletionsInBash({"kelproj", "get", "lamp.xml", "synthesis.param.e"}),
             Lines({"synthesis.param.effort"}));
-  EXPECT_EQ(CompletionsInBash({"kelproj", "get", "'la'mp\\.xml", "synthesis.param."}),
+  EXPECT_EQ(CompletionsInBash({"kelproj", "get", "'la'mp\\.xml", "synthesis.param.e"}),
             Lines({"synthesis.param.effort"}));
   EXPECT_EQ(CompletionsInBash({"kelproj", "remove", "lamp.xml", "my\\ rtl/"}),
             Lines({"my\\ rtl/it\\'s\\ \\$new.v", "my\\ rtl/lamp.v"}));
   EXPECT_EQ(CompletionsInBash({"kelproj", "remove", "lamp.xml", "\"my rtl/la"}),
             Lines({"my rtl/lamp.v"}));
   EXPECT_EQ(CompletionsInBash({"kelproj", "show", ""}), Lines());
+}
+
+TEST_F(BashCompletion, WordThatBashGivesInPieces_IsOfferedWhatStandsBehindTheLastOne) {
+  EXPECT_EQ(CompletionsInBash({"kelproj", "get", "lamp.xml", "info.rev"}),
+            Lines({"info.review:round"}));
+  EXPECT_EQ(CompletionsInBash({"kelproj", "get", "lamp.xml", "info.review\n:"}), Lines({"round"}));
+  EXPECT_EQ(CompletionsInBash({"kelproj", "get", "lamp.xml", "info.review\n:\nr"}),
+            Lines({"round"}));
+  EXPECT_EQ(CompletionsInBash({"kelproj", "get", "lamp.xml", "'info.review:r"}),
+            Lines({"info.review:round"}));
+  EXPECT_EQ(CompletionsInBash({"kelproj", "list", "lamp.xml", "--library\n=\nl"}),
+            Lines({"light"}));
+  EXPECT_EQ(CompletionsInBash({"kelproj", "list", "lamp.xml", "--library\n=\nlight", "--sd"}),
+            Lines({"--sdc"}));
 }
 
 class ZshCompletion : public ShellCompletion {
@@ -206,14 +252,18 @@ class ZshCompletion : public ShellCompletion {
 
 TEST_F(ZshCompletion, UnfinishedWord_IsOfferedWhatMayStandThere) {
   EXPECT_EQ(CompletionsInZsh({"kelproj", "lis"}), Lines({"list"}));
-  EXPECT_EQ(CompletionsInZsh({"kelproj", "get", "lamp.xml", "synthesis.param."}),
+  EXPECT_EQ(CompletionsInZsh({"kelproj", "get", "lamp.xml", "synthesis.param.e"}),
             Lines({"synthesis.param.effort"}));
-  EXPECT_EQ(CompletionsInZsh({"kelproj", "get", "'la'mp\\.xml", "synthesis.param."}),
+  EXPECT_EQ(CompletionsInZsh({"kelproj", "get", "'la'mp\\.xml", "synthesis.param.e"}),
             Lines({"synthesis.param.effort"}));
   EXPECT_EQ(CompletionsInZsh({"kelproj", "list", "lamp.xml", "--library", ""}),
             Lines({"default", "light"}));
   EXPECT_EQ(CompletionsInZsh({"kelproj", "remove", "lamp.xml", "my\\ rtl/"}),
             Lines({"my rtl/it's $new.v", "my rtl/lamp.v"}));
+  EXPECT_EQ(CompletionsInZsh({"kelproj", "get", "lamp.xml", "info.review:r"}),
+            Lines({"info.review:round"}));
+  EXPECT_EQ(CompletionsInZsh({"kelproj", "list", "lamp.xml", "--library=l"}),
+            Lines({"--library=light"}));
   EXPECT_EQ(CompletionsInZsh({"kelproj", "show", ""}), Lines({"FILES"}));
 }
 
@@ -234,13 +284,15 @@ class FishCompletion : public ShellCompletion {
 
 TEST_F(FishCompletion, UnfinishedWord_IsOfferedWhatMayStandThere) {
   EXPECT_EQ(CompletionsInFish("kelproj lis"), Lines({"list"}));
-  EXPECT_EQ(CompletionsInFish("kelproj get lamp.xml synthesis.param."),
+  EXPECT_EQ(CompletionsInFish("kelproj get lamp.xml synthesis.param.e"),
             Lines({"synthesis.param.effort"}));
-  EXPECT_EQ(CompletionsInFish("kelproj get 'la'mp\\.xml synthesis.param."),
+  EXPECT_EQ(CompletionsInFish("kelproj get 'la'mp\\.xml synthesis.param.e"),
             Lines({"synthesis.param.effort"}));
   EXPECT_EQ(CompletionsInFish("kelproj list lamp.xml --library "), Lines({"default", "light"}));
   EXPECT_EQ(CompletionsInFish("kelproj remove lamp.xml my\\ rtl/"),
             Lines({"my rtl/it's $new.v", "my rtl/lamp.v"}));
+  EXPECT_EQ(CompletionsInFish("kelproj get lamp.xml info.review:r"), Lines({"info.review:round"}));
+  EXPECT_EQ(CompletionsInFish("kelproj list lamp.xml --library=l"), Lines({"--library=light"}));
   EXPECT_EQ(CompletionsInFish("kelproj show lam"), Lines({"lamp.xml"}));
 }
 

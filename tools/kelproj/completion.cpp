@@ -27,8 +27,10 @@ using Words = std::vector<std::string>;
 
 /// What the unfinished word belongs to.
 struct Situation {
-  std::string placeholder;  ///< By which help names what is to stand there; "" for an option.
+  const CLI::App& command;
+  std::string placeholder;  ///< By which help names what is to stand there; "" if nothing is.
   Words words;              ///< Of the command, before the unfinished one.
+  Words positionals;        ///< Those of the words that are no options and no values of options.
   std::optional<ProjectContents> project;  ///< Nothing without a project file that loads.
 };
 
@@ -38,18 +40,24 @@ const ProjectContents& ProjectOf(const Situation& situation) {
 }
 
 Words Keys(const Situation& situation) {
-  Words keys = FixedKeys();
-  if (!situation.project) return keys;
-  const ProjectContents& project = *situation.project;
-  for (const auto& attribute : project.info_attributes) keys.push_back("info." + attribute.first);
-  for (const projectdb::FlowProcessName& process : projectdb::kFlowProcesses) {
-    const auto index = static_cast<std::size_t>(process.type);
-    for (const auto& [map, parameters] : project.flow_processes.at(index).parameter_maps) {
-      const std::string stem = std::string(process.name).append(".").append(map).append(".");
-      for (const auto& parameter : parameters) keys.push_back(stem + parameter.first);
-    }
+  const ProjectContents& project = ProjectOf(situation);
+  const bool is_read = situation.command.get_name() == "get";
+  Words keys;
+  for (const std::string& key : FixedKeys()) {
+    if (is_read || FindKey(key).write) keys.push_back(key);
   }
+  for (const auto& attribute : project.info_attributes) keys.push_back("info." + attribute.first);
+  for (const NamedParameter& named : ParametersOf(project)) keys.push_back(named.key);
   return keys;
+}
+
+// Of the key that stands before it.
+Words Values(const Situation& situation) {
+  for (const NamedParameter& named : ParametersOf(ProjectOf(situation))) {
+    const bool is_bool = named.parameter.type == projectdb::e_bool;
+    if (is_bool && named.key == situation.positionals.back()) return BoolTexts();
+  }
+  return {};
 }
 
 Words InstanceNames(const Situation& situation) {
@@ -98,13 +106,16 @@ Words Formats(const Situation& /*situation*/) {
 
 Words Shells(const Situation& /*situation*/) { return ShellNames(); }
 
+Words Commands(const Situation& situation) { return CommandNames(*situation.command.get_parent()); }
+
 /// What may stand for a placeholder.
 struct Source {
   const char* placeholder;
   Words (*candidates)(const Situation&);
 };
 
-constexpr std::array<Source, 10> kSources = {{{"KEY", Keys},
+constexpr std::array<Source, 12> kSources = {{{"KEY", Keys},
+                                              {"VALUE", Values},
                                               {"NAME", FileNames},
                                               {"OLD", FileNames},
                                               {"OTHER", FileNames},
@@ -113,7 +124,8 @@ constexpr std::array<Source, 10> kSources = {{{"KEY", Keys},
                                               {"VERSION", Versions},
                                               {"TYPE", Types},
                                               {"FORMAT", Formats},
-                                              {"SHELL", Shells}}};
+                                              {"SHELL", Shells},
+                                              {"COMMAND", Commands}}};
 
 Words Candidates(const Situation& situation) {
   for (const auto& [placeholder, candidates] : kSources) {
@@ -156,6 +168,9 @@ class Walk {
     return !is_behind_hyphens_ && !value_of_ && BeginsOption(word);
   }
 
+  /// Whether a value of an option is to stand next.
+  bool IsBehindOption() const { return value_of_ != nullptr; }
+
   /// The name of what is to stand next; "" if nothing is.
   std::string Placeholder() const {
     if (value_of_) return value_of_->get_type_name();
@@ -168,6 +183,8 @@ class Walk {
     }
     return "";
   }
+
+  const Words& positionals() const { return positionals_; }
 
   /// The project file that is given; "" if none is.
   std::string ProjectFile() const {
@@ -211,24 +228,44 @@ Words CommandCompletions(const CLI::App& command, const Words& words) {
   const Words finished(words.begin(), words.end() - 1);
   Walk walk(command);
   for (const std::string& word : finished) walk.Take(word);
-  if (walk.MayBeOption(unfinished)) return WithPrefix(OptionNames(command), unfinished);
-  return WithPrefix(Candidates({walk.Placeholder(), finished, ReadQuietly(walk.ProjectFile())}),
-                    unfinished);
+  std::string option;
+  if (walk.MayBeOption(unfinished)) {
+    const std::size_t equals = unfinished.find('=');
+    if (equals == std::string::npos) return WithPrefix(OptionNames(command), unfinished);
+    walk.Take(unfinished.substr(0, equals));
+    if (!walk.IsBehindOption()) return {};
+    option = unfinished.substr(0, equals + 1);
+  }
+  Words chosen = WithPrefix(Candidates({command, walk.Placeholder(), finished, walk.positionals(),
+                                        ReadQuietly(walk.ProjectFile())}),
+                            unfinished.substr(option.size()));
+  for (std::string& word : chosen) word.insert(0, option);
+  return chosen;
 }
 
 constexpr char kBashScript[] = R"script(_kelproj() {
   local -a words=()
-  local word i form=%q
-  # What stands in quotes is not quoted once more.
-  [[ ${COMP_WORDS[COMP_CWORD]} == [\"\']* ]] && form=%s
+  local line=${COMP_LINE:0:COMP_POINT} word= piece kept candidate i form=%q
+  # A word with colons or equals signs comes in pieces, with no blank between them.
   for ((i = 1; i <= COMP_CWORD; i++)); do
-    # As they are typed, words have quotes.
-    words+=("${COMP_WORDS[i]//[\\\"\']/}")
+    line=${line#"${COMP_WORDS[i - 1]}"}
+    if [[ $line == [[:blank:]]* ]]; then
+      ((i > 1)) && words+=("$word")
+      word=
+      line=${line#"${line%%[![:blank:]]*}"}
+    fi
+    piece=${COMP_WORDS[i]} kept=$word word+=$piece
   done
+  # What stands in quotes is not quoted once more.
+  [[ $word == [\"\']* ]] && form=%s
+  # The shell keeps what is before the last piece, and a piece of such signs.
+  [[ $piece == [:=]* ]] && kept=$word
+  # As they are typed, words have quotes.
+  words=("${words[@]//[\\\"\']/}" "${word//[\\\"\']/}") kept=${kept//[\\\"\']/}
   COMPREPLY=()
   # Without an answer the shell completes the name of a file.
-  while IFS= read -r word; do
-    COMPREPLY+=("$(printf "$form" "$word")")
+  while IFS= read -r candidate; do
+    COMPREPLY+=("$(printf "$form" "${candidate#"$kept"}")")
   done < <("$1" complete -- "${words[@]}" 2>/dev/null)
 }
 complete -o bashdefault -o default -F _kelproj kelproj
