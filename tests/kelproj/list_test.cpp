@@ -1,5 +1,6 @@
 #include <nlohmann/json.hpp>
 
+#include "testing/project_loading.h"
 #include "tests/kelproj/kelproj_test.h"
 
 namespace {
@@ -7,24 +8,22 @@ namespace {
 using namespace test_support;
 using ListJson = nlohmann::json;
 
-constexpr char kLamp[] =
-    R"(<kel:project xmlns:kel="http://schema.kel.example/wdp_proj" name="lamp">
-  <kel:design_info>
-    <kel:top_module name="lamp"/>
-    <kel:design_file name="rtl/my core/up counter.v" version="verilog_2001" library="default"/>
-    <kel:design_file name="rtl/lamp.sv" version="sv_2017" library="light"/>
-    <kel:design_file name="/opt/cells/pad.v" version="verilog_2001" library="default"/>
-  </kel:design_info>
-  <kel:constraint_info>
-    <kel:sdc_file name="clocks.sdc"/><kel:inter_file name="pins.interface.csv"/>
-  </kel:constraint_info>
-  <kel:isf_info><kel:isf_file name="pads.isf"/></kel:isf_info>
-  <kel:sim_info><kel:sim_file name="../tb höhe.sv" version="sv_2017"/></kel:sim_info>
-  <kel:misc_info><kel:misc_file name="notes.md"/></kel:misc_info>
-  <kel:ip_info>
-    <kel:ip instance_name="pll" path="ip/pll.ip"><kel:ip_src_file name="gen/pll.v"/></kel:ip>
-  </kel:ip_info>
-</kel:project>
+constexpr char kLamp[] = R"(
+  <design_info>
+    <top_module name="lamp"/>
+    <design_file name="rtl/my core/up counter.v" version="verilog_2001" library="default"/>
+    <design_file name="rtl/lamp.sv" version="sv_2017" library="light"/>
+    <design_file name="/opt/cells/pad.v" version="verilog_2001" library="default"/>
+  </design_info>
+  <constraint_info>
+    <sdc_file name="clocks.sdc"/><inter_file name="pins.interface.csv"/>
+  </constraint_info>
+  <isf_info><isf_file name="pads.isf"/></isf_info>
+  <sim_info><sim_file name="../tb höhe.sv" version="sv_2017"/></sim_info>
+  <misc_info><misc_file name="notes.md"/></misc_info>
+  <ip_info>
+    <ip instance_name="pll" path="ip/pll.ip"><ip_src_file name="gen/pll.v"/></ip>
+  </ip_info>
 )";
 
 class List : public KelprojTest {
@@ -32,7 +31,7 @@ class List : public KelprojTest {
   void SetUp() override {
     std::filesystem::create_directories(PathOf("lamp"));
     std::filesystem::create_directories(PathOf("out"));
-    Write("lamp/lamp.xml", kLamp);
+    Write("lamp/lamp.xml", ProjectXml(kLamp, "name=\"lamp\""));
   }
 
   Outcome RunList(std::vector<std::string> options, const std::string& directory = "lamp",
@@ -92,6 +91,11 @@ TEST_F(List, KindsLibrariesAndVersions_ChooseAmongTheFiles) {
       {{"--library", "light"}, "rtl/lamp.sv\n"},
       {{"--library", "light", "--sdc"}, "clocks.sdc\n"},
       {{"--library", "light", "--sdc", "--rtl"}, "rtl/lamp.sv\nclocks.sdc\n"},
+      // Of other kinds, all are listed if the kind is asked for, and none otherwise.
+      {{"--library", "light", "--misc"}, "notes.md\n"},
+      {{"--library", "default"}, "rtl/my core/up counter.v\n/opt/cells/pad.v\n"},
+      {{"--library", "light", "--format", "iverilog"}, "rtl/lamp.sv\n"},
+      {{"--library", "light", "--ip", "--format", "iverilog"}, "ip/gen/pll.v\n"},
       {{"--hdl-version", "sv_2017"}, "rtl/lamp.sv\n../tb höhe.sv\n"},
       {{"--hdl-version", "sv_2017", "--rtl"}, "rtl/lamp.sv\n"},
       {{"--hdl-version", "sv_2017", "--hdl-version", "verilog_2001", "--library", "default"},
@@ -141,6 +145,7 @@ TEST_F(List, WrongOptions_AreTrouble) {
               IsWrongUse("kelproj list", {"--stored", "--absolute"}));
   EXPECT_THAT(RunList({"--format", "ninja"}), IsWrongUse("kelproj list", {"--format", "ninja"}));
   EXPECT_EQ(RunList({"--target", "lamp.bit"}), Failed("only --format make has a target"));
+  EXPECT_EQ(RunList({"--format", "make", "--target", ""}), Failed("the empty text names no file"));
 }
 
 TEST_F(List, FileThatDoesNotLoad_IsTroubleAndPrintsNothing) {
@@ -152,12 +157,16 @@ TEST_F(List, FileThatDoesNotLoad_IsTroubleAndPrintsNothing) {
 }
 
 // The design elaborates only if every macro, define parameter and file arrives as it is stored.
-constexpr char kTop[] = R"(module top #(parameter WIDTH = 4, parameter RESET = 0)
+constexpr char kTop[] = R"(module top #(parameter WIDTH = 4, parameter RESET = 0,
+      parameter ROM = "", parameter SPEED = "slow")
     (input wire clk, output wire [WIDTH-1:0] count);
   counter #(.WIDTH(WIDTH), .STEP(`STEP)) counter_i (.clk(clk), .count(count));
   generate
-    if (WIDTH != 8 || RESET != 32'h10) begin : g_parameters
+    if (WIDTH != 8 || RESET != 32'h0001_0000) begin : g_parameters
       a_parameter_is_missing missing_i ();
+    end
+    if (ROM != "fw/boot_rom.hex" || SPEED != "fast") begin : g_texts
+      a_text_is_missing missing_text_i ();
     end
   endgenerate
 `ifndef QUIET
@@ -176,26 +185,37 @@ endmodule
 
 constexpr char kGate[] = "module gate (output wire enable);\n  assign enable = 1'b1;\nendmodule\n";
 
-constexpr char kDesign[] =
-    R"(<kel:project xmlns:kel="http://schema.kel.example/wdp_proj" name="lamp">
-  <kel:design_info>
-    <kel:top_module name="top"/>
-    <kel:design_file name="rtl/top.v"/>
-    <kel:design_file name="rtl/my core/up counter.v"/>
-  </kel:design_info>
-  <kel:constraint_info><kel:sdc_file name="clocks.sdc"/></kel:constraint_info>
-  <kel:sim_info><kel:sim_file name="no test bench.v"/></kel:sim_info>
-  <kel:ip_info>
-    <kel:ip instance_name="gate" path="ip/gate.ip"><kel:ip_src_file name="gate.v"/></kel:ip>
-  </kel:ip_info>
-  <kel:synthesis>
-    <kel:dynparam name="WIDTH" value="8" value_type="e_string"/>
-    <kel:dynparam name="RESET" value="32'h10"/>
-    <kel:defmacro name="STEP" value="3"/>
-    <kel:defmacro name="QUIET" value="" value_type="e_noarg"/>
-  </kel:synthesis>
-</kel:project>
+constexpr char kDesign[] = R"(
+  <design_info>
+    <top_module name="top"/>
+    <design_file name="rtl/top.v"/>
+    <design_file name="rtl/my core/up counter.v"/>
+  </design_info>
+  <constraint_info><sdc_file name="clocks.sdc"/></constraint_info>
+  <sim_info><sim_file name="no test bench.v"/></sim_info>
+  <ip_info>
+    <ip instance_name="gate" path="ip/gate.ip"><ip_src_file name="gate.v"/></ip>
+  </ip_info>
+  <synthesis>
+    <dynparam name="WIDTH" value="8" value_type="e_string"/>
+    <dynparam name="RESET" value="32'h0001_0000"/>
+    <dynparam name="ROM" value="fw/boot_rom.hex" value_type="e_string"/>
+    <dynparam name="SPEED" value="fast" value_type="e_option"/>
+    <defmacro name="STEP" value="3"/>
+    <defmacro name="QUIET" value="" value_type="e_noarg"/>
+  </synthesis>
 )";
+
+/// A program that reads a form of command files.
+struct Reader {
+  const char* format;
+  std::vector<std::string> command;  ///< Before the name of the command file.
+};
+
+void PrintTo(const Reader& reader, std::ostream* out) { *out << reader.command.front(); }
+
+const Reader kVerilator = {"f", {"verilator", "--lint-only", "-Wall", "-Wno-DECLFILENAME", "-f"}};
+const Reader kIverilog = {"iverilog", {"iverilog", "-g2012", "-t", "null", "-c"}};
 
 /// A small design that is read by other programs, by way of what the program prints for them.
 class ListedDesign : public KelprojTest {
@@ -204,7 +224,7 @@ class ListedDesign : public KelprojTest {
     for (const char* directory : {"rtl/my core", "ip", "build/lint"}) {
       std::filesystem::create_directories(PathOf(directory));
     }
-    Write("lamp.xml", kDesign);
+    Write("lamp.xml", ProjectXml(kDesign, "name=\"lamp\""));
     Write("rtl/top.v", kTop);
     Write("rtl/my core/up counter.v", kCounter);
     Write("ip/gate.v", kGate);
@@ -225,14 +245,9 @@ class ListedDesign : public KelprojTest {
     return RunProcess(program, {here});
   }
 
-  Outcome Lint(const std::string& file, const std::string& directory = "") const {
-    return RunWithList({"list", file, "--format", "f"},
-                       {"verilator", "--lint-only", "-Wall", "-Wno-DECLFILENAME", "-f"}, directory);
-  }
-
-  Outcome Elaborate(const std::string& file, const std::string& directory = "") const {
-    return RunWithList({"list", file, "--format", "iverilog"}, {"iverilog", "-t", "null", "-c"},
-                       directory);
+  Outcome ReadBy(const Reader& reader, const std::string& file,
+                 const std::string& directory = "") const {
+    return RunWithList({"list", file, "--format", reader.format}, reader.command, directory);
   }
 
   // A project with one file of this name, which has a module, and nothing else.
@@ -245,13 +260,16 @@ class ListedDesign : public KelprojTest {
 };
 
 TEST_F(ListedDesign, CommandFile_HasMacrosDefineParametersAndDesign) {
-  EXPECT_EQ(Run({"list", "lamp.xml", "--format", "f"}), Printed("+define+QUIET\n"
-                                                                "+define+STEP=3\n"
-                                                                "-GRESET=32'h10\n"
-                                                                "-GWIDTH=8\n"
-                                                                "rtl/top.v\n"
-                                                                "\"rtl/my core/up counter.v\"\n"
-                                                                "ip/gate.v\n"));
+  EXPECT_EQ(Run({"list", "lamp.xml", "--format", "f"}),
+            Printed("+define+QUIET\n"
+                    "+define+STEP=3\n"
+                    "-GRESET=32'h0001_0000\n"
+                    "\"-GROM=\\\"fw/boot_rom.hex\\\"\"\n"
+                    "\"-GSPEED=\\\"fast\\\"\"\n"
+                    "-GWIDTH=8\n"
+                    "rtl/top.v\n"
+                    "\"rtl/my core/up counter.v\"\n"
+                    "ip/gate.v\n"));
 }
 
 TEST_F(ListedDesign, SourceOfSeveralInstances_IsInACommandFileOnce) {
@@ -270,70 +288,86 @@ TEST_F(ListedDesign, SourceOfSeveralInstances_IsInACommandFileOnce) {
   }
 }
 
-TEST_F(ListedDesign, CommandFile_IsReadByALinterHereAndElsewhere) {
-  if (!IsThere("verilator")) GTEST_SKIP() << "there is no verilator";
-  EXPECT_EQ(Lint("lamp.xml"), Done());
-  EXPECT_EQ(Lint("../../lamp.xml", PathOf("build/lint")), Done());
-  EXPECT_EQ(Lint(PathOf("lamp.xml"), PathOf("build/lint")), Done());
-}
-
-TEST_F(ListedDesign, CommandFileWithoutAParameter_IsRefusedByTheLinter) {
-  if (!IsThere("verilator")) GTEST_SKIP() << "there is no verilator";
-  ASSERT_EQ(Run({"set", "lamp.xml", "synthesis.dynparam.WIDTH", "9"}).status, 0);
-  EXPECT_THAT(Lint("lamp.xml").err, HasSubstr("a_parameter_is_missing"));
-}
-
 TEST_F(ListedDesign, IverilogCommandFile_NamesTheTopModuleWithItsParameters) {
   EXPECT_EQ(Run({"list", "lamp.xml", "--format", "iverilog"}),
             Printed("+define+QUIET\n"
                     "+define+STEP=3\n"
-                    "+parameter+top.RESET=32'h10\n"
+                    "+parameter+top.RESET=32'h00010000\n"
+                    "+parameter+top.ROM=\"fw/boot_rom.hex\"\n"
+                    "+parameter+top.SPEED=\"fast\"\n"
                     "+parameter+top.WIDTH=8\n"
                     "rtl/top.v\n"
                     "rtl/my core/up counter.v\n"
                     "ip/gate.v\n"));
 }
 
-TEST_F(ListedDesign, IverilogCommandFile_IsReadHereAndElsewhere) {
-  if (!IsThere("iverilog")) GTEST_SKIP() << "there is no iverilog";
-  EXPECT_EQ(Elaborate("lamp.xml"), Done());
-  EXPECT_EQ(Elaborate("../../lamp.xml", PathOf("build/lint")), Done());
-  EXPECT_EQ(Elaborate(PathOf("lamp.xml"), PathOf("build/lint")), Done());
-}
-
-TEST_F(ListedDesign, IverilogCommandFileWithoutAParameter_IsRefused) {
-  if (!IsThere("iverilog")) GTEST_SKIP() << "there is no iverilog";
-  ASSERT_EQ(Run({"set", "lamp.xml", "synthesis.dynparam.WIDTH", "9"}).status, 0);
-  EXPECT_THAT(Elaborate("lamp.xml").err, HasSubstr("a_parameter_is_missing"));
-}
-
 TEST_F(ListedDesign, KindsOfFilesForACommandFile_TakeThePlaceOfTheDesign) {
   EXPECT_EQ(Run({"list", "lamp.xml", "--format", "iverilog", "--sim", "--ip"}),
             Printed("+define+QUIET\n"
                     "+define+STEP=3\n"
-                    "+parameter+top.RESET=32'h10\n"
+                    "+parameter+top.RESET=32'h00010000\n"
+                    "+parameter+top.ROM=\"fw/boot_rom.hex\"\n"
+                    "+parameter+top.SPEED=\"fast\"\n"
                     "+parameter+top.WIDTH=8\n"
                     "no test bench.v\n"
                     "ip/gate.v\n"));
 }
 
-TEST_F(ListedDesign, OddNamesInACommandFile_AreReadAsTheyAre) {
-  if (!IsThere("verilator")) GTEST_SKIP() << "there is no verilator";
-  for (const char* name : {"-one.v", "+one.v", "#one.v", " one.v", "one two.v", "one\"two\".v",
+class CommandFile : public ListedDesign, public testing::WithParamInterface<Reader> {
+ protected:
+  void SetUp() override {
+    ListedDesign::SetUp();
+    const std::string& program = GetParam().command.front();
+    if (!IsThere(program)) GTEST_SKIP() << "there is no " << program;
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Programs, CommandFile, testing::Values(kVerilator, kIverilog),
+                         [](const auto& reader) { return reader.param.command.front(); });
+
+TEST_P(CommandFile, HereAndElsewhere_IsRead) {
+  EXPECT_EQ(ReadBy(GetParam(), "lamp.xml"), Done());
+  EXPECT_EQ(ReadBy(GetParam(), "../../lamp.xml", PathOf("build/lint")), Done());
+  EXPECT_EQ(ReadBy(GetParam(), PathOf("lamp.xml"), PathOf("build/lint")), Done());
+}
+
+TEST_P(CommandFile, OtherValue_IsReadToo) {
+  ASSERT_EQ(Run({"set", "lamp.xml", "synthesis.dynparam.WIDTH", "9"}).status, 0);
+  EXPECT_THAT(ReadBy(GetParam(), "lamp.xml").err, HasSubstr("a_parameter_is_missing"));
+}
+
+TEST_P(CommandFile, OddNames_AreReadAsTheyAre) {
+  for (const char* name : {"-one.v", "+one.v", "#one.v", " one.v", "one  two.v", "one\"two\".v",
                            "one'two.v", "one\\two.v", "one(2).v", "ö ne.v", "one;two.v", "one*.v",
                            "one\ttwo.v", "one,two.v", "one$.v", "~one.v"}) {
     MakeProjectOfFile(name);
-    EXPECT_EQ(Lint("one.xml"), Done()) << name;
+    EXPECT_EQ(ReadBy(GetParam(), "one.xml"), Done()) << name;
   }
 }
 
-TEST_F(ListedDesign, OddNamesInAnIverilogCommandFile_AreReadAsTheyAre) {
-  if (!IsThere("iverilog")) GTEST_SKIP() << "there is no iverilog";
-  for (const char* name : {"-one.v", "+one.v", "#one.v", " one.v", "one  two.v", "one\"two\".v",
-                           "one'two.v", "one\\two.v", "one(2).v", "ö ne.v", "one;two.v", "one*.v",
-                           "one\ttwo.v", "one$.v", "~one.v"}) {
-    MakeProjectOfFile(name);
-    EXPECT_EQ(Elaborate("one.xml"), Done()) << name;
+TEST_P(CommandFile, NumbersAndTextsOfDefineParameters_AreReadAsTheyAre) {
+  struct {
+    const char* value;
+    const char* type;
+    const char* in_verilog;
+  } const cases[] = {{"8", "e_string", "8"},
+                     {"-3", "none", "-3"},
+                     {"96_000", "none", "96000"},
+                     {"0x10", "e_string", "16"},
+                     {"8'b1010_1010", "e_string", "170"},
+                     {"16'HfF", "e_option", "255"},
+                     {"12abc", "e_string", "\"12abc\""},
+                     {"true", "e_string", "\"true\""},
+                     {"\"8\"", "e_string", "\"8\""},
+                     {"\"fw/boot.hex\"", "none", "\"fw/boot.hex\""},
+                     {"a,b//c#d'e=f;g%h$i", "e_string", "\"a,b//c#d'e=f;g%h$i\""}};
+  for (const auto& [value, type, in_verilog] : cases) {
+    MakeProjectOfFile("one.v");
+    Write("one.v",
+          "/* verilator lint_off WIDTH */\nmodule one #(parameter P = 0) ();\n  if (P != " +
+              std::string(in_verilog) + ") a_value_is_wrong wrong_i ();\nendmodule\n");
+    ASSERT_EQ(Run({"set", "one.xml", "synthesis.dynparam.P", value, "--type", type}), Done());
+    EXPECT_EQ(ReadBy(GetParam(), "one.xml"), Done()) << value;
   }
 }
 
@@ -346,7 +380,7 @@ TEST_F(ListedDesign, MacroValues_ReachTheLinterAsTheyAre) {
   ASSERT_EQ(Run({"add", "one.xml", "--rtl", "text.v"}).status, 0);
   ASSERT_EQ(Run({"set", "one.xml", "synthesis.defmacro.TEXT", "\"a + b // c\""}).status, 0);
   ASSERT_EQ(Run({"set", "one.xml", "synthesis.defmacro.SUM", "(1 + 2)"}).status, 0);
-  EXPECT_EQ(Lint("one.xml"), Done());
+  EXPECT_EQ(ReadBy(kVerilator, "one.xml"), Done());
 }
 
 TEST_F(ListedDesign, WhatAFormatCannotSay_IsTrouble) {
@@ -357,19 +391,33 @@ TEST_F(ListedDesign, WhatAFormatCannotSay_IsTrouble) {
   ASSERT_EQ(Run({"set", "one.xml", "synthesis.defmacro.LABEL", "a b"}).status, 0);
   expect_refused("iverilog",
                  "synthesis.defmacro.LABEL: \"LABEL=a b\" cannot be written for iverilog");
+  const std::pair<const char*, const char*> defines[] = {
+      {"fw/boot.hex", "none"}, {"true", "e_bool"},   {"4'bx", "none"},       {"a b", "e_string"},
+      {"a\"b", "e_string"},    {"a\\b", "e_string"}, {"$(HOME)", "e_string"}};
+  for (const auto& [value, type] : defines) {
+    MakeProjectOfFile("one.v");
+    ASSERT_EQ(Run({"set", "one.xml", "synthesis.dynparam.ROM", value, "--type", type}), Done());
+    const std::string reason =
+        "synthesis.dynparam.ROM: \"ROM=" + std::string(value) + "\" cannot be written for ";
+    expect_refused("iverilog", reason + "iverilog");
+    const bool has_escape = std::string(value).find_first_of("\"\\") != std::string::npos;
+    if (has_escape) expect_refused("f", reason + "-f of simulators and linters");
+  }
   MakeProjectOfFile("one$two.v");
   expect_refused("f", "\"one$two.v\" cannot be written for -f of simulators and linters");
   MakeProjectOfFile("one ");
   expect_refused("iverilog", "\"one \" cannot be written for iverilog");
-  MakeProjectOfFile("one=two.v");
-  expect_refused("make", "\"one=two.v\" cannot be written for make");
+  for (const char* name : {"one=two.v", "one;two.v", "one|two.v", "one ", "one&", "one(2)"}) {
+    MakeProjectOfFile(name);
+    expect_refused("make", "\"" + std::string(name) + "\" cannot be written for make");
+  }
 }
 
 TEST_F(ListedDesign, DefineParameterWithoutTopModule_IsTroubleForIverilog) {
   ASSERT_EQ(Run({"set", "lamp.xml", "design.top_module", ""}).status, 0);
   EXPECT_EQ(Run({"list", "lamp.xml", "--format", "iverilog"}),
-            Failed("synthesis.dynparam.RESET: \"RESET=32'h10\" of a project without top module "
-                   "cannot be written for iverilog"));
+            Failed("synthesis.dynparam.RESET: \"RESET=32'h0001_0000\" of a project without top "
+                   "module cannot be written for iverilog"));
 }
 
 TEST_F(ListedDesign, RuleForMake_NamesTheProjectFileAndEveryFile) {
@@ -434,9 +482,10 @@ TEST_F(ListForMake, FileThatIsThereNoLonger_HasItMadeAgain) {
 }
 
 TEST_F(ListForMake, OddNames_AreWatchedAsTheyAre) {
-  for (const char* name : {"one two.v", "one#two.v", "one:two.v", "one$two.v", "one%two.v",
-                           "one*.v", "one\\two.v", "one\\ two.v", "one?.v", "one[2].v", "~one.v",
-                           "ö ne.v", "one'two.v", "one\"two.v", "one(2).v", "-one.v", "one,2.v"}) {
+  for (const char* name : {"one two.v",   "one\ttwo.v", "\tone.v",   " one.v", "one#two.v",
+                           "one:two.v",   "one$two.v",  "one%two.v", "one*.v", "one\\two.v",
+                           "one\\ two.v", "one?.v",     "one[2].v",  "~one.v", "ö ne.v",
+                           "one'two.v",   "one\"two.v", "one(2).v",  "-one.v", "one,2.v"}) {
     MakeProjectOfFile(name);
     Make("one.xml");
     SetTargetAndFilesOld({"one.xml", name});

@@ -8,6 +8,7 @@
 #include <projectdb/vocabulary.h>
 
 #include "console.h"
+#include "verilog_numbers.h"
 
 namespace kelproj {
 namespace {
@@ -59,6 +60,25 @@ bool IsAssignableName(const std::string& name) {
   return !name.empty() && !HasOneOf(name, "=+ \t\n\r");
 }
 
+bool IsTextInQuotes(const std::string& value) {
+  return value.size() > 1 && value.front() == '"' && value.back() == '"';
+}
+
+bool IsLiteral(const std::string& value) { return IsVerilogNumber(value) || IsTextInQuotes(value); }
+
+// A text that is given by its type stands without its quotes. Programs do not agree on escapes in
+// texts.
+Parameter WithLiteral(const Parameter& define, const char* format) {
+  const bool is_text = define.type == projectdb::e_string || define.type == projectdb::e_option;
+  Parameter literal = define;
+  if (is_text && !IsLiteral(define.value)) literal.value = InQuotes(define.value);
+  const bool has_escape =
+      IsTextInQuotes(literal.value) &&
+      HasOneOf(std::string_view(literal.value).substr(1, literal.value.size() - 2), "\"\\");
+  Require(!has_escape, What(projectdb::kDefineMap, define), format);
+  return literal;
+}
+
 constexpr char kOtherPrograms[] = "-f of simulators and linters";
 
 bool IsPlain(char c) {
@@ -105,7 +125,7 @@ std::string DefineWord(const Parameter& define) {
   Require(IsAssignableName(define.name) && !define.value.empty() &&
               !HasOneOf(define.value, kLineBreaks),
           What(projectdb::kDefineMap, define), kOtherPrograms);
-  return Word("-G" + Assignment(define));
+  return Word("-G" + Assignment(WithLiteral(define, kOtherPrograms)));
 }
 
 std::string FileWord(const std::string& name) {
@@ -115,8 +135,14 @@ std::string FileWord(const std::string& name) {
 
 constexpr char kIverilog[] = "iverilog";
 
+// In every line, these are replaced by variables of the environment.
+bool NamesIverilogVariable(std::string_view text) {
+  return Contains(text, "$(") || Contains(text, "${");
+}
+
 bool IsIverilogAssignment(const Parameter& parameter) {
-  return IsAssignableName(parameter.name) && !HasOneOf(parameter.value, "+ \t\n\r");
+  return IsAssignableName(parameter.name) && !HasOneOf(parameter.value, "+ \t\n\r") &&
+         !NamesIverilogVariable(parameter.value);
 }
 
 std::string IverilogMacroLine(const Parameter& macro) {
@@ -124,18 +150,22 @@ std::string IverilogMacroLine(const Parameter& macro) {
   return "+define+" + Assignment(macro);
 }
 
-// A parameter is one of a root module, by whose name it is found.
+// A parameter is one of a root module, by whose name it is found. Only a literal takes the place of
+// its default, and only a number without underscores.
 std::string IverilogDefineLine(const std::string& top_module, const Parameter& define) {
   const std::string what = What(projectdb::kDefineMap, define);
-  Require(IsIverilogAssignment(define) && !define.value.empty(), what, kIverilog);
+  Parameter literal = WithLiteral(define, kIverilog);
+  std::string& value = literal.value;
+  if (IsVerilogNumber(value)) value = WithoutUnderscores(value);
+  Require(IsIverilogAssignment(literal) && IsLiteral(value), what, kIverilog);
   Require(!top_module.empty(), what + " of a project without top module", kIverilog);
-  return "+parameter+" + top_module + "." + Assignment(define);
+  return "+parameter+" + top_module + "." + Assignment(literal);
 }
 
 // A line is a name, up to a comment or blanks at its end.
 std::string IverilogFileLine(const std::string& name) {
   const bool is_readable = !HasOneOf(name, kLineBreaks) && !Contains(name, "//") &&
-                           !Contains(name, "$(") && !Contains(name, "${") &&
+                           !NamesIverilogVariable(name) &&
                            !HasOneOf(name.substr(name.size() - 1), kBlanks);
   Require(is_readable, InQuotes(name), kIverilog);
   return AsFile(name);
@@ -144,7 +174,9 @@ std::string IverilogFileLine(const std::string& name) {
 constexpr char kMake[] = "make";
 
 std::string EscapedForMake(const std::string& name) {
-  Require(!HasOneOf(name, ";=|\n\r") && name.back() != '\\', InQuotes(name), kMake);
+  // What ends in one of these is something else than a file, whatever stands before it.
+  const bool ends_as_name = !HasOneOf(name.substr(name.size() - 1), "&)\\ \t");
+  Require(!HasOneOf(name, ";=|\n\r") && ends_as_name, InQuotes(name), kMake);
   std::string escaped = name.front() == '~' ? "./" : "";
   std::size_t backslashes = 0;
   for (const char c : name) {

@@ -11,12 +11,13 @@ namespace kelproj {
 
 /// A command file for option -f of simulators and linters: the project's macros, its define
 /// parameters, and the files; a word is quoted, and its quotes and backslashes escaped, where it
-/// needs that.
+/// needs that. A define parameter that is a text by its type, and no literal of Verilog, is written
+/// as one.
 /// @exception Trouble for what the file cannot say
 std::string CommandFile(const projectdb::ProjectContents& project,
                         const std::vector<std::string>& names);
 
-/// A command file for option -c of iverilog, which knows no quotes.
+/// The same for option -c of iverilog, which knows no quotes around words.
 /// @exception Trouble for what the file cannot say
 std::string IverilogCommandFile(const projectdb::ProjectContents& project,
                                 const std::vector<std::string>& names);

@@ -44,21 +44,22 @@ constexpr char kListHelp[] =
     R"(One name takes one line. Without the option of a kind all files are listed, each
 IP instance with its sources, in the order of the project. The names are as
 seen from where you stand; one that is stored as absolute stays so. --library
-and --hdl-version choose among the files that have such a value, and may be
-given more than once; other files are then listed only if their kind is.
+and --hdl-version choose among the design and simulation files, and may be given
+more than once; other files are then listed only if their kind is, and all.
 
 What --format writes is for another program:
 
   f         a command file for -f of simulators and linters: the project's
             macros, its define parameters, the design files and the sources of
             the IP instances; quoted where needed
-  iverilog  the same for -c of iverilog, which knows no quotes; the define
+  iverilog  the same for -c of iverilog, which knows no such quotes; the define
             parameters are those of the top module
   make      the rule that a target, by default STEM.bit, is to be made again if
             the project file or a file of the project is newer
 
-The options of kinds choose for them too. What a program could not read as it is
-meant, such as a macro with a blank for iverilog, is trouble.
+The options of kinds choose for them too. A define parameter of type e_string or
+e_option that is no number is written as a text, in quotes. What a program could
+not read as it is meant, such as a macro with a blank for iverilog, is trouble.
 
 Example:
   kelproj list blinker.xml --rtl --hdl-version verilog_2001

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include <projectdb/project_contents.h>
-#include <projectdb/vocabulary.h>
 
 #include "command_files.h"
 #include "commands/asking.h"
@@ -29,23 +28,18 @@ bool IsCommandFile(ListFormat format) {
   return format == ListFormat::kCommandFile || format == ListFormat::kIverilog;
 }
 
-bool HasVersionAndLibrary(const FileKind& kind) {
-  using Files = projectdb::Access<ProjectContents, std::vector<projectdb::DesignFile>>;
-  return std::holds_alternative<Files>(TermOf(kind).access);
-}
-
 // If no kind is asked for, a command file has what the design is made of, and a choice by version
 // or library leaves out what has neither.
 bool IsOfAskedKind(const NamedFile& file, const ListArguments& arguments) {
-  const std::string option = file.kind->option;
   if (!arguments.kinds.empty()) return IsAmong(arguments.kinds, file.kind);
-  if (IsCommandFile(arguments.format)) return option == "--rtl" || option == "--ip";
   const bool is_choice = !arguments.libraries.empty() || !arguments.hdl_versions.empty();
-  return !is_choice || HasVersionAndLibrary(*file.kind);
+  if (is_choice && !file.kind->is_source) return false;
+  const std::string option = file.kind->option;
+  return !IsCommandFile(arguments.format) || option == "--rtl" || option == "--ip";
 }
 
 bool IsChosen(const NamedFile& file, const ListArguments& arguments) {
-  if (!HasVersionAndLibrary(*file.kind)) return true;
+  if (!file.kind->is_source) return true;
   const auto is_asked_for = [](const std::vector<std::string>& asked, const std::string& value) {
     return asked.empty() || IsAmong(asked, value);
   };
@@ -99,7 +93,7 @@ void WriteAsJson(const Console& console, const std::vector<NamedFile>& files, Na
   Json list = Json::array();
   for (const NamedFile& file : files) {
     Json entry = {{"list", file.list}, {"name", file.name}, {"path", ShownName(file, form)}};
-    if (HasVersionAndLibrary(*file.kind)) {
+    if (file.kind->is_source) {
       entry["version"] = file.version;
       entry["library"] = file.library;
     }
@@ -120,6 +114,7 @@ ExitStatus Run(const ListArguments& arguments, const Console& console) {
   if (arguments.target && arguments.format != ListFormat::kMake) {
     throw Trouble("only --format make has a target");
   }
+  if (arguments.target) RequireName(*arguments.target);
   const ProjectContents project = ReadProject(arguments.file, console);
   const std::vector<NamedFile> files = ListedFiles(project, arguments);
   const std::vector<std::string> names = ShownNames(files, arguments.form);
