@@ -38,6 +38,12 @@ class Merge : public KelprojTest {
     Change({"set", "theirs.xml", "info.board", "Tern"});
   }
 
+  // At the end of the project.
+  void InsertElement(const std::string& file, const std::string& element) const {
+    std::string text = Read(file);
+    Write(file, text.insert(text.find("</kel:project>"), element));
+  }
+
   Outcome RunMerge(std::vector<std::string> options = {}) const {
     options.insert(options.begin(), {"merge", "base.xml", "ours.xml", "theirs.xml"});
     return Run(options);
@@ -284,25 +290,19 @@ TEST_F(MergeTrouble, TextWithConflictMarkers_IsNoProject) {
 }
 
 TEST_F(MergeTrouble, SideThatDoesNotLoadWhole_WouldLoseWhatDoesNot) {
-  std::string foreign = Read("theirs.xml");
-  foreign.insert(foreign.find("</kel:project>"), "<kel:unknown_info/>");
-  Write("theirs.xml", foreign);
+  InsertElement("theirs.xml", "<kel:unknown_info/>");
   ExpectTrouble({"base.xml", "ours.xml", "theirs.xml"}, "theirs.xml does not load");
 }
 
 TEST_F(Merge, BaseThatDoesNotLoadWhole_IsGoodForWhatLoads) {
-  std::string foreign = Read("base.xml");
-  foreign.insert(foreign.find("</kel:project>"), "<kel:unknown_info/>");
-  Write("base.xml", foreign);
+  InsertElement("base.xml", "<kel:unknown_info/>");
   ChangeBothWithoutConflict();
   EXPECT_EQ(RunMerge({"-o", "out.xml"}), Done());
   EXPECT_EQ(Get("out.xml", "device.device"), "Q8R40\n");
 }
 
 TEST_F(Merge, WhatASideHasAndNoMergeKeeps_IsAWarning) {
-  std::string deprecated = Read("theirs.xml");
-  deprecated.insert(deprecated.find("</kel:project>"), "<kel:package_info/>");
-  Write("theirs.xml", deprecated);
+  InsertElement("theirs.xml", "<kel:package_info/>");
   const Outcome outcome = RunMerge({"-o", "out.xml"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.err, AllOf(StartsWith("theirs.xml:"), HasSubstr(": warning: ")));
