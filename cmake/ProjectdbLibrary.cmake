@@ -1,3 +1,11 @@
+# What the sources of the library need of the system.
+function(projectdb_use_system target)
+  if(WIN32)
+    target_compile_definitions(${target} PRIVATE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
+    target_link_libraries(${target} PUBLIC advapi32 bcrypt)
+  endif()
+endfunction()
+
 # What both libraries have in common: their versions, hidden symbols and installation.
 function(projectdb_set_up_library target)
   # Beside the symbols that are not marked it hides those of other libraries' templates.
@@ -13,6 +21,9 @@ function(projectdb_set_up_library target)
     # The two libraries find each other wherever they are installed.
     INSTALL_RPATH "$ORIGIN"
     LINK_DEPENDS "${symbol_map}")
+  if(BUILD_SHARED_LIBS AND WIN32)
+    message(FATAL_ERROR "projectdb is a static library on Windows.")
+  endif()
   target_link_options(${target} PRIVATE "LINKER:--version-script=${symbol_map}")
   target_compile_options(${target} PRIVATE ${PROJECTDB_LIBRARY_INSTRUMENTATION})
 

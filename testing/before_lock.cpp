@@ -1,5 +1,6 @@
 #include "testing/before_lock.h"
 
+#include <atomic>
 #include <utility>
 
 // The linker wants these names.
@@ -10,7 +11,8 @@ extern "C" int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex);
 namespace test_support {
 namespace {
 
-thread_local BeforeLock* current = nullptr;
+// Not one for each thread: on some systems what is one for each thread takes a lock itself.
+std::atomic<BeforeLock*> current{nullptr};
 
 }  // namespace
 
@@ -19,13 +21,15 @@ BeforeLock::BeforeLock(const void* object, std::size_t size, int number,
     : begin_(reinterpret_cast<std::uintptr_t>(object)),
       end_(begin_ + size),
       locks_left_(number),
-      action_(std::move(action)) {
+      action_(std::move(action)),
+      thread_(pthread_self()) {
   current = this;
 }
 
 BeforeLock::~BeforeLock() { current = nullptr; }
 
 void BeforeLock::Note(const pthread_mutex_t* mutex) {
+  if (pthread_equal(thread_, pthread_self()) == 0) return;
   const auto place = reinterpret_cast<std::uintptr_t>(mutex);
   if (place < begin_ || place >= end_ || --locks_left_ > 0) return;
   current = nullptr;  // The action takes locks of its own.
@@ -35,7 +39,7 @@ void BeforeLock::Note(const pthread_mutex_t* mutex) {
 }  // namespace test_support
 
 int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
-  if (test_support::current != nullptr) test_support::current->Note(mutex);
+  if (test_support::BeforeLock* const before_lock = test_support::current) before_lock->Note(mutex);
   return __real_pthread_mutex_lock(mutex);
 }
 // NOLINTEND(bugprone-reserved-identifier)

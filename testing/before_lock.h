@@ -9,8 +9,8 @@
 /// stretches in which an operation holds a lock.
 namespace test_support {
 
-/// Runs an action once, before this thread takes a lock of an object for the given time, the first
-/// being number 1. The action may use the object.
+/// Runs an action once, while no other such object lives, before this thread takes a lock of an
+/// object for the given time, the first being number 1. The action may use the object.
 class BeforeLock {
  public:
   template <typename Object>
@@ -32,6 +32,7 @@ class BeforeLock {
   std::uintptr_t end_;
   int locks_left_;
   std::function<void()> action_;
+  pthread_t thread_;
 };
 
 }  // namespace test_support

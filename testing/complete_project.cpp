@@ -33,10 +33,10 @@ std::string CompleteProjectXml() {
                     R"(name="demo" vendor_id="77" sw_version="0.0.1" last_change_date="long ago")");
 }
 
-ProjectContents CompleteProject(const std::string& directory) {
+ProjectContents CompleteProject(const std::filesystem::path& directory) {
   ProjectContents project;
   project.project_name = "demo";
-  project.current_path = directory;
+  project.current_path = PathText(directory);
   project.software_version = "0.0.1";
   project.last_modify_time = "long ago";
   project.info_attributes = {{"vendor_id", "77"}};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 #include <projectdb/project_contents.h>
@@ -12,6 +13,6 @@ std::string CompleteProjectXml();
 
 /// As what a load of that file gives.
 /// @param directory in which the file lies
-projectdb::ProjectContents CompleteProject(const std::string& directory = "/work");
+projectdb::ProjectContents CompleteProject(const std::filesystem::path& directory = "/work");
 
 }  // namespace test_support

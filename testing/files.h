@@ -5,16 +5,18 @@
 #include <stdexcept>
 #include <string>
 
+#include "testing/native_path.h"
+
 namespace test_support {
 
 inline std::string ReadFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
+  std::ifstream in(NativePath(path), std::ios::binary);
   if (!in) throw std::runtime_error("cannot read " + path);
   return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
 inline void WriteFile(const std::string& path, const std::string& bytes) {
-  std::ofstream out(path, std::ios::binary);
+  std::ofstream out(NativePath(path), std::ios::binary);
   out << bytes;
   if (!out.flush()) throw std::runtime_error("cannot write " + path);
 }

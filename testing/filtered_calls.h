@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "base/system_calls.h"
+#include "platform/system_calls.h"
 
 namespace test_support {
 

@@ -1,49 +1,19 @@
 #pragma once
 
-#include <algorithm>
-#include <filesystem>
 #include <ostream>
 #include <stdexcept>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <projectdb/durable_export.h>
-#include <projectdb/project_db.h>
-
 #include "testing/files.h"
+#include "testing/saves.h"
 
-/// Durable saves and what they leave.
+/// What files are beside their content, and limits on them.
 namespace test_support {
-
-/// The text of the std::runtime_error that a durable save ends in; "" if it ends well.
-inline std::string SaveError(const projectdb::KelProjectDatabase& database,
-                             const std::string& path) {
-  try {
-    projectdb::ExportProjectDataDurably(database, path);
-  } catch (const std::runtime_error& error) {
-    return error.what();
-  }
-  return {};
-}
-
-inline std::string WritingError(const std::string& path, const std::string& reason) {
-  return "Failed writing XML file " + path + ": " + reason + "\n";
-}
-
-/// The names of all that a directory holds, in alphabetical order.
-inline std::vector<std::string> NamesIn(const std::filesystem::path& directory) {
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(directory)) {
-    names.push_back(entry.path().filename().string());
-  }
-  std::sort(names.begin(), names.end());
-  return names;
-}
 
 /// @param path of a file, or of a link to one
 inline struct stat StatusOf(const std::string& path) {

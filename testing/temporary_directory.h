@@ -1,10 +1,11 @@
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
-#include <stdexcept>
+#include <random>
 #include <string>
 #include <system_error>
+
+#include "testing/native_path.h"
 
 namespace test_support {
 
@@ -12,9 +13,10 @@ namespace test_support {
 class TemporaryDirectory {
  public:
   TemporaryDirectory() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "projectdb_XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
-    path_ = pattern;
+    std::random_device random;
+    do {
+      path_ = std::filesystem::temp_directory_path() / ("projectdb_" + std::to_string(random()));
+    } while (!std::filesystem::create_directory(path_));
   }
   ~TemporaryDirectory() {
     std::error_code ignored;
@@ -24,7 +26,9 @@ class TemporaryDirectory {
   TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
 
   const std::filesystem::path& path() const { return path_; }
-  std::string operator/(const std::string& name) const { return (path_ / name).string(); }
+  std::string operator/(const std::string& name) const {
+    return PathText(path_ / NativePath(name));
+  }
 
  private:
   std::filesystem::path path_;

@@ -10,6 +10,7 @@
 #include "testing/flow_processes.h"
 #include "testing/project_loading.h"
 #include "testing/test.h"
+#include "testing/time_zone.h"
 
 namespace {
 
@@ -153,22 +154,13 @@ class TimeZone {
  public:
   explicit TimeZone(const char* zone) {
     if (const char* former = std::getenv("TZ")) former_ = former;
-    Set(zone);
+    SetTimeZone(zone);
   }
-  ~TimeZone() { Set(former_ ? former_->c_str() : nullptr); }
+  ~TimeZone() { SetTimeZone(former_ ? former_->c_str() : nullptr); }
   TimeZone(const TimeZone&) = delete;
   TimeZone& operator=(const TimeZone&) = delete;
 
  private:
-  static void Set(const char* zone) {
-    if (zone) {
-      setenv("TZ", zone, 1);
-    } else {
-      unsetenv("TZ");
-    }
-    tzset();
-  }
-
   std::optional<std::string> former_;
 };
 

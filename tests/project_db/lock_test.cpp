@@ -3,7 +3,7 @@
 
 #include "testing/before_lock.h"
 #include "testing/project_loading.h"
-#include "testing/saving.h"
+#include "testing/saves.h"
 #include "testing/test.h"
 #include "testing/throwing_handler.h"
 

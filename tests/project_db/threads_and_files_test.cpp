@@ -145,7 +145,7 @@ TEST_F(ThreadsAndFiles, EightObjects_LoadAndExportAtOnce_EachGetsItsOwnProjectAn
     KelProjectDatabase original;
     original.CreateNewProjectDatabase(name);
     AddOfEverything(original, name);
-    original.SetProjectCurrentPath(directory.path());
+    original.SetProjectCurrentPath(PathText(directory.path()));
     for (int round = 0; round < kFileRounds; ++round) {
       original.ExportProjectData(path);
       KelProjectDatabase loaded;

@@ -18,7 +18,7 @@ constexpr int kRounds = 200;
 void InAllThreads(const std::function<void(int thread)>& work) { InThreads(kThreads, work); }
 
 std::string NameOf(int thread, int round) {
-  return "/" + std::to_string(thread) + "_" + std::to_string(round);
+  return InRoot(std::to_string(thread) + "_" + std::to_string(round));
 }
 
 std::vector<std::string> NamesOfThread(int thread) {
@@ -44,7 +44,7 @@ TEST_F(Threads, AddMiscellaneousFile_EightThreads_KeepsEveryNameInTheOrderOfItsT
   database_.GetMiscellaneousFileList(names);
   ASSERT_EQ(names.size(), std::size_t{kThreads} * kRounds);
   std::map<char, std::vector<std::string>> names_of_threads;
-  for (const std::string& name : names) names_of_threads[name[1]].push_back(name);
+  for (const std::string& name : names) names_of_threads[name[InRoot("").size()]].push_back(name);
   for (int thread = 0; thread < kThreads; ++thread) {
     EXPECT_EQ(names_of_threads[static_cast<char>('0' + thread)], NamesOfThread(thread));
   }

@@ -18,7 +18,7 @@ using namespace projectdb::xml;
 using namespace test_support;
 using xercesc::DOMElement;
 
-constexpr char16_t kNamespace[] = u"urn:one";
+constexpr char16_t kNamespaceOfNodes[] = u"urn:one";
 constexpr char16_t kOtherNamespace[] = u"urn:two";
 
 class Dom : public testing::Test {
@@ -65,7 +65,7 @@ TEST_F(Dom, ChildElements_GivesThemInDocumentOrderWithoutWhatIsNoElementOrNoChil
 
 TEST_F(Dom, DescendantElements_FindsThemAtAnyDepthInDocumentOrder) {
   const auto append = [&](DOMElement* parent, const char16_t* number) {
-    DOMElement* item = Append(parent, kNamespace, u"item");
+    DOMElement* item = Append(parent, kNamespaceOfNodes, u"item");
     item->setAttribute(u"number", number);
     return item;
   };
@@ -75,48 +75,48 @@ TEST_F(Dom, DescendantElements_FindsThemAtAnyDepthInDocumentOrder) {
   append(wrapper, u"3");
   append(root(), u"4");
   std::vector<std::string> numbers;
-  for (const DOMElement* item : DescendantElements(root(), kNamespace, u"item")) {
+  for (const DOMElement* item : DescendantElements(root(), kNamespaceOfNodes, u"item")) {
     numbers.push_back(Utf8(item->getAttribute(u"number")));
   }
   EXPECT_THAT(numbers, ElementsAre("1", "2", "3", "4"));
 }
 
 TEST_F(Dom, DescendantElements_SelectsByNamespaceAndWholeLocalName) {
-  const DOMElement* first = Append(root(), kNamespace, u"a:item");
-  const DOMElement* second = Append(root(), kNamespace, u"b:item");
+  const DOMElement* first = Append(root(), kNamespaceOfNodes, u"a:item");
+  const DOMElement* second = Append(root(), kNamespaceOfNodes, u"b:item");
   Append(root(), kOtherNamespace, u"item");
   Append(root(), u"urn:one/more", u"item");
   Append(root(), nullptr, u"item");
-  Append(root(), kNamespace, u"items");
-  Append(root(), kNamespace, u"item:other");
+  Append(root(), kNamespaceOfNodes, u"items");
+  Append(root(), kNamespaceOfNodes, u"item:other");
   root()->appendChild(document_.get()->createElement(u"item"));  // Of no namespace support.
-  EXPECT_THAT(DescendantElements(root(), kNamespace, u"item"), ElementsAre(first, second));
+  EXPECT_THAT(DescendantElements(root(), kNamespaceOfNodes, u"item"), ElementsAre(first, second));
 }
 
 TEST_F(Dom, DescendantElements_LeavesOutTheElementAndWhatIsBesideAndAboveIt) {
-  DOMElement* first = Append(root(), kNamespace, u"item");
-  const DOMElement* within = Append(first, kNamespace, u"item");
-  Append(Append(root(), nullptr, u"second"), kNamespace, u"item");
-  EXPECT_THAT(DescendantElements(first, kNamespace, u"item"), ElementsAre(within));
-  EXPECT_THAT(DescendantElements(within, kNamespace, u"item"), IsEmpty());
+  DOMElement* first = Append(root(), kNamespaceOfNodes, u"item");
+  const DOMElement* within = Append(first, kNamespaceOfNodes, u"item");
+  Append(Append(root(), nullptr, u"second"), kNamespaceOfNodes, u"item");
+  EXPECT_THAT(DescendantElements(first, kNamespaceOfNodes, u"item"), ElementsAre(within));
+  EXPECT_THAT(DescendantElements(within, kNamespaceOfNodes, u"item"), IsEmpty());
 }
 
 TEST_F(Dom, DescendantElements_VisitsAllOthersInDocumentOrder) {
-  DOMElement* wrapper = Append(root(), kNamespace, u"wrapper");
-  Append(Append(wrapper, kNamespace, u"item"), kNamespace, u"within");
+  DOMElement* wrapper = Append(root(), kNamespaceOfNodes, u"wrapper");
+  Append(Append(wrapper, kNamespaceOfNodes, u"item"), kNamespaceOfNodes, u"within");
   Append(root(), kOtherNamespace, u"item");
   std::vector<const DOMElement*> others;
-  DescendantElements(root(), kNamespace, u"item",
+  DescendantElements(root(), kNamespaceOfNodes, u"item",
                      [&](const DOMElement* other) { others.push_back(other); });
   EXPECT_THAT(NamesOf(others), ElementsAre("wrapper", "within", "item"));
 }
 
 TEST_F(Dom, HasLocalName_ComparesTheNameWithoutPrefix) {
-  EXPECT_TRUE(HasLocalName(Append(root(), kNamespace, u"item"), "item"));
-  EXPECT_TRUE(HasLocalName(Append(root(), kNamespace, u"a:item"), "item"));
-  EXPECT_FALSE(HasLocalName(Append(root(), kNamespace, u"items"), "item"));
-  EXPECT_FALSE(HasLocalName(Append(root(), kNamespace, u"Item"), "item"));
-  EXPECT_FALSE(HasLocalName(Append(root(), kNamespace, u"item:a"), "item"));
+  EXPECT_TRUE(HasLocalName(Append(root(), kNamespaceOfNodes, u"item"), "item"));
+  EXPECT_TRUE(HasLocalName(Append(root(), kNamespaceOfNodes, u"a:item"), "item"));
+  EXPECT_FALSE(HasLocalName(Append(root(), kNamespaceOfNodes, u"items"), "item"));
+  EXPECT_FALSE(HasLocalName(Append(root(), kNamespaceOfNodes, u"Item"), "item"));
+  EXPECT_FALSE(HasLocalName(Append(root(), kNamespaceOfNodes, u"item:a"), "item"));
 }
 
 TEST_F(Dom, GetDOMAttributeString_GivesTheTextAsUtf8AndNothingWithoutTheAttribute) {
@@ -131,7 +131,7 @@ TEST_F(Dom, ReadAttributes_GivesTheTextOfEachAndLeavesThatOfAnAbsentOneAlone) {
   root()->setAttribute(u"name", u"\u00FC");
   root()->setAttribute(u"name2", u"other");
   root()->setAttribute(u"version", u"");
-  root()->setAttributeNS(kNamespace, u"p:library", u"other");
+  root()->setAttributeNS(kNamespaceOfNodes, u"p:library", u"other");
   std::string name = "former";
   std::string version = "former";
   std::string library = "former";
@@ -144,13 +144,13 @@ TEST_F(Dom, ReadAttributes_GivesTheTextOfEachAndLeavesThatOfAnAbsentOneAlone) {
 // What the writers of records do not show.
 
 TEST_F(Dom, AddChildDOMElement_NoTagOrAPrefixThatDoesNotFit_GivesNullAndAppendsNothing) {
-  EXPECT_EQ(ElementWriter(kNamespace, u"p").AddChildDOMElement(root(), nullptr), nullptr);
-  EXPECT_EQ(ElementWriter(kNamespace, u"xml").AddChildDOMElement(root(), u"item"), nullptr);
+  EXPECT_EQ(ElementWriter(kNamespaceOfNodes, u"p").AddChildDOMElement(root(), nullptr), nullptr);
+  EXPECT_EQ(ElementWriter(kNamespaceOfNodes, u"xml").AddChildDOMElement(root(), u"item"), nullptr);
   EXPECT_EQ(root()->getFirstChild(), nullptr);
 }
 
 TEST_F(Dom, SetDOMElementAttribute_SetAgain_HasTheLastValue) {
-  ElementWriter writer(kNamespace, u"p");
+  ElementWriter writer(kNamespaceOfNodes, u"p");
   EXPECT_NO_THROW(writer.SetDOMElementAttribute(nullptr, "name", "a"));
   writer.SetDOMElementAttribute(root(), "name", "");
   writer.SetDOMElementAttribute(root(), "name", "b");
@@ -158,7 +158,7 @@ TEST_F(Dom, SetDOMElementAttribute_SetAgain_HasTheLastValue) {
 }
 
 TEST_F(Dom, SetQualifiedAttribute_KeepsNameAndLastValue) {
-  ElementWriter writer(kNamespace, u"p");
+  ElementWriter writer(kNamespaceOfNodes, u"p");
   writer.SetQualifiedAttribute(root(), "gr\xC3\xBCn:id", "1");
   writer.SetQualifiedAttribute(root(), "gr\xC3\xBCn:id", "\xC3\xBC");
   EXPECT_EQ(Show(ToXmlElement(*root())), "<root gr\xC3\xBCn:id=\"\xC3\xBC\"/>");
@@ -166,7 +166,7 @@ TEST_F(Dom, SetQualifiedAttribute_KeepsNameAndLastValue) {
 
 /// The namespace of an attribute that a writer with the prefix "p" sets.
 std::string NamespaceOf(DOMElement* element, const std::string& name) {
-  ElementWriter(kNamespace, u"p").SetQualifiedAttribute(element, name, "v");
+  ElementWriter(kNamespaceOfNodes, u"p").SetQualifiedAttribute(element, name, "v");
   Transcoder transcoder;
   const xercesc::DOMAttr* attribute = element->getAttributeNode(transcoder.ToXml(name).c_str());
   return attribute ? Utf8(attribute->getNamespaceURI()) : "no attribute";
@@ -187,7 +187,7 @@ TEST_F(Dom, SetQualifiedAttribute_EachOtherPrefix_HasANamespaceOfItsOwn) {
 }
 
 TEST_F(Dom, SetQualifiedAttribute_NameThatNoAttributeCanHave_FailsWithItAndSetsNothing) {
-  ElementWriter writer(kNamespace, u"p");
+  ElementWriter writer(kNamespaceOfNodes, u"p");
   for (const std::string name :
        {"", ":", ":a", "a:", "a:b:c", "a::b", "a b", "1a", "a:1", "1:a", "<"}) {
     EXPECT_EQ(ErrorOf<Failure>([&] { writer.SetQualifiedAttribute(root(), name, "v"); }),
@@ -197,7 +197,7 @@ TEST_F(Dom, SetQualifiedAttribute_NameThatNoAttributeCanHave_FailsWithItAndSetsN
 }
 
 TEST_F(Dom, SetQualifiedAttribute_ValueThatXmlCannotCarry_FailsAndSetsNothing) {
-  ElementWriter writer(kNamespace, u"p");
+  ElementWriter writer(kNamespaceOfNodes, u"p");
   EXPECT_THROW(writer.SetQualifiedAttribute(root(), "a", "\x01"), Failure);
   EXPECT_THROW(writer.SetQualifiedAttribute(root(), "v:a", "\xFF"), Failure);
   EXPECT_EQ(Show(ToXmlElement(*root())), "<root/>");

@@ -11,7 +11,7 @@
 #include <xercesc/dom/DOMLocator.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
-#include "base/paths.h"
+#include "platform/paths.h"
 #include "xml/dom_parser.h"
 #include "xml/error_handler.h"
 #include "xml/errors.h"

@@ -9,12 +9,12 @@
 #include <projectdb/vocabulary.h>
 #include <xercesc/sax/InputSource.hpp>
 
-#include "base/file_status.h"
-#include "base/paths.h"
 #include "check/collecting_observer.h"
 #include "check/located_parse.h"
 #include "check/problem_list.h"
 #include "check/versioned_file.h"
+#include "platform/file_status.h"
+#include "platform/paths.h"
 #include "project_db/format.h"
 #include "project_db/input_files.h"
 #include "xml/dom.h"
@@ -64,8 +64,7 @@ class ProjectFileReader {
     // What a load gives up on, such as an endless file, is not read to its end.
     result_.version = result_.contents ? file.Version() : file.VersionWithoutDigest();
     if (!result_.contents) return;
-    result_.contents->current_path =
-        paths::ToBytes(std::filesystem::absolute(file_path).parent_path());
+    result_.contents->current_path = paths::ToBytes(paths::Absolute(file_path).parent_path());
   }
 
   void ReadBytes(const std::string& bytes, const std::string& schema_file) {

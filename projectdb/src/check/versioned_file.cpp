@@ -3,20 +3,13 @@
 #include <algorithm>
 #include <array>
 
-#include <sys/stat.h>
-
-#include "base/file_status.h"
+#include "platform/file_status.h"
 
 namespace projectdb::files {
 namespace {
 
 // A load stops at a zero behind the project; an endless rest of zeros is not worth the time.
 constexpr std::uint64_t kMostDigested = std::uint64_t{256} << 20U;
-
-std::int64_t Nanoseconds(const timespec& time) {
-  constexpr std::int64_t kPerSecond = 1'000'000'000;
-  return static_cast<std::int64_t>(time.tv_sec) * kPerSecond + time.tv_nsec;
-}
 
 }  // namespace
 
@@ -39,10 +32,9 @@ ProjectFileVersion VersionedFile::Version() {
 }
 
 ProjectFileVersion VersionedFile::VersionWithoutDigest() const {
-  const struct stat& status = file_.status();
-  if (!S_ISREG(status.st_mode)) return {};
-  return {status.st_dev, status.st_ino, static_cast<std::uint64_t>(status.st_size),
-          Nanoseconds(status.st_mtim), 0};
+  const FileStatus& status = file_.status();
+  if (!status.IsRegular()) return {};
+  return {status.device, status.number, status.size, status.changed_at, 0};
 }
 
 bool HasBytes(const ProjectFileVersion& version, std::string_view bytes) {

@@ -7,8 +7,8 @@
 
 #include <projectdb/project_file.h>
 
-#include "base/input_file.h"
 #include "check/bytes_digest.h"
+#include "platform/input_file.h"
 
 namespace projectdb::files {
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <filesystem>
 #include <type_traits>
 #include <utility>
 
@@ -111,7 +112,9 @@ constexpr Table<Entry> TableOf(const Entry (&entries)[kSize]) {
 
 bool HasEnding(std::string_view path, std::string_view ending) {
   if (ending.empty()) return true;
-  const std::string_view name = path.substr(path.rfind('/') + 1);
+  constexpr auto kSeparator = static_cast<char>(std::filesystem::path::preferred_separator);
+  constexpr char kSeparators[] = {'/', kSeparator, '\0'};
+  const std::string_view name = path.substr(path.find_last_of(kSeparators) + 1);
   return name.size() > ending.size() && name.substr(name.size() - ending.size()) == ending;
 }
 

@@ -4,7 +4,7 @@
 
 #include <projectdb/vocabulary.h>
 
-#include "base/paths.h"
+#include "platform/paths.h"
 #include "project_db/project_data.h"
 
 namespace projectdb {

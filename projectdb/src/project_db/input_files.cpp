@@ -3,7 +3,7 @@
 #include <projectdb/vocabulary.h>
 
 #include "base/failure.h"
-#include "base/file_status.h"
+#include "platform/file_status.h"
 
 namespace projectdb {
 

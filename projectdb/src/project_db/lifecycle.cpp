@@ -4,9 +4,9 @@
 #include <kel/version.h>
 #include <projectdb/vocabulary.h>
 
-#include "base/local_time.h"
-#include "base/paths.h"
 #include "messages.h"
+#include "platform/local_time.h"
+#include "platform/paths.h"
 #include "project_db/project_data.h"
 
 namespace projectdb {

@@ -2,8 +2,8 @@
 
 #include <xercesc/dom/DOMDocument.hpp>
 
-#include "base/paths.h"
 #include "messages.h"
+#include "platform/paths.h"
 #include "project_db/format.h"
 #include "project_db/input_files.h"
 #include "project_db/load_observer.h"
@@ -60,7 +60,7 @@ bool KelProjectDatabase::LoadProjectData(const std::string& xml_file,
     return false;
   }
   const std::string directory =
-      paths::ToBytes(std::filesystem::absolute(paths::FromBytes(xml_file)).parent_path());
+      paths::ToBytes(paths::Absolute(paths::FromBytes(xml_file)).parent_path());
   messages::Post(messages::MsgReadingProject(xml_file));
   xml::InitializeXMLPlatform();
   xml::Owned<xercesc::DOMDocument> document =

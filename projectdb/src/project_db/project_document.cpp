@@ -3,7 +3,7 @@
 #include <kel/version.h>
 #include <xercesc/validators/schema/SchemaSymbols.hpp>
 
-#include "base/local_time.h"
+#include "platform/local_time.h"
 #include "xml/nodes.h"
 
 namespace projectdb {

@@ -1,7 +1,7 @@
 #include <projectdb/project_file.h>
 
 #include "base/failure.h"
-#include "save/file_lock.h"
+#include "platform/file_lock.h"
 
 namespace projectdb {
 namespace {

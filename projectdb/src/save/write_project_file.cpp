@@ -6,12 +6,12 @@
 #include <string>
 
 #include "base/failure.h"
-#include "base/file_status.h"
 #include "check/read_project_file.h"
 #include "check/versioned_file.h"
 #include "contents/same_project.h"
+#include "platform/file_lock.h"
+#include "platform/file_status.h"
 #include "save/canonical_document.h"
-#include "save/file_lock.h"
 #include "save/replace_file.h"
 #include "xml/errors.h"
 #include "xml/platform.h"

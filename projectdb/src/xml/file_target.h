@@ -1,14 +1,11 @@
 #pragma once
 
-#include <csignal>
-#include <cstddef>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include <xercesc/framework/XMLFormatter.hpp>
 
-#include "base/file_descriptor.h"
+#include "platform/output_file.h"
 
 namespace projectdb::xml {
 
@@ -29,26 +26,11 @@ class FileTarget : public xercesc::XMLFormatTarget {
   void Close();
 
  private:
-  /// Keeps a write beyond the process's file-size limit from ending the process: it fails instead.
-  class SizeSignalBlock {
-   public:
-    SizeSignalBlock();
-    ~SizeSignalBlock();
-    SizeSignalBlock(const SizeSignalBlock&) = delete;
-    SizeSignalBlock& operator=(const SizeSignalBlock&) = delete;
-
-   private:
-    sigset_t former_mask_;
-  };
-
-  void Write(const XMLByte* bytes, std::size_t count);
   void WriteBuffer();
 
-  SizeSignalBlock size_signal_block_;  // First, so that it outlives the file.
   std::vector<XMLByte> buffer_;
   std::size_t used_ = 0;  // Of the buffer.
-  std::optional<files::FileDescriptor> file_;
-  int error_ = 0;  // The first failure's errno.
+  files::OutputFile file_;
 };
 
 }  // namespace projectdb::xml

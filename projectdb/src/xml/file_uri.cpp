@@ -4,7 +4,8 @@
 #include <charconv>
 #include <system_error>
 
-#include "base/paths.h"
+#include "platform/paths.h"
+#include "platform/uri_paths.h"
 
 namespace projectdb::xml {
 namespace {
@@ -76,23 +77,29 @@ std::string EscapeForUri(std::string_view text) {
 }
 
 std::string FileUri(const std::filesystem::path& path) {
-  const std::filesystem::path absolute = std::filesystem::absolute(path);
+  const std::filesystem::path absolute = paths::Absolute(path);
   std::error_code error;
   std::filesystem::path directory = std::filesystem::canonical(absolute.parent_path(), error);
   if (error) directory = absolute.parent_path();
-  return "file://" + EscapeForUri(paths::ToBytes(directory / absolute.filename()));
+  return "file://" + EscapeForUri(paths::ToUriPath(directory / absolute.filename()));
 }
 
 std::optional<std::filesystem::path> LocalPath(std::string_view reference,
                                                std::string_view base_uri) {
-  const std::string scheme = TakeScheme(reference);
-  if (!scheme.empty() && scheme != kFileScheme) return std::nullopt;
+  std::string_view rest = reference;
+  const std::string scheme = TakeScheme(rest);
+  if (!paths::IsDrive(scheme)) {
+    if (!scheme.empty() && scheme != kFileScheme) return std::nullopt;
+    reference = rest;
+  }
   if (!TakeLocalHost(reference)) return std::nullopt;
   const std::string name = Unescape(reference);
   if (name.empty() || name.find('\0') != std::string::npos) return std::nullopt;
   TakeScheme(base_uri);
   TakeLocalHost(base_uri);
-  return paths::FromBytes(Unescape(base_uri)).parent_path() / paths::FromBytes(name);
+  const std::filesystem::path path = paths::FromUriPath(name);
+  if (paths::IsBeyondFiles(path)) return std::nullopt;
+  return paths::FromUriPath(Unescape(base_uri)).parent_path() / path;
 }
 
 }  // namespace projectdb::xml

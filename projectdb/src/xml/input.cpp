@@ -7,9 +7,9 @@
 #include <xercesc/util/BinMemInputStream.hpp>
 
 #include "base/failure.h"
-#include "base/file_status.h"
-#include "base/input_file.h"
-#include "base/paths.h"
+#include "platform/file_status.h"
+#include "platform/input_file.h"
+#include "platform/paths.h"
 #include "xml/file_stream.h"
 #include "xml/file_uri.h"
 #include "xml/text.h"

@@ -5,7 +5,7 @@
 #include <xercesc/dom/DOMConfiguration.hpp>
 #include <xercesc/framework/Wrapper4InputSource.hpp>
 
-#include "base/paths.h"
+#include "platform/paths.h"
 #include "xml/dom_parser.h"
 #include "xml/errors.h"
 #include "xml/input.h"

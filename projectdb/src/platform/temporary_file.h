@@ -4,9 +4,7 @@
 #include <optional>
 #include <string>
 
-#include <sys/types.h>
-
-#include "base/file_descriptor.h"
+#include "platform/open_file.h"
 
 namespace projectdb::files {
 
@@ -17,15 +15,18 @@ class Directory {
   explicit Directory(std::filesystem::path path);
 
   const std::filesystem::path& path() const { return path_; }
-  int descriptor() const { return descriptor_.number(); }
+  const OpenFile& file() const { return file_; }
 
   /// Brings its entries to the disk, on file systems that can do that.
   void Flush() const;
 
  private:
   std::filesystem::path path_;
-  FileDescriptor descriptor_;
+  OpenFile file_;
 };
+
+/// Who may read and write a new file.
+enum class Users { kAnybody, kOwner };
 
 /// A new file that removes itself, unless it is given another name. It is locked for as long as
 /// it is temporary: one that nobody has locked was left behind by a process that was killed.
@@ -33,15 +34,15 @@ class TemporaryFile {
  public:
   /// Creates an empty file under a name that cannot be foreseen and has no extension.
   /// @param directory outlives this object
-  /// @param mode its permissions, before the umask or the directory takes some away
+  /// @param users as far as the umask or the directory does not shut some out
   /// @exception Failure if it cannot be created
-  TemporaryFile(const Directory& directory, mode_t mode);
+  TemporaryFile(const Directory& directory, Users users);
   ~TemporaryFile();
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-  std::string path() const { return directory_.path() / name_; }
-  const FileDescriptor& descriptor() const { return *descriptor_; }
+  std::filesystem::path path() const { return directory_.path() / name_; }
+  const OpenFile& file() const { return *file_; }
 
   /// Brings the file to the disk.
   /// @exception Failure if that fails
@@ -63,11 +64,11 @@ class TemporaryFile {
   /// No file yet: once this has run, the destructor cleans up after whatever fails.
   explicit TemporaryFile(const Directory& directory) : directory_(directory) {}
 
-  void Create(mode_t mode);
+  void Create(Users users);
 
   const Directory& directory_;
   std::string name_;
-  std::optional<FileDescriptor> descriptor_;
+  std::optional<OpenFile> file_;
   bool stays_ = false;
 };
 

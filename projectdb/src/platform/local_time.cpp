@@ -1,4 +1,4 @@
-#include "base/local_time.h"
+#include "platform/local_time.h"
 
 #include <algorithm>
 #include <chrono>
@@ -9,6 +9,7 @@
 
 #include "base/control_characters.h"
 #include "base/utf8.h"
+#include "platform/calendar_time.h"
 
 namespace projectdb {
 namespace {
@@ -41,9 +42,7 @@ bool CanBeStored(const std::string& text) {
 
 std::string GetLocalTimeString() {
   const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
-  std::tm local{};
-  tzset();  // localtime_r alone need not notice that the time zone was changed.
-  localtime_r(&now, &local);
+  const std::tm local = LocalCalendarTime(now);
   const std::string text = Format(local, std::locale());
   return CanBeStored(text) ? text : Format(local, std::locale::classic());
 }

@@ -4,9 +4,7 @@
 #include <cstddef>
 #include <string>
 
-#include <sys/stat.h>
-
-#include "base/file_descriptor.h"
+#include "platform/open_file.h"
 
 namespace projectdb::files {
 
@@ -23,16 +21,14 @@ class InputFile {
   std::size_t Read(unsigned char* target, std::size_t most);
 
   /// As it was before the first read.
-  const struct stat& status() const { return status_; }
+  const FileStatus& status() const { return status_; }
 
  private:
   /// As much as the XML parser asks for first.
   static constexpr std::size_t kBlockSize = 48 * 1024UL;
 
-  std::size_t ReadFromSystem(unsigned char* target, std::size_t most) const;
-
-  FileDescriptor descriptor_;
-  struct stat status_;
+  OpenFile file_;
+  FileStatus status_;
   std::array<unsigned char, kBlockSize> first_block_;
   std::size_t first_block_size_;
   std::size_t taken_ = 0;  // Of the first block.

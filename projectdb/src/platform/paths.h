@@ -16,6 +16,12 @@ std::string ToBytes(const std::filesystem::path& path);
 /// @exception std::range_error if the name is not UTF-8
 std::filesystem::path FromUtf8(const std::string& name);
 
+/// Whether the path is the same in every directory and on every drive.
+bool IsAbsolute(const std::filesystem::path& path);
+
+/// The path below the current directory, unless it is absolute. No lexical normalisation.
+std::filesystem::path Absolute(const std::filesystem::path& path);
+
 /// The stored name resolved against a base directory: as it is if it is absolute, else below the
 /// base. No lexical normalisation; the file need not exist.
 /// @exception std::range_error if the name is not UTF-8

@@ -1,10 +1,8 @@
 #pragma once
 
-#include <string>
+#include <filesystem>
 
-#include <sys/stat.h>
-
-#include "base/file_descriptor.h"
+#include "platform/open_file.h"
 
 namespace projectdb::files {
 
@@ -15,7 +13,7 @@ namespace projectdb::files {
 /// @param former_path of the file to be replaced, which is no symbolic link
 /// @param former its status
 /// @exception Failure if the permissions cannot be kept
-void CopyPermissions(const std::string& former_path, const struct stat& former,
-                     const FileDescriptor& file);
+void CopyPermissions(const std::filesystem::path& former_path, const FileStatus& former,
+                     const OpenFile& file);
 
 }  // namespace projectdb::files

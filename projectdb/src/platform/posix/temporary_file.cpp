@@ -1,39 +1,18 @@
-#include "save/temporary_file.h"
+#include "platform/temporary_file.h"
 
-#include <array>
-#include <cerrno>
-#include <cstdint>
-#include <cstdio>
 #include <memory>
-#include <string_view>
 #include <utility>
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <sys/file.h>
-#include <sys/random.h>
 #include <unistd.h>
 
-#include "base/system_calls.h"
+#include "platform/posix/posix_system.h"
+#include "platform/temporary_name.h"
 
 namespace projectdb::files {
 namespace {
-
-constexpr std::string_view kNamePrefix = ".kel_save_";
-constexpr std::size_t kNameSize = kNamePrefix.size() + 32;
-
-std::string UnforeseeableName() {
-  std::array<std::uint64_t, 2> number{};
-  RequireSuccess(CallSystem("getentropy", ::getentropy, number.data(), sizeof(number)));
-  return fmt::format("{}{:016x}{:016x}", kNamePrefix, number[0], number[1]);
-}
-
-bool IsTemporaryName(std::string_view name) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
-  return name.size() == kNameSize && name.substr(0, kNamePrefix.size()) == kNamePrefix &&
-         name.find_first_not_of(kDigits, kNamePrefix.size()) == std::string_view::npos;
-}
 
 struct CloseDirectory {
   void operator()(DIR* stream) const { ::closedir(stream); }
@@ -43,12 +22,12 @@ struct CloseDirectory {
 // waits for the lock, and then sees that the file is gone.
 void RemoveIfAbandoned(const Directory& directory, const char* name) {
   constexpr int kFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-  const int number = CallSystem("openat", ::openat, directory.descriptor(), name, kFlags);
+  const int number = CallSystem("openat", ::openat, DescriptorOf(directory.file()), name, kFlags);
   if (number < 0) return;
-  const FileDescriptor file(number);
-  if (S_ISREG(file.Status().st_mode) &&
-      CallSystem("flock", ::flock, file.number(), LOCK_EX | LOCK_NB) == 0) {
-    CallSystemOnce("unlinkat", ::unlinkat, directory.descriptor(), name, 0);
+  const OpenFile file(number);
+  if (file.Status().IsRegular() &&
+      CallSystem("flock", ::flock, DescriptorOf(file), LOCK_EX | LOCK_NB) == 0) {
+    CallSystemOnce("unlinkat", ::unlinkat, DescriptorOf(directory.file()), name, 0);
   }
 }
 
@@ -58,37 +37,42 @@ int FlushToDisk(int descriptor) { return CallSystem("fsync", ::fsync, descriptor
 
 Directory::Directory(std::filesystem::path path)
     : path_(std::move(path)),
-      descriptor_(CallSystem("open", ::open, path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
+      file_(RequireSuccess(
+          CallSystem("open", ::open, path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))) {}
 
 void Directory::Flush() const {
   // EINVAL: the file system has no such operation.
-  if (FlushToDisk(descriptor()) != 0 && errno != EINVAL) ThrowSystemFailure();
+  if (FlushToDisk(DescriptorOf(file_)) != 0 && errno != EINVAL) ThrowSystemFailure();
 }
 
-TemporaryFile::TemporaryFile(const Directory& directory, mode_t mode) : TemporaryFile(directory) {
+TemporaryFile::TemporaryFile(const Directory& directory, Users users) : TemporaryFile(directory) {
   // Somebody who removes abandoned files may take it for one before it is locked.
   do {
-    Create(mode);
-  } while (descriptor_->Status().st_nlink == 0);
+    Create(users);
+  } while (file_->Status().names == 0);
 }
 
-void TemporaryFile::Create(mode_t mode) {
+void TemporaryFile::Create(Users users) {
+  constexpr mode_t kForAnybody = 0666;
+  constexpr mode_t kForOwner = 0600;
+  const mode_t mode = users == Users::kAnybody ? kForAnybody : kForOwner;
   name_ = UnforeseeableName();
-  descriptor_.emplace(CallSystem("openat", ::openat, directory_.descriptor(), name_.c_str(),
-                                 O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode));
+  file_.emplace(
+      RequireSuccess(CallSystem("openat", ::openat, DescriptorOf(directory_.file()), name_.c_str(),
+                                O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode)));
   // A file system that has no locks keeps abandoned files.
-  CallSystem("flock", ::flock, descriptor_->number(), LOCK_EX);
+  CallSystem("flock", ::flock, DescriptorOf(*file_), LOCK_EX);
 }
 
 TemporaryFile::~TemporaryFile() {
-  if (!descriptor_ || stays_) return;
-  CallSystemOnce("unlinkat", ::unlinkat, directory_.descriptor(), name_.c_str(), 0);
+  if (!file_ || stays_) return;
+  CallSystemOnce("unlinkat", ::unlinkat, DescriptorOf(directory_.file()), name_.c_str(), 0);
 }
 
-void TemporaryFile::Flush() const { RequireSuccess(FlushToDisk(descriptor_->number())); }
+void TemporaryFile::Flush() const { RequireSuccess(FlushToDisk(DescriptorOf(*file_))); }
 
 void TemporaryFile::RenameTo(const std::filesystem::path& name) {
-  const int directory = directory_.descriptor();
+  const int directory = DescriptorOf(directory_.file());
   RequireSuccess(
       CallSystemOnce("renameat", ::renameat, directory, name_.c_str(), directory, name.c_str()));
   stays_ = true;
@@ -96,7 +80,7 @@ void TemporaryFile::RenameTo(const std::filesystem::path& name) {
 
 // The temporary name goes with this object.
 bool TemporaryFile::LinkTo(const std::filesystem::path& name) {
-  const int directory = directory_.descriptor();
+  const int directory = DescriptorOf(directory_.file());
   const int result =
       CallSystemOnce("linkat", ::linkat, directory, name_.c_str(), directory, name.c_str(), 0);
   if (result == 0) return true;
@@ -107,7 +91,7 @@ bool TemporaryFile::LinkTo(const std::filesystem::path& name) {
   return true;
 }
 
-void TemporaryFile::Unlock() const { CallSystem("flock", ::flock, descriptor_->number(), LOCK_UN); }
+void TemporaryFile::Unlock() const { CallSystem("flock", ::flock, DescriptorOf(*file_), LOCK_UN); }
 
 void RemoveAbandonedFiles(const Directory& directory) {
   // The standard library's iterator ends the program if memory runs short.

@@ -6,9 +6,7 @@
 #include <optional>
 #include <string>
 
-#include <sys/stat.h>
-
-#include "base/file_descriptor.h"
+#include "platform/open_file.h"
 
 namespace projectdb::files {
 
@@ -25,12 +23,13 @@ class FileLock {
   FileLock(const FileLock&) = delete;
   FileLock& operator=(const FileLock&) = delete;
 
-  bool IsOn(const struct stat& file) const;
+  /// @param file as StatusOfLocked gives it
+  bool IsOn(const FileStatus& file) const;
 
  private:
   friend class LockHandover;
 
-  std::unique_ptr<FileDescriptor> descriptor_;
+  std::unique_ptr<OpenFile> file_;
 };
 
 /// Whether this process has a lock on the file at the path.
@@ -44,7 +43,7 @@ class LockHandover {
   /// Locks the replacement too, which nobody else knows yet.
   /// @param former status of the file that is to be replaced
   /// @exception Failure if the replacement cannot be locked
-  LockHandover(const struct stat& former, const FileDescriptor& replacement);
+  LockHandover(const FileStatus& former, const OpenFile& replacement);
   ~LockHandover() = default;
   LockHandover(const LockHandover&) = delete;
   LockHandover& operator=(const LockHandover&) = delete;
@@ -56,7 +55,7 @@ class LockHandover {
  private:
   const std::lock_guard<std::mutex> guard_;
   FileLock* lock_;  ///< Null if this process has no lock on the former file.
-  std::unique_ptr<FileDescriptor> descriptor_;
+  std::unique_ptr<OpenFile> file_;
 };
 
 }  // namespace projectdb::files

@@ -1,0 +1,89 @@
+#include "platform/locking.h"
+
+#include <algorithm>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/file.h>
+
+#include "platform/posix/posix_system.h"
+
+namespace projectdb::files {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds kShortestPause{1};
+constexpr std::chrono::milliseconds kLongestPause{50};
+// The clock ends some time; nobody waits so long.
+constexpr std::chrono::hours kForEver{24 * 365 * 100};
+
+int OpenForLocking(const std::string& path) {
+  // Beyond a zero the system would not see the name.
+  if (path.find('\0') != std::string::npos) ThrowSystemFailure(EINVAL);
+  // Not to wait for the other end of a pipe.
+  constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+  return RequireSuccess(CallSystem("open", ::open, path.c_str(), kFlags));
+}
+
+std::unique_ptr<OpenFile> OpenRegularFile(const std::string& path) {
+  auto file = std::make_unique<OpenFile>(OpenForLocking(path));
+  const FileStatus status = file->Status();
+  if (status.kind == FileStatus::Kind::kDirectory) ThrowSystemFailure(EISDIR);
+  if (!status.IsRegular()) throw Failure("not a regular file");
+  return file;
+}
+
+bool TryLock(const OpenFile& file) {
+  if (CallSystem("flock", ::flock, DescriptorOf(file), LOCK_EX | LOCK_NB) == 0) return true;
+  if (errno != EWOULDBLOCK) ThrowSystemFailure();
+  return false;
+}
+
+void WaitForLock(const OpenFile& file) {
+  RequireSuccess(CallSystem("flock", ::flock, DescriptorOf(file), LOCK_EX));
+}
+
+// The system has no wait that ends after a time.
+void WaitForLock(const OpenFile& file, Clock::time_point end) {
+  std::chrono::milliseconds pause = kShortestPause;
+  while (!TryLock(file)) {
+    if (Clock::now() >= end) throw Failure("it is locked by others");
+    std::this_thread::sleep_for(pause);
+    pause = std::min(2 * pause, kLongestPause);
+  }
+}
+
+bool IsNamed(const OpenFile& file, const std::string& path) {
+  const std::optional<FileStatus> named = FindStatus(path);
+  return named && named->IsSameFile(file.Status());
+}
+
+}  // namespace
+
+std::unique_ptr<OpenFile> LockFile(const std::string& path,
+                                   std::optional<std::chrono::milliseconds> longest_wait) {
+  if (longest_wait > kForEver) longest_wait = std::nullopt;
+  const auto end = Clock::now() + longest_wait.value_or(std::chrono::milliseconds::zero());
+  for (;;) {
+    std::unique_ptr<OpenFile> file = OpenRegularFile(path);
+    if (longest_wait) {
+      WaitForLock(*file, end);
+    } else {
+      WaitForLock(*file);
+    }
+    // Who had the lock may have replaced the file meanwhile; the lock went with the new one.
+    if (IsNamed(*file, path)) return file;
+  }
+}
+
+std::optional<FileStatus> StatusOfLocked(const std::string& path) { return FindStatus(path); }
+
+std::unique_ptr<OpenFile> LockReplacement(const OpenFile& replacement) {
+  auto file = std::make_unique<OpenFile>(
+      RequireSuccess(CallSystem("fcntl", ::fcntl, DescriptorOf(replacement), F_DUPFD_CLOEXEC, 0)));
+  if (!TryLock(*file)) throw Failure("the new file is locked by others");
+  return file;
+}
+
+}  // namespace projectdb::files
