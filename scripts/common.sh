@@ -37,3 +37,28 @@ build_tree() {
   step "Configuring build/$1" cmake --preset "$1"
   step "Building build/$1" cmake --build --preset "$1" ${2:+--target "${@:2}"}
 }
+
+# An apt state of its own, in a directory, with sources that a sed script derives from the
+# machine's; the system stays as it is: make_private_apt DIRECTORY SED_SCRIPT, then
+# private_apt COMMAND...
+make_private_apt() {
+  private_apt_state=$1
+  mkdir -p "$1/sources" "$1/lists/partial" "$1/archives/partial"
+  local source
+  for source in /etc/apt/sources.list /etc/apt/sources.list.d/*.list /etc/apt/sources.list.d/*.sources; do
+    if [ -e "$source" ]; then
+      sed "$2" "$source" >"$1/sources/$(basename "$source")"
+    fi
+  done
+  # A source of somebody else's may not know what is asked for; Debian's own decides.
+  private_apt update || true
+}
+
+private_apt() {
+  apt-get --quiet --quiet \
+    -o "Dir::Etc::sourcelist=/dev/null" -o "Dir::Etc::sourceparts=$private_apt_state/sources" \
+    -o "Dir::State::lists=$private_apt_state/lists" -o "Dir::State::status=/dev/null" \
+    -o "Dir::Cache=$private_apt_state" -o "Dir::Cache::archives=$private_apt_state/archives" \
+    -o "APT::Update::Post-Invoke=" -o "APT::Update::Post-Invoke-Success=" \
+    -o "APT::Sandbox::User=" "$@"
+}

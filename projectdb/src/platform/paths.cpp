@@ -21,7 +21,7 @@ std::filesystem::path Absolute(const std::filesystem::path& path) {
 
 std::filesystem::path ResolveProjectPath(const std::filesystem::path& base,
                                          const std::string& name) {
-  const std::filesystem::path stored = FromUtf8(name);
+  std::filesystem::path stored = FromUtf8(name);
   if (IsAbsolute(stored)) return stored;
   const std::filesystem::path path = base / stored;
   return path.empty() ? std::filesystem::current_path() : Absolute(path);

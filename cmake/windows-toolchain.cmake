@@ -1,0 +1,24 @@
+# Windows 10 and later on x86-64, by the MinGW-w64 compiler of Debian; Wine runs the tests.
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR x86_64)
+set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
+set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
+
+# The object format has room for fewer sections than a unity build makes.
+set(CMAKE_CXX_FLAGS_INIT "-D_WIN32_WINNT=0x0A00 -Wa,-mbig-obj")
+# A program needs no library of the compiler beside it.
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
+
+# What scripts/make-windows-prefix made.
+cmake_path(SET windows_prefix NORMALIZE "${CMAKE_CURRENT_LIST_DIR}/../.deps/windows/usr")
+set(CMAKE_FIND_ROOT_PATH "${windows_prefix}" /usr/x86_64-w64-mingw32)
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+set(CMAKE_PREFIX_PATH "${windows_prefix}")
+# Its configuration is in a directory of the architecture of the package.
+file(GLOB fmt_DIR "${windows_prefix}/lib/*/cmake/fmt")
+
+find_program(PROJECTDB_WINE wine REQUIRED)
+set(CMAKE_CROSSCOMPILING_EMULATOR "${PROJECTDB_WINE}")

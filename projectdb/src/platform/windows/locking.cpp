@@ -1,0 +1,75 @@
+#include "platform/locking.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <thread>
+
+#include "base/failure.h"
+#include "platform/paths.h"
+#include "platform/windows/windows_system.h"
+
+namespace projectdb::files {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds kShortestPause{1};
+constexpr std::chrono::milliseconds kLongestPause{50};
+// A second of pauses: a lock that was given back is gone by then.
+constexpr int kMostDenials = 24;
+
+// The system lets nobody replace a file that is open to somebody else, as a locked one would be.
+// Beside it is another, which is there for as long as somebody has the lock.
+std::filesystem::path LockPath(const std::string& path) {
+  // Beyond a zero the system would not see the name.
+  if (path.find('\0') != std::string::npos) ThrowSystemFailure(std::errc::invalid_argument);
+  const std::filesystem::path absolute = paths::Absolute(paths::FromBytes(path));
+  const OpenFile file = Open(absolute, {GENERIC_READ, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS});
+  const FileStatus status = file.Status();
+  if (status.kind == FileStatus::Kind::kDirectory) ThrowSystemFailure(std::errc::is_a_directory);
+  if (!status.IsRegular()) throw Failure("not a regular file");
+  const std::filesystem::path final_path = FinalPath(file, absolute);
+  return final_path.parent_path() / (L".kel_lock_" + final_path.filename().native());
+}
+
+// Nobody else can open it meanwhile, and it goes when this process ends, however that happens.
+HANDLE TryToLock(const std::filesystem::path& lock_path) {
+  constexpr DWORD kFlags =
+      FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE;
+  return TryToOpen(lock_path, {GENERIC_READ | DELETE, OPEN_ALWAYS, kFlags, 0});
+}
+
+}  // namespace
+
+std::unique_ptr<OpenFile> LockFile(const std::string& path,
+                                   std::optional<std::chrono::milliseconds> longest_wait) {
+  const Clock::time_point begin = Clock::now();
+  const std::filesystem::path lock_path = LockPath(path);
+  std::chrono::milliseconds pause = kShortestPause;
+  int denials = 0;
+  for (;;) {
+    const HANDLE handle = TryToLock(lock_path);
+    if (handle != NoFile()) {
+      return std::make_unique<OpenFile>(reinterpret_cast<OpenFile::Handle>(handle));
+    }
+    const DWORD error = GetLastError();
+    // A file that is being removed is denied too.
+    const bool is_denied = error == ERROR_ACCESS_DENIED && ++denials > kMostDenials;
+    if (is_denied || (error != ERROR_SHARING_VIOLATION && error != ERROR_ACCESS_DENIED)) {
+      ThrowSystemFailure(error);
+    }
+    if (longest_wait && Clock::now() - begin >= *longest_wait) {
+      throw Failure("it is locked by others");
+    }
+    std::this_thread::sleep_for(pause);
+    pause = std::min(2 * pause, kLongestPause);
+  }
+}
+
+std::optional<FileStatus> StatusOfLocked(const std::string& path) {
+  return IsRegularFile(path) ? StatusOf(LockPath(path)) : std::nullopt;
+}
+
+std::unique_ptr<OpenFile> LockReplacement(const OpenFile& /*replacement*/) { return nullptr; }
+
+}  // namespace projectdb::files

@@ -1,0 +1,43 @@
+#include "platform/save_target.h"
+
+#include "base/failure.h"
+#include "platform/paths.h"
+#include "platform/windows/windows_system.h"
+
+namespace projectdb::files {
+namespace {
+
+void RequireReplaceable(const FileStatus& status, const std::filesystem::path& path) {
+  if (status.kind == FileStatus::Kind::kDirectory) ThrowSystemFailure(std::errc::is_a_directory);
+  if (!status.IsRegular()) throw Failure("not a regular file");
+  // A process with all privileges may open a file that is to be read only.
+  const DWORD attributes = GetFileAttributesW(SystemName(path).c_str());
+  if ((attributes & FILE_ATTRIBUTE_READONLY) != 0) ThrowSystemFailure(ERROR_ACCESS_DENIED);
+  // The directory alone would let the process replace what it must not write. To whom else the
+  // file is open, the system asks later.
+  const HANDLE handle = TryToOpen(path, {GENERIC_WRITE});
+  if (handle == NoFile() && GetLastError() != ERROR_SHARING_VIOLATION) ThrowSystemFailure();
+  if (handle != NoFile()) CloseHandle(handle);
+}
+
+// What a link leads to is replaced, not the link.
+std::filesystem::path WithoutLinks(const std::filesystem::path& path) {
+  const HANDLE handle = TryToOpen(path, {0, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS});
+  if (handle == NoFile()) ThrowSystemFailure();
+  return FinalPath(OpenFile(reinterpret_cast<OpenFile::Handle>(handle)), path);
+}
+
+}  // namespace
+
+SaveTarget FindSaveTarget(const std::string& path) {
+  // Beyond a zero the system would not see the name.
+  if (path.find('\0') != std::string::npos) ThrowSystemFailure(std::errc::invalid_argument);
+  // Another thread may change the working directory.
+  const std::filesystem::path absolute = paths::Absolute(paths::FromBytes(path));
+  const std::optional<FileStatus> former = StatusOf(absolute);
+  if (!former) return {absolute, former};
+  RequireReplaceable(*former, absolute);
+  return {WithoutLinks(absolute), former};
+}
+
+}  // namespace projectdb::files

@@ -1,0 +1,84 @@
+#include "platform/windows/windows_system.h"
+
+#include "base/failure.h"
+
+namespace projectdb::files {
+namespace {
+
+// Names up to here are known without a prefix, those of directories too.
+constexpr std::size_t kLongestPlainName = 247;
+constexpr std::wstring_view kPrefix = LR"(\\?\)";
+constexpr std::wstring_view kDevicePrefix = LR"(\\.\)";
+constexpr std::wstring_view kShare = LR"(\\)";
+constexpr std::wstring_view kSharePrefix = LR"(\\?\UNC\)";
+
+bool StartsWith(std::wstring_view text, std::wstring_view start) {
+  return text.substr(0, start.size()) == start;
+}
+
+std::wstring FullName(const std::wstring& name) {
+  std::wstring full(GetFullPathNameW(name.c_str(), 0, nullptr, nullptr), L'\0');
+  const auto size = static_cast<DWORD>(full.size());
+  full.resize(GetFullPathNameW(name.c_str(), size, full.data(), nullptr));
+  return full;
+}
+
+}  // namespace
+
+void ThrowSystemFailure(DWORD error) {
+  if (error == ERROR_FILENAME_EXCED_RANGE) ThrowSystemFailure(std::errc::filename_too_long);
+  const int number = static_cast<int>(error);
+  const std::error_condition condition = std::system_category().default_error_condition(number);
+  const bool is_known =
+      condition.category() == std::generic_category() && condition.value() != number;
+  if (is_known || error == ERROR_FILE_NOT_FOUND) throw Failure(condition.message());
+  // The system's own words are in the language and the encoding of its user.
+  throw Failure("system error " + std::to_string(number));
+}
+
+void ThrowSystemFailure(std::errc error) {
+  throw Failure(std::make_error_condition(error).message());
+}
+
+bool IsMissing(DWORD error) {
+  return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND ||
+         error == ERROR_INVALID_NAME || error == ERROR_BAD_NETPATH || error == ERROR_BAD_NET_NAME ||
+         error == ERROR_INVALID_DRIVE || error == ERROR_NOT_READY;
+}
+
+std::wstring SystemName(const std::filesystem::path& path) {
+  const std::wstring& name = path.native();
+  if (name.empty() || StartsWith(name, kPrefix) || StartsWith(name, kDevicePrefix)) return name;
+  const std::wstring full = FullName(name);
+  if (full.size() <= kLongestPlainName) return name;
+  if (!StartsWith(full, kShare)) return std::wstring(kPrefix) + full;
+  return std::wstring(kSharePrefix) + full.substr(kShare.size());
+}
+
+std::filesystem::path FinalPath(const OpenFile& file, const std::filesystem::path& path) {
+  const auto name = [&file](wchar_t* target, DWORD size) {
+    return GetFinalPathNameByHandleW(HandleOf(file), target, size, FILE_NAME_NORMALIZED);
+  };
+  std::wstring found(name(nullptr, 0), L'\0');
+  found.resize(name(found.data(), static_cast<DWORD>(found.size())));
+  if (found.empty()) return path;
+  // With a prefix, a drive alone would name the drive and not its root.
+  if (StartsWith(found, kSharePrefix)) {
+    return std::wstring(kShare) + found.substr(kSharePrefix.size());
+  }
+  return StartsWith(found, kPrefix) ? found.substr(kPrefix.size()) : found;
+}
+
+HANDLE TryToOpen(const std::filesystem::path& path, const Opening& opening) {
+  return CallSystem("CreateFile", ::CreateFileW, SystemName(path).c_str(), opening.access,
+                    opening.sharing, opening.security, opening.disposition, opening.flags,
+                    HANDLE{nullptr});
+}
+
+OpenFile Open(const std::filesystem::path& path, const Opening& opening) {
+  const HANDLE handle = TryToOpen(path, opening);
+  if (handle == NoFile()) ThrowSystemFailure();
+  return OpenFile(reinterpret_cast<OpenFile::Handle>(handle));
+}
+
+}  // namespace projectdb::files

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <type_traits>
+
+#include <windows.h>
+
+#include "platform/open_file.h"
+#include "platform/system_calls.h"
+
+/// What the sources for Windows have in common.
+namespace projectdb::files {
+
+/// @exception Failure with the system's reason, that of the last failed call by default, in the
+///            words that other systems have for it
+[[noreturn]] void ThrowSystemFailure(DWORD error = GetLastError());
+
+[[noreturn]] void ThrowSystemFailure(std::errc error);
+
+/// Whether an error says that there is no such file.
+bool IsMissing(DWORD error);
+
+/// What the system gives for a file that it did not open.
+inline HANDLE NoFile() { return INVALID_HANDLE_VALUE; }
+
+/// Makes a call that gives zero or no file if it fails; the last error is then why.
+template <typename Function, typename... Arguments>
+auto CallSystem(const char* name, Function function, Arguments... arguments) {
+  using Result = decltype(function(arguments...));
+  const SystemCallFilter& filter = FilterOfSystemCalls();
+  const int error = filter ? filter({name, -1}) : 0;
+  if (error == 0) return function(arguments...);
+  SetLastError(static_cast<DWORD>(error));
+  if constexpr (std::is_same_v<Result, HANDLE>) {
+    return NoFile();
+  } else {
+    return Result{0};
+  }
+}
+
+/// @exception Failure if a call failed
+inline void RequireSuccess(BOOL result) {
+  if (result == 0) ThrowSystemFailure();
+}
+
+inline HANDLE HandleOf(const OpenFile& file) { return reinterpret_cast<HANDLE>(file.handle()); }
+
+/// Frees what the system has allocated.
+struct FreeLocal {
+  void operator()(void* memory) const { LocalFree(memory); }
+};
+
+/// The name by which the system knows a path, however long.
+std::wstring SystemName(const std::filesystem::path& path);
+
+/// How a file is opened. Others may do with it meanwhile what they could do if it was not open.
+struct Opening {
+  DWORD access = 0;
+  DWORD disposition = OPEN_EXISTING;
+  DWORD flags = FILE_ATTRIBUTE_NORMAL;
+  DWORD sharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  SECURITY_ATTRIBUTES* security = nullptr;
+};
+
+/// @return NoFile() if it cannot be opened; the last error is then why
+HANDLE TryToOpen(const std::filesystem::path& path, const Opening& opening);
+
+/// @exception Failure with the system's reason if it cannot be opened
+OpenFile Open(const std::filesystem::path& path, const Opening& opening);
+
+/// The path of the file itself, without links on the way to it, if the system tells.
+/// @param path by which it was opened, absolute
+std::filesystem::path FinalPath(const OpenFile& file, const std::filesystem::path& path);
+
+/// @param path a link stands for what it leads to
+/// @return nothing if there is no such file
+/// @exception Failure if the system does not tell
+std::optional<FileStatus> StatusOf(const std::filesystem::path& path);
+
+}  // namespace projectdb::files

@@ -1,0 +1,153 @@
+#include <chrono>
+#include <string>
+#include <vector>
+
+#include <projectdb/project_file.h>
+
+#include "testing/saves.h"
+#include "testing/temporary_directory.h"
+#include "testing/test.h"
+#include "testing/threads.h"
+
+#include <windows.h>
+
+namespace {
+
+using namespace projectdb;
+using namespace test_support;
+
+class LockOnWindows : public testing::Test {
+ protected:
+  LockOnWindows() {
+    KelProjectDatabase database;
+    database.CreateNewProjectDatabase("soc");
+    database.ExportProjectData(path_);
+  }
+
+  /// Why the lock cannot be had at once; "" if it can.
+  std::string Refusal() const {
+    return ErrorOf([&] { const ProjectFileLock lock(path_, std::chrono::milliseconds(0)); });
+  }
+
+  const TemporaryDirectory directory_;
+  const std::string path_ = directory_ / "p.xml";
+};
+
+TEST_F(LockOnWindows, LockedFile_IsRefusedToOthersUntilItIsGivenBack) {
+  {
+    const ProjectFileLock lock(path_);
+    EXPECT_EQ(Refusal(), "Failed locking XML file " + path_ + ": it is locked by others\n");
+  }
+  EXPECT_EQ(Refusal(), "");
+  EXPECT_THAT(NamesIn(directory_.path()), ElementsAre("p.xml"));
+}
+
+TEST_F(LockOnWindows, LockedFile_IsReplacedByItsHolderAndStaysLocked) {
+  const ProjectFileLock lock(path_);
+  WriteOptions options;
+  options.expected = ReadProjectFile(path_, "").version;
+  ProjectContents contents = *ReadProjectFile(path_, "").contents;
+  contents.project_name = "next";
+  EXPECT_TRUE(WriteProjectFile(path_, contents, options));
+  EXPECT_EQ(ReadProjectFile(path_, "").contents->project_name, "next");
+  EXPECT_NE(Refusal(), "");
+}
+
+TEST_F(LockOnWindows, NoFileOrADirectory_IsRefused) {
+  EXPECT_EQ(
+      ErrorOf([&] { const ProjectFileLock lock(directory_ / "none.xml"); }),
+      "Failed locking XML file " + (directory_ / "none.xml") + ": No such file or directory\n");
+  EXPECT_NE(ErrorOf([&] { const ProjectFileLock lock(directory_.path().string()); }), "");
+}
+
+TEST_F(LockOnWindows, UpdatesOfSeveralThreads_LoseNothing) {
+  constexpr int kUpdaters = 4;
+  constexpr int kUpdates = 10;
+  InThreads(kUpdaters, [&](int thread) {
+    for (int i = 0; i < kUpdates; ++i) {
+      UpdateProjectFile(path_, [&](ProjectContents& contents) {
+        contents.misc_files.emplace_back(std::to_string(thread) + "_" + std::to_string(i), "", "");
+      });
+    }
+  });
+  EXPECT_THAT(ReadProjectFile(path_, "").contents->misc_files, SizeIs(kUpdaters * kUpdates));
+}
+
+/// This program, run again to do a part of a test in a process of its own.
+class OtherProcess {
+ public:
+  /// @param part name of a test that does it
+  OtherProcess(const std::string& part, const std::string& path) {
+    SetEnvironmentVariableA("PROJECTDB_TEST_FILE", path.c_str());
+    wchar_t program[MAX_PATH];
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    std::wstring command = L"\"" + std::wstring(program) +
+                           L"\" --gtest_also_run_disabled_tests --gtest_brief=1 --gtest_filter=" +
+                           std::wstring(part.begin(), part.end());
+    STARTUPINFOW start{};
+    start.cb = sizeof(start);
+    // The shares of the tests are this process's.
+    SetEnvironmentVariableA("GTEST_TOTAL_SHARDS", nullptr);
+    SetEnvironmentVariableA("GTEST_SHARD_INDEX", nullptr);
+    if (CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                       &start, &process_) == 0) {
+      throw std::runtime_error("no process can be started");
+    }
+  }
+  ~OtherProcess() {
+    TerminateProcess(process_.hProcess, 1);
+    CloseHandle(process_.hThread);
+    CloseHandle(process_.hProcess);
+  }
+  OtherProcess(const OtherProcess&) = delete;
+  OtherProcess& operator=(const OtherProcess&) = delete;
+
+  DWORD Wait() const {
+    WaitForSingleObject(process_.hProcess, INFINITE);
+    DWORD status = 1;
+    GetExitCodeProcess(process_.hProcess, &status);
+    return status;
+  }
+
+ private:
+  PROCESS_INFORMATION process_{};
+};
+
+std::string FileOfTheTest() { return std::getenv("PROJECTDB_TEST_FILE"); }
+
+/// Parts of tests, for processes of their own.
+class Part : public testing::Test {};
+
+TEST_F(Part, DISABLED_HoldsTheLockUntilItIsEnded) {
+  const ProjectFileLock lock(FileOfTheTest());
+  WriteFile(FileOfTheTest() + ".locked", "");
+  for (;;) Sleep(1000);
+}
+
+TEST_F(Part, DISABLED_AddsFiftyFiles) {
+  for (int i = 0; i < 50; ++i) {
+    UpdateProjectFile(FileOfTheTest(), [](ProjectContents& contents) {
+      contents.misc_files.emplace_back(std::to_string(GetCurrentProcessId()), "", "");
+    });
+  }
+}
+
+TEST_F(LockOnWindows, LockOfAnotherProcess_IsThereUntilThatProcessEnds) {
+  {
+    const OtherProcess holder("Part.DISABLED_HoldsTheLockUntilItIsEnded", path_);
+    while (!std::filesystem::exists(path_ + ".locked")) Sleep(10);
+    EXPECT_NE(Refusal(), "");
+  }
+  EXPECT_EQ(ErrorOf([&] { const ProjectFileLock lock(path_, std::chrono::seconds(10)); }), "");
+}
+
+TEST_F(LockOnWindows, UpdatesOfTwoProcesses_LoseNothing) {
+  const OtherProcess one("Part.DISABLED_AddsFiftyFiles", path_);
+  const OtherProcess other("Part.DISABLED_AddsFiftyFiles", path_);
+  EXPECT_EQ(one.Wait(), 0U);
+  EXPECT_EQ(other.Wait(), 0U);
+  EXPECT_THAT(ReadProjectFile(path_, "").contents->misc_files, SizeIs(100));
+  EXPECT_THAT(NamesIn(directory_.path()), ElementsAre("p.xml"));
+}
+
+}  // namespace

@@ -1,0 +1,214 @@
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <projectdb/project_file.h>
+
+#include <windows.h>
+
+#include "platform/windows/windows_system.h"
+#include "testing/filtered_calls.h"
+#include "testing/native_path.h"
+#include "testing/saves.h"
+#include "testing/shipped_files.h"
+#include "testing/temporary_directory.h"
+#include "testing/test.h"
+
+namespace {
+
+using namespace projectdb;
+using namespace test_support;
+
+class SaveOnWindows : public testing::Test {
+ protected:
+  SaveOnWindows() {
+    database_.CreateNewProjectDatabase("former");
+    database_.ExportProjectData(path_);
+    former_ = ReadFile(path_);
+    database_.SetProjectName("next");
+  }
+
+  std::string Save() const { return SaveError(database_, path_); }
+
+  bool IsSaved() const { return ReadFile(path_).find("\"next\"") != std::string::npos; }
+
+  void ExpectUntouched() const {
+    EXPECT_EQ(ReadFile(path_), former_);
+    EXPECT_THAT(NamesIn(directory_.path()), ElementsAre("p.xml"));
+  }
+
+  const TemporaryDirectory directory_;
+  const std::string path_ = directory_ / "p.xml";
+  KelProjectDatabase database_;
+  std::string former_;
+};
+
+/// The calls of a save, in their order.
+std::vector<std::string> CallsOf(const std::function<void()>& save) {
+  std::vector<std::string> calls;
+  const FilteredCalls filtered([&](const files::SystemCall& call) {
+    calls.emplace_back(call.name);
+    return 0;
+  });
+  save();
+  return calls;
+}
+
+/// Lets the call of that number fail, the first being number 0.
+files::SystemCallFilter FailCallNumber(std::size_t number, DWORD error) {
+  return [=, count = std::make_shared<std::size_t>(0)](const files::SystemCall&) {
+    return (*count)++ == number ? static_cast<int>(error) : 0;
+  };
+}
+
+TEST_F(SaveOnWindows, AnyCallFails_LeavesTheFormerFileOrTheNewOneAndNoOther) {
+  const std::vector<std::string> calls = CallsOf([&] { Save(); });
+  EXPECT_THAT(std::set<std::string>(calls.begin(), calls.end()),
+              testing::IsSupersetOf({"CreateFile", "WriteFile", "FlushFileBuffers",
+                                     "GetFileInformationByHandle", "BCryptGenRandom",
+                                     "GetNamedSecurityInfo", "SetSecurityInfo", "RenameOpenFile"}));
+  for (std::size_t number = 0; number < calls.size(); ++number) {
+    SCOPED_TRACE(std::to_string(number) + " " + calls[number]);
+    WriteFile(path_, former_);
+    std::string error;
+    {
+      const FilteredCalls filtered(FailCallNumber(number, ERROR_DISK_FULL));
+      error = Save();
+    }
+    EXPECT_EQ(IsSaved(), error.empty());
+    if (error.empty()) continue;
+    // Why the file could not be written, or that it could not be when it was tried again.
+    EXPECT_THAT(error, AnyOf(WritingError(path_, "No space left on device"),
+                             WritingError(path_, "the temporary file could not be opened")));
+    ExpectUntouched();
+  }
+}
+
+TEST_F(SaveOnWindows, RenamingIsUnknown_MovesTheFileOverTheFormer) {
+  for (const int error : {ERROR_INVALID_PARAMETER, ERROR_NOT_SUPPORTED}) {
+    WriteFile(path_, former_);
+    const FilteredCalls filtered(FailCall("RenameOpenFile", 1, error));
+    EXPECT_EQ(Save(), "");
+    EXPECT_TRUE(IsSaved());
+    EXPECT_THAT(NamesIn(directory_.path()), ElementsAre("p.xml"));
+  }
+}
+
+TEST_F(SaveOnWindows, RenamingIsUnknownAndMovingFails_LeavesTheFormerFile) {
+  const FilteredCalls filtered([](const files::SystemCall& call) {
+    if (call.name == std::string("RenameOpenFile")) return ERROR_INVALID_PARAMETER;
+    return call.name == std::string("MoveFileEx") ? ERROR_DISK_FULL : 0L;
+  });
+  EXPECT_EQ(Save(), WritingError(path_, "No space left on device"));
+  ExpectUntouched();
+}
+
+TEST_F(SaveOnWindows, FileIsOpenToOthersForAMoment_IsSaved) {
+  const FilteredCalls filtered(
+      [count = std::make_shared<int>(0)](const files::SystemCall& call) -> int {
+        const bool is_denied = call.name == std::string("RenameOpenFile") && ++*count < 4;
+        return is_denied ? ERROR_SHARING_VIOLATION : 0;
+      });
+  EXPECT_EQ(Save(), "");
+  EXPECT_TRUE(IsSaved());
+}
+
+TEST_F(SaveOnWindows, FileIsOpenToOthersWhoDoNotLetItGo_IsLeftAsItWas) {
+  const std::wstring name = NativePath(path_).native();
+  const HANDLE open =
+      CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+  ASSERT_NE(open, INVALID_HANDLE_VALUE);
+  EXPECT_EQ(Save(), WritingError(path_, "Permission denied"));
+  CloseHandle(open);
+  ExpectUntouched();
+  EXPECT_EQ(Save(), "");
+  EXPECT_TRUE(IsSaved());
+}
+
+TEST_F(SaveOnWindows, ReadOnlyFile_IsRefused) {
+  const std::wstring name = NativePath(path_).native();
+  ASSERT_TRUE(SetFileAttributesW(name.c_str(), FILE_ATTRIBUTE_READONLY));
+  EXPECT_EQ(Save(), WritingError(path_, "Permission denied"));
+  ExpectUntouched();
+  SetFileAttributesW(name.c_str(), FILE_ATTRIBUTE_NORMAL);
+}
+
+TEST_F(SaveOnWindows, HiddenFile_StaysHidden) {
+  const std::wstring name = NativePath(path_).native();
+  ASSERT_TRUE(SetFileAttributesW(name.c_str(), FILE_ATTRIBUTE_HIDDEN));
+  EXPECT_EQ(Save(), "");
+  EXPECT_NE(GetFileAttributesW(name.c_str()) & FILE_ATTRIBUTE_HIDDEN, 0U);
+}
+
+TEST_F(SaveOnWindows, AbandonedTemporaryFile_IsRemovedAndOneThatIsOpenIsNot) {
+  const std::string abandoned = ".kel_save_" + Repeated("0", 32);
+  const std::string used = ".kel_save_" + Repeated("1", 32);
+  WriteFile(directory_ / abandoned, "");
+  WriteFile(directory_ / used, "");
+  const std::ifstream open(NativePath(directory_ / used));
+  EXPECT_EQ(Save(), "");
+  EXPECT_THAT(NamesIn(directory_.path()), ElementsAre(used, "p.xml"));
+}
+
+TEST_F(SaveOnWindows, NameOutsideAscii_IsSavedReadAndUpdated) {
+  for (const std::string name : {"ä.xml", "漢字.xml", "¥ 100%.xml", "🐟.xml"}) {
+    const std::string path = directory_ / name;
+    database_.ExportProjectData(path);
+    ASSERT_EQ(SaveError(database_, path), "");
+    EXPECT_TRUE(UpdateProjectFile(
+        path, [](ProjectContents& contents) { contents.project_name = "größe 漢"; }));
+    const ProjectFile file = ReadProjectFile(path, ShippedSchema());
+    ASSERT_TRUE(file.contents);
+    EXPECT_EQ(file.contents->project_name, "größe 漢");
+    EXPECT_THAT(NamesIn(directory_.path()), Contains(name));
+  }
+}
+
+TEST_F(SaveOnWindows, FileOfTheOtherPlatforms_IsTheSameByteForByte) {
+  const ProjectFile sample = ReadProjectFile(SampleProject(), "");
+  ASSERT_TRUE(sample.contents);
+  WriteOptions options;
+  options.keep_stamps = true;
+  WriteProjectFile(path_, *sample.contents, options);
+  EXPECT_EQ(ReadFile(path_), ReadFile(SourcePath("tests/save/canonical_soc_demo.xml")));
+}
+
+/// A directory whose name is longer than the system takes without more ado.
+class LongPath : public testing::Test {
+ protected:
+  LongPath() {
+    std::string path = directory_.path().string();
+    while (path.size() < 400) {
+      path += "\\" + std::string(60, 'd');
+      made_.push_back(files::SystemName(path));
+      CreateDirectoryW(made_.back().c_str(), nullptr);
+    }
+    path_ = path + "\\p.xml";
+  }
+  ~LongPath() override {
+    DeleteFileW(files::SystemName(path_).c_str());
+    for (auto made = made_.rbegin(); made != made_.rend(); ++made) RemoveDirectoryW(made->c_str());
+  }
+
+  const TemporaryDirectory directory_;
+  std::vector<std::filesystem::path> made_;
+  std::string path_;
+};
+
+TEST_F(LongPath, Project_IsExportedSavedLoadedAndUpdated) {
+  KelProjectDatabase database;
+  database.CreateNewProjectDatabase("deep");
+  database.ExportProjectData(path_);
+  EXPECT_EQ(SaveError(database, path_), "");
+  KelProjectDatabase loaded;
+  EXPECT_TRUE(loaded.LoadProjectData(path_, ShippedSchema()));
+  EXPECT_EQ(loaded.GetProjectName(), "deep");
+  EXPECT_TRUE(UpdateProjectFile(
+      path_, [](ProjectContents& contents) { contents.project_name = "deeper"; }));
+  EXPECT_EQ(ReadProjectFile(path_, "").contents->project_name, "deeper");
+}
+
+}  // namespace
