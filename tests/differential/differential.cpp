@@ -1,8 +1,8 @@
 // Tells what the library makes of many files, projects and trees; linked with two builds of it,
 // whose answers must be the same:
 //   differential SCHEMA CORPUS COUNT [CASE]
-// Works in the current directory. One line for each of the corpus's files and for COUNT cases that
-// chance makes, or the whole answer to one of them.
+// Works in the current directory. One line for each of the corpus's files, for files that are large
+// in one respect and for COUNT cases that chance makes, or the whole answer to one of them.
 
 #include <algorithm>
 #include <cstdint>
@@ -10,7 +10,9 @@
 #include <filesystem>
 #include <functional>
 #include <iostream>
+#include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <projectdb/compare.h>
@@ -24,6 +26,7 @@
 #include "testing/message_recorder.h"
 #include "testing/xml_platform.h"
 #include "testing/xml_tree.h"
+#include "tests/hostile/hostile_texts.h"
 
 namespace differential {
 namespace {
@@ -31,11 +34,43 @@ namespace {
 using namespace projectdb;
 using test_support::WithoutTimeStamp;
 
-/// How many cases came to what: a comparison of refusals alone would show nothing.
+/// What a case came to.
+struct Outcome {
+  bool parsed = false;  ///< Without a schema.
+  bool loaded = false;  ///< The whole of it, without a schema.
+  bool exported = false;
+};
+
+/// How many cases came to what.
 struct Counts {
+  std::size_t cases = 0;
+  std::size_t sound_files = 0;  ///< Those of chance that are not damaged.
+  std::size_t parsed_sound_files = 0;
+  std::size_t parsed = 0;
   std::size_t loaded = 0;
   std::size_t exported = 0;
+
+  void Add(bool is_sound_file, const Outcome& outcome) {
+    ++cases;
+    if (is_sound_file) ++sound_files;
+    if (is_sound_file && outcome.parsed) ++parsed_sound_files;
+    if (outcome.parsed) ++parsed;
+    if (outcome.loaded) ++loaded;
+    if (outcome.exported) ++exported;
+  }
+
+  /// A comparison of refusals alone would show little.
+  bool ShowMuch() const {
+    return 2 * parsed_sound_files >= sound_files && 10 * loaded > cases &&
+           10 * exported > 3 * cases;
+  }
 };
+
+std::ostream& operator<<(std::ostream& out, const Counts& counts) {
+  return out << counts.cases << " cases: " << counts.parsed << " parsed, " << counts.loaded
+             << " loaded whole, " << counts.exported << " exported; " << counts.sound_files
+             << " sound files, " << counts.parsed_sound_files << " parsed\n";
+}
 
 class Answers {
  public:
@@ -43,7 +78,8 @@ class Answers {
     test_support::WriteFile("defaults.xsd", SchemaWithDefaults());
   }
 
-  const Counts& counts() const { return counts_; }
+  /// Of the answers since the last call.
+  Outcome TakeOutcome() { return std::exchange(outcome_, {}); }
 
   std::string ToFile(const std::string& bytes) {
     test_support::WriteFile("p.xml", bytes);
@@ -84,11 +120,12 @@ class Answers {
     KelProjectDatabase database;
     std::string answer = Guarded([&] {
       const bool is_loaded = database.LoadProjectData("p.xml", schema);
-      if (is_loaded) ++counts_.loaded;
+      if (is_loaded && schema.empty()) outcome_.loaded = true;
       return std::string(is_loaded ? "loaded\n" : "not loaded\n");
     });
     for (const auto& message : recorder.messages()) answer += message.text + "\n";
     if (!database.IsProjectDatabaseExist()) return answer;
+    if (schema.empty()) outcome_.parsed = true;
     const ProjectContents contents = GetProjectContents(database);
     return answer + Show(contents) + ToExport(database) +
            Guarded([&] { return FormatProjectFile(contents, {true}); });
@@ -110,23 +147,26 @@ class Answers {
     return Guarded([&] {
       std::filesystem::remove("out.xml");
       database.ExportProjectData("out.xml");
-      ++counts_.exported;
+      outcome_.exported = true;
       return WithoutTimeStamp(test_support::ReadFile("out.xml"));
     });
   }
 
   std::string schema_;
-  Counts counts_;
+  Outcome outcome_;
 };
+
+constexpr unsigned kKinds = 4;
+constexpr unsigned kSoundFile = 2;
 
 std::string AnswerToChance(Answers& answers, unsigned seed) {
   RandomInput input(seed);
-  switch (seed % 4) {
+  switch (seed % kKinds) {
     case 0:
       return answers.ToContents(RandomContents(input));
     case 1:
       return DoMuchToTrees(input);
-    case 2:
+    case kSoundFile:
       return answers.ToFile(RandomFile(input));
     default:
       return answers.ToFile(Damaged(RandomFile(input), input));
@@ -134,11 +174,27 @@ std::string AnswerToChance(Answers& answers, unsigned seed) {
 }
 
 std::vector<std::string> FilesIn(const std::string& directory) {
-  std::vector<std::string> files;
+  std::vector<std::string> paths;
   for (const auto& entry : std::filesystem::directory_iterator(directory)) {
-    files.push_back(entry.path().string());
+    paths.push_back(entry.path().string());
   }
-  std::sort(files.begin(), files.end());
+  std::sort(paths.begin(), paths.end());
+  std::vector<std::string> files;
+  files.reserve(paths.size());
+  for (const std::string& path : paths) files.push_back(test_support::ReadFile(path));
+  return files;
+}
+
+std::vector<std::string> LargeFiles() {
+  constexpr std::size_t kSize = 300;
+  std::vector<std::string> files;
+  for (const hostile::Text& text :
+       {hostile::kDesignFiles, hostile::kIps, hostile::kParameters, hostile::kUnknownSections,
+        hostile::kNestedElements, hostile::kLongAttribute, hostile::kRootAttributes}) {
+    std::ostringstream file;
+    text.Write(file, kSize);
+    files.push_back(file.str());
+  }
   return files;
 }
 
@@ -157,23 +213,29 @@ int Run(const std::vector<std::string>& arguments) {
   // A start of the XML library would take longer than most cases.
   const test_support::XmlPlatform platform;
   Answers answers(arguments[0]);
-  const std::vector<std::string> files = FilesIn(arguments[1]);
+  std::vector<std::string> files = FilesIn(arguments[1]);
+  for (std::string& file : LargeFiles()) files.push_back(std::move(file));
   const std::size_t count = files.size() + std::stoul(arguments[2]);
   const auto answer_to = [&](std::size_t number) {
     return number < files.size()
-               ? answers.ToFile(test_support::ReadFile(files[number]))
+               ? answers.ToFile(files[number])
                : AnswerToChance(answers, static_cast<unsigned>(number - files.size()));
   };
   if (arguments.size() == 4) {
     std::cout << answer_to(std::stoul(arguments[3]));
     return 0;
   }
+  Counts counts;
   for (std::size_t number = 0; number < count; ++number) {
     std::cout << number << ' ' << Digest(answer_to(number)) << '\n';
+    const bool is_sound_file =
+        number >= files.size() && (number - files.size()) % kKinds == kSoundFile;
+    counts.Add(is_sound_file, answers.TakeOutcome());
   }
-  std::cout << count << " cases, " << answers.counts().loaded << " loads of whole files, "
-            << answers.counts().exported << " exports\n";
-  return answers.counts().loaded > count / 10 && answers.counts().exported > count / 10 ? 0 : 1;
+  std::cout << counts;
+  if (counts.ShowMuch()) return 0;
+  std::cerr << "too few of the cases come to something:\n" << counts;
+  return 1;
 }
 
 }  // namespace

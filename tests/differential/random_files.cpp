@@ -1,5 +1,7 @@
 #include "random_files.h"
 
+#include <set>
+
 #include <projectdb/vocabulary.h>
 
 namespace differential {
@@ -17,6 +19,8 @@ std::string Escaped(const std::string& text) {
       escaped += "&lt;";
     } else if (c == '"') {
       escaped += "&quot;";
+    } else if (c == '\r') {
+      escaped += "&#13;";
     } else {
       escaped += c;
     }
@@ -39,23 +43,26 @@ std::string AttributeValue(const std::string& name, RandomInput& input) {
   return input.OneIn(8) ? "&#65;&#x1F600;" : Escaped(input.Text());
 }
 
+// A file with an attribute twice is refused: about one in twenty may have some.
 std::string Attributes(RandomInput& input) {
   std::string text;
+  std::set<std::string> names;
+  const bool may_repeat = input.OneIn(300);
   const std::size_t count = input.OneIn(20) ? 20 : input.Number(5);
   for (std::size_t i = 0; i < count; ++i) {
-    // Most files have each attribute once.
-    const std::string name = input.OneIn(30) || i > 3
-                                 ? AttributeName(input)
-                                 : input.OneOf<std::string>({"name", "version", "library"}) +
-                                       (i == 0 ? "" : std::to_string(i));
-    text += " " + name + "=\"" + AttributeValue(name, input) + "\"";
+    std::string name = may_repeat || i > 3 || input.OneIn(30)
+                           ? AttributeName(input)
+                           : input.OneOf<std::string>({"name", "version", "library"});
+    const std::string value = AttributeValue(name, input);
+    if (!names.insert(name).second && !may_repeat) name += std::to_string(i);
+    text.append(" ").append(name).append("=\"").append(value).append("\"");
   }
   return text;
 }
 
 std::string Between(RandomInput& input) {
   return input.OneOf<std::string>(
-      {"", "", "", "", "\n  ", "\n  ", "<!-- note -->", "<?do it?>", "text", "<![CDATA[<a>]]>"});
+      {"", "", "", "", "\n  ", "\r\n  ", "<!-- note -->", "<?do it?>", "text", "<![CDATA[<a>]]>"});
 }
 
 std::string Tag(RandomInput& input, const std::string& prefix) {
@@ -114,6 +121,12 @@ std::string SchemaWithDefaults() {
     </xs:sequence>
     <xs:anyAttribute processContents="lax"/>
   </xs:complexType>
+  <xs:complexType name="skipped">
+    <xs:sequence>
+      <xs:any minOccurs="0" maxOccurs="unbounded" processContents="skip"/>
+    </xs:sequence>
+    <xs:anyAttribute processContents="skip"/>
+  </xs:complexType>
   <xs:complexType name="file">
     <xs:complexContent><xs:extension base="any">
       <xs:attribute name="name" type="xs:string" default="unnamed"/>
@@ -127,6 +140,7 @@ std::string SchemaWithDefaults() {
     </xs:extension></xs:complexContent>
   </xs:complexType>
   <xs:element name="project" type="any"/>
+  <xs:element name="odd" type="skipped"/>
   <xs:element name="design_file" type="file"/>
   <xs:element name="param" type="named"/>
 </xs:schema>
@@ -144,8 +158,9 @@ std::string RandomFile(RandomInput& input) {
           Escaped(input.Text()) + "\">";
   for (std::size_t i = input.Number(5); i > 0; --i) {
     const std::string section = prefix + Section(input);
-    text += Between(input) + "<" + section + Attributes(input) + ">" +
-            Elements(input, prefix, 8, 2) + Between(input) + "</" + section + ">";
+    text.append(Between(input)).append("<").append(section).append(Attributes(input)).append(">");
+    text.append(Elements(input, prefix, 8, 2)).append(Between(input));
+    text.append("</").append(section).append(">");
   }
   return text + "\n</" + prefix + "project>\n";
 }

@@ -23,8 +23,27 @@ class RandomInput {
   }
 
   std::string Text() {
-    return OneOf<std::string>({"", "a", "rtl/top.v", "größe", "日本", "𝒳", "a b", "a\"b", "x<y",
-                               "a&b", "it's", "1>0", "tab\there", "line\nend", "\u0085",
+    return OneOf<std::string>({"",
+                               "a",
+                               "rtl/top.v",
+                               "größe",
+                               "日本",
+                               "𝒳",
+                               "𝒳𝒴𝒵 😀😁😂 𝒳𝒴𝒵",
+                               "a b",
+                               "a\"b",
+                               "x<y",
+                               "a&b",
+                               "it's",
+                               "1>0",
+                               "tab\there",
+                               "line\nend",
+                               "line\r\nend\r",
+                               "\x7F",
+                               "\u0085",
+                               "\uD7FF",
+                               "\uE000",
+                               "\uFFFD",
                                std::string(300, 'n')});
   }
 

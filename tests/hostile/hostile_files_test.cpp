@@ -18,6 +18,7 @@
 #include "testing/sanitizers.h"
 #include "testing/shipped_files.h"
 #include "testing/test.h"
+#include "tests/hostile/hostile_texts.h"
 
 namespace {
 
@@ -34,29 +35,10 @@ struct HostileFile {
   const char* name;
   const char* unit;          ///< What the size counts.
   std::size_t largest_size;  ///< Without a sanitizer.
-  std::string before;        ///< What stands behind the name of the root.
-  std::string each;          ///< What is repeated, with "#" for its number.
-  std::string after;
+  hostile::Text text;
   Reader read;  ///< Gives the size again.
   bool satisfies_schema = true;
   bool result = true;
-  std::string middle = "";      ///< Behind all that is repeated, with "#" for the size.
-  std::string each_after = "";  ///< What is repeated behind that.
-
-  void Write(std::ostream& file, std::size_t size) const {
-    file << "<project xmlns=\"http://schema.kel.example/wdp_proj\"" << before;
-    for (std::size_t i = 0; i < size; ++i) WriteNumbered(file, each, i);
-    WriteNumbered(file, middle, size);
-    for (std::size_t i = 0; i < size; ++i) file << each_after;
-    file << after << "</project>\n";
-  }
-
- private:
-  static void WriteNumbered(std::ostream& file, const std::string& text, std::size_t number) {
-    const std::size_t place = text.find('#');
-    file << text.substr(0, place);
-    if (place != std::string::npos) file << number << text.substr(place + 1);
-  }
 };
 
 std::size_t CountDesignFiles(KelProjectDatabase& database, const Messages& /*messages*/) {
@@ -69,29 +51,25 @@ std::size_t CountParameters(KelProjectDatabase& database, const Messages& /*mess
 }
 
 const HostileFile kHostileFiles[] = {
-    {"DesignFiles", "elements", 1'000'000, "><design_info>",
-     R"(<design_file name="rtl/f#.v" version="v2k" library="work"/>)", "</design_info>",
-     CountDesignFiles},
-    {"Ips", "elements", 1'000'000, "><ip_info>", R"(<ip instance_name="u#" path="ip/u.ip"/>)",
-     "</ip_info>",
+    {"DesignFiles", "elements", 1'000'000, hostile::kDesignFiles, CountDesignFiles},
+    {"Ips", "elements", 1'000'000, hostile::kIps,
      [](auto& database, auto&) { return GetProjectContents(database).ip_info.ips.size(); }},
-    {"Parameters", "elements", 1'000'000, "><synthesis>",
-     R"(<param name="p#" value="v" value_type="e_string"/>)", "</synthesis>", CountParameters},
-    {"UnknownSections", "elements", 1'000'000, ">", "<unknown/>", "",
+    {"Parameters", "elements", 1'000'000, hostile::kParameters, CountParameters},
+    {"UnknownSections", "elements", 1'000'000, hostile::kUnknownSections,
      [](auto&, auto& messages) -> std::size_t {
        return static_cast<std::size_t>(
            std::count(messages.begin(), messages.end(), UnexpectedMessage("unknown")));
      },
      false, false},
-    {"NestedElements", "levels", 100'000, "><sim_info>", "<a>", "</sim_info>",
+    {"NestedElements", "levels", 100'000, hostile::kNestedElements,
      [](auto& database, auto&) -> std::size_t {
        const auto files = GetProjectContents(database).sim_files;
        return files.size() == 1 ? std::stoul(files[0].name) : 0;
      },
-     false, true, "<sim_file name=\"#\"/>", "</a>"},
-    {"LongAttribute", "kB of text", 100'000, " name=\"", std::string(1000, 'x'), "\">",
+     false, true},
+    {"LongAttribute", "kB of text", 100'000, hostile::kLongAttribute,
      [](auto& database, auto&) { return database.GetProjectName().size() / 1000; }},
-    {"RootAttributes", "attributes", 100'000, "", " a#=\"v\"", ">",
+    {"RootAttributes", "attributes", 100'000, hostile::kRootAttributes,
      [](auto& database, auto&) { return GetProjectContents(database).info_attributes.size(); }}};
 
 struct Measured {
@@ -150,7 +128,7 @@ class Hostile : public testing::TestWithParam<HostileFile> {
   Measured LoadOfSize(std::size_t size, const std::string& schema) {
     const std::string path = directory_ / "p.xml";
     std::ofstream file(path, std::ios::binary);
-    GetParam().Write(file, size);
+    GetParam().text.Write(file, size);
     const double megabytes = static_cast<double>(file.tellp()) / (1024 * 1024);
     file.close();
     if (!file) throw std::runtime_error("cannot write " + path);
@@ -165,7 +143,7 @@ class Hostile : public testing::TestWithParam<HostileFile> {
   std::string WriteOfSize(std::size_t size) const {
     std::string path = directory_ / "p.xml";
     std::ofstream file(path, std::ios::binary);
-    GetParam().Write(file, size);
+    GetParam().text.Write(file, size);
     return path;
   }
 
