@@ -24,8 +24,9 @@ std::uint64_t DigestOf(std::string_view bytes) {
 // Longer than what a digest keeps back.
 std::string SomeBytes() {
   std::string bytes;
-  while (bytes.size() < 1'000)
+  while (bytes.size() < 1'000) {
     bytes += "<file name=\"core_" + std::to_string(bytes.size()) + "\"/>\n";
+  }
   return bytes;
 }
 
