@@ -204,6 +204,46 @@ TEST(DomParserWithSchema, Parse_ElementsOfOneNameAndTwoTypes_HaveTheAttributesOf
   EXPECT_THAT(added, ElementsAre("", "", "", "here", "v", "here"));
 }
 
+TEST(DomParserWithSchema, Parse_ElementsWithIds_AreFoundByThem) {
+  const XmlPlatform platform;
+  const TemporaryDirectory directory;
+  WriteFile(directory / "s.xsd",
+            "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\"><xs:element name=\"project\">"
+            "<xs:complexType><xs:sequence><xs:element name=\"e\" maxOccurs=\"unbounded\">"
+            "<xs:complexType><xs:attribute name=\"key\" type=\"xs:ID\"/></xs:complexType>"
+            "</xs:element></xs:sequence></xs:complexType></xs:element></xs:schema>");
+  WriteFile(directory / "p.xml", "<project><e key=\"a\"/><e key=\"b\"/><e key=\"c\"/></project>");
+  const auto document = ParseProjectXMLFile(directory / "p.xml", directory / "s.xsd");
+  ASSERT_NE(document, nullptr);
+  const auto* root = document->getDocumentElement();
+  EXPECT_EQ(document->getElementById(u"a"), root->getFirstElementChild());
+  EXPECT_EQ(document->getElementById(u"c"), root->getLastElementChild());
+  EXPECT_TRUE(root->getLastElementChild()->getAttributeNode(u"key")->isId());
+}
+
+TEST(DomParserWithSchema, Parse_ElementsThatAreNotValidated_HaveTheDefaultsOfTheirDeclaration) {
+  const XmlPlatform platform;
+  const TemporaryDirectory directory;
+  WriteFile(directory / "s.xsd",
+            "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\">"
+            "<xs:element name=\"e\"><xs:complexType><xs:attribute name=\"added\" default=\"here\"/>"
+            "<xs:attribute name=\"other\"/></xs:complexType></xs:element>"
+            "<xs:element name=\"project\"><xs:complexType><xs:sequence>"
+            "<xs:element ref=\"e\" maxOccurs=\"unbounded\"/>"
+            "<xs:any processContents=\"skip\" minOccurs=\"0\" maxOccurs=\"unbounded\"/>"
+            "</xs:sequence></xs:complexType></xs:element></xs:schema>");
+  WriteFile(directory / "p.xml",
+            "<project><e/><e added=\"v\"/><s><e/><e other=\"v\"/><e/></s></project>");
+  const auto document = ParseProjectXMLFile(directory / "p.xml", directory / "s.xsd");
+  ASSERT_NE(document, nullptr);
+  std::vector<std::string> added;
+  const auto* skipped = document->getDocumentElement()->getLastElementChild();
+  for (const auto* element : ChildElements(skipped)) {
+    added.push_back(Utf8(element->getAttribute(u"added")));
+  }
+  EXPECT_THAT(added, ElementsAre("here", "here", "here"));
+}
+
 TEST(DomParserWithSchema, Parse_ElementDeepBelowItsNamespace_IsValidatedInIt) {
   const XmlPlatform platform;
   const TemporaryDirectory directory;

@@ -43,7 +43,8 @@ class Section {
   /// What the filter writes for an element; "" if it leaves it to the serializer.
   static std::string Filtered(const DOMElement& element) {
     xercesc::MemBufFormatTarget target;
-    const auto action = LeafFilter(target).acceptNode(&element);
+    Transcoder transcoder;
+    const auto action = LeafFilter(target, transcoder).acceptNode(&element);
     const std::string written(reinterpret_cast<const char*>(target.getRawBuffer()),
                               target.getLen());
     EXPECT_EQ(action == LeafFilter::FILTER_ACCEPT, written.empty());
@@ -59,11 +60,13 @@ class Section {
 };
 
 TEST(LeafFilter, AcceptNode_PlainLeafAmongOthers_WritesItInALineOfItsOwn) {
+  if (!MakesElements()) GTEST_SKIP() << "the XML library makes all elements";
   const Section section;
   EXPECT_EQ(Section::Filtered(*section.second()), "\n    <file kind=\"1\" name=\"text\"/>");
 }
 
 TEST(LeafFilter, AcceptNode_LeafDeeperDown_IsIndentedMore) {
+  if (!MakesElements()) GTEST_SKIP() << "the XML library makes all elements";
   Section section;
   for (int i = 0; i < 2; ++i) section.Append(*section.second(), "below");
   EXPECT_EQ(Section::Filtered(*section.second()->getFirstElementChild()),
@@ -71,6 +74,7 @@ TEST(LeafFilter, AcceptNode_LeafDeeperDown_IsIndentedMore) {
 }
 
 TEST(LeafFilter, AcceptNode_CharactersOf16Bits_WritesThemInUtf8) {
+  if (!MakesElements()) GTEST_SKIP() << "the XML library makes all elements";
   const Section section("größe 日本", u"größe");
   EXPECT_EQ(Section::Filtered(*section.second()), "\n    <größe kind=\"1\" name=\"größe 日本\"/>");
 }

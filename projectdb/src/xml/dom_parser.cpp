@@ -8,9 +8,7 @@
 #include <xercesc/dom/DOMElement.hpp>
 #include <xercesc/framework/Wrapper4InputSource.hpp>
 #include <xercesc/framework/XMLAttDef.hpp>
-#include <xercesc/framework/XMLAttDefList.hpp>
 #include <xercesc/framework/XMLAttr.hpp>
-#include <xercesc/framework/XMLElementDecl.hpp>
 #include <xercesc/internal/IGXMLScanner.hpp>
 #include <xercesc/util/XMLString.hpp>
 
@@ -36,20 +34,10 @@ bool IsBefore(const XMLAttr* a, const XMLAttr* b) {
   return XMLString::compareString(a->getQName(), b->getQName()) < 0;
 }
 
-// Whether a schema gives the element attributes that its file leaves out.
-bool HasDefaults(const xercesc::XMLElementDecl& declaration) {
-  if (!declaration.hasAttDefs()) return false;
-  xercesc::XMLAttDefList& definitions = declaration.getAttDefList();
-  for (XMLSize_t i = 0; i < definitions.getAttDefCount(); ++i) {
-    const xercesc::XMLAttDef::DefAttTypes type = definitions.getAttDef(i).getDefaultType();
-    if (type == xercesc::XMLAttDef::Default || type == xercesc::XMLAttDef::Fixed) return true;
-  }
-  return false;
-}
-
 // The XML library keeps a number for each level of elements. It makes room for them only where it
 // validates, and then by doubling it once: below many levels that are in no schema, it would write
-// beyond. The function that makes room is private, which an explicit instantiation may name.
+// beyond. The function that makes room is private, which an explicit instantiation may name. A
+// version without that function does not compile: whether it writes beyond must be seen first.
 constexpr XMLSize_t kFirstRoomForLevels = 16;
 
 template <void (xercesc::IGXMLScanner::*Function)()>
@@ -142,8 +130,8 @@ bool DomParser::AppendPlainElement(const xercesc::XMLElementDecl& declaration, u
   return true;
 }
 
-// Whether the attributes are few, stand in the file as they are, are different ones and declare
-// nothing.
+// Whether the attributes are few and different, stand in the file, unlike a schema's defaults, and
+// neither declare nor identify anything.
 bool DomParser::ArePlain(const XmlAttributes& attributes, XMLSize_t count) const {
   if (count >= kManyAttributes) return false;
   for (XMLSize_t i = 0; i < count; ++i) {
@@ -174,10 +162,10 @@ void DomParser::StartOtherElement(const xercesc::XMLElementDecl& declaration, un
   if (is_empty) endElement(declaration, uri, is_root, prefix);
 }
 
-// Remembers the kind of the element that has just begun, unless such elements are not plain.
+// Remembers the kind of the element that has just begun.
 void DomParser::NoteKind(const xercesc::XMLElementDecl& declaration, unsigned int uri) {
   const xercesc::DOMElementNSImpl* element = PlainElement(fCurrentNode);
-  if (!element || kinds_.size() == kMostKinds || HasDefaults(declaration)) return;
+  if (!element || kinds_.size() == kMostKinds) return;
   kinds_.emplace(&declaration, Kind{uri, ElementNames(*element)});
 }
 

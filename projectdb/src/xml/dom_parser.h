@@ -20,6 +20,11 @@ namespace projectdb::xml {
 /// deep nesting, many attributes or many names would keep it busy for hours. It makes the same
 /// documents, but without what stands between the tags: nothing of a project does, and the blanks
 /// there would be half of a document's nodes.
+///
+/// In each build it uses what the XML library opens to derived classes: of its parser, fDocument,
+/// fCurrentParent, fCurrentNode, fScanner, fValidator, fGrammarResolver, fURIStringPool and
+/// createAttrNS; of its scanner, fElemStack; and one private function, resizeElemState. A version
+/// that lacks one of them does not compile.
 class DomParser : public xercesc::DOMLSParserImpl {
  public:
   DomParser();
@@ -42,7 +47,7 @@ class DomParser : public xercesc::DOMLSParserImpl {
  private:
   class Scanner;
 
-  /// Elements that have all their names in common, and no attributes but those in the file.
+  /// Elements that have all their names in common.
   struct Kind {
     unsigned int uri;
     ElementNames names;

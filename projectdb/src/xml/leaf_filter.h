@@ -21,8 +21,10 @@ namespace projectdb::xml {
 class LeafFilter final : public xercesc::DOMLSSerializerFilter {
  public:
   /// @param target of a serializer with pretty-printing and the usual line ends, in UTF-8
-  explicit LeafFilter(xercesc::XMLFormatTarget& target) : target_(target) {}
+  LeafFilter(xercesc::XMLFormatTarget& target, Transcoder& transcoder)
+      : target_(target), transcoder_(transcoder) {}
 
+  /// @param node has plain elements alone above it (PlainElement): others would not count as levels
   FilterAction acceptNode(const xercesc::DOMNode* node) const override;
   ShowType getWhatToShow() const override { return xercesc::DOMNodeFilter::SHOW_ELEMENT; }
 
@@ -31,7 +33,7 @@ class LeafFilter final : public xercesc::DOMLSSerializerFilter {
   bool Append(const XMLCh* text) const;
 
   xercesc::XMLFormatTarget& target_;
-  mutable Transcoder transcoder_;
+  Transcoder& transcoder_;
   mutable std::string line_;
 };
 

@@ -1,8 +1,8 @@
 #include "xml/nodes.h"
 
 #include <algorithm>
+#include <array>
 #include <typeinfo>
-#include <vector>
 
 #include <xercesc/dom/DOMImplementation.hpp>
 #include <xercesc/dom/impl/DOMAttrNSImpl.hpp>
@@ -17,12 +17,6 @@ using xercesc::DOMDocumentImpl;
 using xercesc::DOMElement;
 using xercesc::DOMElementNSImpl;
 using xercesc::DOMNode;
-
-#ifdef PROJECTDB_PLAIN_DOM
-constexpr bool kMakesNodes = false;
-#else
-constexpr bool kMakesNodes = XERCES_VERSION_MAJOR == 3 && XERCES_VERSION_MINOR == 2;
-#endif
 
 class Document final : public DOMDocumentImpl {
  public:
@@ -48,19 +42,18 @@ class Document final : public DOMDocumentImpl {
 
   /// The document's own copy of an attribute's name. A project has few: no table finds them faster.
   const XMLCh* AttributeName(const XMLCh* name) {
-    for (const XMLCh* known : attribute_names_) {
+    for (const XMLCh*& known : attribute_names_) {
+      if (!known) known = getPooledString(name);
       if (xercesc::XMLString::equals(known, name)) return known;
     }
-    const XMLCh* const added = getPooledString(name);
-    if (attribute_names_.size() < kFewNames) attribute_names_.push_back(added);
-    return added;
+    return getPooledString(name);
   }
 
  private:
   static constexpr XMLSize_t kNameTableSize = 16411;
   static constexpr std::size_t kFewNames = 8;
 
-  std::vector<const XMLCh*> attribute_names_;
+  std::array<const XMLCh*, kFewNames> attribute_names_{};
   bool is_parsed_ = false;
 };
 
@@ -96,6 +89,14 @@ void LinkBehind(DOMElementNSImpl* last, DOMElementNSImpl& parent, DOMElementNSIm
 
 }  // namespace
 
+bool MakesElements() {
+#ifdef PROJECTDB_PLAIN_DOM
+  return false;
+#else
+  return XERCES_VERSION_MAJOR == 3 && XERCES_VERSION_MINOR == 2;
+#endif
+}
+
 ElementNames::ElementNames(const DOMElement& element)
     : document(element.getOwnerDocument()),
       namespace_uri(element.getNamespaceURI()),
@@ -109,7 +110,7 @@ DOMDocumentImpl* NewDocument(xercesc::MemoryManager& memory) {
 
 Owned<xercesc::DOMDocument> CreateDocument(xercesc::DOMImplementation& core,
                                            const XMLCh* namespace_uri, const XMLCh* root_name) {
-  if (!kMakesNodes) {
+  if (!MakesElements()) {
     return Owned<xercesc::DOMDocument>(core.createDocument(namespace_uri, root_name, nullptr));
   }
   xercesc::MemoryManager* const memory = xercesc::XMLPlatformUtils::fgMemoryManager;
@@ -120,7 +121,7 @@ Owned<xercesc::DOMDocument> CreateDocument(xercesc::DOMImplementation& core,
 const DOMElementNSImpl* PlainElement(const DOMNode* node) {
   // The type on the left is one of this file alone, so that no names of types are compared.
   const bool is_plain =
-      kMakesNodes && node &&
+      MakesElements() && node &&
       (typeid(Element) == typeid(*node) || typeid(DOMElementNSImpl) == typeid(*node));
   return is_plain ? static_cast<const DOMElementNSImpl*>(node) : nullptr;
 }
@@ -182,34 +183,26 @@ DOMAttrMapImpl& TextAttributes::Map() const {
 }
 
 DOMAttrMapImpl* TextAttributes::cloneAttrMap(DOMNode* owner) { return Map().cloneAttrMap(owner); }
-
 int TextAttributes::findNamePoint(const XMLCh* name) const { return Map().findNamePoint(name); }
+DOMNode* TextAttributes::removeNamedItemAt(XMLSize_t i) { return Map().removeNamedItemAt(i); }
+XMLSize_t TextAttributes::getLength() const { return Map().getLength(); }
+DOMNode* TextAttributes::item(XMLSize_t i) const { return Map().item(i); }
+DOMNode* TextAttributes::getNamedItem(const XMLCh* name) const { return Map().getNamedItem(name); }
+DOMNode* TextAttributes::setNamedItem(DOMNode* node) { return Map().setNamedItem(node); }
+DOMNode* TextAttributes::setNamedItemNS(DOMNode* node) { return Map().setNamedItemNS(node); }
+DOMNode* TextAttributes::removeNamedItem(const XMLCh* name) { return Map().removeNamedItem(name); }
 
 int TextAttributes::findNamePoint(const XMLCh* uri, const XMLCh* local_name) const {
   return Map().findNamePoint(uri, local_name);
 }
 
-DOMNode* TextAttributes::removeNamedItemAt(XMLSize_t i) { return Map().removeNamedItemAt(i); }
-
 void TextAttributes::setReadOnly(bool is_read_only, bool is_deep) {
   Map().setReadOnly(is_read_only, is_deep);
 }
 
-XMLSize_t TextAttributes::getLength() const { return Map().getLength(); }
-
-DOMNode* TextAttributes::item(XMLSize_t i) const { return Map().item(i); }
-
-DOMNode* TextAttributes::getNamedItem(const XMLCh* name) const { return Map().getNamedItem(name); }
-
-DOMNode* TextAttributes::setNamedItem(DOMNode* node) { return Map().setNamedItem(node); }
-
-DOMNode* TextAttributes::removeNamedItem(const XMLCh* name) { return Map().removeNamedItem(name); }
-
 DOMNode* TextAttributes::getNamedItemNS(const XMLCh* uri, const XMLCh* local_name) const {
   return Map().getNamedItemNS(uri, local_name);
 }
-
-DOMNode* TextAttributes::setNamedItemNS(DOMNode* node) { return Map().setNamedItemNS(node); }
 
 DOMNode* TextAttributes::removeNamedItemNS(const XMLCh* uri, const XMLCh* local_name) {
   return Map().removeNamedItemNS(uri, local_name);

@@ -12,11 +12,11 @@
 /// shall: that would take two thirds of a load and of an export.
 ///
 /// What is taken over from the XML library, and why it is safe:
-/// - How a last child is linked (AppendElement): the members of DOMElementImpl, which its installed
-///   header makes public. The parent and its first and last child must be elements of exactly the
-///   class DOMElementNSImpl or made here; what stands elsewhere is left to the XML library.
-/// - The names of an element and the document's table of names, which DOMElementNSImpl and
-///   DOMDocumentImpl open to the classes that are derived from them: each name is the document's
+/// - How a last child is linked (AppendElement): fNode, fParent, fChild and fAttributes of
+///   DOMElementImpl, public in its installed header. The parent and its first and last child must
+///   be of exactly the class DOMElementNSImpl or made here; others are left to the XML library.
+/// - The names of an element (fName, fNamespaceURI, fPrefix, fLocalName) and the document's table
+///   of names (fNameTable, fNameTableSize), open to derived classes: each name is the document's
 ///   own copy, taken from another of its elements, and the table is replaced while it is empty.
 /// - How an element keeps its attributes (TextAttributes): a map that the element asks by virtual
 ///   functions only. This one makes the usual nodes, and takes the usual map's place, as soon as it
@@ -25,9 +25,13 @@
 ///   end before this library does. Read-only parents and documents with ranges are left all the
 ///   same.
 ///
-/// These members are those of version 3.2. With another one, or with the build option
-/// PROJECTDB_PLAIN_DOM, no element is made here, and the XML library makes and writes them all.
+/// These members are those of version 3.2. With another one that has them, or with the build option
+/// PROJECTDB_PLAIN_DOM, no element is made here, and the XML library makes and writes them all. A
+/// version that lacks one of them does not compile.
 namespace projectdb::xml {
+
+/// Whether this build makes elements here.
+bool MakesElements();
 
 /// The names of an element, in its document's memory.
 struct ElementNames {

@@ -13,11 +13,12 @@
 #include "xml/file_target.h"
 #include "xml/leaf_filter.h"
 #include "xml/owned.h"
+#include "xml/text.h"
 
 namespace projectdb::xml {
 namespace {
 
-/// Made before anything is opened, as making it may fail.
+/// Made before a file is opened and so emptied, as making it may fail.
 class Serializer {
  public:
   Serializer()
@@ -30,9 +31,9 @@ class Serializer {
     }
   }
 
-  void Write(const xercesc::DOMDocument* document, xercesc::XMLFormatTarget& target) const {
+  void Write(const xercesc::DOMDocument* document, xercesc::XMLFormatTarget& target) {
     output_->setByteStream(&target);
-    LeafFilter filter(target);
+    LeafFilter filter(target, transcoder_);
     serializer_->setFilter(&filter);
     if (!serializer_->write(document, output_.get())) {
       throw Failure("the document cannot be written as XML");
@@ -43,12 +44,14 @@ class Serializer {
   xercesc::DOMImplementation* implementation_;
   Owned<xercesc::DOMLSSerializer> serializer_;
   Owned<xercesc::DOMLSOutput> output_;
+  Transcoder transcoder_;
 };
 
 void WriteToFile(const std::string& path, const xercesc::DOMDocument* document) {
-  const Serializer serializer;
+  Serializer serializer;
+  const std::string prefix = WritingPrefix(path);
   FileTarget target(path);
-  WithOnlyRuntimeErrors(WritingPrefix(path), [&] {
+  WithOnlyRuntimeErrors(prefix, [&] {
     serializer.Write(document, target);
     target.Close();
   });
