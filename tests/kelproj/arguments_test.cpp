@@ -70,6 +70,19 @@ TEST_F(Arguments, UnknownCommandOrOption_IsToldWithTheOneThatIsNear) {
   expect_reason({"set", "a.xml", "--tpye", "e_bool", "name", "x"},
                 "there is no option \"--tpye\"; did you mean \"--type\"?");
   expect_reason({"show", "--yaml"}, "there is no option \"--yaml\"");
+  expect_reason({"new", "blinker", "-o", "a.xml", "--model", "slow"},
+                "there is no option \"--model\"; did you mean \"--timing-model\"?");
+}
+
+TEST_F(Arguments, VersionBehindACommand_IsNoOption) {
+  MakeProject();
+  ExpectUnchangedBy({"add", "blinker.xml", "--rtl", "a.v", "--version", "verilog_2001"},
+                    IsWrongUse("kelproj add", {"there is no option \"--version\"; did you mean "
+                                               "\"--hdl-version\"?\n"}));
+  ExpectUnchangedBy({"set", "blinker.xml", "name", "x", "--version"},
+                    IsWrongUse("kelproj set", {"there is no option \"--version\"\n"}));
+  ExpectUnchangedBy({"set", "blinker.xml", "--version", "3"},
+                    IsWrongUse("kelproj set", {"\"--version\""}));
 }
 
 }  // namespace

@@ -133,6 +133,17 @@ TEST_F(Rename, AbsoluteNameGivenARelativeOne_BecomesRelative) {
   EXPECT_EQ(Sources(), nlohmann::json({"pll.v", "../../rtl/old/a.v"}));
 }
 
+TEST_F(Rename, NameThatStays_IsNotJudged) {
+  Write("constraints.json", R"({"constraint": {"sdc": ["c.tcl"]}})");
+  ASSERT_EQ(Run({"apply", "blinker.xml", "constraints.json"}).status, 0);
+  ASSERT_EQ(Run({"add", "blinker.xml", "--misc", PathOf("top.v")}), Done());
+  EXPECT_EQ(Run({"rename", "blinker.xml", PathOf(""), "./"}).status, 0);
+  EXPECT_THAT(Listed("misc.files"), ElementsAre("top.v"));
+  EXPECT_THAT(Listed("constraint.sdc"), ElementsAre("c.tcl"));
+  ExpectUnchangedBy({"rename", "blinker.xml", "c.tcl", "d.tcl"},
+                    Failed("constraint.sdc: \"d.tcl\" must be named NAME.sdc"));
+}
+
 TEST_F(Rename, OneThatIsInNoList_ChangesNothingAndTheAnswerIsNo) {
   ExpectUnchangedBy({"rename", "blinker.xml", "rtl/ol", "rtl/new"},
                     Refused("\"rtl/ol\" is in no list of the project"));

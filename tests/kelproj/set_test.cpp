@@ -188,6 +188,24 @@ TEST_F(Set, ValueThatDeservesALook_IsSetWithAWarning) {
   EXPECT_EQ(SetValue("place_and_route.param.max_threads", "4"), Done());
 }
 
+TEST_F(Set, KeyWithAnEqualsSign_IsRefused) {
+  ExpectUnchangedBy(
+      {"set", "blinker.xml", "synthesis.param.effort=high", "synthesis.param.goal=speed"},
+      Failed("\"synthesis.param.effort=high\" is no key of this project; expected KEY "
+             "VALUE, without ="));
+  ExpectUnchangedBy(
+      {"set", "blinker.xml", "name", "mixer", "info.owner=", "Zoe"},
+      Failed("\"info.owner=\" is no key of this project; expected KEY VALUE, without ="));
+}
+
+TEST_F(Set, StoredParameterWithAnEqualsSign_IsChanged) {
+  Write("parameters.json",
+        R"({"synthesis": {"param": {"a=b": {"value": "1", "type": "e_string"}}}})");
+  ASSERT_EQ(Run({"apply", "blinker.xml", "parameters.json"}), Done());
+  EXPECT_EQ(SetValue("synthesis.param.a=b", "2"), Done());
+  EXPECT_EQ(Value("synthesis.param.a=b"), "2\n");
+}
+
 TEST_F(Set, UnknownType_IsRefused) {
   ExpectUnchangedBy({"set", "blinker.xml", "synthesis.param.goal", "speed", "--type", "text"},
                     IsWrongUse("kelproj set", {"--type", "text", "e_option"}));

@@ -37,9 +37,15 @@ std::size_t EditsBetween(const std::string& a, const std::string& b) {
   return edits[a.size()][b.size()];
 }
 
-}  // namespace
+// Of a word such as "--version", "--hdl-version" is the whole.
+bool IsEndOfOption(const std::string& word, const std::string& option) {
+  if (word.size() < 3 || word.compare(0, 2, "--") != 0 || option.size() <= word.size())
+    return false;
+  return option.compare(option.size() - word.size() + 1, std::string::npos, word, 1,
+                        std::string::npos) == 0;
+}
 
-std::string DidYouMean(const std::string& word, const std::vector<std::string>& known) {
+std::string Nearest(const std::string& word, const std::vector<std::string>& known) {
   // A short word is near to too many.
   std::size_t fewest = std::min(kMostEdits, word.size() / 3) + 1;
   std::string nearest;
@@ -49,6 +55,17 @@ std::string DidYouMean(const std::string& word, const std::vector<std::string>& 
     fewest = edits;
     nearest = each;
   }
+  if (!nearest.empty()) return nearest;
+  const auto whole = std::find_if(known.begin(), known.end(), [&word](const std::string& option) {
+    return IsEndOfOption(word, option);
+  });
+  return whole == known.end() ? "" : *whole;
+}
+
+}  // namespace
+
+std::string DidYouMean(const std::string& word, const std::vector<std::string>& known) {
+  const std::string nearest = Nearest(word, known);
   return nearest.empty() ? "" : "; did you mean \"" + nearest + "\"?";
 }
 

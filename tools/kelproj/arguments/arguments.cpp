@@ -112,9 +112,15 @@ void ReplaceHelpCommand(std::vector<std::string>& words) {
   words.emplace_back("--help");
 }
 
-// Of the program or of the command that is given.
+constexpr char kVerbose[] = "--verbose";
+
+CLI::Option* AddVerbose(CLI::App& app, bool& verbose) {
+  return app.add_flag(std::string("-v,") + kVerbose, verbose, "Report what is being done");
+}
+
+// Of the command that is given.
 std::string ThereIsNoOption(const CLI::App& program, const std::string& word) {
-  std::vector<std::string> known = OptionNames(program);
+  std::vector<std::string> known = {kVerbose};
   for (const CLI::App* command : program.get_subcommands()) {
     for (std::string& option : OptionNames(*command)) known.push_back(std::move(option));
   }
@@ -129,15 +135,18 @@ Arguments::Arguments()
   program_->footer(kProgramHelp);
   program_->set_help_flag("-h,--help", "Print this help");
   program_->set_version_flag("--version", KEL_VERSION_NO, "Print the version");
-  program_->add_flag("-v,--verbose", verbose_, "Report what is being done");
+  AddVerbose(*program_, verbose_);
   program_->require_subcommand(1);
-  program_->fallthrough();
   DefineChangingCommands(*program_, request_);
   DefineAskingCommands(*program_, request_);
   DefineGitCommands(*program_, request_);
   DefineTextCommands(*program_, request_);
   FinishOptions(*program_);
-  for (CLI::App* command : program_->get_subcommands({})) FinishOptions(*command);
+  for (CLI::App* command : program_->get_subcommands({})) {
+    // Of the program's options, this one also goes behind a command, without a line in its help.
+    AddVerbose(*command, verbose_)->group("");
+    FinishOptions(*command);
+  }
 }
 
 Arguments::~Arguments() = default;

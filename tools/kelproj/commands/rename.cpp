@@ -60,8 +60,10 @@ class Renaming {
     if (name.empty()) return;
     const std::optional<fs::path> path = NewPath(project_directory_ / name);
     if (!path) return;
-    name = StoredFor(*path, project_directory_, IsAbsoluteThen(name));
-    RequireEnding(term, name);
+    const std::string stored = StoredFor(*path, project_directory_, IsAbsoluteThen(name));
+    // What a load accepted may stay.
+    if (stored != name) RequireEnding(term, stored);
+    name = stored;
   }
 
   void Rename(const ProjectTerm& term, std::vector<std::string>& names) {

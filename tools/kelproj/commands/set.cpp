@@ -1,4 +1,5 @@
 #include <cstddef>
+#include <string>
 #include <utility>
 
 #include <projectdb/project_contents.h>
@@ -14,14 +15,22 @@ using projectdb::ParameterType;
 using projectdb::ProjectContents;
 
 struct Setting {
+  std::string key_text;
   Key key;
   std::string value;
 };
 
 Setting SettingOf(const std::string& key_text, const std::string& value) {
-  Setting setting{FindKey(key_text), value};
+  Setting setting{key_text, FindKey(key_text), value};
   if (!setting.key.write) throw Trouble(key_text + " cannot be set");
   return setting;
+}
+
+// A new parameter with a "=" in its name is a slip. One that the project has may change.
+void RequireNoSlip(const Setting& setting, const ProjectContents& project) {
+  if (setting.key_text.find('=') == std::string::npos || setting.key.read(project)) return;
+  throw Trouble("\"" + setting.key_text +
+                "\" is no key of this project; expected KEY VALUE, without =");
 }
 
 std::vector<Setting> SettingsOf(const SetArguments& arguments) {
@@ -45,7 +54,10 @@ ExitStatus Run(const SetArguments& arguments, const Console& console) {
   const std::vector<Setting> settings = SettingsOf(arguments);
   const std::optional<ParameterType> type = TypeOf(arguments, settings.front().key);
   ChangeValues(arguments.file, console, [&](ProjectContents& project) {
-    for (const auto& [key, value] : settings) key.write(project, value, type);
+    for (const Setting& setting : settings) {
+      RequireNoSlip(setting, project);
+      setting.key.write(project, setting.value, type);
+    }
   });
   return ExitStatus::kYes;
 }
