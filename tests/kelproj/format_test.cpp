@@ -133,4 +133,14 @@ TEST_F(Format, OneBadFileOfSeveral_DoesNotKeepTheOthersFromTheirForm) {
   EXPECT_EQ(Run({"format", "--check", "other.xml"}), Done());
 }
 
+TEST_F(Format, StandardInputWithAName_IsCalledSoInMessages) {
+  const Outcome outcome = RunOn("<broken", {"format", "-", "--path", "hw/soc.xml"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_THAT(outcome.err, AllOf(StartsWith("hw/soc.xml:1:"),
+                                 EndsWith("hw/soc.xml has errors; it is not changed without "
+                                          "--force\n")));
+  EXPECT_THAT(Run({"format", "blinker.xml", "--path", "hw/soc.xml"}),
+              IsWrongUse("kelproj format", {"--path requires -"}));
+}
+
 }  // namespace

@@ -215,7 +215,8 @@ TEST_F(GitProject, SideThatIsNoProject_StopsTheMergeAndSaysWhich) {
   Commit();
   const Outcome merge = RunGit({"merge", "theirs"});
   EXPECT_EQ(merge.status, 1);
-  EXPECT_THAT(merge.err, EndsWith("kelproj: error: blinker.xml (theirs) does not load\n"));
+  EXPECT_THAT(merge.err, EndsWith("kelproj: error: blinker.xml (theirs) does not load; nothing is "
+                                  "merged, and blinker.xml is ours\n"));
   EXPECT_EQ(Status(), "UU blinker.xml\n");
   EXPECT_EQ(Get("blinker.xml", "name"), "blinker2\n");
 }

@@ -30,7 +30,7 @@ TEST_F(GitSetup, File_IsGivenTheThreeDriversByThePlaceOfTheProgram) {
   const std::string program = "'" + KelprojProgram() + "'";
   EXPECT_EQ(Configured("diff.kelproj.command"), program + " diff\n");
   EXPECT_EQ(Configured("merge.kelproj.driver"), program + " merge %O %A %B -o %A --path %P\n");
-  EXPECT_EQ(Configured("filter.kelproj.clean"), program + " format --no-stamps -\n");
+  EXPECT_EQ(Configured("filter.kelproj.clean"), program + " format --no-stamps - --path=%f\n");
 }
 
 TEST_F(GitSetup, Twice_ChangesNothing) {
@@ -46,6 +46,13 @@ TEST_F(GitSetup, ProgramThatHasMoved_TakesThePlaceOfTheFormerOne) {
   Succeed({"config", "diff.kelproj.command", "'/opt/old place/kelproj' diff"});
   ASSERT_EQ(RunHere({"git-setup", "blinker.xml"}), Done());
   EXPECT_EQ(Configured("diff.kelproj.command"), "'" + KelprojProgram() + "' diff\n");
+}
+
+TEST_F(GitSetup, DriverOfAnOlderSetup_IsBroughtUpToDate) {
+  const std::string program = "'" + KelprojProgram() + "'";
+  Succeed({"config", "filter.kelproj.clean", program + " format --no-stamps -"});
+  ASSERT_EQ(RunHere({"git-setup", "blinker.xml"}), Done());
+  EXPECT_EQ(Configured("filter.kelproj.clean"), program + " format --no-stamps - --path=%f\n");
 }
 
 TEST_F(GitSetup, Undo_TakesItBack) {
@@ -260,6 +267,21 @@ TEST_F(GitSetup, FileThatIsCommittedAlready_IsRenormalizedAsTheHelpTells) {
 TEST_F(GitSetup, WithoutGit_IsTrouble) {
   EXPECT_EQ(Run({"git-setup", "blinker.xml"}, {".", {{"PATH", "/nowhere"}}}),
             Failed("git is not installed"));
+}
+
+TEST_F(GitSetup, MessagesOfTheFilter_NameTheFile) {
+  for (const std::string file : {"hw/it's [a] 50% project.xml", "-o.xml", "[b].xml"}) {
+    std::filesystem::create_directories(PathOf("hw"));
+    std::filesystem::copy_file(PathOf("blinker.xml"), PathOf(file));
+    ASSERT_EQ(RunHere({"git-setup", "--", file}), Done());
+    std::string text = Read(file);
+    Write(file, text.insert(text.find('\n') + 1, "<!-- checked by Zoe -->\n"));
+    const Outcome outcome = RunGit({"add", "--", file});
+    EXPECT_EQ(outcome.status, 0);
+    // Git may look at the other files once more.
+    EXPECT_THAT(outcome.err, HasSubstr(file + ":2:1: warning: the comment is not kept\n"));
+    EXPECT_THAT(RunGit({"show", ":" + file}).out, Not(HasSubstr("Zoe")));
+  }
 }
 
 /// The program where a shell must quote its path and git takes a part of it for a placeholder.

@@ -175,9 +175,10 @@ TEST_F(Merge, Path_NamesTheProjectInTheMessages) {
   EXPECT_EQ(RunMerge({"-o", "ours.xml", "--path", "hw/soc.xml"}).err,
             Conflict("hw/soc.xml", kDeviceConflict));
   Write("theirs.xml", "<project>");
-  EXPECT_THAT(RunMerge({"--path", "hw/soc.xml"}).err,
-              AllOf(StartsWith("hw/soc.xml (theirs):1:"),
-                    EndsWith("kelproj: error: hw/soc.xml (theirs) does not load\n")));
+  EXPECT_THAT(
+      RunMerge({"--path", "hw/soc.xml"}).err,
+      AllOf(StartsWith("hw/soc.xml (theirs):1:"),
+            EndsWith("kelproj: error: hw/soc.xml (theirs) does not load; nothing is merged\n")));
 }
 
 TEST_F(Merge, Json_HasTheConflictsAndTakesThePlaceOfTheProject) {
@@ -280,18 +281,31 @@ TEST_F(MergeTrouble, MissingFile_IsNamed) {
 }
 
 TEST_F(MergeTrouble, SideWithNothingInIt_IsNoProject) {
-  ExpectTrouble({"base.xml", "/dev/null", "theirs.xml"}, "/dev/null does not load");
+  ExpectTrouble({"base.xml", "/dev/null", "theirs.xml"},
+                "/dev/null does not load; nothing is merged");
 }
 
 TEST_F(MergeTrouble, TextWithConflictMarkers_IsNoProject) {
   Write("ours.xml", "<<<<<<< main\n" + Read("ours.xml"));
-  ExpectTrouble({"base.xml", "ours.xml", "theirs.xml"}, "ours.xml does not load");
-  ExpectTrouble({"ours.xml", "base.xml", "theirs.xml"}, "ours.xml does not load");
+  ExpectTrouble({"base.xml", "ours.xml", "theirs.xml"},
+                "ours.xml does not load; nothing is merged");
+  ExpectTrouble({"ours.xml", "base.xml", "theirs.xml"},
+                "ours.xml does not load; nothing is merged");
 }
 
 TEST_F(MergeTrouble, SideThatDoesNotLoadWhole_WouldLoseWhatDoesNot) {
   InsertElement("theirs.xml", "<kel:unknown_info/>");
-  ExpectTrouble({"base.xml", "ours.xml", "theirs.xml"}, "theirs.xml does not load");
+  ExpectTrouble({"base.xml", "ours.xml", "theirs.xml"},
+                "theirs.xml does not load; nothing is merged");
+}
+
+TEST_F(Merge, SideThatDoesNotLoadIntoOurs_LeavesOursAndSaysSo) {
+  const std::string ours = Read("ours.xml");
+  Write("theirs.xml", "<project>");
+  EXPECT_THAT(RunMerge({"-o", "ours.xml"}).err,
+              EndsWith("kelproj: error: theirs.xml does not load; nothing is merged, and ours.xml "
+                       "is ours\n"));
+  EXPECT_EQ(Read("ours.xml"), ours);
 }
 
 TEST_F(Merge, BaseThatDoesNotLoadWhole_IsGoodForWhatLoads) {

@@ -75,6 +75,10 @@ TEST_F(Move, FileThatTheListHasNot_ChangesNothingAndTheAnswerIsNo) {
                     Refused("\"e.v\" is not among the design files"));
   ExpectUnchangedBy({"move", "blinker.xml", "--rtl", "a.v", "--after", "e.v"},
                     Refused("\"e.v\" is not among the design files"));
+  ASSERT_EQ(Run({"add", "blinker.xml", "--rtl", "rtl/f.v"}).status, 0);
+  ExpectUnchangedBy({"move", "blinker.xml", "--rtl", "rtl", "--first"},
+                    Refused("\"rtl\" is not among the design files; \"rtl/\" means all files "
+                            "below it"));
   ExpectUnchangedBy({"move", "blinker.xml", "--sim", "a.v", "--first"},
                     Refused("\"a.v\" is not among the simulation files"));
 }

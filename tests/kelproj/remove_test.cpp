@@ -110,7 +110,10 @@ TEST_F(Remove, DirectoryWithNoFileBelow_ChangesNothingAndTheAnswerIsNo) {
   ExpectUnchangedBy({"remove", "blinker.xml", "a.v/"},
                     Refused("\"a.v/\" is in no list of the project"));
   ExpectUnchangedBy({"remove", "blinker.xml", "rtl"},
-                    Refused("\"rtl\" is in no list of the project"));
+                    Refused("\"rtl\" is in no list of the project; \"rtl/\" means all files "
+                            "below it"));
+  ExpectUnchangedBy({"remove", "blinker.xml", "--misc", "rtl"},
+                    Refused("\"rtl\" is not among the miscellaneous files"));
 }
 
 TEST_F(Remove, IpInstance_IsMeantByItsNameToo) {

@@ -147,6 +147,9 @@ TEST_F(Rename, NameThatStays_IsNotJudged) {
 TEST_F(Rename, OneThatIsInNoList_ChangesNothingAndTheAnswerIsNo) {
   ExpectUnchangedBy({"rename", "blinker.xml", "rtl/ol", "rtl/new"},
                     Refused("\"rtl/ol\" is in no list of the project"));
+  ExpectUnchangedBy({"rename", "blinker.xml", "u_pll", "u_main"},
+                    Refused("\"u_pll\" is in no list of the project; --ip renames the IP instance "
+                            "of that name"));
   ExpectUnchangedBy({"rename", "blinker.xml", "top.v/", "main/"},
                     Refused("\"top.v/\" is in no list of the project"));
 }

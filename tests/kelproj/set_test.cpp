@@ -88,7 +88,8 @@ TEST_F(Set, OneBadPairOfSeveral_ChangesNothing) {
       {{"device.device", "R40", "device.speed", "3"}, "\"device.speed\" is no key of a project"},
       {{"device.device", "R40", "sw_version", "3"}, "sw_version cannot be set"},
       {{"device.device", "R40", "synthesis.param.goal", ""},
-       "synthesis.param.goal: a parameter of type e_string needs a value"},
+       "synthesis.param.goal: a parameter of type e_string needs a value; --type e_noarg stores it "
+       "without one"},
       {{"device.device", "R40", "info.name", "x"}, "a project does not keep info.name"}};
   for (auto [arguments, reason] : cases) {
     arguments.insert(arguments.begin(), {"set", "blinker.xml"});
@@ -161,7 +162,11 @@ TEST_F(Set, NameOfAFile_IsTakenFromWhereTheUserStands) {
 TEST_F(Set, RefusedValue_FailsAndLeavesTheFile) {
   const std::pair<std::vector<std::string>, const char*> cases[] = {
       {{"synthesis.param.goal", ""},
-       "synthesis.param.goal: a parameter of type e_string needs a value"},
+       "synthesis.param.goal: a parameter of type e_string needs a value; --type e_noarg stores it "
+       "without one"},
+      {{"synthesis.defmacro.FAST", ""},
+       "synthesis.defmacro.FAST: a parameter of type none needs a value; --type e_noarg stores it "
+       "without one"},
       {{"synthesis.param.keep_hierarchy", "yes", "--type", "e_noarg"},
        "synthesis.param.keep_hierarchy: a parameter of type e_noarg takes no value"},
       {{"device.device", "R40", "--type", "e_string"},

@@ -139,7 +139,10 @@ void WriteParameter(ProjectContents& project, const ParameterPlace& place, const
   const ParameterType own_type =
       stored == map.end() ? TypeOfNewParameter(place.map) : stored->second.type;
   const Parameter parameter(place.name, value, asked_type.value_or(own_type));
-  if (const auto reason = WhyRefused(parameter)) throw Trouble(KeyOf(place) + ": " + *reason);
+  if (const auto reason = WhyRefused(parameter)) {
+    const char* const way = value.empty() ? "; --type e_noarg stores it without one" : "";
+    throw Trouble(KeyOf(place) + ": " + *reason + way);
+  }
   map.insert_or_assign(place.name, parameter);
 }
 

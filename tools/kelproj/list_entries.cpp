@@ -15,9 +15,9 @@ void RefuseRepeated(const std::string& name, const std::string& title) {
   throw Refusal("\"" + name + "\" is among the " + title + " already");
 }
 
-void RefuseMissing(const std::string& name, const std::string& title) {
+void RefuseMissing(const std::string& name, const std::string& title, const std::string& hint) {
   throw Refusal("\"" + name + "\" is " +
-                (title.empty() ? "in no list of the project" : "not among the " + title));
+                (title.empty() ? "in no list of the project" : "not among the " + title) + hint);
 }
 
 void RefuseRepeatedInstance(const std::string& name) {
@@ -41,11 +41,14 @@ bool EntryChoice::ChooseFile(const std::filesystem::path& path) {
   return path.has_filename() ? ChooseKnown(file, known_files_, chosen_files_) : ChooseBelow(file);
 }
 
+bool EntryChoice::IsAboveAny(const std::string& directory) const {
+  return std::any_of(
+      known_files_.begin(), known_files_.end(),
+      [&directory](const std::string& file) { return PartBelow(directory, file).has_value(); });
+}
+
 bool EntryChoice::ChooseBelow(const std::string& directory) {
-  const auto is_below = [&directory](const std::string& file) {
-    return PartBelow(directory, file).has_value();
-  };
-  if (std::none_of(known_files_.begin(), known_files_.end(), is_below)) return false;
+  if (!IsAboveAny(directory)) return false;
   chosen_directories_.push_back(directory);
   return true;
 }
@@ -60,6 +63,14 @@ bool EntryChoice::Choose(const std::string& name) {
   RequireName(name);
   return ChooseFile(std::filesystem::current_path() / name) ||
          ChooseKnown(name, known_names_, chosen_names_) || ChooseFile(project_directory_ / name);
+}
+
+std::string EntryChoice::HintFor(const std::string& name) {
+  const std::string directory = name + "/";
+  const bool is_above = IsAboveAny(identities_.Of(std::filesystem::current_path() / directory)) ||
+                        IsAboveAny(identities_.Of(project_directory_ / directory));
+  if (!is_above || name.back() == '/') return "";
+  return "; \"" + directory + "\" means all files below it";
 }
 
 }  // namespace kelproj

@@ -22,7 +22,9 @@ std::string TitleOfSources(const projectdb::IP& ip);
 /// Refuses a name that means nothing in a list.
 /// @param name as it would be stored
 /// @param title of the list, within a sentence; "" for all lists of the project
-[[noreturn]] void RefuseMissing(const std::string& name, const std::string& title = "");
+/// @param hint behind that, what the user may have meant
+[[noreturn]] void RefuseMissing(const std::string& name, const std::string& title = "",
+                                const std::string& hint = "");
 
 /// Refuses the name of an IP instance that is there.
 [[noreturn]] void RefuseRepeatedInstance(const std::string& name);
@@ -58,6 +60,10 @@ class EntryChoice {
   /// @return whether there are any
   bool Choose(const std::string& name);
 
+  /// The end of a message about a name that means nothing: what means all files below it, if there
+  /// are any; else "".
+  std::string HintFor(const std::string& name);
+
   /// Whether the entry is chosen.
   template <typename Entry>
   bool Has(const Entry& entry, const std::filesystem::path& directory) {
@@ -78,6 +84,7 @@ class EntryChoice {
 
   bool HasFile(const std::string& file) const;
   bool ChooseFile(const std::filesystem::path& path);
+  bool IsAboveAny(const std::string& directory) const;
   bool ChooseBelow(const std::string& directory);
   static bool ChooseKnown(const std::string& text, const Texts& known, Texts& chosen);
 

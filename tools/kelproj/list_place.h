@@ -39,7 +39,7 @@ EntryChoice EntriesOf(const std::vector<Entry>& entries, const ListOfFiles& list
   if (choice.Choose(name)) return choice;
   constexpr bool kHasNamesOfItsOwn = std::is_same_v<Entry, projectdb::IP>;
   const std::string shown = kHasNamesOfItsOwn ? name : StoredName(name, list.project_directory);
-  RefuseMissing(shown, list.title);
+  RefuseMissing(shown, list.title, choice.HintFor(name));
 }
 
 /// Where something stands that is put into the place: before the entry at this position.

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "arguments/definition.h"
 #include "commands/changing.h"
 #include "keys.h"
@@ -280,7 +282,11 @@ void DefineApply(CLI::App& program, Request& request) {
 void DefineFormat(CLI::App& program, Request& request) {
   CLI::App& command =
       AddCommand(program, "format", "Write project files in their canonical form", kFormatHelp);
-  auto& arguments = Requested<FormatArguments>(command, request);
+  auto& arguments = Requested<FormatArguments>(command, request, [](const FormatArguments& given) {
+    const auto& files = given.files;
+    const bool has_input = std::find(files.begin(), files.end(), kStandardInput) != files.end();
+    if (given.name && !has_input) throw CLI::RequiresError("--path", kStandardInput);
+  });
   command.add_option("FILE", arguments.files, kFileHelp)->required();
   AddForce(command, arguments.despite_errors);
   ExcludeEachOther(
@@ -288,6 +294,8 @@ void DefineFormat(CLI::App& program, Request& request) {
        command.add_flag("--stdout", arguments.to_output,
                         "Write to standard output and leave the files")});
   command.add_flag("--no-stamps", arguments.no_stamps, "Leave the stamps out");
+  command.add_option("--path", arguments.name, "What to call standard input in messages")
+      ->type_name("NAME");
 }
 
 }  // namespace

@@ -97,6 +97,7 @@ struct FormatArguments {
   bool check = false;      ///< Whether files are looked at only,
   bool to_output = false;  ///< or written to the standard output.
   bool no_stamps = false;
+  std::optional<std::string> name;  ///< What messages call the standard input.
 };
 ExitStatus Run(const FormatArguments& arguments, const Console& console);
 

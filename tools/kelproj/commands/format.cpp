@@ -22,7 +22,8 @@ void RemoveStamps(ProjectContents& project) {
 // In the canonical form. The stamps stay, since the form alone changes.
 std::string Formatted(const std::string& bytes, const std::string& file,
                       const FormatArguments& arguments, const Console& console) {
-  const std::string name = file == kStandardInput ? "standard input" : file;
+  const std::string name =
+      file == kStandardInput ? arguments.name.value_or("standard input") : file;
   ProjectContents project = ParseToChange(bytes, name, arguments.despite_errors, console);
   if (arguments.no_stamps) RemoveStamps(project);
   return projectdb::FormatProjectFile(project, {true});

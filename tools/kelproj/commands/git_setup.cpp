@@ -38,7 +38,7 @@ std::vector<GitSetting> Settings() {
   return {{"diff.kelproj.command", program + " diff"},
           {"merge.kelproj.name", "merge of projects"},
           {"merge.kelproj.driver", expanded + " merge %O %A %B -o %A --path %P"},
-          {"filter.kelproj.clean", expanded + " format --no-stamps -"}};
+          {"filter.kelproj.clean", expanded + " format --no-stamps - --path=%f"}};
 }
 
 /// The configuration of a repository or of the user.

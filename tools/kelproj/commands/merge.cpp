@@ -42,33 +42,42 @@ Inputs InputsOf(const MergeArguments& arguments) {
           input(arguments.theirs, "theirs")};
 }
 
-[[noreturn]] void RefuseToLoad(const Input& input) { throw Trouble(input.name + " does not load"); }
+// Git leaves the user with the output, which is ours.
+std::string NothingIsMerged(const MergeArguments& arguments) {
+  if (arguments.output != arguments.ours) return "; nothing is merged";
+  return "; nothing is merged, and " + arguments.name.value_or(arguments.ours) + " is ours";
+}
+
+[[noreturn]] void RefuseToLoad(const Input& input, const std::string& consequence) {
+  throw Trouble(input.name + " does not load" + consequence);
+}
 
 // What loads of the base is enough. A part that does not load counts as one that the base lacks, so
 // that no side has removed it.
-ProjectContents BaseOf(const Input& input, const Console& console) {
+ProjectContents BaseOf(const Input& input, const std::string& consequence, const Console& console) {
   const std::string bytes = ReadFile(input.file, input.name);
   if (bytes.empty()) return {};
   ProjectFile read = projectdb::ParseProjectFile(bytes, "");
   if (read.contents) return *std::move(read.contents);
   WriteProblems(console.err, input.name, read.problems);
-  RefuseToLoad(input);
+  RefuseToLoad(input, consequence);
 }
 
 // What of a side does not load, or is not written again, would be lost.
-ProjectContents SideOf(const Input& input, const Console& console) {
+ProjectContents SideOf(const Input& input, const std::string& consequence, const Console& console) {
   ProjectFile read =
       projectdb::ParseProjectFile(ReadFile(input.file, input.name), InstalledSchema());
   WriteProblems(console.err, input.name, read.problems);
   if (read.contents && !HasError(read.problems)) return *std::move(read.contents);
-  RefuseToLoad(input);
+  RefuseToLoad(input, consequence);
 }
 
 MergedProjects Merge(const MergeArguments& arguments, const Console& console) {
   const Inputs inputs = InputsOf(arguments);
-  const ProjectContents base = BaseOf(inputs.base, console);
-  const ProjectContents ours = SideOf(inputs.ours, console);
-  const ProjectContents theirs = SideOf(inputs.theirs, console);
+  const std::string consequence = NothingIsMerged(arguments);
+  const ProjectContents base = BaseOf(inputs.base, consequence, console);
+  const ProjectContents ours = SideOf(inputs.ours, consequence, console);
+  const ProjectContents theirs = SideOf(inputs.theirs, consequence, console);
   if (arguments.preferred != MergeSide::kTheirs) return MergeProjects(base, ours, theirs);
   // A merge keeps its first side where there is a conflict.
   MergedProjects merged = MergeProjects(base, theirs, ours);

@@ -33,10 +33,11 @@ void ForEachList(ProjectContents& project, const FileKind* kind, Function functi
 }
 
 [[noreturn]] void Refuse(const RemoveArguments& arguments, const std::string& name,
-                         const ProjectContents& project) {
+                         const ProjectContents& project, EntryChoice& known) {
   const bool is_of_instance = arguments.kind == &InstanceKind();
   RefuseMissing(is_of_instance ? name : StoredName(name, project.current_path),
-                arguments.kind ? TitleInSentence(TermOf(*arguments.kind)) : "");
+                arguments.kind ? TitleInSentence(TermOf(*arguments.kind)) : "",
+                known.HintFor(name));
 }
 
 void Remove(const RemoveArguments& arguments, ProjectContents& project) {
@@ -44,7 +45,7 @@ void Remove(const RemoveArguments& arguments, ProjectContents& project) {
   ForEachList(project, arguments.kind,
               [&](const auto& list, const auto& directory) { removed.Know(list, directory); });
   for (const std::string& name : arguments.names) {
-    if (!removed.Choose(name)) Refuse(arguments, name, project);
+    if (!removed.Choose(name)) Refuse(arguments, name, project, removed);
   }
   ForEachList(project, arguments.kind, [&](auto& list, const auto& directory) {
     const auto end = std::remove_if(

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -171,6 +172,12 @@ class Renaming {
   bool is_used_ = false;
 };
 
+std::string HintFor(const std::string& name, const std::vector<IP>& ips) {
+  const bool is_instance = std::any_of(ips.begin(), ips.end(),
+                                       [&name](const IP& ip) { return ip.instance_name == name; });
+  return is_instance ? "; --ip renames the IP instance of that name" : "";
+}
+
 // The former name is as seen from where the user stands; else, as with every name of a file that
 // is there, as it is stored.
 void RenameFiles(const RenameArguments& arguments, ProjectContents& project) {
@@ -178,7 +185,8 @@ void RenameFiles(const RenameArguments& arguments, ProjectContents& project) {
       Renaming(arguments, fs::current_path(), project).Rename(project) ||
       Renaming(arguments, fs::weakly_canonical(project.current_path), project).Rename(project);
   if (is_renamed) return;
-  RefuseMissing(StoredName(arguments.former_name, project.current_path));
+  RefuseMissing(StoredName(arguments.former_name, project.current_path), "",
+                HintFor(arguments.former_name, project.ip_info.ips));
 }
 
 void RenameInstances(const RenameArguments& arguments, std::vector<IP>& ips) {
