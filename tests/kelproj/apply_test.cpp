@@ -142,6 +142,15 @@ TEST_F(Apply, AllOfTheProjectItself_LeavesTheFile) {
   EXPECT_EQ(Read("blinker.xml"), before);
 }
 
+TEST_F(Apply, ManyParameters_AreAllThoseOfTheirMap) {
+  Json parameters;
+  for (int i = 0; i < 5000; ++i) {
+    parameters["p" + std::to_string(i)] = {{"value", std::to_string(i)}, {"type", "e_string"}};
+  }
+  EXPECT_EQ(Applied(Json{{"debugger", {{"param", parameters}}}}.dump()), Done());
+  EXPECT_EQ(Project().at("debugger").at("param"), parameters);
+}
+
 TEST_F(Apply, PartOfADocument_ChangesThatPartAlone) {
   const std::pair<const char*, const char*> cases[] = {
       {R"({"name": "mixer"})", "/name"},

@@ -202,6 +202,27 @@ TEST_P(ChangeOfContents, MisspeltAttribute_IsAnErrorWithItsLineUnlessForced) {
   EXPECT_THAT(Read("blinker.xml"), Not(HasSubstr("pfad")));
 }
 
+TEST_F(KelprojTest, FileOfAnotherEnding_IsRefusedWithOneMessage) {
+  MakeProject();
+  const std::string bytes = Read("blinker.xml");
+  Write("blinker.txt", bytes);
+  const Outcome refused = Failed("blinker.txt: the name of a project file ends in .xml");
+  EXPECT_EQ(Run({"set", "blinker.txt", "name", "q"}), refused);
+  EXPECT_EQ(Run({"set", "blinker.txt", "name", "q", "--force"}), refused);
+  EXPECT_EQ(Run({"get", "blinker.txt", "name"}), refused);
+  EXPECT_EQ(Run({"format", "blinker.txt"}), refused);
+  EXPECT_EQ(Read("blinker.txt"), bytes);
+}
+
+TEST_F(KelprojTest, EmptyFile_IsRefusedWithOneMessage) {
+  Write("blinker.xml", "");
+  const Outcome refused = Failed("blinker.xml is empty");
+  EXPECT_EQ(Run({"set", "blinker.xml", "name", "q"}), refused);
+  EXPECT_EQ(Run({"set", "blinker.xml", "name", "q", "--force"}), refused);
+  EXPECT_EQ(Run({"get", "blinker.xml", "name"}), refused);
+  EXPECT_EQ(Run({"format", "blinker.xml", "--check"}), refused);
+}
+
 TEST_F(KelprojTest, FileBehindALinkIntoAnotherDirectory_HasTheNamesThatALoadOfTheLinkWants) {
   std::filesystem::create_directories(PathOf("real"));
   MakeProject("real/lamp.xml");

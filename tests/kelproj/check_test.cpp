@@ -298,6 +298,12 @@ TEST_F(CheckFiles, FilesThatDoNotExist_AreEachAnError) {
                 "mixer.xml: error: ip.pll.files[0]: \"pll.v\" does not exist\n");
 }
 
+TEST_F(CheckFiles, Directory_IsNamedAsOne) {
+  std::filesystem::create_directory(PathOf("top.v"));
+  EXPECT_THAT(Run({"check", "mixer.xml", "--files"}).out,
+              HasSubstr("mixer.xml: error: design.files[0]: \"top.v\" is a directory\n"));
+}
+
 TEST_F(CheckFiles, FilesThatExist_AreNotNamed) {
   for (const char* name : {"top.v", "clocks.sdc", "pins.interface.csv", "pads.isf", "tb höhe.sv",
                            "ip/pll.ip", "ip/pll.v"}) {

@@ -29,7 +29,8 @@ class Completion : public KelprojTest {
     <design_file name="my rtl/it's $new.v" version="verilog_2001" library="default"/>
     <design_file name="my rtl/lamp.v" version="sv_2017" library="light"/>
   </design_info>
-  <constraint_info><sdc_file name="my clocks.sdc"/></constraint_info>
+  <constraint_info><sdc_file name="my clocks.sdc"/>
+    <inter_file name="pins.interface.csv"/></constraint_info>
   <ip_info>
     <ip instance_name="pll" path="ip/pll.ip"><ip_src_file name="pll.v"/></ip>
   </ip_info>
@@ -116,13 +117,29 @@ TEST_F(Completion, NamesOfAProjectsFiles_AreOfferedAsTheUserSeesThem) {
   // An IP instance has a name of its own.
   EXPECT_EQ(Completions({"rename", "lamp.xml", "--ip", "p"}), Lines({"pll"}));
   EXPECT_EQ(Completions({"remove", "lamp.xml", "--ip", "p"}), Lines({"pll"}));
-  EXPECT_EQ(Completions({"move", "lamp.xml", "--ip", ""}), Lines({"pll", "ip/pll.ip", "ip/pll.v"}));
+  EXPECT_EQ(Completions({"remove", "lamp.xml", "--ip", ""}), Lines({"pll"}));
+  EXPECT_EQ(Completions({"move", "lamp.xml", "--ip", ""}), Lines({"pll"}));
   EXPECT_EQ(Completions({"move", "lamp.xml", "--ip", "ip/pll.ip", "--after", "p"}), Lines({"pll"}));
   EXPECT_EQ(Completions({"remove", "lamp.xml", "--sdc", "p"}), Lines());
   EXPECT_EQ(Completions({"move", "lamp.xml", "--rtl", "a.v", "--before", "my rtl/l"}),
             Lines({"my rtl/lamp.v"}));
   EXPECT_EQ(Completions({"remove", "../lamp.xml", "../my"}, "out"),
             Lines({"../my rtl/it's $new.v", "../my rtl/lamp.v", "../my clocks.sdc"}));
+}
+
+TEST_F(Completion, InterfaceConstraint_IsOfferedOnlyToBeRenamed) {
+  EXPECT_EQ(Completions({"rename", "lamp.xml", "pins"}), Lines({"pins.interface.csv"}));
+  EXPECT_EQ(Completions({"remove", "lamp.xml", "pins"}), Lines());
+}
+
+TEST_F(Completion, OtherFileOfAMove_IsNotTheOneThatIsMoved) {
+  EXPECT_EQ(Completions({"move", "lamp.xml", "--rtl", "my rtl/lamp.v", "--before", ""}),
+            Lines({"my rtl/it's $new.v"}));
+}
+
+TEST_F(Completion, NeighbourOfAnAddedSource_IsAnInstanceOrASource) {
+  EXPECT_EQ(Completions({"add", "lamp.xml", "--ip", "pll", "x.v", "--before", ""}),
+            Lines({"pll", "ip/pll.ip", "ip/pll.v"}));
 }
 
 TEST_F(Completion, FurtherPairsOfSet_HaveTheirKeysInTurns) {

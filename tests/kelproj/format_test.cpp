@@ -111,8 +111,9 @@ TEST_F(Format, StandardInputInTheForm_PassesTheCheck) {
 }
 
 TEST_F(Format, StandardInputThatDoesNotLoad_PrintsNothingAndFails) {
+  EXPECT_EQ(RunOn("", {"format", "--no-stamps", "-"}), Failed("standard input is empty"));
   for (const std::string& input :
-       {std::string(), std::string("no project"), canonical_.substr(0, canonical_.size() / 2)}) {
+       {std::string("no project"), canonical_.substr(0, canonical_.size() / 2)}) {
     const Outcome outcome = RunOn(input, {"format", "--no-stamps", "-"});
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.out, "");

@@ -322,6 +322,11 @@ TEST_F(Merge, WhatASideHasAndNoMergeKeeps_IsAWarning) {
   EXPECT_THAT(outcome.err, AllOf(StartsWith("theirs.xml:"), HasSubstr(": warning: ")));
 }
 
+TEST_F(Merge, OutputThatIsADirectory_IsNamedAsOne) {
+  std::filesystem::create_directory(PathOf("out"));
+  EXPECT_EQ(RunMerge({"-o", "out"}), Failed("out is a directory"));
+}
+
 TEST_F(Merge, OutputThatCannotBeWritten_IsTrouble) {
   EXPECT_EQ(RunMerge({"-o", "no/out.xml"}), Failed("there is no directory " + PathOf("no")));
   if (!PermissionsBind()) GTEST_SKIP() << "permissions do not bind root";

@@ -68,20 +68,54 @@ Words InstanceNames(const Situation& situation) {
   return names;
 }
 
-// Of the kinds whose options are given, or of all kinds without one. An IP instance may be named by
-// its own name too.
-Words FileNames(const Situation& situation) {
-  const auto is_given = [&situation](const FileKind& kind) {
-    return std::find(situation.words.begin(), situation.words.end(), kind.option) !=
-           situation.words.end();
-  };
-  const auto kinds = FileKinds();
-  const bool is_choice = std::any_of(kinds.begin(), kinds.end(), is_given);
-  Words names = is_given(InstanceKind()) ? InstanceNames(situation) : Words();
+// Whether the option of the kind is given.
+bool IsGiven(const FileKind& kind, const Situation& situation) {
+  return std::find(situation.words.begin(), situation.words.end(), kind.option) !=
+         situation.words.end();
+}
+
+projectdb::Table<FileKind> OneKind(const FileKind& kind) { return {&kind, 1}; }
+
+// Of these kinds.
+Words FileNames(const Situation& situation, projectdb::Table<FileKind> kinds) {
+  Words names;
   for (const NamedFile& file : FilesOf(ProjectOf(situation))) {
-    if (!is_choice || is_given(*file.kind)) names.push_back(NameFromHere(file));
+    const bool is_of_kinds = std::any_of(kinds.begin(), kinds.end(),
+                                         [&](const FileKind& kind) { return &kind == file.kind; });
+    if (is_of_kinds) names.push_back(NameFromHere(file));
   }
   return names;
+}
+
+// Of what is in lists, and there of the kind whose option is given. With that of IP instances they
+// are meant and not their files.
+Words ListedNames(const Situation& situation) {
+  if (IsGiven(InstanceKind(), situation)) return InstanceNames(situation);
+  const auto kinds = ListedFileKinds();
+  const auto* const kind =
+      std::find_if(kinds.begin(), kinds.end(),
+                   [&situation](const FileKind& each) { return IsGiven(each, situation); });
+  return FileNames(situation, kind == kinds.end() ? kinds : OneKind(*kind));
+}
+
+// Nothing stands next to itself.
+Words OtherNames(const Situation& situation) {
+  Words names = ListedNames(situation);
+  // What is added may be a source of an instance.
+  if (IsGiven(InstanceKind(), situation) && situation.command.get_name() == "add") {
+    const Words sources = FileNames(situation, OneKind(InstanceKind()));
+    names.insert(names.end(), sources.begin(), sources.end());
+  }
+  for (const std::string& name : situation.positionals) {
+    names.erase(std::remove(names.begin(), names.end(), name), names.end());
+  }
+  return names;
+}
+
+// The interface constraint, which is in no list, can be renamed too.
+Words FormerNames(const Situation& situation) {
+  return IsGiven(InstanceKind(), situation) ? InstanceNames(situation)
+                                            : FileNames(situation, FileKinds());
 }
 
 Words Libraries(const Situation& situation) {
@@ -116,9 +150,9 @@ struct Source {
 
 constexpr std::array<Source, 12> kSources = {{{"KEY", Keys},
                                               {"VALUE", Values},
-                                              {"NAME", FileNames},
-                                              {"OLD", FileNames},
-                                              {"OTHER", FileNames},
+                                              {"NAME", ListedNames},
+                                              {"OLD", FormerNames},
+                                              {"OTHER", OtherNames},
                                               {"INSTANCE", InstanceNames},
                                               {"LIBRARY", Libraries},
                                               {"VERSION", Versions},

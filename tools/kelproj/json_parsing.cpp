@@ -24,7 +24,7 @@ std::string LineAndColumn(std::string_view text, std::size_t byte) {
 
 /// Goes through a text from one end to the other, and refuses what a parse alone would not, or not
 /// with its place.
-class Inspection : public Json::json_sax_t {
+class Inspection : public ParsedJson::json_sax_t {
  public:
   explicit Inspection(const std::string& text) : text_(text) {}
 
@@ -98,10 +98,10 @@ class Inspection : public Json::json_sax_t {
 
 }  // namespace
 
-Json ParseJson(const std::string& text) {
+ParsedJson ParseJson(const std::string& text) {
   Inspection inspection(text);
-  Json::sax_parse(text, &inspection);
-  return Json::parse(text);
+  ParsedJson::sax_parse(text, &inspection);
+  return ParsedJson::parse(text);
 }
 
 }  // namespace kelproj

@@ -42,12 +42,12 @@ using Names = std::vector<std::string>;
   Refuse(path, "a project has no such key" + DidYouMean(path, known));
 }
 
-const std::string& TextIn(const Json& value, const std::string& path) {
+const std::string& TextIn(const ParsedJson& value, const std::string& path) {
   if (!value.is_string()) Refuse(path, "a text is needed");
   return value.get_ref<const std::string&>();
 }
 
-void RequireObject(const Json& value, const std::string& path) {
+void RequireObject(const ParsedJson& value, const std::string& path) {
   if (!value.is_object()) Refuse(path, "an object is needed");
 }
 
@@ -68,7 +68,7 @@ std::string PartBehind(std::string_view begin, std::string_view key) {
 
 /// What reads the members of a record's object that no term of the record has, by their names.
 using OtherMembers =
-    std::map<std::string, std::function<void(const Json&, const std::string& path)>>;
+    std::map<std::string, std::function<void(const ParsedJson&, const std::string& path)>>;
 
 /// Reads the members of objects into the fields of a record whose keys they are.
 template <typename Terms, typename Record>
@@ -79,7 +79,7 @@ class RecordReader {
 
   /// @param path of the object in the document
   /// @param key of the object in the record, with which those of its members begin
-  void Read(const Json& object, const std::string& path, const std::string& key = "") {
+  void Read(const ParsedJson& object, const std::string& path, const std::string& key = "") {
     RequireObject(object, path);
     for (const auto& [name, value] : object.items()) {
       const std::string place = MemberPlace(path, name);
@@ -91,7 +91,7 @@ class RecordReader {
 
  private:
   // Gives whether the object may have the member.
-  bool ReadMember(const Json& value, const std::string& path, const std::string& key);
+  bool ReadMember(const ParsedJson& value, const std::string& path, const std::string& key);
 
   // All that the object may have, as places.
   Names MembersOf(const std::string& path, const std::string& key) const {
@@ -111,14 +111,15 @@ class RecordReader {
 };
 
 template <typename Terms, typename Record>
-void ReadRecord(const Json& object, const std::string& path, const Terms& terms, Record& record,
-                const OtherMembers& others = {}) {
+void ReadRecord(const ParsedJson& object, const std::string& path, const Terms& terms,
+                Record& record, const OtherMembers& others = {}) {
   RecordReader<Terms, Record>(terms, record, others).Read(object, path);
 }
 
 // An entry of a list must have its name and that of its file.
 template <typename Terms, typename Record>
-void ReadEntry(const Json& object, const std::string& path, const Terms& terms, Record& record) {
+void ReadEntry(const ParsedJson& object, const std::string& path, const Terms& terms,
+               Record& record) {
   ReadRecord(object, path, terms, record);
   for (const auto& term : terms) {
     const bool is_text = std::holds_alternative<Access<Record, std::string>>(term.access);
@@ -128,11 +129,12 @@ void ReadEntry(const Json& object, const std::string& path, const Terms& terms, 
   }
 }
 
-void ReadField(const Json& value, const std::string& path, std::string& text) {
+void ReadField(const ParsedJson& value, const std::string& path, std::string& text) {
   text = TextIn(value, path);
 }
 
-void ReadField(const Json& value, const std::string& path, projectdb::InfoAttributes& attributes) {
+void ReadField(const ParsedJson& value, const std::string& path,
+               projectdb::InfoAttributes& attributes) {
   RequireObject(value, path);
   attributes.clear();
   for (const auto& [name, text] : value.items()) {
@@ -149,18 +151,18 @@ DesignFile NewEntry(const std::vector<DesignFile>& /*list*/) {
   return {"", "", projectdb::kDefaultLibrary};
 }
 
-void ReadField(const Json& value, const std::string& path, IPSrcFile& file) {
+void ReadField(const ParsedJson& value, const std::string& path, IPSrcFile& file) {
   file.name = TextIn(value, path);
 }
 
 template <typename Entry>
-void ReadField(const Json& value, const std::string& path, std::vector<Entry>& list);
+void ReadField(const ParsedJson& value, const std::string& path, std::vector<Entry>& list);
 
-void ReadField(const Json& value, const std::string& path, DesignFile& file) {
+void ReadField(const ParsedJson& value, const std::string& path, DesignFile& file) {
   ReadEntry(value, path, projectdb::DesignFileTerms(), file);
 }
 
-void ReadField(const Json& value, const std::string& path, IP& ip) {
+void ReadField(const ParsedJson& value, const std::string& path, IP& ip) {
   ReadEntry(value, path, projectdb::IPTerms(), ip);
 }
 
@@ -173,7 +175,7 @@ void RequireKept(const Entry& entry, const std::string& path) {
 }
 
 template <typename Entry>
-void ReadField(const Json& value, const std::string& path, std::vector<Entry>& list) {
+void ReadField(const ParsedJson& value, const std::string& path, std::vector<Entry>& list) {
   if (!value.is_array()) Refuse(path, "a list is needed");
   list.clear();
   for (std::size_t i = 0; i < value.size(); ++i) {
@@ -185,16 +187,17 @@ void ReadField(const Json& value, const std::string& path, std::vector<Entry>& l
 }
 
 // Neither is in any file under a key of its own.
-void ReadField(const Json& /*value*/, const std::string& path, projectdb::ParameterMaps& /*maps*/) {
+void ReadField(const ParsedJson& /*value*/, const std::string& path,
+               projectdb::ParameterMaps& /*maps*/) {
   RefuseKey(path);
 }
-void ReadField(const Json& /*value*/, const std::string& path,
+void ReadField(const ParsedJson& /*value*/, const std::string& path,
                std::vector<Parameter>& /*parameters*/) {
   RefuseKey(path);
 }
 
 template <typename Terms, typename Record>
-bool RecordReader<Terms, Record>::ReadMember(const Json& value, const std::string& path,
+bool RecordReader<Terms, Record>::ReadMember(const ParsedJson& value, const std::string& path,
                                              const std::string& key) {
   const auto* const term = std::find_if(terms_.begin(), terms_.end(), [&key](const auto& each) {
     return each.key == key && IsOfDocument(each.kind) && !key.empty();
@@ -216,7 +219,7 @@ bool RecordReader<Terms, Record>::ReadMember(const Json& value, const std::strin
   return true;
 }
 
-projectdb::ParameterType TypeIn(const Json& value, const std::string& path) {
+projectdb::ParameterType TypeIn(const ParsedJson& value, const std::string& path) {
   const std::string& text = TextIn(value, path);
   const std::vector<std::string> names = ParameterTypeNames();
   const bool is_known = text.empty() || std::count(names.begin(), names.end(), text) > 0;
@@ -225,7 +228,7 @@ projectdb::ParameterType TypeIn(const Json& value, const std::string& path) {
 }
 
 // A parameter whose type is not given keeps the one that it has.
-Parameter ParameterIn(const Json& object, const std::string& path, Parameter parameter) {
+Parameter ParameterIn(const ParsedJson& object, const std::string& path, Parameter parameter) {
   RequireObject(object, path);
   if (!object.contains("value")) Refuse(MemberPlace(path, "value"), "it is missing");
   for (const auto& [key, value] : object.items()) {
@@ -242,7 +245,7 @@ Parameter ParameterIn(const Json& object, const std::string& path, Parameter par
   return parameter;
 }
 
-void ReadMap(const Json& object, const std::string& path, const std::string& map,
+void ReadMap(const ParsedJson& object, const std::string& path, const std::string& map,
              projectdb::SortedParameters& parameters) {
   RequireObject(object, path);
   projectdb::SortedParameters read;
@@ -256,23 +259,24 @@ void ReadMap(const Json& object, const std::string& path, const std::string& map
 }
 
 // A process that no file has told of yet has the empty name.
-void RequireNameOfProcess(const Json& value, const std::string& path, const FlowProcessName& name) {
+void RequireNameOfProcess(const ParsedJson& value, const std::string& path,
+                          const FlowProcessName& name) {
   const std::string& text = TextIn(value, path);
   if (text.empty() || text == name.name) return;
   Refuse(path, std::string("it is always \"") + name.name + "\"");
 }
 
-void ReadProcess(const Json& object, const std::string& path, const FlowProcessName& name,
+void ReadProcess(const ParsedJson& object, const std::string& path, const FlowProcessName& name,
                  FlowProcessContents& process) {
   OtherMembers others;
   for (const projectdb::FlowProcessTerm& term : projectdb::FlowProcessTerms()) {
     if (term.kind != TermKind::kFormat) continue;
-    others[std::string(term.key)] = [&name](const Json& value, const std::string& place) {
+    others[std::string(term.key)] = [&name](const ParsedJson& value, const std::string& place) {
       RequireNameOfProcess(value, place, name);
     };
   }
   for (const projectdb::ParameterMapName& map : projectdb::MapsOf(name.type)) {
-    others[map.name] = [&map, &process](const Json& value, const std::string& place) {
+    others[map.name] = [&map, &process](const ParsedJson& value, const std::string& place) {
       ReadMap(value, place, map.name, process.parameter_maps[map.name]);
     };
   }
@@ -284,7 +288,8 @@ void ReadProcess(const Json& object, const std::string& path, const FlowProcessN
 void ApplyJson(const std::string& text, ProjectContents& project) {
   OtherMembers processes;
   for (const FlowProcessName& process : projectdb::kFlowProcesses) {
-    processes[process.name] = [&process, &project](const Json& value, const std::string& path) {
+    processes[process.name] = [&process, &project](const ParsedJson& value,
+                                                   const std::string& path) {
       ReadProcess(value, path, process,
                   project.flow_processes.at(static_cast<std::size_t>(process.type)));
     };

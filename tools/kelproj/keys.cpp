@@ -220,7 +220,7 @@ std::string ProcessNames() {
 std::vector<std::string> KeysLike(const std::string& text) {
   std::vector<std::string> keys = FixedKeys();
   const std::size_t dot = text.find('.');
-  if (dot == std::string::npos) return keys;
+  if (dot == std::string::npos || text.back() == '.') return keys;
   keys.push_back("info" + text.substr(dot));
   const std::size_t second_dot = text.find('.', dot + 1);
   if (second_dot == std::string::npos) return keys;
@@ -230,6 +230,23 @@ std::vector<std::string> KeysLike(const std::string& text) {
     }
   }
   return keys;
+}
+
+std::string NoKey(const std::string& text) { return "\"" + text + "\" is no key of a project"; }
+
+// Requires that a text which is a key but for the name at its end has that.
+void RequireNameAtEnd(const std::string& text) {
+  const auto refuse_nameless = [&text](const std::string& place, const std::string& what) {
+    if (text == place + ".") {
+      throw Trouble(NoKey(text) + "; the name of the " + what + " is missing");
+    }
+  };
+  refuse_nameless("info", "info attribute");
+  for (const FlowProcessName& process : kFlowProcesses) {
+    for (const ParameterMapName& map : projectdb::MapsOf(process.type)) {
+      refuse_nameless(MemberPlace(process.name, map.name), map.title);
+    }
+  }
 }
 
 }  // namespace
@@ -246,7 +263,8 @@ Key FindKey(const std::string& text) {
     const auto key = rest ? ProcessKey(process.type, *rest) : std::nullopt;
     if (key) return *key;
   }
-  throw Trouble("\"" + text + "\" is no key of a project" + DidYouMean(text, KeysLike(text)));
+  RequireNameAtEnd(text);
+  throw Trouble(NoKey(text) + DidYouMean(text, KeysLike(text)));
 }
 
 std::vector<std::string> FixedKeys() {

@@ -89,6 +89,15 @@ const FileKind* KindOf(const ProjectTerm& term) {
   return kind == kinds.end() ? nullptr : kind;
 }
 
+// The empty name leads to the directory against which it is resolved, and names nothing.
+bool IsNamedDirectory(const std::filesystem::path& path, const std::string& name) {
+  std::error_code error;
+  return !name.empty() && std::filesystem::is_directory(path, error);
+}
+
+std::string IsADirectory(const std::string& name) { return "\"" + name + "\" is a directory"; }
+std::string IsMissing(const std::string& name) { return "\"" + name + "\" does not exist"; }
+
 }  // namespace
 
 std::vector<NamedFile> FilesOf(const ProjectContents& project) {
@@ -148,16 +157,18 @@ bool IsFile(const std::filesystem::path& path) {
   return std::filesystem::exists(path, error) && !std::filesystem::is_directory(path, error);
 }
 
+std::optional<std::string> WhyNoFile(const NamedFile& file) {
+  if (IsFile(file.path)) return std::nullopt;
+  return IsNamedDirectory(file.path, file.name) ? IsADirectory(file.name) : IsMissing(file.name);
+}
+
 std::optional<std::string> WhyNoFile(const std::filesystem::path& directory,
                                      const std::string& name) {
-  if (IsFile(directory / name)) return std::nullopt;
-  std::error_code error;
-  if (std::filesystem::is_directory(directory / name, error)) {
-    return "\"" + name + "\" is a directory";
-  }
+  const std::filesystem::path path = directory / name;
+  if (IsFile(path)) return std::nullopt;
+  if (IsNamedDirectory(path, name)) return IsADirectory(name);
   const bool is_absolute = std::filesystem::path(name).is_absolute();
-  return "\"" + name + "\" does not exist" +
-         (is_absolute ? "" : " in " + FileIdentities().OfDirectory(directory));
+  return IsMissing(name) + (is_absolute ? "" : " in " + FileIdentities().OfDirectory(directory));
 }
 
 }  // namespace kelproj

@@ -60,7 +60,10 @@ std::string NameFromHere(const NamedFile& file);
 /// Whether a file is there; a directory is none.
 bool IsFile(const std::filesystem::path& path);
 
-/// Why the stored name is not that of a file; nothing if it is.
+/// Why the name of a project's file is not that of a file; nothing if it is.
+std::optional<std::string> WhyNoFile(const NamedFile& file);
+
+/// The same for a stored name, with the directory where a file of a relative name is not.
 /// @param directory against which the name is resolved
 std::optional<std::string> WhyNoFile(const std::filesystem::path& directory,
                                      const std::string& name);

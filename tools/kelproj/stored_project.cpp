@@ -37,8 +37,18 @@ void ReportReading(const std::string& file) {
   throw Trouble(name + " does not load");
 }
 
+[[noreturn]] void ThrowIsEmpty(const std::string& name) { throw Trouble(name + " is empty"); }
+
 [[noreturn]] void ThrowHasErrors(const std::string& name) {
   throw Trouble(name + " has errors; it is not changed without --force");
+}
+
+void RequireProjectFile(const std::string& path) {
+  RequireReadable(path);
+  RequireProjectFileName(path);
+  std::error_code error;
+  const bool is_file = std::filesystem::is_regular_file(path, error);
+  if (is_file && std::filesystem::file_size(path, error) == 0) ThrowIsEmpty(path);
 }
 
 bool MayWrite(const std::filesystem::path& path) {
@@ -117,7 +127,7 @@ bool HasError(const std::vector<FileProblem>& problems) {
 }
 
 ProjectContents ReadProject(const std::string& file, const Console& console) {
-  RequireReadable(file);
+  RequireProjectFile(file);
   ReportReading(file);
   ProjectFile read = projectdb::ReadProjectFile(file, "");
   WriteProblems(console.err, file, read.problems);
@@ -128,6 +138,7 @@ ProjectContents ReadProject(const std::string& file, const Console& console) {
 void RequireWritable(const std::string& path) {
   const std::filesystem::path file = std::filesystem::absolute(path);
   std::error_code error;
+  if (std::filesystem::is_directory(file, error)) throw Trouble(path + " is a directory");
   // A link is not replaced, but what it leads to.
   const std::filesystem::path target = std::filesystem::weakly_canonical(file, error);
   const std::filesystem::path directory = (error ? file : target).parent_path();
@@ -144,6 +155,7 @@ void RequireWritable(const std::string& path) {
 
 ProjectContents ParseToChange(const std::string& bytes, const std::string& name,
                               bool despite_errors, const Console& console) {
+  if (bytes.empty()) ThrowIsEmpty(name);
   const std::string schema = InstalledSchema();
   ProjectFile read = projectdb::ParseProjectFile(bytes, schema);
   WriteProblems(console.err, name, Joined(read.problems, read.unkept));
@@ -156,7 +168,7 @@ ProjectContents ParseToChange(const std::string& bytes, const std::string& name,
 
 void ChangeProject(const ChangedFile& file, const Console& console,
                    const std::function<void(ProjectContents&)>& change, const ChangedForm& form) {
-  RequireReadable(file.path);
+  RequireProjectFile(file.path);
   ReportReading(file.path);
   const std::string schema = InstalledSchema();
   std::vector<FileProblem> problems;

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <optional>
 #include <ostream>
 #include <utility>
 
@@ -29,9 +30,8 @@ struct CheckedFile {
 std::vector<FileProblem> MissingFiles(const ProjectContents& project) {
   std::vector<FileProblem> problems;
   for (const NamedFile& named : FilesOf(project)) {
-    if (IsFile(named.path)) continue;
-    problems.push_back(
-        {ProblemSeverity::kError, 0, 0, named.place + ": \"" + named.name + "\" does not exist"});
+    const std::optional<std::string> reason = WhyNoFile(named);
+    if (reason) problems.push_back({ProblemSeverity::kError, 0, 0, named.place + ": " + *reason});
   }
   return problems;
 }
