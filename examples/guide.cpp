@@ -84,7 +84,7 @@ void SaveSafely(const projectdb::KelProjectDatabase& database, const std::string
   try {
     projectdb::ExportProjectDataDurably(database, path);
   } catch (const std::runtime_error& error) {
-    std::cerr << error.what();  // the file is as it was
+    std::cerr << error.what();  // the file is whole
   }
   // [saving]
 }
@@ -102,7 +102,7 @@ void ChangeFile(const std::string& path) {
     const bool written = projectdb::UpdateProjectFile(path, change);
     std::cout << (written ? "changed" : "nothing to change") << "\n";
   } catch (const std::runtime_error& error) {
-    std::cerr << error.what();  // the file is as it was
+    std::cerr << error.what();  // the file is whole
   }
   // [changing]
 }

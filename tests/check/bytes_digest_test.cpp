@@ -1,6 +1,7 @@
 #include "check/bytes_digest.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <set>
 #include <string>
 #include <string_view>
@@ -30,6 +31,12 @@ std::string SomeBytes() {
   return bytes;
 }
 
+std::string WithBitsChanged(std::string bytes, std::initializer_list<std::size_t> bits) {
+  for (const std::size_t bit : bits)
+    bytes[bit / 8] = static_cast<char>(bytes[bit / 8] ^ 1 << bit % 8);
+  return bytes;
+}
+
 TEST(BytesDigest, Add_PiecesOfAnySize_GiveTheDigestOfTheWhole) {
   const std::string bytes = SomeBytes();
   for (std::size_t piece = 1; piece <= bytes.size(); ++piece) {
@@ -56,24 +63,32 @@ TEST(BytesDigest, Value_OneBitChangedAnywhere_IsAnother) {
   const std::string bytes = SomeBytes();
   std::set<std::uint64_t> digests = {DigestOf(bytes)};
   for (std::size_t bit = 0; bit < 8 * bytes.size(); ++bit) {
-    std::string changed = bytes;
-    changed[bit / 8] = static_cast<char>(changed[bit / 8] ^ 1 << bit % 8);
-    digests.insert(DigestOf(changed));
+    digests.insert(DigestOf(WithBitsChanged(bytes, {bit})));
   }
   EXPECT_EQ(digests.size(), 1 + 8 * bytes.size());
 }
 
 // The changes of neighbours must not cancel each other out, in whatever bits they are.
+TEST(BytesDigest, Value_ThreeBitsOfTwoWordsChanged_IsAnother) {
+  const std::string bytes = SomeBytes().substr(0, 16);
+  const std::uint64_t digest = DigestOf(bytes);
+  for (std::size_t first = 0; first < 8 * bytes.size(); ++first) {
+    for (std::size_t second = 0; second < first; ++second) {
+      for (std::size_t third = 0; third < second; ++third) {
+        ASSERT_NE(DigestOf(WithBitsChanged(bytes, {first, second, third})), digest)
+            << first << ' ' << second << ' ' << third;
+      }
+    }
+  }
+}
+
 TEST(BytesDigest, Value_TwoBitsChanged_IsAnother) {
   const std::string bytes = SomeBytes().substr(0, 64);
   const std::uint64_t digest = DigestOf(bytes);
   for (std::size_t first = 0; first < 8 * bytes.size(); ++first) {
     for (std::size_t second = 0; second < first; ++second) {
-      std::string changed = bytes;
-      for (const std::size_t bit : {first, second}) {
-        changed[bit / 8] = static_cast<char>(changed[bit / 8] ^ 1 << bit % 8);
-      }
-      ASSERT_NE(DigestOf(changed), digest) << first << ' ' << second;
+      ASSERT_NE(DigestOf(WithBitsChanged(bytes, {first, second})), digest)
+          << first << ' ' << second;
     }
   }
 }

@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <string>
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <linux/filter.h>
@@ -26,6 +27,7 @@
 
 #include "testing/child_process.h"
 #include "testing/files.h"
+#include "testing/filtered_calls.h"
 #include "testing/saving.h"
 #include "testing/temporary_directory.h"
 #include "testing/test.h"
@@ -191,6 +193,20 @@ TEST_F(FileLock, HolderThatIsKilled_LeavesTheFileFreeAndNothingElse) {
   ::close(ready[1]);
   EXPECT_EQ(LockError(path_), "");
   EXPECT_THAT(NamesIn(directory_.path()), ElementsAre("p.xml"));
+}
+
+// A network file system would refuse it otherwise.
+TEST_F(FileLock, FileThatMayBeWritten_IsOpenForWritingWhenItIsLocked) {
+  int modes = 0;
+  const test_support::FilteredCalls calls([&](const projectdb::files::SystemCall& call) {
+    if (call.name == std::string("flock")) {
+      ++modes;
+      EXPECT_EQ(::fcntl(call.descriptor, F_GETFL) & O_ACCMODE, O_RDWR);
+    }
+    return 0;
+  });
+  const ProjectFileLock lock(path_);
+  EXPECT_EQ(modes, 1);
 }
 
 TEST_F(FileLock, FileThatMayNotBeWritten_CanBeLocked) {

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -460,6 +461,25 @@ TEST_F(WritingFile, ExpectedVersionUnderTheCallersOwnLock_DoesNotWait) {
   options.expected = ReadProjectFile(path(), "").version;
   EXPECT_TRUE(WriteProjectFile(path(), contents_, options));
   EXPECT_THROW(ProjectFileLock(path(), std::chrono::milliseconds::zero()), std::runtime_error);
+}
+
+// Another thread may have had it.
+TEST_F(WritingFile, ExpectedVersionUnderALockThatIsGivenBackMeanwhile_IsWrittenUnderItsOwn) {
+  Write("p.xml", ProjectXml(""));
+  auto lock = std::make_unique<ProjectFileLock>(path());
+  WriteOptions options;
+  options.expected = ReadProjectFile(path(), "").version;
+  int renamings = 0;
+  const FilteredCalls calls([&](const SystemCall& call) {
+    if (call.name == std::string("fsync")) lock.reset();
+    if (call.name == std::string("renameat")) {
+      ++renamings;
+      EXPECT_THROW(ProjectFileLock(path(), std::chrono::milliseconds::zero()), std::runtime_error);
+    }
+    return 0;
+  });
+  EXPECT_TRUE(WriteProjectFile(path(), contents_, options));
+  EXPECT_EQ(renamings, 1);
 }
 
 TEST_F(WritingFile, OwnLockThatTheSystemDoesNotTellOf_IsNotWaitedForEither) {

@@ -184,7 +184,8 @@ struct UpdateOptions {
 /// @param options what else there is to choose
 /// @return whether the file was written
 /// @exception std::runtime_error with the first error of the file, or as ProjectFileLock and
-///            WriteProjectFile; the file is then as it was
+///            WriteProjectFile; the file is then as it was, unless only the flush of its directory
+///            failed
 /// @exception std::bad_alloc with the file as it was
 KEL_EXPORT bool UpdateProjectFile(const std::string& path,
                                   const std::function<void(ProjectContents&)>& change,

@@ -7,11 +7,12 @@ namespace projectdb::files {
 namespace {
 
 // Each step loses nothing: the factor is odd. What a word changes reaches all bits of the state, as
-// the product spreads it upwards and the shift brings it down again.
+// a product spreads it upwards and the shift brings it down again. The second product keeps the
+// change of a highest bit, which the first one does not spread, from being undone by the next word.
 std::uint64_t WithWord(std::uint64_t state, std::uint64_t word) {
   constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15;
   const std::uint64_t product = (state ^ word) * kFactor;
-  return product ^ (product >> 32U);
+  return (product ^ (product >> 32U)) * kFactor;
 }
 
 }  // namespace

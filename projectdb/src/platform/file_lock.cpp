@@ -19,11 +19,12 @@ std::vector<FileLock*>& Registry() {
   return locks;
 }
 
-// Null if this process has no lock on the file.
-FileLock* FindLock(const FileStatus& file) {
+// Null if this process has no lock on the file, or if there is none.
+FileLock* FindLock(const std::optional<FileStatus>& file) {
   const std::vector<FileLock*>& locks = Registry();
-  const auto lock = std::find_if(locks.begin(), locks.end(),
-                                 [&file](const FileLock* each) { return each->IsOn(file); });
+  const auto lock = std::find_if(locks.begin(), locks.end(), [&file](const FileLock* each) {
+    return file && each->IsOn(*file);
+  });
   return lock == locks.end() ? nullptr : *lock;
 }
 
@@ -46,19 +47,19 @@ bool FileLock::IsOn(const FileStatus& file) const { return file.IsSameFile(file_
 bool IsLockedHere(const std::string& path) {
   const std::optional<FileStatus> file = StatusOfLocked(path);
   const std::lock_guard<std::mutex> guard(RegistryMutex());
-  return file && FindLock(*file);
+  return FindLock(file) != nullptr;
 }
 
-LockHandover::LockHandover(const FileStatus& former, const OpenFile& replacement)
-    : guard_(RegistryMutex()), lock_(nullptr) {
-  FileLock* const lock = FindLock(former);
-  if (!lock) return;
-  file_ = LockReplacement(replacement);
-  lock_ = lock;
+LockHandover::LockHandover(const std::string& path, const FileStatus& former,
+                           const OpenFile& replacement)
+    : guard_(RegistryMutex()), lock_(FindLock(former)) {
+  // What has the lock need not be the file itself.
+  if (!lock_) lock_ = FindLock(StatusOfLocked(path));
+  if (lock_) file_ = LockReplacement(replacement);
 }
 
 bool LockHandover::Complete() noexcept {
-  if (!lock_) return false;
+  if (!file_) return false;
   lock_->file_.swap(file_);
   return true;
 }

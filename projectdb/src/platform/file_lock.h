@@ -41,12 +41,17 @@ bool IsLockedHere(const std::string& path);
 class LockHandover {
  public:
   /// Locks the replacement too, which nobody else knows yet.
-  /// @param former status of the file that is to be replaced
-  /// @exception Failure if the replacement cannot be locked
-  LockHandover(const FileStatus& former, const OpenFile& replacement);
+  /// @param path of the file that is to be replaced
+  /// @param former its status
+  /// @exception Failure if the replacement cannot be locked, or if the system does not tell what
+  ///            is at the path
+  LockHandover(const std::string& path, const FileStatus& former, const OpenFile& replacement);
   ~LockHandover() = default;
   LockHandover(const LockHandover&) = delete;
   LockHandover& operator=(const LockHandover&) = delete;
+
+  /// Whether this process has a lock on the former file.
+  bool HasLock() const { return lock_ != nullptr; }
 
   /// The replacement is in place.
   /// @return whether it has the lock now
@@ -54,8 +59,8 @@ class LockHandover {
 
  private:
   const std::lock_guard<std::mutex> guard_;
-  FileLock* lock_;  ///< Null if this process has no lock on the former file.
-  std::unique_ptr<OpenFile> file_;
+  FileLock* lock_;                  ///< Null if this process has no lock on the former file.
+  std::unique_ptr<OpenFile> file_;  ///< Null where the lock stays as it is.
 };
 
 }  // namespace projectdb::files

@@ -43,8 +43,10 @@ void WriteInto(const TemporaryFile& file, const Replacement& replacement) {
 void PutInPlace(TemporaryFile& file, const SaveTarget& target, const Replacement& replacement) {
   const std::filesystem::path name = target.path.filename();
   std::optional<LockHandover> handover;
-  if (target.former) handover.emplace(*target.former, file.file());
-  replacement.confirm();
+  if (target.former) {
+    handover.emplace(paths::ToBytes(target.path), *target.former, file.file());
+  }
+  replacement.confirm(handover && handover->HasLock());
   if (replacement.refuse && !target.former) {
     if (!file.LinkTo(name)) replacement.refuse();
   } else {

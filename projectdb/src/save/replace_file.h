@@ -9,9 +9,10 @@ namespace projectdb::files {
 struct Replacement {
   /// Writes the content to a file of this path. One that leaves the file empty has nothing to save.
   std::function<void(const std::string& path)> write;
-  /// Called when the new file is whole, right before it takes the place of the former one. No other
-  /// thread replaces a file meanwhile.
-  std::function<void()> confirm = [] {};
+  /// Called when the new file is whole, right before it takes the place of the former one, and told
+  /// whether this process has the lock of the former one. Meanwhile no other thread replaces a file
+  /// or gives back its lock.
+  std::function<void(bool is_locked)> confirm = [](bool /*is_locked*/) {};
   /// Called instead of taking the place of a file that came to be meanwhile where there was none;
   /// nothing is written then. By default that file is replaced.
   std::function<void()> refuse = nullptr;

@@ -1,6 +1,7 @@
 #include "save/write_project_file.h"
 
 #include <algorithm>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
@@ -50,6 +51,9 @@ bool SaysTheSame(const ProjectFile& former, const ProjectContents& contents,
          (!options.canonical || IsCanonical(former, contents, options));
 }
 
+/// The lock that another thread of this process had on the file was given back meanwhile.
+class LockLost : public std::exception {};
+
 [[noreturn]] void ThrowChanged(const std::string& path) {
   throw ProjectFileChanged(WritingPrefix(path) + "it is not the file that was expected\n");
 }
@@ -73,7 +77,7 @@ bool IsExpected(const std::string& path, ProjectFileVersion former,
 }
 
 bool Write(const std::string& path, const ProjectFile& former, const ProjectContents& contents,
-           const WriteOptions& options) {
+           const WriteOptions& options, bool needs_lock) {
   RequireWritable(contents);
   if (options.expected && !IsExpected(path, former.version, *options.expected)) ThrowChanged(path);
   if (SaysTheSame(former, contents, options)) return false;
@@ -82,7 +86,8 @@ bool Write(const std::string& path, const ProjectFile& former, const ProjectCont
     WriteTo(file, contents, {options.keep_stamps});
   };
   if (options.expected) {
-    replacement.confirm = [&] {
+    replacement.confirm = [&](bool is_locked) {
+      if (needs_lock && !is_locked) throw LockLost();
       if (!files::IsOfVersion(path, *options.expected)) ThrowChanged(path);
     };
     replacement.refuse = [&] { ThrowChanged(path); };
@@ -91,18 +96,23 @@ bool Write(const std::string& path, const ProjectFile& former, const ProjectCont
   return true;
 }
 
+/// The lock of a file that is to be written.
+struct LockForWriting {
+  bool is_there = false;                           ///< Whether this process has it.
+  std::unique_ptr<files::FileLock> own = nullptr;  ///< Null if it was there before.
+};
+
 // Others who expect a version, or update the file, are to wait until this one is written.
-std::unique_ptr<files::FileLock> LockForWriting(const std::string& path,
-                                                const WriteOptions& options) {
+LockForWriting Lock(const std::string& path, const WriteOptions& options) {
   const bool is_needed = options.expected && *options.expected != ProjectFileVersion();
-  if (!is_needed) return nullptr;
+  if (!is_needed) return {};
   try {
-    if (files::IsLockedHere(path)) return nullptr;
-    return std::make_unique<files::FileLock>(path, std::nullopt);
+    if (files::IsLockedHere(path)) return {true};
+    return {true, std::make_unique<files::FileLock>(path, std::nullopt)};
   } catch (const Failure&) {
     // What keeps the file from being locked, such as a file system without locks, may not keep it
     // from being written.
-    return nullptr;
+    return {};
   }
 }
 
@@ -120,14 +130,21 @@ auto WithXmlLibrary(const std::string& prefix, Action action) {
 bool WriteOver(const std::string& path, const ProjectFile& former, const ProjectContents& contents,
                const WriteOptions& options) {
   return WithXmlLibrary(WritingPrefix(path),
-                        [&] { return Write(path, former, contents, options); });
+                        [&] { return Write(path, former, contents, options, false); });
 }
 
 bool WriteProjectFile(const std::string& path, const ProjectContents& contents,
                       const WriteOptions& options) {
-  const std::unique_ptr<files::FileLock> lock = LockForWriting(path, options);
-  return WithXmlLibrary(WritingPrefix(path),
-                        [&] { return Write(path, FormerFile(path), contents, options); });
+  for (;;) {
+    const LockForWriting lock = Lock(path, options);
+    try {
+      return WithXmlLibrary(WritingPrefix(path), [&] {
+        return Write(path, FormerFile(path), contents, options, lock.is_there);
+      });
+    } catch (const LockLost&) {
+      // It is asked for anew.
+    }
+  }
 }
 
 std::string FormatProjectFile(const ProjectContents& contents, const FormatOptions& options) {

@@ -22,8 +22,14 @@ int OpenForLocking(const std::string& path) {
   // Beyond a zero the system would not see the name.
   if (path.find('\0') != std::string::npos) ThrowSystemFailure(EINVAL);
   // Not to wait for the other end of a pipe.
-  constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
-  return RequireSuccess(CallSystem("open", ::open, path.c_str(), kFlags));
+  constexpr int kFlags = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+  // A network file system locks only what is open for writing.
+  int number = CallSystem("open", ::open, path.c_str(), O_RDWR | kFlags);
+  const bool is_denied = errno == EACCES || errno == EPERM || errno == EROFS || errno == EISDIR;
+  if (number < 0 && is_denied) {
+    number = CallSystem("open", ::open, path.c_str(), O_RDONLY | kFlags);
+  }
+  return RequireSuccess(number);
 }
 
 std::unique_ptr<OpenFile> OpenRegularFile(const std::string& path) {
