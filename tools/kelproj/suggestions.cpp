@@ -39,8 +39,8 @@ std::size_t EditsBetween(const std::string& a, const std::string& b) {
 
 // Of a word such as "--version", "--hdl-version" is the whole.
 bool IsEndOfOption(const std::string& word, const std::string& option) {
-  if (word.size() < 3 || word.compare(0, 2, "--") != 0 || option.size() <= word.size())
-    return false;
+  const bool is_option = word.size() > 2 && word.compare(0, 2, "--") == 0;
+  if (!is_option || option.size() <= word.size()) return false;
   return option.compare(option.size() - word.size() + 1, std::string::npos, word, 1,
                         std::string::npos) == 0;
 }
