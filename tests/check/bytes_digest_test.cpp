@@ -32,8 +32,9 @@ std::string SomeBytes() {
 }
 
 std::string WithBitsChanged(std::string bytes, std::initializer_list<std::size_t> bits) {
-  for (const std::size_t bit : bits)
+  for (const std::size_t bit : bits) {
     bytes[bit / 8] = static_cast<char>(bytes[bit / 8] ^ 1 << bit % 8);
+  }
   return bytes;
 }
 
