@@ -43,6 +43,8 @@ std::ptrdiff_t OpenFiles() {
 }
 
 TEST_F(FileTargets, Close_ClosesTheFile) {
+  // With the first file the system may open more than that file.
+  { const FileTarget first(path_); }
   const std::ptrdiff_t before = OpenFiles();
   FileTarget target(path_);
   EXPECT_EQ(OpenFiles(), before + 1);
