@@ -15,12 +15,7 @@
 namespace {
 
 using namespace projectdb;
-using test_support::AllDifferences;
-using test_support::CompleteProject;
-using test_support::Lines;
-using test_support::Long;
-using test_support::Outcome;
-using test_support::WalkAllocations;
+using namespace test_support;
 
 /// A project in which a side has changed something in every section, some of it in conflict with
 /// what another side makes of it.

@@ -14,12 +14,7 @@
 namespace {
 
 using namespace projectdb;
-using test_support::AllDifferences;
-using test_support::CompleteProject;
-using test_support::Lines;
-using test_support::Long;
-using test_support::Outcome;
-using test_support::WalkAllocations;
+using namespace test_support;
 
 /// Contents with a text in every part that needs memory of its own.
 ProjectContents LongContents() {

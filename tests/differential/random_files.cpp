@@ -109,24 +109,22 @@ std::vector<std::string> Names(RandomInput& input) {
   return names;
 }
 
+/// A type that takes anything.
+std::string OpenType(const std::string& name, const std::string& processing) {
+  return "<xs:complexType name=\"" + name +
+         "\"><xs:sequence><xs:any minOccurs=\"0\" maxOccurs=\"unbounded\" processContents=\"" +
+         processing + "\"/></xs:sequence><xs:anyAttribute processContents=\"" + processing +
+         "\"/></xs:complexType>";
+}
+
 }  // namespace
 
 std::string SchemaWithDefaults() {
   return R"(<xs:schema xmlns:xs="http://www.w3.org/2001/XMLSchema"
     xmlns="http://schema.kel.example/wdp_proj"
-    targetNamespace="http://schema.kel.example/wdp_proj" elementFormDefault="qualified">
-  <xs:complexType name="any">
-    <xs:sequence>
-      <xs:any minOccurs="0" maxOccurs="unbounded" processContents="lax"/>
-    </xs:sequence>
-    <xs:anyAttribute processContents="lax"/>
-  </xs:complexType>
-  <xs:complexType name="skipped">
-    <xs:sequence>
-      <xs:any minOccurs="0" maxOccurs="unbounded" processContents="skip"/>
-    </xs:sequence>
-    <xs:anyAttribute processContents="skip"/>
-  </xs:complexType>
+    targetNamespace="http://schema.kel.example/wdp_proj" elementFormDefault="qualified">)" +
+         OpenType("any", "lax") + OpenType("skipped", "skip") +
+         R"(
   <xs:complexType name="file">
     <xs:complexContent><xs:extension base="any">
       <xs:attribute name="name" type="xs:string" default="unnamed"/>

@@ -2,8 +2,7 @@
 
 #include "testing/difficult_names.h"
 #include "testing/native_path.h"
-#include "testing/project_loading.h"
-#include "testing/test.h"
+#include "tests/project_db/path_loading.h"
 
 namespace {
 
@@ -14,27 +13,7 @@ std::string HintedXml(const std::string& sections) {
   return ProjectXml(sections, "xsi:schemaLocation=\"http://schema.kel.example/wdp_proj s.xsd\"");
 }
 
-class LoadPaths : public testing::Test, public Loading {
- protected:
-  void ExpectLoaded(const std::string& path, const std::string& schema = "") {
-    database.CleanProjectDatabase();
-    EXPECT_TRUE(LoadFile(path, schema));
-    EXPECT_THAT(messages, ElementsAre(ReadingMessage(path)));
-    EXPECT_EQ(database.GetDeviceFamily(), "Orrin");
-  }
-
-  void ExpectMissing(const std::string& path) {
-    EXPECT_FALSE(LoadFile(path));
-    EXPECT_THAT(messages, ElementsAre(MissingMessage(path)));
-    EXPECT_FALSE(database.IsProjectDatabaseExist());
-  }
-
-  void ExpectRefused() {
-    EXPECT_FALSE(LoadFile(path()));
-    EXPECT_EQ(messages, RefusedMessages(path()));
-    EXPECT_FALSE(database.IsProjectDatabaseExist());
-  }
-};
+class LoadPaths : public PathLoading {};
 
 TEST_F(LoadPaths, LoadProjectData_ProjectFileOfAnyName_Loads) {
   for (const std::string& name : DifficultNames()) {

@@ -3,34 +3,13 @@
 
 #include "testing/denied.h"
 #include "testing/named_pipe.h"
-#include "testing/project_loading.h"
-#include "testing/test.h"
+#include "tests/project_db/path_loading.h"
 
 namespace {
 
 using namespace test_support;
 
-class LoadPathsOnPosix : public testing::Test, public Loading {
- protected:
-  void ExpectLoaded(const std::string& path, const std::string& schema = "") {
-    database.CleanProjectDatabase();
-    EXPECT_TRUE(LoadFile(path, schema));
-    EXPECT_THAT(messages, ElementsAre(ReadingMessage(path)));
-    EXPECT_EQ(database.GetDeviceFamily(), "Orrin");
-  }
-
-  void ExpectMissing(const std::string& path) {
-    EXPECT_FALSE(LoadFile(path));
-    EXPECT_THAT(messages, ElementsAre(MissingMessage(path)));
-    EXPECT_FALSE(database.IsProjectDatabaseExist());
-  }
-
-  void ExpectRefused() {
-    EXPECT_FALSE(LoadFile(path()));
-    EXPECT_EQ(messages, RefusedMessages(path()));
-    EXPECT_FALSE(database.IsProjectDatabaseExist());
-  }
-};
+class LoadPathsOnPosix : public PathLoading {};
 
 TEST_F(LoadPathsOnPosix, LoadProjectData_LinkToAFile_ProjectIsInTheLinksDirectory) {
   std::filesystem::create_directory(directory / "sub");
