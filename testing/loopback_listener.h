@@ -1,34 +1,34 @@
 #pragma once
 
 #include <atomic>
-#include <cerrno>
+#include <cstdint>
 #include <string>
-#include <system_error>
 #include <thread>
 
-#include <netinet/in.h>
-#include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
 namespace test_support {
+
+/// A socket that listens on a port of the loopback interface.
+class ListeningSocket {
+ public:
+  ListeningSocket();
+  ~ListeningSocket();
+  ListeningSocket(const ListeningSocket&) = delete;
+  ListeningSocket& operator=(const ListeningSocket&) = delete;
+
+  int port() const { return port_; }
+
+  /// Waits so long for a connection and closes it at once. @return whether there was one
+  bool Accept(int milliseconds) const;
+
+ private:
+  std::uintptr_t socket_;
+  int port_ = 0;
+};
 
 /// Listens on a port of the loopback interface, closes every connection at once and counts them.
 class LoopbackListener {
  public:
-  LoopbackListener() : socket_(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0)) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    auto* const generic = reinterpret_cast<sockaddr*>(&address);
-    if (socket_ < 0 || ::bind(socket_, generic, size) != 0 || ::listen(socket_, 16) != 0 ||
-        ::getsockname(socket_, generic, &size) != 0) {
-      const std::error_code error(errno, std::generic_category());
-      if (socket_ >= 0) ::close(socket_);
-      throw std::system_error(error, "cannot listen");
-    }
-    port_ = ntohs(address.sin_port);
+  LoopbackListener() {
     thread_ = std::thread([this] {
       while (!stop_) Accept(kPollMilliseconds);
       // What was connected before the stop waits in the queue.
@@ -36,15 +36,12 @@ class LoopbackListener {
       }
     });
   }
-  ~LoopbackListener() {
-    Stop();
-    ::close(socket_);
-  }
+  ~LoopbackListener() { Stop(); }
   LoopbackListener(const LoopbackListener&) = delete;
   LoopbackListener& operator=(const LoopbackListener&) = delete;
 
   /// "127.0.0.1:" and the port.
-  std::string authority() const { return "127.0.0.1:" + std::to_string(port_); }
+  std::string authority() const { return "127.0.0.1:" + std::to_string(socket_.port()); }
 
   /// Stops listening. @return the number of connections that there were
   int Stop() {
@@ -57,17 +54,12 @@ class LoopbackListener {
   static constexpr int kPollMilliseconds = 5;
 
   bool Accept(int milliseconds) {
-    pollfd ready{socket_, POLLIN, 0};
-    if (::poll(&ready, 1, milliseconds) <= 0) return false;
-    const int connection = ::accept(socket_, nullptr, nullptr);
-    if (connection < 0) return false;
-    ::close(connection);
-    ++connections_;
-    return true;
+    const bool is_connected = socket_.Accept(milliseconds);
+    if (is_connected) ++connections_;
+    return is_connected;
   }
 
-  int socket_;
-  int port_ = 0;
+  ListeningSocket socket_;
   std::atomic<int> connections_{0};
   std::atomic<bool> stop_{false};
   std::thread thread_;

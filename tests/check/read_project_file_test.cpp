@@ -1,7 +1,6 @@
 #include <projectdb/project_file.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -9,13 +8,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
-#include "testing/denied.h"
-#include "testing/filtered_calls.h"
-#include "testing/named_pipe.h"
-#include "testing/project_loading.h"
-#include "testing/saving.h"
+#include "testing/file_state.h"
+#include "tests/check/read_file.h"
 
 namespace {
 
@@ -25,42 +20,11 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-Lines ErrorsOf(const ProjectFile& file) {
-  Lines errors;
-  for (const FileProblem& problem : file.problems) {
-    if (IsError(problem)) errors.push_back(problem.message);
-  }
-  return errors;
-}
-
-class ReadingFile : public testing::Test, public Loading {
- protected:
-  ProjectFile Read(const std::string& schema = "") const { return ReadProjectFile(path(), schema); }
-
-  ProjectFile ReadBytes(const std::string& bytes) const {
-    Write("p.xml", bytes);
-    return Read();
-  }
-
-  ProjectContents CompleteContents() const { return CompleteProject(directory.path().string()); }
-};
-
 TEST_F(ReadingFile, GoodFile_GivesTheContentsOfALoad) {
   const ProjectFile file = ReadBytes(CompleteProjectXml());
   EXPECT_THAT(file.problems, IsEmpty());
   ASSERT_TRUE(file.contents);
   EXPECT_THAT(AllDifferences(CompleteContents(), *file.contents), IsEmpty());
-}
-
-TEST_F(ReadingFile, GoodFile_IsOpenedOnce) {
-  Write("p.xml", CompleteProjectXml());
-  int opened = 0;
-  const FilteredCalls calls([&](const projectdb::files::SystemCall& call) {
-    if (call.name == std::string("open")) ++opened;
-    return 0;
-  });
-  Read();
-  EXPECT_EQ(opened, 1);
 }
 
 TEST_F(ReadingFile, ReadFile_PostsNoMessages) {
@@ -97,24 +61,6 @@ TEST_F(ReadingFile, NameThatIsNoProjectFiles_IsAnErrorButNoObstacle) {
   EXPECT_THAT(AllDifferences(CompleteContents(), *file.contents), IsEmpty());
 }
 
-TEST_F(ReadingFile, Pipe_IsReadToItsEndAndHasNoVersion) {
-  const NamedPipe pipe(directory / "pipe");
-  ProjectFile file;
-  EXPECT_TRUE(
-      pipe.RunWith(CompleteProjectXml(), [&] { file = ReadProjectFile(directory / "pipe", ""); }));
-  ASSERT_TRUE(file.contents);
-  EXPECT_THAT(AllDifferences(CompleteContents(), *file.contents), IsEmpty());
-  EXPECT_EQ(file.version, ProjectFileVersion());
-}
-
-TEST_F(ReadingFile, PipeWithTextThatIsNoUtf8_IsReadOnceAlone) {
-  const NamedPipe pipe(directory / "pipe");
-  ProjectFile file;
-  EXPECT_TRUE(pipe.RunWith(ProjectXml("", "name=\"\xFF\""),
-                           [&] { file = ReadProjectFile(directory / "pipe", ""); }));
-  EXPECT_FALSE(file.contents);
-}
-
 TEST_F(ReadingFile, MissingFile_HasNoContentsAndNoVersion) {
   const ProjectFile file = Read();
   EXPECT_THAT(ErrorsOf(file), ElementsAre("the project file does not exist"));
@@ -127,56 +73,6 @@ TEST_F(ReadingFile, Directory_CannotBeRead) {
   const ProjectFile file = Read();
   EXPECT_THAT(ErrorsOf(file), ElementsAre("the file cannot be read: Is a directory"));
   EXPECT_FALSE(file.contents);
-}
-
-TEST_F(ReadingFile, SystemThatOpensNoMoreFiles_IsAnErrorWithItsReason) {
-  Write("p.xml", CompleteProjectXml());
-  const FilteredCalls calls(FailCall("open", 1, EMFILE));
-  EXPECT_THAT(ErrorsOf(Read()), ElementsAre("the file cannot be read: Too many open files"));
-}
-
-TEST_F(ReadingFile, FirstReadThatFails_IsAnErrorWithItsReason) {
-  Write("p.xml", CompleteProjectXml());
-  const FilteredCalls calls(FailCall("read", 1, EIO));
-  const ProjectFile file = Read();
-  EXPECT_THAT(ErrorsOf(file), ElementsAre("the file cannot be read: Input/output error"));
-  EXPECT_FALSE(file.contents);
-}
-
-TEST_F(ReadingFile, LaterReadThatFails_IsAnErrorAndGivesNoContents) {
-  Write("p.xml", ProjectXml("<!--" + std::string(200'000, '.') + "-->"));
-  const FilteredCalls calls(FailCall("read", 3, EIO));
-  const ProjectFile file = Read();
-  EXPECT_EQ(ErrorsOf(file).size(), 1U);
-  EXPECT_FALSE(file.contents);
-}
-
-TEST_F(ReadingFile, FileOfWhichTheSystemDoesNotTell_IsAnErrorWithItsReason) {
-  Write("p.xml", CompleteProjectXml());
-  const FilteredCalls calls(FailCall("stat", 1, EIO));
-  EXPECT_THAT(ErrorsOf(Read()), ElementsAre("the file cannot be read: Input/output error"));
-}
-
-TEST_F(ReadingFile, RestThatCannotBeRead_IsAnErrorAndGivesNoContents) {
-  Write("p.xml", CompleteProjectXml());
-  int reads = 0;
-  {
-    const FilteredCalls calls([&](const projectdb::files::SystemCall& call) {
-      if (call.name == std::string("read")) ++reads;
-      return 0;
-    });
-    Read();
-  }
-  const FilteredCalls calls(FailCall("read", reads, EIO));
-  const ProjectFile file = Read();
-  EXPECT_THAT(ErrorsOf(file), ElementsAre("the file cannot be read: Input/output error"));
-  EXPECT_FALSE(file.contents);
-}
-
-TEST_F(ReadingFile, InterruptedRead_IsTriedAgain) {
-  Write("p.xml", CompleteProjectXml());
-  const FilteredCalls calls(FailCall("read", 1, EINTR));
-  EXPECT_THAT(Read().problems, IsEmpty());
 }
 
 // --- What is not kept ---
@@ -208,19 +104,6 @@ TEST_F(ReadingFile, UnchangedFile_HasItsVersionAgain) {
   const ProjectFileVersion version = Read().version;
   EXPECT_NE(version, ProjectFileVersion());
   EXPECT_EQ(Read().version, version);
-}
-
-TEST_F(ReadingFile, FileThatDoesNotLoad_HasAVersionWithoutItsBytesAndIsNotReadToItsEnd) {
-  Write("p.xml", "<a><b></a>" + std::string(1'000'000, 'x'));
-  int reads = 0;
-  const FilteredCalls calls([&](const projectdb::files::SystemCall& call) {
-    if (call.name == std::string("read")) ++reads;
-    return 0;
-  });
-  const ProjectFileVersion version = Read().version;
-  EXPECT_EQ(version.size, 1'000'010U);
-  EXPECT_EQ(version.bytes_digest, 0U);
-  EXPECT_LE(reads, 3);
 }
 
 TEST_F(ReadingFile, BytesChangedWithinOneClockTick_AreAnotherVersion) {

@@ -2,56 +2,12 @@
 #include <filesystem>
 #include <fstream>
 
-#include "testing/denied.h"
-#include "testing/loopback_listener.h"
-#include "testing/named_pipe.h"
-#include "testing/project_loading.h"
 #include "testing/test.h"
+#include "tests/project_db/load_security.h"
 
 namespace {
 
 using namespace test_support;
-
-const std::string kProjectNamespace = "http://schema.kel.example/wdp_proj";
-
-/// Sections that DeviceOnlySchema refuses: the file loads only if that schema is not applied.
-const std::string kForbidden = "<isf_info/>";
-
-std::string HintAttribute(const std::string& hint) {
-  return "xsi:schemaLocation=\"" + kProjectNamespace + " " + hint + "\"";
-}
-
-std::string HintedXml(const std::string& sections, const std::string& hint) {
-  return ProjectXml(sections, HintAttribute(hint));
-}
-
-class LoadSecurity : public testing::Test, public Loading {
- protected:
-  /// Expects that the last load refused the file as malformed and made no project.
-  void ExpectRefused(bool result) {
-    EXPECT_FALSE(result);
-    EXPECT_EQ(messages, RefusedMessages(path()));
-    EXPECT_FALSE(database.IsProjectDatabaseExist());
-  }
-
-  /// Expects that a file like this, loaded over the complete project, is refused and leaves that.
-  void ExpectRefusedAndTheProjectUntouched(const std::string& bytes) {
-    ASSERT_TRUE(LoadBytes(CompleteProjectXml()));
-    EXPECT_FALSE(LoadBytes(bytes));
-    EXPECT_THAT(AllDifferences(CompleteProject(directory.path()), database), IsEmpty());
-  }
-
-  /// Expects that the last load accepted the file without a word.
-  void ExpectLoaded(bool result) {
-    EXPECT_TRUE(result);
-    EXPECT_THAT(messages, ElementsAre(ReadingMessage(path())));
-  }
-
-  /// Nobody may have connected.
-  void TearDown() override { EXPECT_EQ(listener_.Stop(), 0); }
-
-  LoopbackListener listener_;
-};
 
 std::string SchemaXml(const std::string& content, const std::string& attributes = "") {
   return "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\"" + attributes + ">" + content +
@@ -108,15 +64,8 @@ TEST_F(LoadSecurity, LoadProjectData_SchemaWithDoctype_IsRefusedAsMalformedGiven
   for (const auto& [name, doctype] : Doctypes("xs:schema", listener_.authority())) {
     SCOPED_TRACE(name);
     ExpectRefused(LoadBytes(ProjectXml(""), Write("s.xsd", doctype + DeviceOnlySchema())));
-    ExpectRefused(LoadBytes(HintedXml("", "s.xsd")));
+    ExpectRefused(LoadBytes(XmlWithHint("", "s.xsd")));
   }
-}
-
-/// The ways in which a schema names another one.
-std::vector<std::string> References(const std::string& location) {
-  const std::string quoted = "\"" + location + "\"/>";
-  return {"<xs:include schemaLocation=" + quoted, "<xs:redefine schemaLocation=" + quoted,
-          "<xs:import namespace=\"urn:parts\" schemaLocation=" + quoted};
 }
 
 TEST_F(LoadSecurity, LoadProjectData_ReferencedSchemaWithDoctype_IsRefusedAsMalformed) {
@@ -127,7 +76,7 @@ TEST_F(LoadSecurity, LoadProjectData_ReferencedSchemaWithDoctype_IsRefusedAsMalf
     Write("part.xsd", doctype + SchemaXml("", is_import ? " targetNamespace=\"urn:parts\"" : ""));
     const std::string schema = Write("s.xsd", DeviceOnlySchema(reference));
     ExpectRefused(LoadBytes(ProjectXml(""), schema));
-    ExpectRefused(LoadBytes(HintedXml("", "s.xsd")));
+    ExpectRefused(LoadBytes(XmlWithHint("", "s.xsd")));
   }
 }
 
@@ -137,7 +86,7 @@ TEST_F(LoadSecurity, LoadProjectData_IncludedSchema_IsApplied) {
   std::filesystem::create_directory(directory / "parts");
   Write("parts/rules.xsd", DeviceOnlySchema());
   ExpectRefused(LoadBytes(ProjectXml(kForbidden), schema));
-  ExpectRefused(LoadBytes(HintedXml(kForbidden, "s.xsd")));
+  ExpectRefused(LoadBytes(XmlWithHint(kForbidden, "s.xsd")));
   ExpectLoaded(LoadBytes(ProjectXml(DeviceInfoXml("Orrin")), schema));
 }
 
@@ -181,7 +130,7 @@ TEST_F(LoadSecurity, LoadProjectData_HintThatIsNoLocalFile_LoadsAsWithoutSchema)
         "file://otherhost" + schema, "file://127.0.0.1" + schema, std::string("data:text/xml,x"),
         "jar:file://" + schema, std::string("urn:s.xsd")}) {
     SCOPED_TRACE(hint);
-    ExpectLoaded(LoadBytes(HintedXml(kForbidden, hint)));
+    ExpectLoaded(LoadBytes(XmlWithHint(kForbidden, hint)));
   }
 }
 
@@ -207,7 +156,7 @@ TEST_F(LoadSecurity, LoadProjectData_SchemaReferringToTheNetwork_IsAppliedWithou
       SCOPED_TRACE(reference);
       const std::string schema = Write("s.xsd", DeviceOnlySchema(reference));
       ExpectLoaded(LoadBytes(ProjectXml(DeviceInfoXml("Orrin")), schema));
-      ExpectLoaded(LoadBytes(HintedXml(DeviceInfoXml("Orrin"), "s.xsd")));
+      ExpectLoaded(LoadBytes(XmlWithHint(DeviceInfoXml("Orrin"), "s.xsd")));
       EXPECT_FALSE(LoadBytes(ProjectXml(kForbidden), schema));
     }
   }
@@ -218,41 +167,15 @@ TEST_F(LoadSecurity, LoadProjectData_HintToAMissingFileOrADirectory_LoadsAsWitho
   for (const std::string hint : {"gone.xsd", "no/such/s.xsd", "file:///no/such/s.xsd", "%00",
                                  "a%00b.xsd", "%", "s.xsd", "s.xsd/", ".", "..", "/"}) {
     SCOPED_TRACE(hint);
-    ExpectLoaded(LoadBytes(HintedXml(kForbidden, hint)));
+    ExpectLoaded(LoadBytes(XmlWithHint(kForbidden, hint)));
   }
-}
-
-TEST_F(LoadSecurity, LoadProjectData_HintOrIncludeOfAPipe_LoadsWithoutWaiting) {
-  const NamedPipe pipe(directory / "part.xsd");
-  const std::string schema = Write("s.xsd", DeviceOnlySchema(References("part.xsd").front()));
-  bool result = false;
-  EXPECT_TRUE(pipe.RunWith("", [&] { result = LoadBytes(HintedXml(kForbidden, "part.xsd")); }));
-  ExpectLoaded(result);
-  EXPECT_TRUE(pipe.RunWith("", [&] { result = LoadBytes(ProjectXml(""), schema); }));
-  ExpectLoaded(result);
-}
-
-TEST_F(LoadSecurity, LoadProjectData_HintToAnUnreadableFile_LoadsAsWithoutSchema) {
-  const std::string project = Write("p.xml", HintedXml(kForbidden, "s.xsd"));
-  const std::string schema = Write("s.xsd", DeviceOnlySchema());
-  std::filesystem::permissions(directory.path(), std::filesystem::perms(0755));
-  const Denied denied(schema);
-  if (!denied.effective() || !std::filesystem::exists(project)) GTEST_SKIP() << "cannot be denied";
-  ExpectLoaded(LoadFile(project));
-}
-
-TEST_F(LoadSecurity, LoadProjectData_SchemaThatCannotBeReadToItsEnd_IsUsedOnlyIfGiven) {
-  const std::string unreadable = "/proc/self/mem";
-  if (!std::filesystem::exists(unreadable)) GTEST_SKIP() << "no " << unreadable;
-  ExpectRefused(LoadBytes(ProjectXml(""), unreadable));
-  ExpectLoaded(LoadBytes(HintedXml(kForbidden, unreadable)));
 }
 
 TEST_F(LoadSecurity, LoadProjectData_SchemaThatIsTooLarge_IsRefusedAsMalformed) {
   const std::string schema = Write("s.xsd", DeviceOnlySchema());
   std::ofstream(schema, std::ios::app) << std::string(std::size_t{16} << 20U, ' ');
   ExpectRefused(LoadBytes(ProjectXml(""), schema));
-  ExpectRefused(LoadBytes(HintedXml("", "s.xsd")));
+  ExpectRefused(LoadBytes(XmlWithHint("", "s.xsd")));
 }
 
 TEST_F(LoadSecurity, LoadProjectData_SchemaGiven_HintIsNotFollowed) {
@@ -270,7 +193,7 @@ TEST_F(LoadSecurity, LoadProjectData_SchemaGiven_HintIsNotFollowed) {
 TEST_F(LoadSecurity, LoadProjectData_SchemaGiven_HintCannotPutAnotherInItsPlace) {
   const std::string schema = Write("given.xsd", DeviceOnlySchema());
   Write("lax.xsd", SchemaXml("<xs:element name=\"project\"/>", kOfProjects));
-  ExpectRefused(LoadBytes(HintedXml(kForbidden, "lax.xsd"), schema));
+  ExpectRefused(LoadBytes(XmlWithHint(kForbidden, "lax.xsd"), schema));
 }
 
 // ---- Hints that are followed
@@ -290,15 +213,15 @@ TEST_F(LoadSecurity, LoadProjectData_HintThatCanBeFollowed_IsApplied) {
         "file://" + absolute, "file://localhost" + absolute, "FILE://" + absolute,
         "file:" + absolute}) {
     SCOPED_TRACE(hint);
-    EXPECT_FALSE(LoadFile(Write("p.xml", HintedXml(kForbidden, hint))));
+    EXPECT_FALSE(LoadFile(Write("p.xml", XmlWithHint(kForbidden, hint))));
     EXPECT_EQ(messages, RefusedMessages(path()));
-    EXPECT_TRUE(LoadBytes(HintedXml(DeviceInfoXml("Orrin"), hint)));
+    EXPECT_TRUE(LoadBytes(XmlWithHint(DeviceInfoXml("Orrin"), hint)));
   }
 }
 
 TEST_F(LoadSecurity, LoadProjectData_FileThatBreaksItsHintedSchema_LeavesTheProjectUntouched) {
   Write("s.xsd", DeviceOnlySchema());
-  ExpectRefusedAndTheProjectUntouched(HintedXml(DeviceInfoXml("New") + kForbidden, "s.xsd"));
+  ExpectRefusedAndTheProjectUntouched(XmlWithHint(DeviceInfoXml("New") + kForbidden, "s.xsd"));
 }
 
 TEST_F(LoadSecurity, LoadProjectData_RelativeHint_IsBelowTheProjectsDirectory) {
@@ -307,15 +230,15 @@ TEST_F(LoadSecurity, LoadProjectData_RelativeHint_IsBelowTheProjectsDirectory) {
   WriteFile(elsewhere / "s.xsd", "<xs:schema");
   WriteFile(elsewhere / "other.xsd", DeviceOnlySchema());
   const WorkingDirectory working_directory(elsewhere.path());
-  ExpectRefused(LoadBytes(HintedXml(kForbidden, "s.xsd")));
-  ExpectLoaded(LoadBytes(HintedXml(DeviceInfoXml("Orrin"), "s.xsd")));
-  ExpectLoaded(LoadBytes(HintedXml(kForbidden, "other.xsd")));
+  ExpectRefused(LoadBytes(XmlWithHint(kForbidden, "s.xsd")));
+  ExpectLoaded(LoadBytes(XmlWithHint(DeviceInfoXml("Orrin"), "s.xsd")));
+  ExpectLoaded(LoadBytes(XmlWithHint(kForbidden, "other.xsd")));
 }
 
 TEST_F(LoadSecurity, LoadProjectData_RelativeHintOfRelativeFile_IsBelowTheProjectsDirectory) {
   std::filesystem::create_directory(directory / "sub");
   Write("sub/s.xsd", DeviceOnlySchema());
-  Write("sub/p.xml", HintedXml(kForbidden, "s.xsd"));
+  Write("sub/p.xml", XmlWithHint(kForbidden, "s.xsd"));
   const WorkingDirectory working_directory(directory.path());
   EXPECT_FALSE(LoadFile("sub/p.xml"));
   EXPECT_EQ(messages, RefusedMessages("sub/p.xml"));
@@ -330,7 +253,7 @@ TEST_F(LoadSecurity, LoadProjectData_HintWithoutNamespaceThatCanBeFollowed_IsApp
 
 TEST_F(LoadSecurity, LoadProjectData_GivenSchemaMissing_HintIsFollowed) {
   Write("s.xsd", DeviceOnlySchema());
-  EXPECT_FALSE(LoadBytes(HintedXml(kForbidden, "s.xsd"), "gone.xsd"));
+  EXPECT_FALSE(LoadBytes(XmlWithHint(kForbidden, "s.xsd"), "gone.xsd"));
   EXPECT_THAT(messages, ElementsAre(ReadingMessage(path()), SchemaMissingMessage("gone.xsd"),
                                     MalformedMessage(path())));
 }
@@ -341,9 +264,9 @@ TEST_F(LoadSecurity, LoadProjectData_UnusableHintedSchema_IsRefusedAsMalformed) 
   for (const std::string& bytes : cases) {
     SCOPED_TRACE(bytes);
     Write("s.xsd", bytes);
-    ExpectRefused(LoadBytes(HintedXml(DeviceInfoXml("Orrin"), "s.xsd")));
+    ExpectRefused(LoadBytes(XmlWithHint(DeviceInfoXml("Orrin"), "s.xsd")));
   }
-  ExpectRefused(LoadBytes(HintedXml(DeviceInfoXml("Orrin"), "p.xml")));
+  ExpectRefused(LoadBytes(XmlWithHint(DeviceInfoXml("Orrin"), "p.xml")));
 }
 
 }  // namespace

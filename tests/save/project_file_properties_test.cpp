@@ -8,9 +8,9 @@
 #include <projectdb/vocabulary.h>
 #include <rapidcheck/gtest.h>
 
+#include "testing/file_state.h"
 #include "testing/generated_projects.h"
 #include "testing/project_loading.h"
-#include "testing/saving.h"
 #include "testing/shipped_files.h"
 #include "testing/test.h"
 #include "testing/xml_platform.h"

@@ -13,46 +13,23 @@
 #include <projectdb/durable_export.h>
 #include <projectdb/project_db.h>
 
-#include "testing/child_process.h"
-#include "testing/project_loading.h"
-#include "testing/sanitizers.h"
-#include "testing/saving.h"
+#include "testing/file_state.h"
+#include "testing/saves.h"
 #include "testing/threads.h"
 #include "testing/xml_platform.h"
+#include "tests/save/updated_file.h"
 
 namespace {
 
 using namespace std::chrono_literals;
 using namespace projectdb;
-using test_support::CompleteProjectXml;
 using test_support::FileState;
-using test_support::InChildProcess;
-using test_support::Loading;
 using test_support::NamesIn;
 using test_support::ProjectXml;
-using test_support::TerminateXmlPlatformForAll;
-using test_support::WithOpenFileLimit;
+using test_support::Update;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::UnorderedElementsAreArray;
-
-class Update : public testing::Test, public Loading {
- protected:
-  void SetUp() override { Write("p.xml", CompleteProjectXml()); }
-
-  ProjectContents Contents() const { return ReadProjectFile(path(), "").contents.value(); }
-
-  /// The text of the error that an update ends in; "" if it ends well.
-  std::string UpdateError(const std::function<void(ProjectContents&)>& change,
-                          const UpdateOptions& options = {}) const {
-    try {
-      UpdateProjectFile(path(), change, options);
-    } catch (const std::runtime_error& error) {
-      return error.what();
-    }
-    return {};
-  }
-};
 
 TEST_F(Update, ChangedContents_AreInTheFile) {
   EXPECT_TRUE(UpdateProjectFile(path(), [](ProjectContents& project) {
@@ -156,30 +133,6 @@ TEST_F(Update, FileThatBreaksTheGivenSchema_IsRefused) {
   options.schema_file = Write("device.xsd", test_support::DeviceOnlySchema());
   EXPECT_NE(UpdateError([](ProjectContents& project) { project.project_name = "x"; }, options), "");
   EXPECT_EQ(Contents().project_name, "demo");
-}
-
-// The XML library is there for each call alone, as in a program that does nothing else with it.
-TEST_F(Update, TooFewFilesMayBeOpen_IsAnErrorAndLeavesTheFormerFile) {
-  if (test_support::kSanitized) GTEST_SKIP() << "the sanitizer needs files of its own";
-  const FileState former(path());
-  const auto error_under = [&](rlim_t files) {
-    return InChildProcess([&] {
-      TerminateXmlPlatformForAll();
-      const auto change = [](ProjectContents& project) { project.project_name = "next"; };
-      return WithOpenFileLimit(files, [&] { return UpdateError(change); });
-    });
-  };
-  int failures = 0;
-  for (rlim_t files = 0; files < 1000; ++files) {
-    const std::string error = error_under(files);
-    if (error.empty()) break;
-    ++failures;
-    ASSERT_THAT(error, HasSubstr("Too many open files"));
-    ASSERT_EQ(FileState(path()), former);
-    ASSERT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
-  }
-  EXPECT_GE(failures, 3);
-  EXPECT_EQ(Contents().project_name, "next");
 }
 
 TEST_F(Update, MissingFile_IsAnErrorThatNamesIt) {

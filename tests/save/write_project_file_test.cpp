@@ -1,6 +1,5 @@
 #include <projectdb/project_file.h>
 
-#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <functional>
@@ -16,23 +15,16 @@
 
 #include <projectdb/vocabulary.h>
 
-#include "save/replace_file.h"
-#include "testing/child_process.h"
-#include "testing/denied.h"
-#include "testing/filtered_calls.h"
-#include "testing/named_pipe.h"
-#include "testing/project_loading.h"
-#include "testing/sanitizers.h"
-#include "testing/saving.h"
+#include "testing/file_state.h"
+#include "testing/saves.h"
 #include "testing/shipped_files.h"
 #include "testing/test.h"
-#include "testing/xml_platform.h"
+#include "tests/save/writing_file.h"
 
 namespace {
 
 using namespace projectdb;
 using namespace test_support;
-using projectdb::files::SystemCall;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -192,23 +184,6 @@ TEST(FormattingFile, EmptyMapOfAnotherNameAndProcessWithoutName_AreNothingThatAF
 
 // --- Files ---
 
-class WritingFile : public testing::Test, public Loading {
- protected:
-  ProjectContents Contents() const { return ReadProjectFile(path(), "").contents.value(); }
-
-  /// The text of the error that a write ends in; "" if it ends well.
-  std::string WriteError(const ProjectContents& contents, const WriteOptions& options = {}) const {
-    try {
-      WriteProjectFile(path(), contents, options);
-    } catch (const std::runtime_error& error) {
-      return error.what();
-    }
-    return {};
-  }
-
-  const ProjectContents contents_ = CompleteProject(directory.path().string());
-};
-
 TEST_F(WritingFile, NewPath_HoldsTheCanonicalForm) {
   WriteOptions options;
   options.keep_stamps = true;
@@ -219,10 +194,8 @@ TEST_F(WritingFile, NewPath_HoldsTheCanonicalForm) {
 
 TEST_F(WritingFile, OtherContents_TakeThePlaceOfTheFormer) {
   Write("p.xml", ProjectXml("", "name=\"former\""));
-  SetMode(path(), 0640);
   EXPECT_TRUE(WriteProjectFile(path(), contents_));
   EXPECT_THAT(DifferencesButStamps(contents_, Contents()), IsEmpty());
-  EXPECT_EQ(ModeOf(path()), 0640U);
 }
 
 TEST_F(WritingFile, FileThatSaysTheSame_IsNotTouched) {
@@ -348,30 +321,6 @@ TEST_F(WritingFile, ParameterOfATypeThatNoFormatKnows_IsWrittenOnce) {
   EXPECT_FALSE(WriteProjectFile(path(), contents, options));
 }
 
-// The XML library is there for each call alone, as in a program that does nothing else with it.
-TEST_F(WritingFile, TooFewFilesMayBeOpen_IsAnErrorAndLeavesTheFormerFile) {
-  if (kSanitized) GTEST_SKIP() << "the sanitizer needs files of its own";
-  Write("p.xml", ProjectXml("", "name=\"former\""));
-  const FileState former(path());
-  const auto error_under = [&](rlim_t files) {
-    return InChildProcess([&] {
-      TerminateXmlPlatformForAll();
-      return WithOpenFileLimit(files, [&] { return WriteError(contents_); });
-    });
-  };
-  int failures = 0;
-  for (rlim_t files = 0; files < 1000; ++files) {
-    const std::string error = error_under(files);
-    if (error.empty()) break;
-    ++failures;
-    ASSERT_EQ(error, WritingError(path(), "Too many open files"));
-    ASSERT_EQ(FileState(path()), former);
-    ASSERT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
-  }
-  EXPECT_GE(failures, 3);
-  EXPECT_THAT(DifferencesButStamps(contents_, Contents()), IsEmpty());
-}
-
 TEST_F(WritingFile, ExpectedVersion_IsWritten) {
   Write("p.xml", CompleteProjectXml());
   WriteOptions options;
@@ -405,17 +354,6 @@ TEST_F(WritingFile, ExpectedVersionThatLoadsWithAGivenSchemaAlone_IsWritten) {
   EXPECT_TRUE(WriteProjectFile(path(), contents_, options));
 }
 
-TEST_F(WritingFile, PipeInThePlaceOfTheExpectedVersion_IsNotWaitedFor) {
-  Write("p.xml", CompleteProjectXml());
-  WriteOptions options;
-  options.expected = ReadProjectFile(path(), "").version;
-  std::filesystem::remove(path());
-  const NamedPipe pipe(path());
-  std::string error;
-  EXPECT_TRUE(pipe.RunWith("", [&] { error = WriteError(contents_, options); }));
-  EXPECT_EQ(error, WritingError(path(), "it is not the file that was expected"));
-}
-
 TEST_F(WritingFile, FileOfAnotherVersion_IsNotTouched) {
   Write("p.xml", CompleteProjectXml());
   WriteOptions options;
@@ -434,26 +372,6 @@ TEST_F(WritingFile, FileThatIsExpectedToBeMissing_IsMadeOnce) {
             WritingError(path(), "it is not the file that was expected"));
 }
 
-TEST_F(WritingFile, FileThatIsMadeWhileItIsExpectedToBeMissing_IsNotTouched) {
-  WriteOptions options;
-  options.expected = ProjectFileVersion();
-  const FilteredCalls calls([&](const SystemCall& call) {
-    if (call.name == std::string("linkat")) WriteFile(path(), ProjectXml(""));
-    return 0;
-  });
-  EXPECT_THROW(WriteProjectFile(path(), contents_, options), ProjectFileChanged);
-  EXPECT_EQ(ReadFile(path()), ProjectXml(""));
-  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
-}
-
-TEST_F(WritingFile, FileSystemWithoutSecondNames_IsWrittenAllTheSame) {
-  WriteOptions options;
-  options.expected = ProjectFileVersion();
-  const FilteredCalls calls(FailCall("linkat", 1, EPERM));
-  EXPECT_EQ(WriteError(contents_, options), "");
-  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
-}
-
 TEST_F(WritingFile, ExpectedVersionUnderTheCallersOwnLock_DoesNotWait) {
   Write("p.xml", ProjectXml(""));
   const ProjectFileLock lock(path());
@@ -461,51 +379,6 @@ TEST_F(WritingFile, ExpectedVersionUnderTheCallersOwnLock_DoesNotWait) {
   options.expected = ReadProjectFile(path(), "").version;
   EXPECT_TRUE(WriteProjectFile(path(), contents_, options));
   EXPECT_THROW(ProjectFileLock(path(), std::chrono::milliseconds::zero()), std::runtime_error);
-}
-
-// Another thread may have had it.
-TEST_F(WritingFile, ExpectedVersionUnderALockThatIsGivenBackMeanwhile_IsWrittenUnderItsOwn) {
-  Write("p.xml", ProjectXml(""));
-  auto lock = std::make_unique<ProjectFileLock>(path());
-  WriteOptions options;
-  options.expected = ReadProjectFile(path(), "").version;
-  int renamings = 0;
-  const FilteredCalls calls([&](const SystemCall& call) {
-    if (call.name == std::string("fsync")) lock.reset();
-    if (call.name == std::string("renameat")) {
-      ++renamings;
-      EXPECT_THROW(ProjectFileLock(path(), std::chrono::milliseconds::zero()), std::runtime_error);
-    }
-    return 0;
-  });
-  EXPECT_TRUE(WriteProjectFile(path(), contents_, options));
-  EXPECT_EQ(renamings, 1);
-}
-
-TEST_F(WritingFile, OwnLockThatTheSystemDoesNotTellOf_IsNotWaitedForEither) {
-  for (const char* name : {"stat", "fstat"}) {
-    Write("p.xml", ProjectXml(""));
-    const ProjectFileLock lock(path());
-    WriteOptions options;
-    options.expected = ReadProjectFile(path(), "").version;
-    const FilteredCalls calls(FailCall(name, 1, EIO));
-    EXPECT_EQ(WriteError(contents_, options), "");
-  }
-}
-
-TEST_F(WritingFile, FileThatChangesWhileTheNewOneIsMade_IsNotTouched) {
-  Write("p.xml", CompleteProjectXml());
-  WriteOptions options;
-  options.expected = ReadProjectFile(path(), "").version;
-  ProjectContents contents = contents_;
-  contents.project_name = "next";
-  const FilteredCalls calls([&](const SystemCall& call) {
-    if (call.name == std::string("fsync")) WriteFile(path(), ProjectXml(""));
-    return 0;
-  });
-  EXPECT_THROW(WriteProjectFile(path(), contents, options), ProjectFileChanged);
-  EXPECT_EQ(ReadFile(path()), ProjectXml(""));
-  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
 }
 
 TEST_F(WritingFile, ContentsThatNoFileCanHold_LeaveTheFormerFile) {
@@ -527,12 +400,6 @@ TEST_F(WritingFile, EmptyPath_IsRefused) {
   EXPECT_THROW(WriteProjectFile("", contents_), std::runtime_error);
 }
 
-TEST_F(WritingFile, FileInADirectoryThatMayNotBeWritten_IsLeftWithTheReason) {
-  const Denied denied(directory.path());
-  if (!denied.effective()) GTEST_SKIP() << "permissions do not bind here";
-  EXPECT_EQ(WriteError(contents_), WritingError(path(), "Permission denied"));
-}
-
 // --- What killed saves left behind ---
 
 TEST_F(WritingFile, TemporaryFileThatAKilledSaveLeft_IsRemoved) {
@@ -542,31 +409,6 @@ TEST_F(WritingFile, TemporaryFileThatAKilledSaveLeft_IsRemoved) {
   EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
 }
 
-TEST_F(WritingFile, AbandonedTemporaryFile_IsRemovedWhileNobodyElseCanLockIt) {
-  const std::string abandoned = Write(".kel_save_0123456789abcdef0123456789abcdef", "<proj");
-  int removals = 0;
-  const FilteredCalls calls([&](const SystemCall& call) {
-    if (call.name == std::string("unlinkat")) {
-      ++removals;
-      EXPECT_THROW(ProjectFileLock(abandoned, std::chrono::milliseconds::zero()),
-                   std::runtime_error);
-    }
-    return 0;
-  });
-  WriteProjectFile(path(), contents_);
-  EXPECT_EQ(removals, 1);
-}
-
-TEST_F(WritingFile, TemporaryFileThatSomebodyReplaces_IsAnErrorAndNoSave) {
-  const auto write = [](const std::string& file) {
-    std::filesystem::remove(file);
-    WriteFile(file, "<project/>");
-  };
-  EXPECT_THAT(ErrorOf([&] { projectdb::files::ReplaceFile(path(), {write}); }),
-              "the temporary file was removed");
-  EXPECT_FALSE(std::filesystem::exists(path()));
-}
-
 TEST_F(WritingFile, FilesOfOtherNames_Stay) {
   const Lines names = {".kel_save_", ".kel_save_0123456789ABCDEF0123456789abcdef",
                        ".kel_save_0123456789abcdef0123456789abcdef0",
@@ -574,43 +416,6 @@ TEST_F(WritingFile, FilesOfOtherNames_Stay) {
   for (const std::string& name : names) Write(name, "mine");
   WriteProjectFile(path(), contents_);
   EXPECT_EQ(NamesIn(directory.path()).size(), names.size() + 1);
-}
-
-TEST_F(WritingFile, TemporaryFileOfASaveThatIsAtWork_Stays) {
-  bool has_saved = false;
-  const FilteredCalls calls([&](const SystemCall& call) {
-    if (call.name == std::string("renameat") && !has_saved) {
-      has_saved = true;
-      WriteProjectFile(directory / "other.xml", contents_);
-    }
-    return 0;
-  });
-  EXPECT_EQ(WriteError(contents_), "");
-  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("other.xml", "p.xml"));
-}
-
-TEST_F(WritingFile, TemporaryFileThatIsTakenForAnAbandonedOne_IsMadeAnew) {
-  int created = 0;
-  bool is_removed = false;
-  const FilteredCalls calls([&](const SystemCall& call) {
-    if (call.name == std::string("openat")) ++created;
-    if (call.name == std::string("flock") && !std::exchange(is_removed, true)) {
-      for (const std::string& name : NamesIn(directory.path())) {
-        std::filesystem::remove(directory / name);
-      }
-    }
-    return 0;
-  });
-  EXPECT_EQ(WriteError(contents_), "");
-  EXPECT_EQ(created, 2);
-  EXPECT_THAT(DifferencesButStamps(contents_, Contents()), IsEmpty());
-}
-
-TEST_F(WritingFile, FileSystemWithoutLocks_IsWrittenAllTheSame) {
-  const FilteredCalls calls(
-      [&](const SystemCall& call) { return call.name == std::string("flock") ? ENOLCK : 0; });
-  EXPECT_EQ(WriteError(contents_), "");
-  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
 }
 
 }  // namespace

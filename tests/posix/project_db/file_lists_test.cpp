@@ -1,101 +1,21 @@
 #include <filesystem>
-#include <functional>
 #include <stdexcept>
-#include <tuple>
 
-#include "contents/record_text.h"
 #include "testing/project_loading.h"
 #include "testing/test.h"
+#include "tests/project_db/file_lists.h"
 
 namespace {
 
 using namespace projectdb;
 using namespace test_support;
-
-using Strings = std::vector<std::string>;
-
-/// A design file in a form that compares.
-using Row = std::tuple<std::string, std::string, std::string>;
-
-std::vector<Row> RowsOf(const std::vector<DesignFile>& files) {
-  std::vector<Row> rows;
-  rows.reserve(files.size());
-  for (const DesignFile& file : files) rows.emplace_back(file.name, file.version, file.library);
-  return rows;
-}
+using namespace test_support::file_lists;
 
 std::vector<Row> DesignFiles(const KelProjectDatabase& database) {
   std::vector<DesignFile> files;
   database.GetDesignFileList(files);
-  return RowsOf(files);
+  return RowsOfFiles(files);
 }
-
-/// A list of files whose getter delivers resolved names.
-struct PathList {
-  const char* name;
-  std::function<void(KelProjectDatabase&, const std::string&)> add;
-  std::function<void(const KelProjectDatabase&, Strings&)> append_to;
-};
-
-void AppendDesignFiles(const KelProjectDatabase& database, Strings& names) {
-  std::vector<DesignFile> files;
-  for (const std::string& name : names) files.emplace_back(name, "", "");
-  const auto keep = [&] {
-    names.clear();
-    for (const DesignFile& file : files) names.push_back(file.name);
-  };
-  try {
-    database.GetDesignFileList(files);
-  } catch (...) {
-    keep();
-    throw;
-  }
-  keep();
-}
-
-const PathList kPathLists[] = {
-    {"Design", [](auto& db, auto& name) { db.AddDesignRTLFile(name, "v2001", "work"); },
-     AppendDesignFiles},
-    {"SimulationTestBench",
-     [](auto& db, auto& name) { db.AddSimulationTestBenchFile(name, "v2001"); },
-     [](auto& db, auto& names) { db.GetSimulationTestBenchFileList(names); }},
-    {"Miscellaneous", [](auto& db, auto& name) { db.AddMiscellaneousFile(name); },
-     [](auto& db, auto& names) { db.GetMiscellaneousFileList(names); }},
-    {"TimingConstraint",
-     [](auto& db, auto& name) { ASSERT_TRUE(db.AddTimingConstraintFile(name)) << name; },
-     [](auto& db, auto& names) { db.GetTimingConstraintFileList(names); }}};
-
-class FileLists : public testing::Test {
- protected:
-  void SetUp() override {
-    ASSERT_TRUE(database_.CreateNewProjectDatabase("blinker"));
-    database_.SetProjectCurrentPath("/work/proj");
-  }
-
-  Strings TimingConstraints() const {
-    Strings names;
-    database_.GetTimingConstraintFileList(names);
-    return names;
-  }
-
-  KelProjectDatabase database_;
-};
-
-class PathListTest : public FileLists, public testing::WithParamInterface<PathList> {
- protected:
-  void Add(const std::string& name) { GetParam().add(database_, name); }
-  Strings List() const {
-    Strings names;
-    GetParam().append_to(database_, names);
-    return names;
-  }
-  /// The only entry of a list to which the name is added.
-  std::string Resolved(const std::string& name) {
-    Add(name);
-    const Strings names = List();
-    return names.empty() ? "nothing" : names.back();
-  }
-};
 
 TEST_P(PathListTest, Get_NameStored_IsResolvedAgainstTheProjectDirectory) {
   const std::pair<const char*, const char*> cases[] = {
@@ -147,30 +67,6 @@ TEST_P(PathListTest, Get_VectorHasEntries_AppendsAllInOrderBehindThem) {
   EXPECT_THAT(List(), ElementsAre("/c.sdc", "/a.sdc", "/c.sdc"));
 }
 
-TEST_P(PathListTest, Add_OneList_LeavesTheOthers) {
-  Add("src/top.sdc");
-  for (const PathList& list : kPathLists) {
-    Strings names;
-    list.append_to(database_, names);
-    EXPECT_EQ(names.size(), list.name == GetParam().name ? 1u : 0u) << list.name;
-  }
-}
-
-TEST_P(PathListTest, Get_ProjectDirectoryIsNoUtf8_ThrowsRangeErrorAndAppendsNothing) {
-  database_.SetProjectCurrentPath("/work/\xFF");
-  EXPECT_THAT(List(), IsEmpty());
-  Add("src/top.sdc");
-  for (const char* directory :
-       {"/work/\xFF", "/work/\xC3", "\xE6\x9C/proj", "/\xC0\xAF", "/\xED\xA0\x80"}) {
-    database_.SetProjectCurrentPath(directory);
-    Strings names = {"former"};
-    EXPECT_THROW(GetParam().append_to(database_, names), std::range_error);
-    EXPECT_THAT(names, ElementsAre("former"));
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(Lists, PathListTest, testing::ValuesIn(kPathLists), ByName());
-
 /// The lists that take any name, also the empty one and one that is not UTF-8: all but the last.
 class AnyNameListTest : public PathListTest {};
 
@@ -193,58 +89,6 @@ TEST_P(AnyNameListTest, Get_NameIsNoUtf8_ThrowsRangeErrorWithTheEntriesBeforeItA
 
 INSTANTIATE_TEST_SUITE_P(Lists, AnyNameListTest,
                          testing::Values(kPathLists[0], kPathLists[1], kPathLists[2]), ByName());
-
-TEST_F(FileLists, Adders_AppendNameVersionAndLibraryAndLeaveTheirVectors) {
-  KelProjectDatabase database;
-  ASSERT_TRUE(database.SetupProjectDatabase());
-  std::vector<DesignFile> files = {{"b.v", "v2001", "lib_b"}, {"a.v", "", ""}};
-  Strings names = {"notes.txt", ""};
-  std::vector<DesignFile> none;
-  database.AddDesignRTLFile("top.v", "v1995", "work");
-  database.AddSimulationTestBenchFile("tb.v", "v2001");
-  database.AddMiscellaneousFile("readme.txt");
-  database.AddDesignRTLFile(none);
-  database.AddSimulationTestBenchFile(none);
-  for (int round = 0; round < 2; ++round) {
-    database.AddDesignRTLFile(files);
-    database.AddSimulationTestBenchFile(files);
-    database.AddMiscellaneousFile(names);
-  }
-  EXPECT_THAT(
-      ProjectLines(database),
-      ElementsAre(
-          "design.files[0]: top.v version=v1995 library=work",
-          "design.files[1]: b.v version=v2001 library=lib_b", "design.files[2]: a.v",
-          "design.files[3]: b.v version=v2001 library=lib_b", "design.files[4]: a.v",
-          "simulation.files[0]: tb.v version=v2001 library=default",
-          "simulation.files[1]: b.v version=v2001 library=lib_b", "simulation.files[2]: a.v",
-          "simulation.files[3]: b.v version=v2001 library=lib_b", "simulation.files[4]: a.v",
-          "misc.files[0]: readme.txt library=default", "misc.files[1]: notes.txt library=default",
-          "misc.files[2]: \"\" library=default", "misc.files[3]: notes.txt library=default",
-          "misc.files[4]: \"\" library=default"));
-  EXPECT_THAT(RowsOf(files), ElementsAre(Row("b.v", "v2001", "lib_b"), Row("a.v", "", "")));
-  EXPECT_THAT(names, ElementsAre("notes.txt", ""));
-}
-
-TEST_F(FileLists, FlatListGetters_EmptyVector_ReserveTheirCountAndNoMore) {
-  constexpr std::size_t kCount = 3;  // Growing one by one, a vector would have room for four.
-  for (const char* name : {"a.sdc", "b.sdc", "c.sdc"}) {
-    database_.AddDesignRTLFile(name, "v2001", "work");
-    database_.AddSimulationTestBenchFile(name, "v2001");
-    database_.AddMiscellaneousFile(name);
-    ASSERT_TRUE(database_.AddTimingConstraintFile(name));
-  }
-  std::vector<DesignFile> files;
-  database_.GetDesignFileList(files);
-  EXPECT_EQ(files.capacity(), kCount);
-  for (const auto get : {&KelProjectDatabase::GetSimulationTestBenchFileList,
-                         &KelProjectDatabase::GetMiscellaneousFileList,
-                         &KelProjectDatabase::GetTimingConstraintFileList}) {
-    Strings paths;
-    (database_.*get)(paths);
-    EXPECT_EQ(paths.capacity(), kCount);
-  }
-}
 
 TEST_F(FileLists, GetDesignFileList_ResultChanged_LeavesTheProject) {
   database_.AddDesignRTLFile("/a.v", "v2001", "work");
@@ -355,15 +199,6 @@ TEST_F(TimingConstraints, AddTimingConstraintFile_ListWithStatusUnreadable_Keeps
   EXPECT_THAT(FileLists::TimingConstraints(), ElementsAre("/a.sdc", "/c.sdc"));
 }
 
-/// Names that no conversion to a path takes, each of which would end in an extension.
-Strings NamesThatAreNotUtf8(const std::string& extension) {
-  Strings names;
-  for (const char* stem : {"\xFF", "a\xC3", "\xE6\x9C/x", "\xC0\xAF", "\xED\xA0\x80"}) {
-    names.push_back(stem + extension);
-  }
-  return names;
-}
-
 TEST_F(TimingConstraints, AddTimingConstraintFile_NameIsNoUtf8_ThrowsRangeErrorAndAddsNothing) {
   for (const std::string& name : NamesThatAreNotUtf8(".sdc")) {
     EXPECT_THROW(database_.AddTimingConstraintFile(name), std::range_error) << name;
@@ -385,63 +220,6 @@ TEST_F(TimingConstraints, AddTimingConstraintFile_NameIsNoUtf8_TheProjectCanBeEx
   EXPECT_ANY_THROW(database_.AddTimingConstraintFile("a\xFF.sdc"));
   EXPECT_NO_THROW(database_.ExportProjectData("out.xml"));
 }
-
-TEST_F(FileLists, SetInterfaceConstraint_NameIsNoUtf8_ThrowsRangeErrorAndKeepsTheFormer) {
-  ASSERT_TRUE(database_.SetInterfaceConstraint("former.interface.csv"));
-  for (const std::string& name : NamesThatAreNotUtf8(".interface.csv")) {
-    EXPECT_THROW(database_.SetInterfaceConstraint(name), std::range_error) << name;
-  }
-  EXPECT_EQ(database_.GetInterfaceConstraint(), "former.interface.csv");
-}
-
-TEST_F(FileLists, SetInterfaceConstraint_NameOfThatKind_IsStoredAsGiven) {
-  for (const char* name :
-       {"io.interface.csv", "pins.interface.csv", "a.b.interface.csv", "io/pins.interface.csv",
-        "../pins.interface.csv", "/abs/pins.interface.csv", "a..interface.csv",
-        "größe.interface.csv", "two words.interface.csv", " .interface.csv",
-        "x.interface.csv/y.interface.csv", "..interface.csv", "io.interface.csv.interface.csv"}) {
-    EXPECT_TRUE(database_.SetInterfaceConstraint(name)) << name;
-    EXPECT_EQ(database_.GetInterfaceConstraint(), name);
-  }
-}
-
-TEST_F(FileLists, SetInterfaceConstraint_OtherName_ReturnsFalseWithoutMessageOrChange) {
-  const MessageRecorder recorder;
-  ASSERT_TRUE(database_.SetInterfaceConstraint("former.interface.csv"));
-  for (const char* name :
-       {"", "io.csv", "pins.interface.CSV", "pins.Interface.csv", ".interface.csv",
-        "io/.interface.csv", "interface.csv", "pins.interface", "pins.interface.csv.bak",
-        "pins.interface.csv/", "pins.interface.csv ", "x.interface.csv/pins", "pins.csv.interface",
-        "pins.interface..csv", "pinsinterface.csv", "pins.interface.csvx", ".csv", ".", "/"}) {
-    EXPECT_FALSE(database_.SetInterfaceConstraint(name)) << name;
-    EXPECT_EQ(database_.GetInterfaceConstraint(), "former.interface.csv") << name;
-  }
-  EXPECT_THAT(recorder.messages(), IsEmpty());
-}
-
-TEST_F(FileLists, SetInterfaceConstraint_DirectoryOfThatName_IsStored) {
-  const TemporaryDirectory directory;
-  const std::string name = directory / "dir.interface.csv";
-  std::filesystem::create_directory(name);
-  EXPECT_TRUE(database_.SetInterfaceConstraint(name));
-}
-
-/// A project read from a file with the given sections.
-class LoadedLists : public testing::Test, protected Loading {
- protected:
-  void Load(const std::string& sections) { ASSERT_TRUE(LoadBytes(ProjectXml(sections))); }
-  void LoadTwoInstances() {
-    Load(R"(<ip_info><ip instance_name="fifo_0" path="ip/fifo/fifo.ipx">)"
-         R"(<ip_src_file name="rtl/fifo.v"/><ip_src_file name="../shared/ram.v"/></ip>)"
-         R"(<ip instance_name="pll_0" path="pll.ipx"/>)"
-         R"(<ip instance_name="uart_0" path="/opt/ip/uart.ipx">)"
-         R"(<ip_src_file name="uart.v"/><ip_src_file name="/lib/sync.v"/></ip></ip_info>)");
-  }
-  Strings IpSources(Strings names = {}) const {
-    database.GetIpSrcFileList(names);
-    return names;
-  }
-};
 
 TEST_F(LoadedLists, GetIpSrcFileList_SeveralInstances_ResolvesAgainstEachOnesDirectory) {
   LoadTwoInstances();
@@ -483,59 +261,6 @@ TEST_F(LoadedLists, GetIpSrcFileList_NoOrRelativeProjectDirectory_IsBelowTheWork
   EXPECT_THAT(IpSources(), ElementsAre(here + "/x.v", here + "/x.v", here + "/ip/x.v"));
   database.SetProjectCurrentPath("proj");
   EXPECT_EQ(IpSources().back(), here + "/proj/ip/x.v");
-}
-
-TEST_F(LoadedLists, IpGetters_NoInstances_LeaveTheVectors) {
-  Load("");
-  std::vector<IP> instances(1);
-  database.GetIpInstanceList(instances);
-  EXPECT_EQ(instances.size(), 1u);
-  EXPECT_THAT(IpSources({"former"}), ElementsAre("former"));
-}
-
-TEST_F(LoadedLists, GetIpSrcFileList_ProjectDirectoryIsNoUtf8_ThrowsRangeErrorAndFreesTheLock) {
-  LoadTwoInstances();
-  database.SetProjectCurrentPath("/work/\xFF");
-  Strings names = {"former"};
-  EXPECT_THROW(database.GetIpSrcFileList(names), std::range_error);
-  EXPECT_THAT(names, ElementsAre("former"));
-  database.SetProjectCurrentPath("/work/proj");  // Would wait for ever if the lock were held.
-  EXPECT_EQ(IpSources().size(), 4u);
-}
-
-TEST_F(LoadedLists, GetIpInstanceList_SeveralInstances_AppendsCopiesOfThemAsStored) {
-  LoadTwoInstances();
-  database.SetProjectCurrentPath("/work/\xFF");
-  std::vector<IP> instances = {{"former", "", {}}};
-  database.GetIpInstanceList(instances);
-  ASSERT_EQ(instances.size(), 4u);
-  EXPECT_EQ(TextOf(instances[0]), "former");
-  EXPECT_EQ(TextOf(instances[1]),
-            "fifo_0 path=ip/fifo/fifo.ipx file=rtl/fifo.v file=../shared/ram.v");
-  EXPECT_EQ(TextOf(instances[2]), "pll_0 path=pll.ipx");
-  instances[1].src_files.clear();
-  database.SetProjectCurrentPath("/work/proj");
-  EXPECT_EQ(IpSources().size(), 4u);
-}
-
-/// The capacity of a vector to which so many entries were appended one by one.
-template <typename Entry>
-std::size_t CapacityAfterAppending(std::size_t count) {
-  std::vector<Entry> entries;
-  for (std::size_t i = 0; i < count; ++i) entries.emplace_back();
-  return entries.capacity();
-}
-
-TEST_F(LoadedLists, IpGetters_AppendWithoutReservation) {
-  std::string ips;
-  for (int i = 0; i < 5; ++i) ips += "<ip path=\"a/b\"><ip_src_file name=\"c.v\"/></ip>";
-  Load("<ip_info>" + ips + "</ip_info>");
-  std::vector<IP> instances;
-  database.GetIpInstanceList(instances);
-  EXPECT_EQ(instances.capacity(), CapacityAfterAppending<IP>(5));
-  Strings names;
-  database.GetIpSrcFileList(names);
-  EXPECT_EQ(names.capacity(), CapacityAfterAppending<std::string>(5));
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <string>
 #include <utility>
 #include <vector>
@@ -75,6 +76,20 @@ TEST(FileListsOnWindows, GetIpSrcFileList_NameBesideTheInstance_IsInTheDirectory
   std::vector<std::string> paths;
   database.GetIpSrcFileList(paths);
   EXPECT_THAT(paths, ElementsAre("C:/work/proj\\ip/fifo\\rtl/fifo.v", "D:/lib/x.v"));
+}
+
+TEST(FileListsOnWindows, AddTimingConstraintFile_DirectoryOrOtherEnding_IsRefused) {
+  const TemporaryDirectory directory;
+  const WorkingDirectory working_directory(directory.path());
+  std::filesystem::create_directory("dir.sdc");
+  projectdb::KelProjectDatabase database;
+  database.CreateNewProjectDatabase("soc");
+  for (const char* name : {"missing.sdc", "größe.sdc", "漢字.sdc", "D:/lib/x.sdc", "..\\x.sdc"}) {
+    EXPECT_TRUE(database.AddTimingConstraintFile(name)) << name;
+  }
+  for (const char* name : {"", "dir.sdc", "dir.sdc/", "dir.sdc\\", "a.SDC", "a.sdc.bak", ".sdc"}) {
+    EXPECT_FALSE(database.AddTimingConstraintFile(name)) << name;
+  }
 }
 
 }  // namespace

@@ -1,0 +1,165 @@
+#include <cerrno>
+#include <csignal>
+#include <cstddef>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+#include <fcntl.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <projectdb/durable_export.h>
+
+#include "testing/child_process.h"
+#include "testing/filtered_calls.h"
+#include "testing/saving.h"
+#include "testing/test.h"
+#include "tests/save/locked_file.h"
+
+namespace {
+
+using namespace test_support;
+using projectdb::ExportProjectDataDurably;
+using projectdb::ProjectFileLock;
+
+bool IsLockedForOtherProcesses(const std::string& path) {
+  return InChildProcess([&] { return std::string(IsLocked(path) ? "locked" : "free"); }) ==
+         "locked";
+}
+
+TEST_F(FileLock, FreeFile_IsLockedForThreadsAndProcessesAsLongAsTheLockLives) {
+  {
+    const ProjectFileLock lock(path_);
+    EXPECT_TRUE(IsLocked(path_));
+    EXPECT_TRUE(IsLockedForOtherProcesses(path_));
+  }
+  EXPECT_EQ(LockError(path_), "");
+  EXPECT_FALSE(IsLockedForOtherProcesses(path_));
+}
+
+TEST_F(FileLock, OtherPathsToTheFile_AreLockedToo) {
+  std::filesystem::create_symlink("p.xml", directory_ / "link.xml");
+  std::filesystem::create_hard_link(path_, directory_ / "other.xml");
+  const ProjectFileLock lock(directory_ / "link.xml");
+  EXPECT_TRUE(IsLocked(path_));
+  EXPECT_TRUE(IsLocked(directory_ / "other.xml"));
+  EXPECT_TRUE(IsLocked(directory_ / "./p.xml"));
+}
+
+TEST_F(FileLock, FileThatIsReplacedByASave_StaysLocked) {
+  {
+    const ProjectFileLock lock(path_);
+    for (int save = 0; save < 2; ++save) {
+      ExportProjectDataDurably(database_, path_);
+      EXPECT_TRUE(IsLockedForOtherProcesses(path_));
+      EXPECT_TRUE(IsLocked(path_));
+    }
+  }
+  EXPECT_FALSE(IsLockedForOtherProcesses(path_));
+}
+
+TEST_F(FileLock, FileThatIsReplacedBySymbolicLink_StaysLocked) {
+  std::filesystem::create_symlink("p.xml", directory_ / "link.xml");
+  const ProjectFileLock lock(path_);
+  ExportProjectDataDurably(database_, directory_ / "link.xml");
+  EXPECT_TRUE(IsLockedForOtherProcesses(path_));
+}
+
+TEST_F(FileLock, SaveThatFails_LeavesTheFileLocked) {
+  const ProjectFileLock lock(path_);
+  database_.SetProjectName("\x01");
+  EXPECT_THROW(ExportProjectDataDurably(database_, path_), std::runtime_error);
+  EXPECT_TRUE(IsLockedForOtherProcesses(path_));
+}
+
+TEST_F(FileLock, HolderThatIsKilled_LeavesTheFileFreeAndNothingElse) {
+  int ready[2];
+  ASSERT_EQ(::pipe(ready), 0);
+  const pid_t holder = ::fork();
+  if (holder == 0) {
+    const ProjectFileLock lock(path_);
+    const bool told = ::write(ready[1], "x", 1) == 1;
+    for (;;) ::pause();
+    ::_exit(told ? 0 : 1);
+  }
+  char told = 0;
+  ASSERT_EQ(::read(ready[0], &told, 1), 1);
+  EXPECT_TRUE(IsLocked(path_));
+  ::kill(holder, SIGKILL);
+  ::waitpid(holder, nullptr, 0);
+  ::close(ready[0]);
+  ::close(ready[1]);
+  EXPECT_EQ(LockError(path_), "");
+  EXPECT_THAT(NamesIn(directory_.path()), ElementsAre("p.xml"));
+}
+
+// A network file system would refuse it otherwise.
+TEST_F(FileLock, FileThatMayBeWritten_IsOpenForWritingWhenItIsLocked) {
+  int modes = 0;
+  const FilteredCalls calls([&](const projectdb::files::SystemCall& call) {
+    if (call.name == std::string("flock")) {
+      ++modes;
+      EXPECT_EQ(::fcntl(call.descriptor, F_GETFL) & O_ACCMODE, O_RDWR);
+    }
+    return 0;
+  });
+  const ProjectFileLock lock(path_);
+  EXPECT_EQ(modes, 1);
+}
+
+TEST_F(FileLock, FileThatMayNotBeWritten_CanBeLocked) {
+  SetMode(path_, 0444);
+  const ProjectFileLock lock(path_);
+  EXPECT_TRUE(IsLocked(path_));
+}
+
+/// From now on no lock of this process succeeds.
+/// @return false if the system does not let a process do that to itself
+bool LetLocksFail(int error) {
+  sock_filter instructions[] = {
+      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_flock, 0, 1),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | static_cast<unsigned int>(error)),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)};
+  const sock_fprog program{4, instructions};
+  return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+         ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+}
+
+TEST_F(FileLock, SystemWithoutLocks_IsAnErrorWithAndWithoutAnEndOfTheWait) {
+  const std::string errors = InChildProcess([this]() -> std::string {
+    if (!LetLocksFail(ENOLCK)) return "no filter";
+    const std::string error = LockError(path_);
+    try {
+      const ProjectFileLock lock(path_);
+      return "locked";
+    } catch (const std::runtime_error& without_end) {
+      return error + without_end.what();
+    }
+  });
+  if (errors == "no filter") GTEST_SKIP() << "system calls cannot be filtered";
+  const std::string error = LockErrorText(path_, "No locks available");
+  EXPECT_EQ(errors, error + error);
+}
+
+TEST_F(FileLock, WhatIsNoRegularFile_IsAnErrorThatNamesIt) {
+  const auto error = [&](const std::string& name) { return LockError(directory_ / name); };
+  const auto text = [&](const std::string& name, const std::string& reason) {
+    return LockErrorText(directory_ / name, reason);
+  };
+  ASSERT_EQ(::mkfifo((directory_ / "pipe.xml").c_str(), 0600), 0);
+  std::filesystem::create_directory(directory_ / "directory.xml");
+  std::filesystem::create_symlink("nowhere.xml", directory_ / "dangling.xml");
+  EXPECT_EQ(error("missing.xml"), text("missing.xml", "No such file or directory"));
+  EXPECT_EQ(error("dangling.xml"), text("dangling.xml", "No such file or directory"));
+  EXPECT_EQ(error("directory.xml"), text("directory.xml", "Is a directory"));
+  EXPECT_EQ(error("pipe.xml"), text("pipe.xml", "not a regular file"));
+}
+
+}  // namespace

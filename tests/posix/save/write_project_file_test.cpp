@@ -1,0 +1,201 @@
+#include <cerrno>
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "save/replace_file.h"
+#include "testing/child_process.h"
+#include "testing/denied.h"
+#include "testing/filtered_calls.h"
+#include "testing/named_pipe.h"
+#include "testing/sanitizers.h"
+#include "testing/saving.h"
+#include "testing/test.h"
+#include "testing/xml_platform.h"
+#include "tests/save/writing_file.h"
+
+namespace {
+
+using namespace projectdb;
+using namespace test_support;
+using projectdb::files::SystemCall;
+
+TEST_F(WritingFile, OtherContents_KeepThePermissionsOfTheFormer) {
+  Write("p.xml", ProjectXml("", "name=\"former\""));
+  SetMode(path(), 0640);
+  EXPECT_TRUE(WriteProjectFile(path(), contents_));
+  EXPECT_EQ(ModeOf(path()), 0640U);
+}
+
+// The XML library is there for each call alone, as in a program that does nothing else with it.
+TEST_F(WritingFile, TooFewFilesMayBeOpen_IsAnErrorAndLeavesTheFormerFile) {
+  if (kSanitized) GTEST_SKIP() << "the sanitizer needs files of its own";
+  Write("p.xml", ProjectXml("", "name=\"former\""));
+  const FileState former(path());
+  const auto error_under = [&](rlim_t files) {
+    return InChildProcess([&] {
+      TerminateXmlPlatformForAll();
+      return WithOpenFileLimit(files, [&] { return WriteError(contents_); });
+    });
+  };
+  int failures = 0;
+  for (rlim_t files = 0; files < 1000; ++files) {
+    const std::string error = error_under(files);
+    if (error.empty()) break;
+    ++failures;
+    ASSERT_EQ(error, WritingError(path(), "Too many open files"));
+    ASSERT_EQ(FileState(path()), former);
+    ASSERT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
+  }
+  EXPECT_GE(failures, 3);
+  EXPECT_THAT(DifferencesButStamps(contents_, Contents()), IsEmpty());
+}
+
+TEST_F(WritingFile, PipeInThePlaceOfTheExpectedVersion_IsNotWaitedFor) {
+  Write("p.xml", CompleteProjectXml());
+  WriteOptions options;
+  options.expected = ReadProjectFile(path(), "").version;
+  std::filesystem::remove(path());
+  const NamedPipe pipe(path());
+  std::string error;
+  EXPECT_TRUE(pipe.RunWith("", [&] { error = WriteError(contents_, options); }));
+  EXPECT_EQ(error, WritingError(path(), "it is not the file that was expected"));
+}
+
+TEST_F(WritingFile, FileThatIsMadeWhileItIsExpectedToBeMissing_IsNotTouched) {
+  WriteOptions options;
+  options.expected = ProjectFileVersion();
+  const FilteredCalls calls([&](const SystemCall& call) {
+    if (call.name == std::string("linkat")) WriteFile(path(), ProjectXml(""));
+    return 0;
+  });
+  EXPECT_THROW(WriteProjectFile(path(), contents_, options), ProjectFileChanged);
+  EXPECT_EQ(ReadFile(path()), ProjectXml(""));
+  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
+}
+
+TEST_F(WritingFile, FileSystemWithoutSecondNames_IsWrittenAllTheSame) {
+  WriteOptions options;
+  options.expected = ProjectFileVersion();
+  const FilteredCalls calls(FailCall("linkat", 1, EPERM));
+  EXPECT_EQ(WriteError(contents_, options), "");
+  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
+}
+
+// Another thread may have had it.
+TEST_F(WritingFile, ExpectedVersionUnderALockThatIsGivenBackMeanwhile_IsWrittenUnderItsOwn) {
+  Write("p.xml", ProjectXml(""));
+  auto lock = std::make_unique<ProjectFileLock>(path());
+  WriteOptions options;
+  options.expected = ReadProjectFile(path(), "").version;
+  int renamings = 0;
+  const FilteredCalls calls([&](const SystemCall& call) {
+    if (call.name == std::string("fsync")) lock.reset();
+    if (call.name == std::string("renameat")) {
+      ++renamings;
+      EXPECT_THROW(ProjectFileLock(path(), std::chrono::milliseconds::zero()), std::runtime_error);
+    }
+    return 0;
+  });
+  EXPECT_TRUE(WriteProjectFile(path(), contents_, options));
+  EXPECT_EQ(renamings, 1);
+}
+
+TEST_F(WritingFile, OwnLockThatTheSystemDoesNotTellOf_IsNotWaitedForEither) {
+  for (const char* name : {"stat", "fstat"}) {
+    Write("p.xml", ProjectXml(""));
+    const ProjectFileLock lock(path());
+    WriteOptions options;
+    options.expected = ReadProjectFile(path(), "").version;
+    const FilteredCalls calls(FailCall(name, 1, EIO));
+    EXPECT_EQ(WriteError(contents_, options), "");
+  }
+}
+
+TEST_F(WritingFile, FileThatChangesWhileTheNewOneIsMade_IsNotTouched) {
+  Write("p.xml", CompleteProjectXml());
+  WriteOptions options;
+  options.expected = ReadProjectFile(path(), "").version;
+  ProjectContents contents = contents_;
+  contents.project_name = "next";
+  const FilteredCalls calls([&](const SystemCall& call) {
+    if (call.name == std::string("fsync")) WriteFile(path(), ProjectXml(""));
+    return 0;
+  });
+  EXPECT_THROW(WriteProjectFile(path(), contents, options), ProjectFileChanged);
+  EXPECT_EQ(ReadFile(path()), ProjectXml(""));
+  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
+}
+
+TEST_F(WritingFile, FileInADirectoryThatMayNotBeWritten_IsLeftWithTheReason) {
+  const Denied denied(directory.path());
+  if (!denied.effective()) GTEST_SKIP() << "permissions do not bind here";
+  EXPECT_EQ(WriteError(contents_), WritingError(path(), "Permission denied"));
+}
+
+TEST_F(WritingFile, AbandonedTemporaryFile_IsRemovedWhileNobodyElseCanLockIt) {
+  const std::string abandoned = Write(".kel_save_0123456789abcdef0123456789abcdef", "<proj");
+  int removals = 0;
+  const FilteredCalls calls([&](const SystemCall& call) {
+    if (call.name == std::string("unlinkat")) {
+      ++removals;
+      EXPECT_THROW(ProjectFileLock(abandoned, std::chrono::milliseconds::zero()),
+                   std::runtime_error);
+    }
+    return 0;
+  });
+  WriteProjectFile(path(), contents_);
+  EXPECT_EQ(removals, 1);
+}
+
+TEST_F(WritingFile, TemporaryFileThatSomebodyReplaces_IsAnErrorAndNoSave) {
+  const auto write = [](const std::string& file) {
+    std::filesystem::remove(file);
+    WriteFile(file, "<project/>");
+  };
+  EXPECT_THAT(ErrorOf([&] { projectdb::files::ReplaceFile(path(), {write}); }),
+              "the temporary file was removed");
+  EXPECT_FALSE(std::filesystem::exists(path()));
+}
+
+TEST_F(WritingFile, TemporaryFileOfASaveThatIsAtWork_Stays) {
+  bool has_saved = false;
+  const FilteredCalls calls([&](const SystemCall& call) {
+    if (call.name == std::string("renameat") && !has_saved) {
+      has_saved = true;
+      WriteProjectFile(directory / "other.xml", contents_);
+    }
+    return 0;
+  });
+  EXPECT_EQ(WriteError(contents_), "");
+  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("other.xml", "p.xml"));
+}
+
+TEST_F(WritingFile, TemporaryFileThatIsTakenForAnAbandonedOne_IsMadeAnew) {
+  int created = 0;
+  bool is_removed = false;
+  const FilteredCalls calls([&](const SystemCall& call) {
+    if (call.name == std::string("openat")) ++created;
+    if (call.name == std::string("flock") && !std::exchange(is_removed, true)) {
+      for (const std::string& name : NamesIn(directory.path())) {
+        std::filesystem::remove(directory / name);
+      }
+    }
+    return 0;
+  });
+  EXPECT_EQ(WriteError(contents_), "");
+  EXPECT_EQ(created, 2);
+  EXPECT_THAT(DifferencesButStamps(contents_, Contents()), IsEmpty());
+}
+
+TEST_F(WritingFile, FileSystemWithoutLocks_IsWrittenAllTheSame) {
+  const FilteredCalls calls(
+      [&](const SystemCall& call) { return call.name == std::string("flock") ? ENOLCK : 0; });
+  EXPECT_EQ(WriteError(contents_), "");
+  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
+}
+
+}  // namespace
