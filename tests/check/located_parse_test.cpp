@@ -1,6 +1,13 @@
 #include "check/located_parse.h"
 
+#include <filesystem>
+#include <new>
 #include <optional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include <xercesc/sax/InputSource.hpp>
 
 #include "testing/project_loading.h"
 #include "testing/test.h"
@@ -91,6 +98,52 @@ TEST_F(LocatedParsing, ParseLocated_SchemaThatCannotBeRead_GivesNoDocument) {
   const LocatedParse parse = ParseBytes("<r/>", directory_.path().string());
   EXPECT_EQ(parse.document, nullptr);
   EXPECT_THAT(ShowProblems(parse), ElementsAre(StartsWith("0:0 error: the XML schema ")));
+}
+
+TEST_F(LocatedParsing, ParseLocated_FileThatCannotBeOpened_IsAnErrorInNoLine) {
+  const FileInput input(path());
+  const LocatedParse parse = ParseLocated({input, FileUri(path()), std::nullopt}, "");
+  EXPECT_THAT(ShowProblems(parse), ElementsAre(StartsWith("0:0 error: the file cannot be read: ")));
+}
+
+TEST_F(LocatedParsing, ParseLocated_AnySchemaThatWasRead_IsNoted) {
+  WriteFile(directory_ / "s.xsd", DeviceOnlySchema());
+  EXPECT_TRUE(ParseBytes("<r/>", directory_ / "s.xsd").has_schema);
+  const std::string hint = "xsi:schemaLocation=\"http://schema.kel.example/wdp_proj s.xsd\"";
+  EXPECT_TRUE(ParseBytes(ProjectXml("", hint)).has_schema);
+  std::filesystem::remove(directory_ / "s.xsd");
+  EXPECT_FALSE(ParseBytes(ProjectXml("", hint)).has_schema);
+}
+
+/// An input that fails in a way of its own.
+template <typename Exception>
+class FailingInput : public xercesc::InputSource {
+ public:
+  explicit FailingInput(Exception exception) : exception_(std::move(exception)) {}
+  xercesc::BinInputStream* makeStream() const override { throw exception_; }
+
+ private:
+  Exception exception_;
+};
+
+template <typename Exception>
+LocatedParse ParseFailing(Exception exception) {
+  const FailingInput<Exception> input(std::move(exception));
+  return ParseLocated({input, "file:///p.xml", std::nullopt}, "");
+}
+
+TEST_F(LocatedParsing, ParseLocated_Failure_IsAnErrorWithItsReason) {
+  EXPECT_THAT(ShowProblems(ParseFailing(std::runtime_error("no input"))),
+              ElementsAre("0:0 error: the file cannot be parsed: no input"));
+}
+
+TEST_F(LocatedParsing, ParseLocated_FailureThatIsNoException_IsAnError) {
+  EXPECT_THAT(ShowProblems(ParseFailing(1)),
+              ElementsAre("0:0 error: the XML library failed for an unknown reason"));
+}
+
+TEST_F(LocatedParsing, ParseLocated_ShortageOfMemory_IsThrown) {
+  EXPECT_THROW(ParseFailing(std::bad_alloc()), std::bad_alloc);
 }
 
 }  // namespace

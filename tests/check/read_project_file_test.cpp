@@ -117,6 +117,37 @@ TEST_F(ReadingFile, BytesChangedWithinOneClockTick_AreAnotherVersion) {
   EXPECT_NE(other, version);
 }
 
+TEST_F(ReadingFile, FileThatDoesNotLoad_BytesChangedWithinOneClockTick_AreAnotherVersion) {
+  const std::string far_behind(200'000, 'x');
+  for (const std::string begin :
+       {"", "<a><b></a>", "<!DOCTYPE a><a/>", "<a>\xFF</a>", "<?xml encoding=\"none\"?><a/>"}) {
+    SCOPED_TRACE(begin);
+    const ProjectFile file = ReadBytes(begin + far_behind + "1");
+    const FileTimes times(path());
+    WriteFile(path(), begin + far_behind + "2");
+    times.Restore();
+    const ProjectFileVersion other = Read().version;
+    EXPECT_FALSE(file.contents);
+    EXPECT_EQ(other.changed_at, file.version.changed_at);
+    EXPECT_EQ(other.size, file.version.size);
+    EXPECT_NE(other, file.version);
+  }
+}
+
+TEST_F(ReadingFile, FileThatASchemaRefuses_HasItsVersionAllTheSame) {
+  Write("p.xml", CompleteProjectXml());
+  const ProjectFile refused = Read(Write("device.xsd", DeviceOnlySchema()));
+  EXPECT_FALSE(refused.contents);
+  EXPECT_EQ(refused.version, Read().version);
+}
+
+TEST_F(ReadingFile, SchemaThatCannotBeRead_LeavesTheFileItsVersion) {
+  Write("p.xml", CompleteProjectXml());
+  const ProjectFile unread = Read(directory.path().string());
+  EXPECT_FALSE(unread.contents);
+  EXPECT_EQ(unread.version, Read().version);
+}
+
 TEST_F(ReadingFile, OtherFileOfTheSameBytesAndTime_IsAnotherVersion) {
   const ProjectFileVersion version = ReadBytes(CompleteProjectXml()).version;
   const FileTimes times(path());

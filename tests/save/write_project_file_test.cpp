@@ -297,18 +297,41 @@ TEST_F(WritingFile, OtherContentsThanOfAFileThatTheSchemaBesideItRefuses_AreWrit
   EXPECT_TRUE(WriteProjectFile(path(), contents));
 }
 
-TEST_F(WritingFile, FileThatSaysTheSameByTheDefaultValuesOfTheSchemaBesideIt_IsNotTouched) {
-  std::string schema = ReadFile(ShippedSchema());
-  const std::string attribute = "<xs:attribute name=\"tool_name\"";
-  ASSERT_NE(schema.find(attribute), std::string::npos);
-  schema.insert(schema.find(attribute) + attribute.size(), " default=\"own\"");
-  Write("wdp_proj.xsd", schema);
-  Write("p.xml", ProjectXml("<debugger/>",
-                            "xsi:schemaLocation=\"http://schema.kel.example/wdp_proj "
-                            "wdp_proj.xsd\""));
-  const ProjectContents contents = Contents();
-  ASSERT_EQ(contents.flow_processes.at(e_debugger).tool_name, "own");
+TEST_F(WritingFileOfASchema, ContentsWithItsDefaultValues_AreNotWritten) {
+  WriteSchema("wdp_proj.xsd");
+  ProjectContents contents = Contents();
+  ASSERT_EQ(DebuggerOf(contents), "own");
   EXPECT_FALSE(WriteProjectFile(path(), contents));
+}
+
+TEST_F(WritingFileOfASchema, ContentsWithoutItsDefaultValues_AreNotWritten) {
+  ProjectContents contents = Contents();
+  ASSERT_EQ(DebuggerOf(contents), "");
+  WriteSchema("wdp_proj.xsd");
+  EXPECT_FALSE(WriteProjectFile(path(), contents));
+}
+
+TEST_F(WritingFileOfASchema, ContentsWithOtherValues_AreWritten) {
+  WriteSchema("wdp_proj.xsd");
+  ProjectContents contents = Contents();
+  DebuggerOf(contents) = "other";
+  EXPECT_TRUE(WriteProjectFile(path(), contents));
+  ProjectContents written = Contents();
+  EXPECT_EQ(DebuggerOf(written), "other");
+}
+
+TEST_F(WritingFileOfASchema, ContentsThatWereReadWithAGivenOne_AreNotWrittenIfItIsGivenAgain) {
+  WriteOptions options;
+  options.schema_file = WriteSchema("given.xsd");
+  ProjectContents contents = ReadProjectFile(path(), options.schema_file).contents.value();
+  ASSERT_EQ(DebuggerOf(contents), "own");
+  EXPECT_FALSE(WriteProjectFile(path(), contents, options));
+}
+
+TEST_F(WritingFileOfASchema, UpdateThatTakesItsDefaultValuesAway_WritesNothing) {
+  WriteSchema("wdp_proj.xsd");
+  EXPECT_FALSE(
+      UpdateProjectFile(path(), [](ProjectContents& contents) { DebuggerOf(contents).clear(); }));
 }
 
 TEST_F(WritingFile, ParameterOfATypeThatNoFormatKnows_IsWrittenOnce) {
@@ -362,6 +385,16 @@ TEST_F(WritingFile, FileOfAnotherVersion_IsNotTouched) {
   const FileState before(path());
   EXPECT_THROW(WriteProjectFile(path(), contents_, options), ProjectFileChanged);
   EXPECT_EQ(FileState(path()), before);
+}
+
+TEST_F(WritingFile, FileThatDoesNotLoadOfAnotherVersionInTheSameClockTick_IsNotTouched) {
+  WriteOptions options;
+  options.expected = ReadProjectFile(Write("p.xml", "<project><<1"), "").version;
+  const FileTimes times(path());
+  WriteFile(path(), "<project><<2");
+  times.Restore();
+  EXPECT_THROW(WriteProjectFile(path(), contents_, options), ProjectFileChanged);
+  EXPECT_EQ(ReadFile(path()), "<project><<2");
 }
 
 TEST_F(WritingFile, FileThatIsExpectedToBeMissing_IsMadeOnce) {

@@ -9,6 +9,7 @@
 
 #include "testing/complete_project.h"
 #include "testing/project_loading.h"
+#include "testing/shipped_files.h"
 
 namespace test_support {
 
@@ -31,6 +32,27 @@ class WritingFile : public testing::Test, public Loading {
   }
 
   const projectdb::ProjectContents contents_ = CompleteProject(PathText(directory.path()));
+};
+
+/// A file whose debugger has no tool but the one that a schema gives it.
+class WritingFileOfASchema : public WritingFile {
+ protected:
+  void SetUp() override {
+    Write("p.xml", ProjectXml("<debugger/>",
+                              "xsi:schemaLocation=\"http://schema.kel.example/wdp_proj "
+                              "wdp_proj.xsd\""));
+  }
+
+  std::string WriteSchema(const std::string& name) const {
+    std::string schema = ReadFile(ShippedSchema());
+    const std::string attribute = "<xs:attribute name=\"tool_name\"";
+    return Write(name,
+                 schema.insert(schema.find(attribute) + attribute.size(), " default=\"own\""));
+  }
+
+  static std::string& DebuggerOf(projectdb::ProjectContents& contents) {
+    return contents.flow_processes.at(projectdb::e_debugger).tool_name;
+  }
 };
 
 }  // namespace test_support

@@ -29,8 +29,8 @@ struct ProjectFileVersion {
   std::uint64_t file = 0;       ///< Its number on the device; 0 for no file.
   std::uint64_t size = 0;       ///< In bytes.
   std::int64_t changed_at = 0;  ///< In nanoseconds since 1970, as the system keeps it.
-  /// Of the first 256 MiB, so that a change within one clock tick shows too; 0 for a file without
-  /// contents of a project, which need not be read to its end.
+  /// Of the first 256 MiB, so that a change within one clock tick shows too; 0 for a file that
+  /// could not be read to its end.
   std::uint64_t bytes_digest = 0;
 
   friend bool operator==(const ProjectFileVersion& a, const ProjectFileVersion& b) {
@@ -48,7 +48,8 @@ struct ProjectFile {
   /// without a project, or if the file cannot be read to its end.
   std::optional<ProjectContents> contents;
   std::vector<FileProblem> problems;  ///< As CheckProjectFile lists them.
-  ProjectFileVersion version;         ///< That of no file if there is none.
+  /// Whatever the file holds; that of no file if there is none, or no regular one.
+  ProjectFileVersion version;
   /// What is no problem, but not kept: comments and security sections, each a warning in its place.
   /// Who writes over a file may want to tell of it.
   std::vector<FileProblem> unkept = {};
@@ -109,11 +110,14 @@ struct WriteOptions {
   /// Whether a file that says the same, but in other bytes than FormatProjectFile gives, is written
   /// anew.
   bool canonical = false;
+  /// As with ReadProjectFile, to read the file that is there.
+  std::string schema_file = {};
 };
 
 /// Saves a project in canonical order, and as safely as ExportProjectDataDurably does. A file that
-/// says the same already, stamps and directory aside, is not touched, even if a schema that it
-/// names refuses it.
+/// says the same already, stamps and directory aside, is not touched. What it says is what a
+/// reading without an error gives, with its schema or without any: a schema may refuse the file, or
+/// add values, which contents that were read with it have and others have not.
 ///
 /// Without an expected version it takes no ProjectFileLock and replaces whatever is there. The path
 /// may end in anything; a load wants ".xml". It is not the same file afterwards: another hard link
@@ -121,7 +125,8 @@ struct WriteOptions {
 ///
 /// @return whether the file was written
 /// @exception ProjectFileChanged if the file is not the expected one
-/// @exception std::runtime_error as ExportProjectDataDurably
+/// @exception std::runtime_error as ExportProjectDataDurably, and if a version is expected of a
+///            file that cannot be read
 /// @exception std::bad_alloc with the file as it was
 KEL_EXPORT bool WriteProjectFile(const std::string& path, const ProjectContents& contents,
                                  const WriteOptions& options = {});

@@ -17,6 +17,7 @@
 #include "xml/errors.h"
 #include "xml/file_uri.h"
 #include "xml/parser.h"
+#include "xml/schema.h"
 #include "xml/text.h"
 
 namespace projectdb::check {
@@ -104,8 +105,10 @@ LocatedParse ParseLocated(const Source& source, const std::string& schema_locati
       if (!source.follows_schema_hints) {
         xml::Set(*parser, xercesc::XMLUni::fgXercesLoadSchema, false);
       }
+      xml::SchemaSource schemas(collector);
       xml::Owned<xercesc::DOMDocument> document =
-          xml::ParseWith(*parser, collector, source.input, schema_location);
+          xml::ParseWith(*parser, schemas, source.input, schema_location);
+      parse.has_schema = schemas.has_opened();
       collector.RethrowException();
       return document;
     });

@@ -49,8 +49,11 @@ class VersionedInput : public xercesc::InputSource {
 class ProjectFileReader {
  public:
   /// @param path of a file that exists
+  /// @param status of the file
   /// @param schema_file nothing for no schema, even if the file names one
-  void ReadFile(const std::string& path, const std::optional<std::string>& schema_file) {
+  void ReadFile(const std::string& path, const files::FileStatus& status,
+                const std::optional<std::string>& schema_file) {
+    result_.file.version = files::VersionWithoutDigest(status);
     if (!HasProjectFileExtension(path)) {
       problems_.AddError(
           fmt::format("the name of a project file must end in \"{}\"", kProjectFileEnding));
@@ -59,35 +62,47 @@ class ProjectFileReader {
     files::VersionedFile file(path);
     const xml::Platform platform;
     const std::string uri = xml::FileUri(file_path);
-    Read({VersionedInput(file, uri), uri, std::nullopt, schema_file.has_value()},
-         schema_file.value_or(""));
-    // What a load gives up on, such as an endless file, is not read to its end.
-    result_.version = result_.contents ? file.Version() : file.VersionWithoutDigest();
-    if (!result_.contents) return;
-    result_.contents->current_path = paths::ToBytes(paths::Absolute(file_path).parent_path());
+    check::LocatedParse parse =
+        Parse({VersionedInput(file, uri), uri, std::nullopt, schema_file.has_value()},
+              schema_file.value_or(""));
+    // The parser does not know why a read failed.
+    file.RequireReads();
+    Take(std::move(parse));
+    result_.file.version = file.Version();
+    std::optional<ProjectContents>& contents = result_.file.contents;
+    if (!contents) return;
+    contents->current_path = paths::ToBytes(paths::Absolute(file_path).parent_path());
   }
 
   void ReadBytes(const std::string& bytes, const std::string& schema_file) {
     const xml::Platform platform;
     const std::string uri = xml::FileUri("/dev/null/bytes");
-    Read({xml::BytesInput(bytes, uri), uri, bytes, false}, schema_file);
+    Take(Parse({xml::BytesInput(bytes, uri), uri, bytes, false}, schema_file));
   }
+
+  void NoteMissingFile() { problems_.AddError("the project file does not exist"); }
 
   /// Notes why the file could not be read, or not to its end.
-  void Fail(std::string reason) {
-    problems_.AddError(std::move(reason));
-    result_.contents.reset();
+  /// @param prefix what to say of it before the reason
+  void Fail(const std::string& prefix, const std::string& reason) {
+    problems_.AddError(prefix + reason);
+    result_.file.contents.reset();
+    result_.failure = reason;
   }
 
-  ProjectFile TakeResult() {
-    result_.problems = problems_.Take();
-    result_.unkept = unkept_.Take();
+  FileReading TakeResult() {
+    result_.file.problems = problems_.Take();
+    result_.file.unkept = unkept_.Take();
     return std::move(result_);
   }
 
  private:
-  void Read(const check::Source& source, const std::string& schema_file) {
-    check::LocatedParse parse = check::ParseLocated(source, SchemaLocation(schema_file));
+  check::LocatedParse Parse(const check::Source& source, const std::string& schema_file) {
+    return check::ParseLocated(source, SchemaLocation(schema_file));
+  }
+
+  void Take(check::LocatedParse parse) {
+    result_.has_schema = parse.has_schema;
     bool has_error = false;
     for (const auto& [is_error, position, message] : parse.problems) {
       problems_.Add(is_error ? ProblemSeverity::kError : ProblemSeverity::kWarning, position,
@@ -97,7 +112,7 @@ class ProjectFileReader {
     const DOMElement* root = parse.document ? parse.document->getDocumentElement() : nullptr;
     if (!root) return;
     ReadDocument(*root, parse.positions);
-    if (!has_error) result_.contents = project_.TakeContents();
+    if (!has_error) result_.file.contents = project_.TakeContents();
   }
 
   std::string SchemaLocation(const std::string& schema_file) {
@@ -124,45 +139,44 @@ class ProjectFileReader {
   KelProjectDatabase project_;
   check::ProblemList problems_;
   check::ProblemList unkept_;
-  ProjectFile result_;
+  FileReading result_;
 };
 
 namespace {
 
 /// Lets a reader read; what keeps it from that is a problem too.
 template <typename Reading>
-ProjectFile Result(Reading reading) {
+FileReading Result(Reading reading) {
   ProjectFileReader reader;
   try {
     xml::WithBadAlloc([&] { reading(reader); });
   } catch (const Failure& failure) {
-    reader.Fail(std::string("the file cannot be read: ") + failure.what());
+    reader.Fail("the file cannot be read: ", failure.what());
   } catch (const std::runtime_error& error) {
-    reader.Fail(error.what());
+    reader.Fail("", error.what());
   }
   return reader.TakeResult();
 }
 
-ProjectFile Read(const std::string& path, const std::optional<std::string>& schema_file) {
+}  // namespace
+
+FileReading ReadWholeFile(const std::string& path, const std::optional<std::string>& schema_file) {
   return Result([&](ProjectFileReader& reader) {
-    if (files::FindStatus(path)) {
-      reader.ReadFile(path, schema_file);
+    const std::optional<files::FileStatus> status = files::FindStatus(path);
+    if (status) {
+      reader.ReadFile(path, *status, schema_file);
     } else {
-      reader.Fail("the project file does not exist");
+      reader.NoteMissingFile();
     }
   });
 }
 
-}  // namespace
-
 ProjectFile ReadProjectFile(const std::string& path, const std::string& schema_file) {
-  return Read(path, schema_file);
+  return ReadWholeFile(path, schema_file).file;
 }
 
-ProjectFile ReadWithoutSchema(const std::string& path) { return Read(path, std::nullopt); }
-
 ProjectFile ParseProjectFile(const std::string& bytes, const std::string& schema_file) {
-  return Result([&](ProjectFileReader& reader) { reader.ReadBytes(bytes, schema_file); });
+  return Result([&](ProjectFileReader& reader) { reader.ReadBytes(bytes, schema_file); }).file;
 }
 
 }  // namespace projectdb

@@ -1,12 +1,23 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include <projectdb/project_file.h>
 
 namespace projectdb {
 
-/// ReadProjectFile without a schema, even if the file names one that is there.
-ProjectFile ReadWithoutSchema(const std::string& path);
+/// What a reading gives, and what only who writes over the file asks of it.
+struct FileReading {
+  ProjectFile file;
+  /// Why the file, which is there, could not be read to its end.
+  std::optional<std::string> failure = std::nullopt;
+  /// Whether a schema was read: what the file says itself may be something else.
+  bool has_schema = false;
+};
+
+/// ReadProjectFile, with all that it finds out.
+/// @param schema_file nothing for no schema, even if the file names one that is there
+FileReading ReadWholeFile(const std::string& path, const std::optional<std::string>& schema_file);
 
 }  // namespace projectdb

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 
-#include "platform/file_status.h"
+#include "base/failure.h"
 
 namespace projectdb::files {
 namespace {
@@ -14,14 +15,23 @@ constexpr std::uint64_t kMostDigested = std::uint64_t{256} << 20U;
 }  // namespace
 
 std::size_t VersionedFile::Read(unsigned char* target, std::size_t most) {
-  const std::size_t size = file_.Read(target, most);
-  const std::uint64_t digested = std::min<std::uint64_t>(size, kMostDigested - digest_.size());
-  digest_.Add(target, static_cast<std::size_t>(digested));
-  return size;
+  try {
+    const std::size_t size = file_.Read(target, most);
+    const std::uint64_t digested = std::min<std::uint64_t>(size, kMostDigested - digest_.size());
+    digest_.Add(target, static_cast<std::size_t>(digested));
+    return size;
+  } catch (const Failure&) {
+    failure_ = std::current_exception();
+    throw;
+  }
+}
+
+void VersionedFile::RequireReads() const {
+  if (failure_) std::rethrow_exception(failure_);
 }
 
 ProjectFileVersion VersionedFile::Version() {
-  ProjectFileVersion version = VersionWithoutDigest();
+  ProjectFileVersion version = VersionWithoutDigest(status());
   if (version == ProjectFileVersion()) return version;
   constexpr std::size_t kBlockSize = 64 * 1024UL;
   std::array<unsigned char, kBlockSize> rest;
@@ -31,8 +41,7 @@ ProjectFileVersion VersionedFile::Version() {
   return version;
 }
 
-ProjectFileVersion VersionedFile::VersionWithoutDigest() const {
-  const FileStatus& status = file_.status();
+ProjectFileVersion VersionWithoutDigest(const FileStatus& status) {
   if (!status.IsRegular()) return {};
   return {status.device, status.number, status.size, status.changed_at, 0};
 }
@@ -48,9 +57,9 @@ bool HasBytes(const ProjectFileVersion& version, std::string_view bytes) {
 bool IsOfVersion(const std::string& path, const ProjectFileVersion& version) {
   if (!IsRegularFile(path)) return version == ProjectFileVersion();
   VersionedFile file(path);
-  ProjectFileVersion found = file.VersionWithoutDigest();
+  ProjectFileVersion found = VersionWithoutDigest(file.status());
   found.bytes_digest = version.bytes_digest;
-  return found == version && (version.bytes_digest == 0 || file.Version() == version);
+  return found == version && file.Version() == version;
 }
 
 }  // namespace projectdb::files

@@ -5,7 +5,7 @@
 #include <fmt/format.h>
 #include <projectdb/project_file.h>
 
-#include "base/failure.h"
+#include "check/read_project_file.h"
 #include "save/write_project_file.h"
 
 namespace projectdb {
@@ -17,15 +17,16 @@ std::string TextOf(const std::string& path, const FileProblem& problem) {
   return fmt::format("{}: error: {}\n", place, problem.message);
 }
 
-ProjectFile ReadWithoutErrors(const std::string& path, const UpdateOptions& options) {
-  ProjectFile file = ReadProjectFile(path, options.schema_file);
+FileReading ReadWithoutErrors(const std::string& path, const UpdateOptions& options) {
+  FileReading reading = ReadWholeFile(path, options.schema_file);
+  const ProjectFile& file = reading.file;
   if (options.on_reading) options.on_reading(file);
-  if (file.contents && options.despite_errors) return file;
+  if (file.contents && options.despite_errors) return reading;
   const auto error = std::find_if(
       file.problems.begin(), file.problems.end(),
       [](const FileProblem& problem) { return problem.severity == ProblemSeverity::kError; });
   if (error != file.problems.end()) throw std::runtime_error(TextOf(path, *error));
-  return file;
+  return reading;
 }
 
 ProjectFileLock Lock(const std::string& path, const UpdateOptions& options) {
@@ -34,11 +35,11 @@ ProjectFileLock Lock(const std::string& path, const UpdateOptions& options) {
 }
 
 // Whether the file was written; nothing if somebody without the lock was faster.
-std::optional<bool> TryToWrite(const std::string& path, const ProjectFile& former,
+std::optional<bool> TryToWrite(const std::string& path, const FileReading& former,
                                const ProjectContents& contents, const UpdateOptions& options) {
   WriteOptions write;
   write.keep_stamps = options.keep_stamps;
-  write.expected = former.version;
+  write.expected = former.file.version;
   write.canonical = options.canonical;
   try {
     return WriteOver(path, former, contents, write);
@@ -53,10 +54,10 @@ bool UpdateProjectFile(const std::string& path, const std::function<void(Project
                        const UpdateOptions& options) {
   for (;;) {
     const ProjectFileLock lock = Lock(path, options);
-    const ProjectFile file = ReadWithoutErrors(path, options);
-    ProjectContents contents = *file.contents;
+    const FileReading reading = ReadWithoutErrors(path, options);
+    ProjectContents contents = *reading.file.contents;
     change(contents);
-    const std::optional<bool> written = TryToWrite(path, file, contents, options);
+    const std::optional<bool> written = TryToWrite(path, reading, contents, options);
     if (written) return *written;
   }
 }

@@ -45,10 +45,22 @@ bool IsWhole(const ProjectFile& file) {
          });
 }
 
-bool SaysTheSame(const ProjectFile& former, const ProjectContents& contents,
-                 const WriteOptions& options) {
+bool Holds(const ProjectFile& former, const ProjectContents& contents,
+           const WriteOptions& options) {
   return IsWhole(former) && HaveSameProject(*former.contents, contents) &&
          (!options.canonical || IsCanonical(former, contents, options));
+}
+
+// A schema may refuse what the file says, or add to it: the contents may have been read with it or
+// without it.
+bool SaysTheSame(const std::string& path, const FileReading& former,
+                 const ProjectContents& contents, const WriteOptions& options) {
+  if (Holds(former.file, contents, options)) return true;
+  const bool is_there = former.file.version != ProjectFileVersion();
+  const bool is_without_schema = former.file.contents && !former.has_schema;
+  if (!is_there || is_without_schema) return false;
+  const ProjectFile without_schema = ReadWholeFile(path, std::nullopt).file;
+  return without_schema.version == former.file.version && Holds(without_schema, contents, options);
 }
 
 /// The lock that another thread of this process had on the file was given back meanwhile.
@@ -58,29 +70,24 @@ class LockLost : public std::exception {};
   throw ProjectFileChanged(WritingPrefix(path) + "it is not the file that was expected\n");
 }
 
-// What no save replaces is not read either: a pipe might keep the reader waiting. What a file says
-// counts even if the schema that it names refuses that.
-ProjectFile FormerFile(const std::string& path) {
-  if (!files::IsRegularFile(path)) return {};
-  ProjectFile former = ReadProjectFile(path, "");
-  return former.contents ? former : ReadWithoutSchema(path);
+// What no save replaces is not read either: a pipe might keep the reader waiting.
+FileReading FormerFile(const std::string& path, const std::string& schema_file) {
+  return files::IsRegularFile(path) ? ReadWholeFile(path, schema_file) : FileReading();
 }
 
-// A file that does not load has a version without its bytes, and whether it loads depends on the
-// schema that it was read with.
-bool IsExpected(const std::string& path, ProjectFileVersion former,
-                const ProjectFileVersion& expected) {
-  if (former == expected) return true;
-  if (former.bytes_digest != 0 && expected.bytes_digest != 0) return false;
-  former.bytes_digest = expected.bytes_digest;
-  return former == expected && files::IsOfVersion(path, expected);
+void RequireExpected(const std::string& path, const FileReading& former,
+                     const ProjectFileVersion& expected) {
+  if (former.failure && files::IsRegularFile(path)) {
+    throw Failure("it cannot be read: " + *former.failure);
+  }
+  if (former.file.version != expected) ThrowChanged(path);
 }
 
-bool Write(const std::string& path, const ProjectFile& former, const ProjectContents& contents,
+bool Write(const std::string& path, const FileReading& former, const ProjectContents& contents,
            const WriteOptions& options, bool needs_lock) {
   RequireWritable(contents);
-  if (options.expected && !IsExpected(path, former.version, *options.expected)) ThrowChanged(path);
-  if (SaysTheSame(former, contents, options)) return false;
+  if (options.expected) RequireExpected(path, former, *options.expected);
+  if (SaysTheSame(path, former, contents, options)) return false;
   files::Replacement replacement;
   replacement.write = [&](const std::string& file) {
     WriteTo(file, contents, {options.keep_stamps});
@@ -127,7 +134,7 @@ auto WithXmlLibrary(const std::string& prefix, Action action) {
 
 }  // namespace
 
-bool WriteOver(const std::string& path, const ProjectFile& former, const ProjectContents& contents,
+bool WriteOver(const std::string& path, const FileReading& former, const ProjectContents& contents,
                const WriteOptions& options) {
   return WithXmlLibrary(WritingPrefix(path),
                         [&] { return Write(path, former, contents, options, false); });
@@ -139,7 +146,8 @@ bool WriteProjectFile(const std::string& path, const ProjectContents& contents,
     const LockForWriting lock = Lock(path, options);
     try {
       return WithXmlLibrary(WritingPrefix(path), [&] {
-        return Write(path, FormerFile(path), contents, options, lock.is_there);
+        const FileReading former = FormerFile(path, options.schema_file);
+        return Write(path, former, contents, options, lock.is_there);
       });
     } catch (const LockLost&) {
       // It is asked for anew.

@@ -4,10 +4,12 @@
 
 #include <projectdb/project_file.h>
 
+#include "check/read_project_file.h"
+
 namespace projectdb {
 
 /// WriteProjectFile for a file that was read.
-bool WriteOver(const std::string& path, const ProjectFile& former, const ProjectContents& contents,
+bool WriteOver(const std::string& path, const FileReading& former, const ProjectContents& contents,
                const WriteOptions& options);
 
 }  // namespace projectdb

@@ -6,8 +6,8 @@
 #include <xercesc/dom/DOMLSParser.hpp>
 #include <xercesc/sax/InputSource.hpp>
 
-#include "xml/error_handler.h"
 #include "xml/owned.h"
+#include "xml/schema.h"
 
 namespace projectdb::xml {
 
@@ -22,10 +22,9 @@ Owned<xercesc::DOMDocument> ParseProjectXMLFile(const std::string& xml_path,
 
 /// The parse of a project file with a given new parser: all but the making of the parser and what
 /// becomes of errors.
-/// @param errors the parser's error handler
+/// @param schemas with the parser's error handler; must outlive the parser's use
 /// @return the document as far as it goes; null if the given schema cannot be used
-Owned<xercesc::DOMDocument> ParseWith(xercesc::DOMLSParser& parser,
-                                      KelProjectDbErrorHandler& errors,
+Owned<xercesc::DOMDocument> ParseWith(xercesc::DOMLSParser& parser, SchemaSource& schemas,
                                       const xercesc::InputSource& input,
                                       const std::string& schema_location);
 

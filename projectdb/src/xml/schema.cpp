@@ -47,6 +47,7 @@ std::unique_ptr<xercesc::InputSource> SchemaSource::Open(const std::filesystem::
     return nullptr;
   }
   if (!IsWellFormedWithoutDoctype(*input, errors_)) return nullptr;
+  has_opened_ = true;
   return input;
 }
 

@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "save/replace_file.h"
 #include "testing/child_process.h"
@@ -22,6 +23,7 @@ namespace {
 using namespace projectdb;
 using namespace test_support;
 using projectdb::files::SystemCall;
+using projectdb::files::SystemCallFilter;
 
 TEST_F(WritingFile, OtherContents_KeepThePermissionsOfTheFormer) {
   Write("p.xml", ProjectXml("", "name=\"former\""));
@@ -63,6 +65,66 @@ TEST_F(WritingFile, PipeInThePlaceOfTheExpectedVersion_IsNotWaitedFor) {
   std::string error;
   EXPECT_TRUE(pipe.RunWith("", [&] { error = WriteError(contents_, options); }));
   EXPECT_EQ(error, WritingError(path(), "it is not the file that was expected"));
+}
+
+TEST_F(WritingFile, ExpectedVersionThatCannotBeRead_IsNotTouchedAndTheReasonTold) {
+  Write("p.xml", CompleteProjectXml());
+  const FileState before(path());
+  WriteOptions options;
+  options.expected = ReadProjectFile(path(), "").version;
+  // The first opening is that of the lock.
+  const std::vector<SystemCallFilter> failures = {
+      FailCall("open", 2, EACCES), FailCall("read", 1, EACCES), FailCall("read", 2, EACCES)};
+  for (const SystemCallFilter& failure : failures) {
+    const FilteredCalls calls(failure);
+    try {
+      WriteProjectFile(path(), contents_, options);
+      ADD_FAILURE() << "it was written";
+    } catch (const ProjectFileChanged& error) {
+      ADD_FAILURE() << error.what();
+    } catch (const std::runtime_error& error) {
+      EXPECT_EQ(error.what(), WritingError(path(), "it cannot be read: Permission denied"));
+    }
+    EXPECT_EQ(FileState(path()), before);
+    EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
+  }
+}
+
+TEST_F(WritingFile, ExpectedVersionThatIsRemovedBeforeItIsRead_IsAChange) {
+  Write("p.xml", CompleteProjectXml());
+  WriteOptions options;
+  options.expected = ReadProjectFile(path(), "").version;
+  int openings = 0;
+  const FilteredCalls calls([&](const SystemCall& call) {
+    if (call.name == std::string("open") && ++openings == 2) std::filesystem::remove(path());
+    return 0;
+  });
+  EXPECT_THROW(WriteProjectFile(path(), contents_, options), ProjectFileChanged);
+  EXPECT_THAT(NamesIn(directory.path()), IsEmpty());
+}
+
+TEST_F(WritingFile, FileThatCannotBeRead_IsReplacedIfNoVersionIsExpected) {
+  Write("p.xml", CompleteProjectXml());
+  const FilteredCalls calls(FailCall("open", 1, EACCES));
+  EXPECT_TRUE(WriteProjectFile(path(), contents_));
+}
+
+TEST_F(WritingFileOfASchema, ExpectedVersionThatChangesBeforeItIsReadWithoutIt_IsNotTouched) {
+  WriteSchema("wdp_proj.xsd");
+  ProjectContents contents = Contents();
+  contents.project_name = "next";
+  DebuggerOf(contents).clear();
+  WriteOptions options;
+  options.expected = ReadProjectFile(path(), "").version;
+  const std::string bytes = FormatProjectFile(contents);
+  constexpr int kLastOpening = 4;  // After those to lock it, to read it and to read the schema.
+  int openings = 0;
+  const FilteredCalls calls([&](const SystemCall& call) {
+    if (call.name == std::string("open") && ++openings == kLastOpening) WriteFile(path(), bytes);
+    return 0;
+  });
+  EXPECT_THROW(WriteProjectFile(path(), contents, options), ProjectFileChanged);
+  EXPECT_EQ(ReadFile(path()), bytes);
 }
 
 TEST_F(WritingFile, FileThatIsMadeWhileItIsExpectedToBeMissing_IsNotTouched) {
