@@ -1,10 +1,21 @@
 #include "platform/paths.h"
 
 #include <stdexcept>
+#include <system_error>
 
 #include "base/utf8.h"
+#include "platform/system_calls.h"
 
 namespace projectdb::paths {
+namespace {
+
+std::filesystem::path CurrentDirectory() {
+  const std::error_code error(files::ErrorOfFilter({"getcwd", -1}), std::system_category());
+  if (error) throw std::filesystem::filesystem_error("cannot get current path", error);
+  return std::filesystem::current_path();
+}
+
+}  // namespace
 
 std::filesystem::path FromUtf8(const std::string& name) {
   if (!utf8::IsValid(name)) throw std::range_error("a path is not UTF-8 text");
@@ -14,7 +25,7 @@ std::filesystem::path FromUtf8(const std::string& name) {
 // As std::filesystem::absolute, which on some systems takes a ".." together with what is before it.
 std::filesystem::path Absolute(const std::filesystem::path& path) {
   if (IsAbsolute(path)) return path;
-  const std::filesystem::path joined = std::filesystem::current_path() / path;
+  const std::filesystem::path joined = CurrentDirectory() / path;
   // A path on a drive other than the current one may be relative to that drive's own directory.
   return joined.is_absolute() ? joined : std::filesystem::absolute(joined);
 }
@@ -24,7 +35,7 @@ std::filesystem::path ResolveProjectPath(const std::filesystem::path& base,
   std::filesystem::path stored = FromUtf8(name);
   if (IsAbsolute(stored)) return stored;
   const std::filesystem::path path = base / stored;
-  return path.empty() ? std::filesystem::current_path() : Absolute(path);
+  return path.empty() ? CurrentDirectory() : Absolute(path);
 }
 
 }  // namespace projectdb::paths

@@ -20,6 +20,7 @@ std::filesystem::path FromUtf8(const std::string& name);
 bool IsAbsolute(const std::filesystem::path& path);
 
 /// The path below the current directory, unless it is absolute. No lexical normalisation.
+/// @exception std::filesystem::filesystem_error if the system does not tell that directory
 std::filesystem::path Absolute(const std::filesystem::path& path);
 
 /// The stored name resolved against a base directory: as it is if it is absolute, else below the

@@ -3,7 +3,8 @@
 #include <functional>
 
 /// The system calls on files that a lock, a read and a save make go through here, so that a test
-/// can stand between any two of them. Only the names of directories are looked up elsewhere.
+/// can stand between any two of them. Those that the C library makes on its own, such as to read
+/// the time zone, do not.
 namespace projectdb::files {
 
 /// A call that is about to be made.

@@ -4,6 +4,7 @@
 #include <linux/limits.h>
 #include <unistd.h>
 
+#include "platform/paths.h"
 #include "platform/posix/posix_system.h"
 
 namespace projectdb::files {
@@ -40,15 +41,22 @@ std::filesystem::path FollowLinks(std::filesystem::path path) {
   ThrowSystemFailure(ELOOP);
 }
 
+std::filesystem::path AbsolutePath(const std::string& path) {
+  try {
+    return paths::Absolute(path);
+  } catch (const std::filesystem::filesystem_error& error) {
+    ThrowSystemFailure(error.code().value());
+  }
+}
+
 }  // namespace
 
 SaveTarget FindSaveTarget(const std::string& path) {
   // Beyond a zero the system would not see the name.
-  if (path.find('\0') != std::string::npos) ThrowSystemFailure(EINVAL);
+  const bool is_name = !path.empty() && path.find('\0') == std::string::npos;
+  if (!is_name) ThrowSystemFailure(EINVAL);
   // Another thread may change the working directory.
-  std::error_code error;
-  const std::filesystem::path absolute = std::filesystem::absolute(path, error);
-  if (error) ThrowSystemFailure(error.value());
+  const std::filesystem::path absolute = AbsolutePath(path);
   // The system first: it knows loops, and links that it forbids to follow.
   const std::optional<FileStatus> former = FormerFile(absolute);
   return {FollowLinks(absolute), former};

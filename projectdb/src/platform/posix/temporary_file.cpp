@@ -15,7 +15,11 @@ namespace projectdb::files {
 namespace {
 
 struct CloseDirectory {
-  void operator()(DIR* stream) const { ::closedir(stream); }
+  // Nothing is lost if that fails.
+  void operator()(DIR* stream) const {
+    ErrorOfFilter({"closedir", -1});
+    ::closedir(stream);
+  }
 };
 
 // Nobody may take the file for their own between the look at its lock and its removal: its maker
