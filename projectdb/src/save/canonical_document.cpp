@@ -1,5 +1,6 @@
 #include "save/canonical_document.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -41,23 +42,24 @@ bool AppendSections(DOMElement* root, ProjectContents& contents) {
   const char16_t* const ns = format::kNamespace.wide;
   const char16_t* const prefix = format::kPrefix.wide;
   const KelProjectDatabase writer;
-  bool written =
-      writer.AppendDeviceInfoToDOMElement(root, contents.device_info, ns, prefix) &&
-      writer.AppendDesignInfoToDOMElement(root, contents.design_info, ns, prefix) &&
-      writer.AppendDesignConstraintToDOMElement(root, contents.design_constraint, ns, prefix) &&
-      writer.AppendISFToDOMElement(root, contents.design_isf, ns, prefix) &&
+  std::vector<bool> are_appended = {
+      writer.AppendDeviceInfoToDOMElement(root, contents.device_info, ns, prefix),
+      writer.AppendDesignInfoToDOMElement(root, contents.design_info, ns, prefix),
+      writer.AppendDesignConstraintToDOMElement(root, contents.design_constraint, ns, prefix),
+      writer.AppendISFToDOMElement(root, contents.design_isf, ns, prefix),
       writer.AppendDesignFileListToDOMElement(
-          root, format::kSimInfo.narrow, format::kSimFile.narrow, contents.sim_files, ns, prefix) &&
+          root, format::kSimInfo.narrow, format::kSimFile.narrow, contents.sim_files, ns, prefix),
       writer.AppendDesignFileListToDOMElement(root, format::kMiscInfo.narrow,
                                               format::kMiscFile.narrow, contents.misc_files, ns,
-                                              prefix) &&
-      writer.AppendIPInfoToDOMElement(root, contents.ip_info, ns, prefix);
+                                              prefix),
+      writer.AppendIPInfoToDOMElement(root, contents.ip_info, ns, prefix)};
+  are_appended.reserve(are_appended.size() + kFlowProcesses.size());
   for (std::size_t type = 0; type < kFlowProcesses.size(); ++type) {
     SynthesisProcess process =
         OrderedProcess(std::move(contents.flow_processes[type]), kFlowProcesses[type].name);
-    written = written && writer.AppendSynthesisProcessToDOMElement(root, process, ns, prefix);
+    are_appended.push_back(writer.AppendSynthesisProcessToDOMElement(root, process, ns, prefix));
   }
-  return written;
+  return std::all_of(are_appended.begin(), are_appended.end(), [](bool is) { return is; });
 }
 
 }  // namespace
