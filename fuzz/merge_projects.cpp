@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <iterator>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -15,14 +17,15 @@
 #include <projectdb/merge.h>
 #include <projectdb/project_contents.h>
 #include <projectdb/project_db.h>
+#include <projectdb/project_file.h>
 #include <projectdb/vocabulary.h>
 
 #include "checks.h"
 #include "contents/record_text.h"
-#include "memory_file.h"
 #include "record_input.h"
 #include "round_trip.h"
 #include "testing/complete_project.h"
+#include "testing/files.h"
 #include "testing/temporary_directory.h"
 #include "testing/xml_platform.h"
 #include "written_project.h"
@@ -42,12 +45,21 @@ using projectdb::MergeProjects;
 using projectdb::Parameter;
 using projectdb::ParameterMaps;
 using projectdb::ProjectContents;
+using projectdb::ProjectFile;
+
+// Where no save waits for a disk, if there is such a place.
+std::filesystem::path PlaceOfFiles() {
+  const std::filesystem::path memory = "/dev/shm";
+  return std::filesystem::is_directory(memory) ? memory : std::filesystem::temp_directory_path();
+}
 
 // The files of this process. The XML library stays in use: starting it takes longer than the rest.
 struct Files {
+  Files() { test_support::WriteFile(written, "what was there before"); }
+
   test_support::XmlPlatform platform;
-  test_support::TemporaryDirectory directory;
-  fuzz::MemoryFile exported{directory / "exported.xml"};
+  test_support::TemporaryDirectory directory{PlaceOfFiles()};
+  std::string written = directory / "written.xml";
 };
 
 /// Reads edits, and makes them.
@@ -240,8 +252,70 @@ bool Accepts(KelProjectDatabase& database, const ProjectContents& contents) {
   }
 }
 
+bool HasNamelessFiles(const ProjectContents& project) {
+  const auto has_empty_name = [](const std::vector<std::string>& names) {
+    return std::find(names.begin(), names.end(), "") != names.end();
+  };
+  return has_empty_name(project.design_constraint.sdc_files) ||
+         has_empty_name(project.design_isf.isf_files);
+}
+
+/// Whether nothing in the project can be a reason not to write it.
+bool IsWritable(const KelProjectDatabase& database) {
+  return fuzz::IsPlain(database) && fuzz::HasOnlyNamesOfTheFormat(database) &&
+         fuzz::IsReadAsItIs(database) && !HasNamelessFiles(projectdb::GetProjectContents(database));
+}
+
+/// The bytes of a project's file; nothing for a project that no file can hold.
+std::optional<std::string> Format(const ProjectContents& project) {
+  try {
+    return projectdb::FormatProjectFile(project);
+  } catch (const std::runtime_error& error) {
+    Require(fuzz::StartsWith(error.what(), "Failed writing XML file: "),
+            std::string("formatting fails with ") + error.what());
+    return std::nullopt;
+  }
+}
+
+void RequireRefused(const ProjectContents& project, const std::string& path) {
+  const std::string former = test_support::ReadFile(path);
+  try {
+    projectdb::WriteProjectFile(path, project);
+    fuzz::Report("a project is written that cannot be formatted");
+  } catch (const std::runtime_error& error) {
+    Require(fuzz::StartsWith(error.what(), "Failed writing XML file " + path + ": "),
+            std::string("writing fails with ") + error.what());
+  }
+  RequireSame(former, test_support::ReadFile(path), "a write that fails changes the file");
+}
+
+void RequireRead(const KelProjectDatabase& written, const ProjectFile& file,
+                 const std::string& what) {
+  for (const projectdb::FileProblem& problem : file.problems) {
+    fuzz::Report(what + " has a problem: " + problem.message);
+  }
+  Require(file.contents.has_value(), what + " has no contents");
+  KelProjectDatabase read;
+  projectdb::SetProjectContents(read, *file.contents);
+  RequireSame(fuzz::ContentsForFile(written, written), fuzz::ContentsForFile(read, written),
+              what + " holds another project");
+}
+
+/// @param path of a file, which becomes that of the project if there can be one
+void WriteAndRead(const KelProjectDatabase& database, const std::string& path) {
+  const ProjectContents project = projectdb::GetProjectContents(database);
+  const std::optional<std::string> bytes = Format(project);
+  Require(bytes.has_value() || !IsWritable(database), "a plain project is not formatted");
+  if (!bytes) return RequireRefused(project, path);
+  RequireRead(database, projectdb::ParseProjectFile(*bytes, fuzz::SchemaPath()), "its bytes");
+  projectdb::WriteProjectFile(path, project);
+  const ProjectFile file = projectdb::ReadProjectFile(path, "");
+  RequireRead(database, file, "its file");
+  Require(!projectdb::WriteProjectFile(path, *file.contents), "writing what was read changes it");
+}
+
 void WriteAndRead(const ThreeProjects& projects, const ProjectContents& merged,
-                  fuzz::MemoryFile& file) {
+                  const std::string& path) {
   KelProjectDatabase database;
   const bool are_accepted = Accepts(database, projects.base) && Accepts(database, projects.ours) &&
                             Accepts(database, projects.theirs);
@@ -249,7 +323,7 @@ void WriteAndRead(const ThreeProjects& projects, const ProjectContents& merged,
   Require(is_accepted || !are_accepted, "a merge of projects is none");
   if (!is_accepted) return;
   RequireSame(merged, projectdb::GetProjectContents(database), "another project is set");
-  fuzz::ExportAndCheck(database, file);
+  WriteAndRead(database, path);
 }
 
 }  // namespace
@@ -260,6 +334,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const ThreeProjects projects = ReadProjects({reinterpret_cast<const char*>(data), size});
   const MergedProjects merged = MergeProjects(projects.base, projects.ours, projects.theirs);
   CheckLaws(projects, merged);
-  WriteAndRead(projects, merged.contents, files.exported);
+  WriteAndRead(projects, merged.contents, files.written);
   return 0;
 }

@@ -12,10 +12,13 @@ namespace test_support {
 /// A new directory that goes away with all it holds.
 class TemporaryDirectory {
  public:
-  TemporaryDirectory() {
+  TemporaryDirectory() : TemporaryDirectory(std::filesystem::temp_directory_path()) {}
+
+  /// @param parent in which it is made
+  explicit TemporaryDirectory(const std::filesystem::path& parent) {
     std::random_device random;
     do {
-      path_ = std::filesystem::temp_directory_path() / ("projectdb_" + std::to_string(random()));
+      path_ = parent / ("projectdb_" + std::to_string(random()));
     } while (!std::filesystem::create_directory(path_));
   }
   ~TemporaryDirectory() {
