@@ -218,10 +218,24 @@ TEST_F(WritingFile, AnyOtherValue_IsWritten) {
       [](auto& p) {
         std::swap(p.design_info.design_files.at(0), p.design_info.design_files.at(1));
       },
+      [](auto& p) { p.design_info.design_files.at(0).name += "x"; },
       [](auto& p) { p.design_info.design_files.at(0).version += "x"; },
+      [](auto& p) { p.design_info.design_files.at(0).library += "x"; },
       [](auto& p) { p.design_constraint.sdc_files.clear(); },
+      [](auto& p) { p.ip_info.ips.at(0).path += "x"; },
       [](auto& p) { p.ip_info.ips.at(0).src_files.clear(); },
+      [](auto& p) { p.ip_info.ips.at(0).src_files.at(0).name += "x"; },
       [](auto& p) { p.flow_processes[e_debugger].tool_name += "x"; },
+      [](auto& p) {
+        Put(p.flow_processes[e_synthesis], kParameterMap, "mode", {"mode", "slow", e_option});
+      },
+      [](auto& p) {
+        Put(p.flow_processes[e_synthesis], kParameterMap, "mode", {"mode", "fast", e_string});
+      },
+      [](auto& p) {
+        p.flow_processes[e_synthesis].parameter_maps[kParameterMap].erase("mode");
+        Put(p.flow_processes[e_synthesis], kParameterMap, "x", {"x", "fast", e_option});
+      },
       [](auto& p) { p.flow_processes[e_synthesis].parameter_maps.erase(kMacroMap); },
       [](auto& p) {
         Put(p.flow_processes[e_synthesis], kParameterMap, "x", {"x", "1", e_string});
@@ -375,6 +389,23 @@ TEST_F(WritingFile, ExpectedVersionThatLoadsWithAGivenSchemaAlone_IsWritten) {
   ASSERT_TRUE(read.contents);
   options.expected = read.version;
   EXPECT_TRUE(WriteProjectFile(path(), contents_, options));
+}
+
+TEST_F(WritingFile, ExpectedVersionThatIsGone_IsAChangeWhateverElseIsLocked) {
+  WriteOptions options;
+  options.expected = ReadProjectFile(Write("p.xml", CompleteProjectXml()), "").version;
+  const ProjectFileLock lock(Write("other.xml", ProjectXml("")));
+  std::filesystem::remove(path());
+  EXPECT_THROW(WriteProjectFile(path(), contents_, options), ProjectFileChanged);
+  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("other.xml"));
+}
+
+TEST_F(WritingFile, ExpectedVersionWhileOtherFilesAreLocked_IsWrittenUnderItsOwnLock) {
+  WriteOptions options;
+  options.expected = ReadProjectFile(Write("p.xml", ProjectXml("")), "").version;
+  const ProjectFileLock lock(Write("other.xml", ProjectXml("")));
+  EXPECT_TRUE(WriteProjectFile(path(), contents_, options));
+  EXPECT_NO_THROW(ProjectFileLock(path(), std::chrono::milliseconds::zero()));
 }
 
 TEST_F(WritingFile, FileOfAnotherVersion_IsNotTouched) {
