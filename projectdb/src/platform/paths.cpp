@@ -25,17 +25,19 @@ std::filesystem::path FromUtf8(const std::string& name) {
 // As std::filesystem::absolute, which on some systems takes a ".." together with what is before it.
 std::filesystem::path Absolute(const std::filesystem::path& path) {
   if (IsAbsolute(path)) return path;
-  const std::filesystem::path joined = CurrentDirectory() / path;
+  std::filesystem::path joined = CurrentDirectory() / path;
+  if (joined.is_absolute()) return joined;
   // A path on a drive other than the current one may be relative to that drive's own directory.
-  return joined.is_absolute() ? joined : std::filesystem::absolute(joined);
+  return std::filesystem::absolute(joined);
 }
 
 std::filesystem::path ResolveProjectPath(const std::filesystem::path& base,
                                          const std::string& name) {
-  std::filesystem::path stored = FromUtf8(name);
-  if (IsAbsolute(stored)) return stored;
-  const std::filesystem::path path = base / stored;
-  return path.empty() ? CurrentDirectory() : Absolute(path);
+  const std::filesystem::path stored = FromUtf8(name);
+  std::filesystem::path path = IsAbsolute(stored) ? stored : base / stored;
+  // Hardly ever so: no copy of a path is made for the million names that a list may have.
+  if (!IsAbsolute(path)) path = path.empty() ? CurrentDirectory() : Absolute(path);
+  return path;
 }
 
 }  // namespace projectdb::paths
