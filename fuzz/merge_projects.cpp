@@ -277,15 +277,21 @@ std::optional<std::string> Format(const ProjectContents& project) {
   }
 }
 
-void RequireRefused(const ProjectContents& project, const std::string& path) {
-  const std::string former = test_support::ReadFile(path);
+/// The text of the error that writing ends in; "" if it ends well.
+std::string ErrorOfWriting(const ProjectContents& project, const std::string& path) {
   try {
     projectdb::WriteProjectFile(path, project);
-    fuzz::Report("a project is written that cannot be formatted");
   } catch (const std::runtime_error& error) {
-    Require(fuzz::StartsWith(error.what(), "Failed writing XML file " + path + ": "),
-            std::string("writing fails with ") + error.what());
+    return error.what();
   }
+  return {};
+}
+
+void RequireRefused(const ProjectContents& project, const std::string& path) {
+  const std::string former = test_support::ReadFile(path);
+  const std::string error = ErrorOfWriting(project, path);
+  Require(fuzz::StartsWith(error, "Failed writing XML file " + path + ": "),
+          "writing what cannot be formatted ends in \"" + error + "\"");
   RequireSame(former, test_support::ReadFile(path), "a write that fails changes the file");
 }
 
