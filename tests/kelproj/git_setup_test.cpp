@@ -1,3 +1,7 @@
+#include <numeric>
+#include <set>
+#include <sstream>
+
 #include "tests/kelproj/git_test.h"
 
 namespace {
@@ -28,8 +32,8 @@ TEST_F(GitSetup, File_IsGivenTheThreeDriversByThePlaceOfTheProgram) {
   EXPECT_EQ(RunHere({"git-setup", "blinker.xml"}), Done());
   EXPECT_EQ(Read(".gitattributes"), std::string("/blinker.xml") + kAttributes);
   const std::string program = "'" + KelprojProgram() + "'";
-  EXPECT_EQ(Configured("diff.kelproj.command"), program + " diff\n");
-  EXPECT_EQ(Configured("merge.kelproj.driver"), program + " merge %O %A %B -o %A --path %P\n");
+  EXPECT_EQ(Configured("diff.kelproj.command"), program + " diff --\n");
+  EXPECT_EQ(Configured("merge.kelproj.driver"), program + " merge %O %A %B -o %A --path=%P\n");
   EXPECT_EQ(Configured("filter.kelproj.clean"), program + " format --no-stamps - --path=%f\n");
 }
 
@@ -45,13 +49,15 @@ TEST_F(GitSetup, Twice_ChangesNothing) {
 TEST_F(GitSetup, ProgramThatHasMoved_TakesThePlaceOfTheFormerOne) {
   Succeed({"config", "diff.kelproj.command", "'/opt/old place/kelproj' diff"});
   ASSERT_EQ(RunHere({"git-setup", "blinker.xml"}), Done());
-  EXPECT_EQ(Configured("diff.kelproj.command"), "'" + KelprojProgram() + "' diff\n");
+  EXPECT_EQ(Configured("diff.kelproj.command"), "'" + KelprojProgram() + "' diff --\n");
 }
 
 TEST_F(GitSetup, DriverOfAnOlderSetup_IsBroughtUpToDate) {
   const std::string program = "'" + KelprojProgram() + "'";
   Succeed({"config", "filter.kelproj.clean", program + " format --no-stamps -"});
+  Succeed({"config", "diff.kelproj.command", program + " diff"});
   ASSERT_EQ(RunHere({"git-setup", "blinker.xml"}), Done());
+  EXPECT_EQ(Configured("diff.kelproj.command"), program + " diff --\n");
   EXPECT_EQ(Configured("filter.kelproj.clean"), program + " format --no-stamps - --path=%f\n");
 }
 
@@ -100,6 +106,77 @@ TEST_F(GitSetup, Attributes_AreReplacedAsAWholeAndKeepTheirPermissions) {
   EXPECT_EQ(std::filesystem::status(PathOf(".gitattributes")).permissions(),
             std::filesystem::perms(0664));
   EXPECT_THAT(Names(), ElementsAre(".git", ".gitattributes", "blinker.xml", "former"));
+}
+
+TEST_F(GitSetup, FileBesideTheAttributes_IsNobodysTemporaryOne) {
+  Write(".gitattributes.kelproj", "precious");
+  ASSERT_EQ(RunHere({"git-setup", "blinker.xml"}), Done());
+  EXPECT_EQ(Read(".gitattributes.kelproj"), "precious");
+}
+
+TEST_F(GitSetup, AttributesThatAreALink_StayOneWithAWarning) {
+  std::filesystem::create_directory(PathOf("shared"));
+  std::filesystem::create_symlink("shared/attributes", PathOf(".gitattributes"));
+  const std::string link = std::filesystem::canonical(Directory()).string() + "/.gitattributes";
+  // What the link leads to need not be there.
+  EXPECT_EQ(RunHere({"git-setup", "blinker.xml"}),
+            DoneWithWarning(link + " is a symbolic link, which git does not follow since 2.32"));
+  EXPECT_EQ(Read("shared/attributes"), std::string("/blinker.xml") + kAttributes);
+  EXPECT_EQ(RunHere({"git-setup", "--undo", "blinker.xml"}), Done());
+  EXPECT_EQ(Read("shared/attributes"), "");
+  EXPECT_EQ(std::filesystem::read_symlink(PathOf(".gitattributes")), "shared/attributes");
+  EXPECT_THAT(NamesIn(PathOf("shared")), ElementsAre("attributes"));
+}
+
+TEST_F(GitSetup, SeveralAtOnce_AreAllKept) {
+  constexpr int kProcesses = 8;
+  constexpr int kRounds = 3;
+  std::string expected;
+  for (int i = 0; i < kProcesses; ++i) {
+    const std::string file = "p" + std::to_string(i) + ".xml";
+    MakeProject(file);
+    expected += "/" + file + kAttributes;
+  }
+  const auto at_once = [&](const std::string& options) {
+    const std::string call = "'" + KelprojProgram() + "' git-setup " + options;
+    return RunProcess(
+        {"sh", "-c", "for i in 0 1 2 3 4 5 6 7; do " + call + " p$i.xml & done; wait"},
+        {Directory(), {{"HOME", Home("")}}});
+  };
+  for (int round = 0; round < kRounds; ++round) {
+    EXPECT_EQ(at_once(""), Done());
+    std::istringstream lines(Read(".gitattributes"));
+    std::set<std::string> sorted;
+    for (std::string line; std::getline(lines, line);) sorted.insert(line + "\n");
+    EXPECT_EQ(std::accumulate(sorted.begin(), sorted.end(), std::string()), expected);
+    EXPECT_EQ(at_once("--undo"), Done());
+    EXPECT_FALSE(std::filesystem::exists(PathOf(".gitattributes")));
+    EXPECT_EQ(Configured("merge.kelproj.driver"), "");
+  }
+}
+
+TEST_F(GitSetup, WorkingTreesOfOneRepository_AreSetUpTogether) {
+  Commit();
+  Succeed({"worktree", "add", "--quiet", Home("linked"), "-b", "linked"});
+  EXPECT_EQ(RunHere({"git-setup", "blinker.xml", Home("linked/blinker.xml")}), Done());
+  EXPECT_EQ(Read(".gitattributes"), std::string("/blinker.xml") + kAttributes);
+  EXPECT_EQ(ReadFile(Home("linked/.gitattributes")), std::string("/blinker.xml") + kAttributes);
+}
+
+TEST_F(GitSetup, ProjectWhoseNameBeginsWithAHyphen_IsComparedAndMerged) {
+  MakeProject("./-a.xml");
+  ASSERT_EQ(RunHere({"git-setup", "--", "-a.xml", "blinker.xml"}), Done());
+  Commit();
+  SetName("./-a.xml", "a2");
+  SetName("blinker.xml", "b2");
+  EXPECT_EQ(RunGit({"diff"}),
+            Printed("--- -a.xml\n+++ -a.xml\n- name: blinker\n+ name: a2\n"
+                    "--- blinker.xml\n+++ blinker.xml\n- name: blinker\n+ name: b2\n"));
+  Succeed({"stash", "--quiet"});
+  Change({"set", "./-a.xml", "device.device", "Q8R60"});
+  Commit();
+  Succeed({"stash", "pop", "--quiet"});
+  EXPECT_EQ(Get("./-a.xml", "name") + Get("./-a.xml", "device.device"), "a2\nQ8R60\n");
 }
 
 TEST_F(GitSetup, UndoOfOneOfTwoFiles_KeepsTheDriversForTheOther) {

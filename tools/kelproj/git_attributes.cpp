@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <fstream>
 #include <numeric>
+#include <random>
 #include <string_view>
 #include <system_error>
 
@@ -11,6 +12,8 @@
 
 namespace kelproj {
 namespace {
+
+namespace fs = std::filesystem;
 
 bool IsWordCharacter(char c) {
   return static_cast<unsigned char>(c) > ' ' && c != '"' && c != '\x7F';
@@ -43,33 +46,67 @@ auto IsLine(const std::string& text) {
   };
 }
 
-bool Replace(const std::filesystem::path& path, const std::string& text) {
-  namespace fs = std::filesystem;
-  fs::path temporary = path;
-  temporary += ".kelproj";
-  std::ofstream stream(temporary, std::ios::binary);
+/// A new directory, which goes with all that is in it.
+class TemporaryDirectory {
+ public:
+  /// @exception std::filesystem::filesystem_error if there can be none in the parent
+  explicit TemporaryDirectory(const fs::path& parent) {
+    std::random_device random;
+    // A directory that somebody else made is none of this program's, whatever its name.
+    do {
+      path_ = parent / (".kelproj_" + std::to_string(random()));
+    } while (!fs::create_directory(path_));
+  }
+  ~TemporaryDirectory() {
+    std::error_code error;
+    fs::remove_all(path_, error);
+  }
+  TemporaryDirectory(const TemporaryDirectory&) = delete;
+  TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+
+  const fs::path& path() const { return path_; }
+
+ private:
+  fs::path path_;
+};
+
+void Replace(const fs::path& path, const std::string& text) {
+  const TemporaryDirectory directory(path.parent_path());
+  const fs::path temporary = directory.path() / "attributes";
+  std::ofstream stream;
+  stream.exceptions(std::ios::failbit | std::ios::badbit);
+  stream.open(temporary, std::ios::binary);
   stream << text;
   stream.close();
+  if (fs::exists(path)) fs::permissions(temporary, fs::status(path).permissions());
+  fs::rename(temporary, path);
+}
+
+// The file to which links lead, whether it is there or not.
+fs::path TargetOf(fs::path path) {
+  constexpr int kMostLinks = 40;
   std::error_code error;
-  if (stream) {
-    if (fs::exists(path, error)) fs::permissions(temporary, fs::status(path).permissions(), error);
-    fs::rename(temporary, path, error);
-    if (!error) return true;
+  for (int links = 0; links < kMostLinks && fs::is_symlink(path, error); ++links) {
+    path = path.parent_path() / fs::read_symlink(path, error);
   }
-  fs::remove(temporary, error);
-  return false;
+  return path;
 }
 
 }  // namespace
 
-GitAttributes::GitAttributes(const std::filesystem::path& top) : path_(top / ".gitattributes") {
+GitAttributes::GitAttributes(const fs::path& top) : path_(top / ".gitattributes") {
   std::error_code error;
-  if (!std::filesystem::exists(path_, error)) return;
+  if (!fs::exists(path_, error)) return;
   const std::string text = ReadFile(path_.string(), path_.string());
   for (std::size_t begin = 0; begin < text.size(); begin += lines_.back().size()) {
     const std::size_t end = std::min(text.find('\n', begin), text.size() - 1);
     lines_.push_back(text.substr(begin, end + 1 - begin));
   }
+}
+
+bool GitAttributes::is_link() const {
+  std::error_code error;
+  return fs::is_symlink(path_, error);
 }
 
 void GitAttributes::Add(const std::string& pattern) {
@@ -89,9 +126,15 @@ void GitAttributes::Remove(const std::string& pattern) {
 void GitAttributes::Save() const {
   if (!is_changed_) return;
   const std::string text = std::accumulate(lines_.begin(), lines_.end(), std::string());
-  std::error_code error;
-  const bool is_saved = text.empty() ? std::filesystem::remove(path_, error) : Replace(path_, text);
-  if (!is_saved) throw Trouble(path_.string() + " cannot be written");
+  try {
+    if (text.empty() && !is_link()) {
+      fs::remove(path_);
+    } else {
+      Replace(TargetOf(path_), text);
+    }
+  } catch (const std::system_error&) {
+    throw Trouble(path_.string() + " cannot be written");
+  }
 }
 
 std::string LiteralPattern(const std::string& path) {

@@ -17,7 +17,13 @@ class GitAttributes {
   void Add(const std::string& pattern);
   void Remove(const std::string& pattern);
 
-  /// Writes the file anew, whole or not at all, if it changed, and removes one without lines.
+  const std::filesystem::path& path() const { return path_; }
+
+  /// Whether it is a symbolic link, which git does not follow since 2.32.
+  bool is_link() const;
+
+  /// Writes the file anew, whole or not at all, if it changed, and removes one without lines. A
+  /// link stays one, and what it leads to is written.
   /// @exception Trouble if that fails
   void Save() const;
 

@@ -1,12 +1,18 @@
 #include <algorithm>
 #include <filesystem>
+#include <list>
 #include <map>
+#include <set>
 #include <sstream>
 #include <string_view>
+#include <vector>
+
+#include <projectdb/project_file.h>
 
 #include "commands/git.h"
 #include "git_attributes.h"
 #include "git_program.h"
+#include "named_files.h"
 #include "running_program.h"
 #include "stored_project.h"
 
@@ -35,9 +41,9 @@ std::vector<GitSetting> Settings() {
   if (path.empty()) throw Trouble("the place of this program is unknown");
   const std::string program = ShellQuoted(path.string());
   const std::string expanded = PercentsDoubled(program);
-  return {{"diff.kelproj.command", program + " diff"},
+  return {{"diff.kelproj.command", program + " diff --"},
           {"merge.kelproj.name", "merge of projects"},
-          {"merge.kelproj.driver", expanded + " merge %O %A %B -o %A --path %P"},
+          {"merge.kelproj.driver", expanded + " merge %O %A %B -o %A --path=%P"},
           {"filter.kelproj.clean", expanded + " format --no-stamps - --path=%f"}};
 }
 
@@ -135,14 +141,46 @@ void RequireFile(const std::string& file, const Pattern& pattern, const Console&
   }
 }
 
-std::map<fs::path, GitAttributes> ChangedAttributes(const GitSetupArguments& arguments,
-                                                    const Console& console) {
-  std::map<fs::path, GitAttributes> attributes;
+std::vector<Pattern> PatternsOf(const GitSetupArguments& arguments, const Console& console) {
+  std::vector<Pattern> patterns;
+  patterns.reserve(arguments.files.size());
   for (const std::string& file : arguments.files) {
-    const Pattern pattern = PatternOf(file);
-    if (!arguments.undo) RequireFile(file, pattern, console);
+    RequireName(file);
+    patterns.push_back(PatternOf(file));
+    if (!arguments.undo) RequireFile(file, patterns.back(), console);
+  }
+  return patterns;
+}
+
+/// Keeps others who set up the same repositories away, since git refuses to change a configuration
+/// that somebody else is changing.
+class RepositoryLocks {
+ public:
+  explicit RepositoryLocks(const std::vector<Pattern>& patterns) {
+    // Working trees may share a repository. All take the locks in one order, lest they wait for
+    // each other.
+    std::set<fs::path> repositories;
+    for (const Pattern& pattern : patterns) repositories.insert(RepositoryOf(pattern.top));
+    // Every repository has this file, and a checkout alone replaces it.
+    for (const fs::path& repository : repositories)
+      locks_.emplace_back((repository / "HEAD").string());
+  }
+
+ private:
+  static fs::path RepositoryOf(const fs::path& top) {
+    const auto path = Git(top).Ask({"rev-parse", "--path-format=absolute", "--git-common-dir"});
+    return fs::canonical(path.value_or(""));
+  }
+
+  std::list<projectdb::ProjectFileLock> locks_;
+};
+
+std::map<fs::path, GitAttributes> ChangedAttributes(const std::vector<Pattern>& patterns,
+                                                    bool undo) {
+  std::map<fs::path, GitAttributes> attributes;
+  for (const Pattern& pattern : patterns) {
     GitAttributes& changed = attributes.try_emplace(pattern.top, pattern.top).first->second;
-    if (arguments.undo) {
+    if (undo) {
       changed.Remove(pattern.text);
     } else {
       changed.Add(pattern.text);
@@ -151,12 +189,20 @@ std::map<fs::path, GitAttributes> ChangedAttributes(const GitSetupArguments& arg
   return attributes;
 }
 
+void WarnOfLink(const fs::path& attributes, const Console& console) {
+  WriteMessage(console.err, Diag::MessageType::kWarning,
+               attributes.string() + " is a symbolic link, which git does not follow since 2.32");
+}
+
 }  // namespace
 
 ExitStatus Run(const GitSetupArguments& arguments, const Console& console) {
-  for (const auto& [top, attributes] : ChangedAttributes(arguments, console)) {
+  const std::vector<Pattern> patterns = PatternsOf(arguments, console);
+  const RepositoryLocks locks(patterns);
+  for (const auto& [top, attributes] : ChangedAttributes(patterns, arguments.undo)) {
     const Configuration configuration(top, arguments.for_user);
     if (!arguments.undo) {
+      if (attributes.is_link()) WarnOfLink(attributes.path(), console);
       for (const GitSetting& setting : Settings()) configuration.Write(setting);
       attributes.Save();
       continue;
