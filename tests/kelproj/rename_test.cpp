@@ -140,8 +140,51 @@ TEST_F(Rename, NameThatStays_IsNotJudged) {
   EXPECT_EQ(Run({"rename", "blinker.xml", PathOf(""), "./"}).status, 0);
   EXPECT_THAT(Listed("misc.files"), ElementsAre("top.v"));
   EXPECT_THAT(Listed("constraint.sdc"), ElementsAre("c.tcl"));
-  ExpectUnchangedBy({"rename", "blinker.xml", "c.tcl", "d.tcl"},
-                    Failed("constraint.sdc: \"d.tcl\" must be named NAME.sdc"));
+}
+
+TEST_F(Rename, WrongEndingThatStays_IsNotJudged) {
+  std::filesystem::create_directory(PathOf("hw"));
+  Write("constraints.json", R"({"constraint": {"sdc": ["con/c.tcl", "./x.xdc", "pins.sdc"]}})");
+  ASSERT_EQ(Run({"apply", "blinker.xml", "constraints.json"}).status, 0);
+  EXPECT_EQ(Run({"rename", "blinker.xml", "con/", "tim/"}), Done());
+  EXPECT_EQ(Run({"rename", "blinker.xml", "x.xdc", "y.xdc"}), Done());
+  EXPECT_THAT(Listed("constraint.sdc"), ElementsAre("tim/c.tcl", "y.xdc", "pins.sdc"));
+  EXPECT_EQ(Run({"rename", "blinker.xml", "./", PathOf("")}), Done());
+  EXPECT_EQ(Run({"rename", "blinker.xml", PathOf(""), "./"}), Done());
+  EXPECT_EQ(Run({"rename", "blinker.xml", "./", "hw/"}), Done());
+  EXPECT_THAT(Listed("constraint.sdc"), ElementsAre("hw/tim/c.tcl", "hw/y.xdc", "hw/pins.sdc"));
+}
+
+TEST_F(Rename, WrongEndingThatIsNew_IsRefused) {
+  Write("constraints.json",
+        R"({"constraint": {"sdc": ["c.tcl"], "interface": "pins.interface.csv"}})");
+  ASSERT_EQ(Run({"apply", "blinker.xml", "constraints.json"}).status, 0);
+  ExpectUnchangedBy({"rename", "blinker.xml", "c.tcl", "c.xdc"},
+                    Failed("constraint.sdc: \"c.xdc\" must be named NAME.sdc"));
+  // What it ends in otherwise is not the ending that counts.
+  ExpectUnchangedBy({"rename", "blinker.xml", "pins.interface.csv", "pins.csv"},
+                    Failed("constraint.interface: \"pins.csv\" must be named NAME.interface.csv"));
+}
+
+TEST_F(Rename, ByAbsoluteNames_KeepsAllFilesOfAProjectFileThatMoves) {
+  for (const char* directory : {"proj/hw", "proj/rtl", "shared"}) {
+    std::filesystem::create_directories(PathOf(directory));
+  }
+  const std::vector<std::string> files = {"shared/s.v", "proj/rtl/a.v", "proj/hw/b.v"};
+  for (const std::string& file : files) Write(file, "");
+  MakeProject("proj/dune.xml");
+  std::vector<std::string> addition = {"add", "proj/dune.xml", "--rtl"};
+  addition.insert(addition.end(), files.begin(), files.end());
+  ASSERT_EQ(Run(addition), Done());
+  ASSERT_EQ(Run({"add", "proj/dune.xml", "--ip", "u_pll", "--path", "ip/pll/pll.ip", "top.v"}),
+            Done());
+  EXPECT_EQ(Run({"rename", "proj/dune.xml", "/", "/"}), Done());
+  std::filesystem::rename(PathOf("proj/dune.xml"), PathOf("proj/hw/dune.xml"));
+  EXPECT_EQ(Run({"rename", "proj/hw/dune.xml", PathOf(""), "./"}), Done());
+  EXPECT_EQ(Run({"list", "proj/hw/dune.xml"}),
+            Printed("shared/s.v\nproj/rtl/a.v\nproj/hw/b.v\nip/pll/pll.ip\ntop.v\n"));
+  EXPECT_EQ(Run({"list", "proj/hw/dune.xml", "--rtl", "--stored"}),
+            Printed("../../shared/s.v\n../rtl/a.v\nb.v\n"));
 }
 
 TEST_F(Rename, OneThatIsInNoList_ChangesNothingAndTheAnswerIsNo) {
@@ -161,8 +204,10 @@ TEST_F(Rename, NameThatTheListCannotHave_Fails) {
                     Failed("\"top.v\" is a file, but \"rtl/\" is a directory"));
   ExpectUnchangedBy({"rename", "blinker.xml", "rtl/old/a.v", "rtl"},
                     Failed("\"rtl/old/a.v\" is a file, but \"rtl\" is a directory"));
-  ExpectUnchangedBy({"rename", "blinker.xml", "rtl/", "top.v"},
-                    Failed("\"top.v\" is a file, not a directory"));
+  for (const char* const file : {"top.v", "top.v/"}) {
+    ExpectUnchangedBy({"rename", "blinker.xml", "rtl/", file},
+                      Failed("\"top.v\" is a file, not a directory"));
+  }
   ExpectUnchangedBy({"rename", "blinker.xml", "top.v", ""}, Failed("the empty text names no file"));
 }
 

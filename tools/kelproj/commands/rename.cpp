@@ -62,8 +62,7 @@ class Renaming {
     const std::optional<fs::path> path = NewPath(project_directory_ / name);
     if (!path) return;
     const std::string stored = StoredFor(*path, project_directory_, IsAbsoluteThen(name));
-    // What a load accepted may stay.
-    if (stored != name) RequireEnding(term, stored);
+    if (!KeepsWrongEnding(term, name, stored)) RequireEnding(term, stored);
     name = stored;
   }
 
@@ -132,8 +131,10 @@ class Renaming {
     if (!only_below_ && file == former_file_) return Used(NewPathOfFile(path));
     const std::optional<std::string> part = PartBelow(former_directory_, file);
     if (!part) return std::nullopt;
-    if (IsFile(new_path_)) {
-      throw Trouble("\"" + NameIn(project_directory_, new_path_) + "\" is a file, not a directory");
+    // With a slash behind it, a file could not be asked for.
+    const fs::path directory = new_path_.has_filename() ? new_path_ : new_path_.parent_path();
+    if (IsFile(directory)) {
+      throw Trouble("\"" + NameIn(project_directory_, directory) + "\" is a file, not a directory");
     }
     return Used(new_path_ / *part);
   }
@@ -155,6 +156,13 @@ class Renaming {
   // A name stays of its form unless the two in the arguments tell to change it.
   bool IsAbsoluteThen(const std::string& name) const {
     return makes_absolute_ || (IsAbsolute(name) && !makes_relative_);
+  }
+
+  // What a load accepted may stay, wherever the file goes.
+  static bool KeepsWrongEnding(const ProjectTerm& term, const std::string& former,
+                               const std::string& present) {
+    return !projectdb::HasEnding(former, *term.file_ending) &&
+           fs::path(former).extension() == fs::path(present).extension();
   }
 
   static std::string StoredFor(const fs::path& path, const fs::path& directory, bool is_absolute) {
