@@ -44,6 +44,12 @@ class Completion : public KelprojTest {
     xmlns:review="http://schema.kel.example/wdp_proj/prefix/review")"));
   }
 
+  // It may tell something, such as that a file is not there.
+  void Change(const std::vector<std::string>& arguments) const {
+    const Outcome outcome = Run(arguments);
+    ASSERT_EQ(outcome.status, 0) << outcome.err;
+  }
+
   // What the program offers behind these words, of which the last is not finished.
   Lines Completions(std::vector<std::string> words, const std::string& directory = "") const {
     words.insert(words.begin(), {"complete", "--"});
@@ -137,9 +143,21 @@ TEST_F(Completion, OtherFileOfAMove_IsNotTheOneThatIsMoved) {
             Lines({"my rtl/it's $new.v"}));
 }
 
-TEST_F(Completion, NeighbourOfAnAddedSource_IsAnInstanceOrASource) {
+TEST_F(Completion, NeighbourOfAnAddedSource_IsASourceOfItsInstance) {
+  Change({"add", "lamp.xml", "--ip", "fifo", "--path", "ip/fifo.ip", "ip/fifo.v"});
   EXPECT_EQ(Completions({"add", "lamp.xml", "--ip", "pll", "x.v", "--before", ""}),
-            Lines({"pll", "ip/pll.ip", "ip/pll.v"}));
+            Lines({"ip/pll.v"}));
+  EXPECT_EQ(Completions({"add", "lamp.xml", "--ip=fifo", "x.v", "--before="}),
+            Lines({"--before=ip/fifo.v"}));
+}
+
+TEST_F(Completion, NeighbourOfAnAddedInstance_IsAnInstance) {
+  EXPECT_EQ(Completions({"add", "lamp.xml", "--ip", "rom", "--path", "rom.ip", "--before", ""}),
+            Lines({"pll"}));
+}
+
+TEST_F(Completion, NameForStandardInput_IsAnyFile) {
+  EXPECT_EQ(Completions({"format", "lamp.xml", "-", "--path", ""}), Lines());
 }
 
 TEST_F(Completion, FurtherPairsOfSet_HaveTheirKeysInTurns) {

@@ -98,14 +98,33 @@ Words ListedNames(const Situation& situation) {
   return FileNames(situation, kind == kinds.end() ? kinds : OneKind(*kind));
 }
 
+// The value of the option for IP instances; nothing if it is not given with one.
+std::optional<std::string> GivenInstance(const Words& words) {
+  const std::string option = InstanceKind().option;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    if (words[i].rfind(option + "=", 0) == 0) return words[i].substr(option.size() + 1);
+    if (words[i] == option && i + 1 < words.size()) return words[i + 1];
+  }
+  return std::nullopt;
+}
+
+// What is added to an instance that is there is a source of it, else it is an instance.
+Words NeighboursInInstance(const Situation& situation, const std::string& instance) {
+  const Words instances = InstanceNames(situation);
+  if (std::find(instances.begin(), instances.end(), instance) == instances.end()) return instances;
+  const std::string list = std::string(InstanceKind().key) + "." + instance + ".files";
+  Words names;
+  for (const NamedFile& file : FilesOf(ProjectOf(situation))) {
+    if (file.list == list) names.push_back(NameFromHere(file));
+  }
+  return names;
+}
+
 // Nothing stands next to itself.
 Words OtherNames(const Situation& situation) {
-  Words names = ListedNames(situation);
-  // What is added may be a source of an instance.
-  if (IsGiven(InstanceKind(), situation) && situation.command.get_name() == "add") {
-    const Words sources = FileNames(situation, OneKind(InstanceKind()));
-    names.insert(names.end(), sources.begin(), sources.end());
-  }
+  const bool is_addition = situation.command.get_name() == "add";
+  const auto instance = is_addition ? GivenInstance(situation.words) : std::nullopt;
+  Words names = instance ? NeighboursInInstance(situation, *instance) : ListedNames(situation);
   for (const std::string& name : situation.positionals) {
     names.erase(std::remove(names.begin(), names.end(), name), names.end());
   }
@@ -220,10 +239,11 @@ class Walk {
 
   const Words& positionals() const { return positionals_; }
 
-  /// The project file that is given; "" if none is.
+  /// The project file that is given; "" if none is, or if there may be several.
   std::string ProjectFile() const {
     const auto options = OptionsOf(command_, true);
-    const bool has_file = !options.empty() && options.front()->get_name() == "FILE";
+    const bool has_file =
+        !options.empty() && options.front()->get_name() == "FILE" && !IsList(*options.front());
     return has_file && !positionals_.empty() ? positionals_.front() : "";
   }
 
