@@ -69,9 +69,25 @@ TEST_F(Arguments, UnknownCommandOrOption_IsToldWithTheOneThatIsNear) {
                 "there is no option \"--verbos\"; did you mean \"--verbose\"?");
   expect_reason({"set", "a.xml", "--tpye", "e_bool", "name", "x"},
                 "there is no option \"--tpye\"; did you mean \"--type\"?");
+  expect_reason({"--verson", "get", "a.xml", "name"},
+                "there is no option \"--verson\"; did you mean \"--version\"?");
   expect_reason({"show", "--yaml"}, "there is no option \"--yaml\"");
   expect_reason({"new", "blinker", "-o", "a.xml", "--model", "slow"},
                 "there is no option \"--model\"; did you mean \"--timing-model\"?");
+}
+
+TEST_F(Arguments, EmptyNameOfAFile_NamesNone) {
+  MakeProject();
+  const std::vector<std::string> cases[] = {
+      {"new", "blinker", "-o", ""},
+      {"merge", "blinker.xml", "blinker.xml", "blinker.xml", "-o", ""},
+      {"merge", "blinker.xml", "blinker.xml", "blinker.xml", "--path", ""},
+      {"format", "-", "--path", ""},
+      {"git-setup", ""},
+      {"git-setup", "--undo", ""}};
+  for (const auto& arguments : cases) {
+    EXPECT_EQ(Run(arguments), Failed("the empty text names no file")) << arguments.front();
+  }
 }
 
 TEST_F(Arguments, VersionBehindACommand_IsNoOption) {

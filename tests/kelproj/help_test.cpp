@@ -34,6 +34,21 @@ TEST_F(Help, AsACommand_IsThatOfTheOption) {
   }
 }
 
+TEST_F(Help, AsACommandWithVerbose_IsTheSame) {
+  for (const std::string verbose : {"-v", "--verbose"}) {
+    EXPECT_EQ(Run({"help", verbose}), Printed(Run({"--help"}).out));
+    EXPECT_EQ(Run({"help", "set", verbose}), Printed(Run({"set", "--help"}).out));
+    EXPECT_EQ(Run({"help", verbose, "set"}), Printed(Run({"set", "--help"}).out));
+  }
+}
+
+TEST_F(Help, AsACommandWithOtherOptions_IsItsOwn) {
+  const Outcome own = Printed(Run({"help", "--help"}).out);
+  EXPECT_THAT(own.out, StartsWith("Print the help of a command\n"));
+  EXPECT_EQ(Run({"help", "-vv", "set"}), own);
+  EXPECT_EQ(Run({"help", "--verbose=true"}), own);
+}
+
 TEST_F(Help, Version_IsThatOfTheSoftware) {
   EXPECT_EQ(Run({"--version"}), Printed(KELPROJ_VERSION "\n"));
 }

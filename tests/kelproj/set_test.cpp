@@ -99,7 +99,9 @@ TEST_F(Set, OneBadPairOfSeveral_ChangesNothing) {
 
 TEST_F(Set, KeyWithoutValue_IsWrongUse) {
   ExpectUnchangedBy({"set", "blinker.xml", "device.device", "R40", "info.owner"},
-                    IsWrongUse("kelproj set", {"VALUE of info.owner is required"}));
+                    IsWrongUse("kelproj set", {"VALUE of info.owner is required\n"}));
+  ExpectUnchangedBy({"set", "blinker.xml", "info.owner"},
+                    IsWrongUse("kelproj set", {"VALUE of info.owner is required\n"}));
 }
 
 TEST_F(Set, SameValue_LeavesTheFile) {
@@ -201,6 +203,21 @@ TEST_F(Set, KeyWithAnEqualsSign_IsRefused) {
   ExpectUnchangedBy(
       {"set", "blinker.xml", "name", "mixer", "info.owner=", "Zoe"},
       Failed("\"info.owner=\" is no key of this project; expected KEY VALUE, without ="));
+  for (const std::string slip : {"name=abc", "device.family=", "synthesis.tool=syn"}) {
+    ExpectUnchangedBy(
+        {"set", "blinker.xml", slip, "name=mixer"},
+        Failed("\"" + slip + "\" is no key of a project; expected KEY VALUE, without ="));
+  }
+}
+
+TEST_F(Set, KeyAndValueInOneArgument_AreToldToBeTwo) {
+  for (const std::string slip : {"info.owner=Zoe", "name=abc", "synthesis.param.effort=high"}) {
+    const testing::Matcher<const Outcome&> refused = IsWrongUse(
+        "kelproj set",
+        {"VALUE of " + slip + " is required; KEY and VALUE are two arguments, without =\n"});
+    ExpectUnchangedBy({"set", "blinker.xml", slip}, refused);
+    ExpectUnchangedBy({"set", "blinker.xml", "name", "mixer", slip}, refused);
+  }
 }
 
 TEST_F(Set, StoredParameterWithAnEqualsSign_IsChanged) {

@@ -136,6 +136,7 @@ ProjectContents ReadProject(const std::string& file, const Console& console) {
 }
 
 void RequireWritable(const std::string& path) {
+  RequireName(path);
   const std::filesystem::path file = std::filesystem::absolute(path);
   std::error_code error;
   if (std::filesystem::is_directory(file, error)) throw Trouble(path + " is a directory");

@@ -103,26 +103,36 @@ void RequireCommand(const CLI::App& program, const std::vector<std::string>& wor
   throw CLI::ParseError(ThereIsNoCommand(program, *word), CLI::ExitCodes::ExtrasError);
 }
 
+constexpr char kVerbose[] = "--verbose";
+constexpr char kShortVerbose[] = "-v";
+
+CLI::Option* AddVerbose(CLI::App& app, bool& verbose) {
+  return app.add_flag(std::string(kShortVerbose) + "," + kVerbose, verbose,
+                      "Report what is being done");
+}
+
+bool IsOptionOfOneCommand(const std::string& word) {
+  return BeginsAsOption(word) && word != kVerbose && word != kShortVerbose;
+}
+
 // The words "help COMMAND" ask for the same as "COMMAND --help".
 void ReplaceHelpCommand(std::vector<std::string>& words) {
   const auto command = std::find_if_not(words.begin(), words.end(), BeginsAsOption);
   if (command == words.end() || *command != "help") return;
-  if (std::any_of(command, words.end(), BeginsAsOption)) return;
+  if (std::any_of(command, words.end(), IsOptionOfOneCommand)) return;
   words.erase(command);
   words.emplace_back("--help");
 }
 
-constexpr char kVerbose[] = "--verbose";
-
-CLI::Option* AddVerbose(CLI::App& app, bool& verbose) {
-  return app.add_flag(std::string("-v,") + kVerbose, verbose, "Report what is being done");
-}
-
-// Of the command that is given.
+// Of the command that is given, or of the program if the word stands before that.
 std::string ThereIsNoOption(const CLI::App& program, const std::string& word) {
+  const std::vector<std::string> before = program.remaining();
+  const bool is_before_command = std::find(before.begin(), before.end(), word) != before.end();
   std::vector<std::string> known = {kVerbose};
   for (const CLI::App* command : program.get_subcommands()) {
-    for (std::string& option : OptionNames(*command)) known.push_back(std::move(option));
+    for (std::string& option : OptionNames(is_before_command ? program : *command)) {
+      known.push_back(std::move(option));
+    }
   }
   return "there is no option \"" + word + "\"" + Suggestion(word, known);
 }

@@ -145,15 +145,23 @@ void DefineNew(CLI::App& program, Request& request) {
   add("--top", arguments.top_module, "The top-level module");
 }
 
+void RequireValues(const SetArguments& given) {
+  if (given.value && given.more.size() % 2 == 0) return;
+  const std::string& key = given.value ? given.more.back() : given.key;
+  const bool is_both = key.find('=') != std::string::npos;
+  throw CLI::ParseError("VALUE of " + key + " is required" +
+                            (is_both ? "; KEY and VALUE are two arguments, without =" : ""),
+                        CLI::ExitCodes::RequiredError);
+}
+
 void DefineSet(CLI::App& program, Request& request) {
   CLI::App& command = AddCommand(program, "set", "Set values of a project", kSetHelp);
-  auto& arguments = Requested<SetArguments>(command, request, [](const SetArguments& given) {
-    if (given.more.size() % 2 != 0) throw CLI::RequiredError("VALUE of " + given.more.back());
-  });
+  auto& arguments = Requested<SetArguments>(command, request, RequireValues);
   AddChangedFile(command, arguments.file);
   command.add_option("KEY", arguments.key, "The dotted key of the value")->required();
+  // It is required with a reason of its own.
   command.add_option("VALUE", arguments.value, "The text to set; \"\" is the empty one")
-      ->required();
+      ->option_text("VALUE");
   command.add_option("MORE", arguments.more, "Further keys and values")
       ->option_text("[KEY VALUE]...");
   command

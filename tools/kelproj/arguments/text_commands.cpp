@@ -23,10 +23,12 @@ constexpr char kHelpHelp[] =
 Example:
   kelproj help set)";
 
-// What is given to it is put in other words before it is parsed.
+// What is given to it is put in other words before it is parsed. What cannot be is answered with
+// help of its own.
 void DefineHelp(CLI::App& program) {
   CLI::App& command = AddCommand(program, "help", "Print the help of a command", kHelpHelp);
   command.add_option("COMMAND", "The command");
+  command.callback([] { throw CLI::CallForHelp(); });
 }
 
 void DefineCompletion(CLI::App& program, Request& request) {

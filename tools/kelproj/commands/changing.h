@@ -28,8 +28,8 @@ ExitStatus Run(const NewArguments& arguments, const Console& console);
 struct SetArguments {
   ChangedFile file;
   std::string key;
-  std::string value;
-  std::vector<std::string> more;  ///< Further keys, each with its value behind it.
+  std::optional<std::string> value;  ///< Required.
+  std::vector<std::string> more;     ///< Further keys, each with its value behind it.
   std::optional<std::string> type;
 };
 ExitStatus Run(const SetArguments& arguments, const Console& console);

@@ -6,6 +6,7 @@
 #include <projectdb/project_file.h>
 
 #include "commands/changing.h"
+#include "named_files.h"
 #include "standard_input.h"
 #include "stored_project.h"
 
@@ -69,6 +70,7 @@ ExitStatus FormatOrSayWhyNot(const std::string& file, const FormatArguments& arg
 }  // namespace
 
 ExitStatus Run(const FormatArguments& arguments, const Console& console) {
+  if (arguments.name) RequireName(*arguments.name);
   ExitStatus status = ExitStatus::kYes;
   for (const std::string& file : arguments.files) {
     // The worst of all; one file does not keep the others from their form.

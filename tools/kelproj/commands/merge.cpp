@@ -9,6 +9,7 @@
 #include "commands/git.h"
 #include "installed_schema.h"
 #include "json.h"
+#include "named_files.h"
 #include "places.h"
 #include "problems.h"
 #include "standard_input.h"
@@ -146,6 +147,7 @@ MergedProjects MergeToStandardOutput(const MergeArguments& arguments, const Cons
 }  // namespace
 
 ExitStatus Run(const MergeArguments& arguments, const Console& console) {
+  if (arguments.name) RequireName(*arguments.name);
   const MergedProjects merged = arguments.output
                                     ? MergeIntoFile(arguments, *arguments.output, console)
                                     : MergeToStandardOutput(arguments, console);

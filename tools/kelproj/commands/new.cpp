@@ -5,6 +5,7 @@
 #include <projectdb/project_db.h>
 
 #include "commands/changing.h"
+#include "named_files.h"
 #include "stored_project.h"
 
 namespace kelproj {
@@ -13,6 +14,7 @@ namespace {
 using projectdb::KelProjectDatabase;
 
 void RequireNewProjectFile(const std::string& file) {
+  RequireName(file);
   RequireProjectFileName(file);
   std::error_code error;
   if (std::filesystem::exists(file, error)) throw Trouble(file + " exists already");

@@ -20,21 +20,33 @@ struct Setting {
   std::string value;
 };
 
+bool HasEqualsSign(const std::string& text) { return text.find('=') != std::string::npos; }
+
+constexpr char kTwoArguments[] = "; expected KEY VALUE, without =";
+
+Key FindKeyOrSlip(const std::string& text) {
+  try {
+    return FindKey(text);
+  } catch (const Trouble&) {
+    if (!HasEqualsSign(text)) throw;
+    throw Trouble("\"" + text + "\" is no key of a project" + kTwoArguments);
+  }
+}
+
 Setting SettingOf(const std::string& key_text, const std::string& value) {
-  Setting setting{key_text, FindKey(key_text), value};
+  Setting setting{key_text, FindKeyOrSlip(key_text), value};
   if (!setting.key.write) throw Trouble(key_text + " cannot be set");
   return setting;
 }
 
 // A new parameter with a "=" in its name is a slip. One that the project has may change.
 void RequireNoSlip(const Setting& setting, const ProjectContents& project) {
-  if (setting.key_text.find('=') == std::string::npos || setting.key.read(project)) return;
-  throw Trouble("\"" + setting.key_text +
-                "\" is no key of this project; expected KEY VALUE, without =");
+  if (!HasEqualsSign(setting.key_text) || setting.key.read(project)) return;
+  throw Trouble("\"" + setting.key_text + "\" is no key of this project" + kTwoArguments);
 }
 
 std::vector<Setting> SettingsOf(const SetArguments& arguments) {
-  std::vector<Setting> settings = {SettingOf(arguments.key, arguments.value)};
+  std::vector<Setting> settings = {SettingOf(arguments.key, arguments.value.value())};
   for (std::size_t i = 0; i + 1 < arguments.more.size(); i += 2) {
     settings.push_back(SettingOf(arguments.more[i], arguments.more[i + 1]));
   }
