@@ -106,15 +106,6 @@ TEST_F(LocatedParsing, ParseLocated_FileThatCannotBeOpened_IsAnErrorInNoLine) {
   EXPECT_THAT(ShowProblems(parse), ElementsAre(StartsWith("0:0 error: the file cannot be read: ")));
 }
 
-TEST_F(LocatedParsing, ParseLocated_AnySchemaThatWasRead_IsNoted) {
-  WriteFile(directory_ / "s.xsd", DeviceOnlySchema());
-  EXPECT_TRUE(ParseBytes("<r/>", directory_ / "s.xsd").has_schema);
-  const std::string hint = "xsi:schemaLocation=\"http://schema.kel.example/wdp_proj s.xsd\"";
-  EXPECT_TRUE(ParseBytes(ProjectXml("", hint)).has_schema);
-  std::filesystem::remove(directory_ / "s.xsd");
-  EXPECT_FALSE(ParseBytes(ProjectXml("", hint)).has_schema);
-}
-
 /// An input that fails in a way of its own.
 template <typename Exception>
 class FailingInput : public xercesc::InputSource {

@@ -318,13 +318,6 @@ TEST_F(WritingFileOfASchema, ContentsWithItsDefaultValues_AreNotWritten) {
   EXPECT_FALSE(WriteProjectFile(path(), contents));
 }
 
-TEST_F(WritingFileOfASchema, ContentsWithoutItsDefaultValues_AreNotWritten) {
-  ProjectContents contents = Contents();
-  ASSERT_EQ(DebuggerOf(contents), "");
-  WriteSchema("wdp_proj.xsd");
-  EXPECT_FALSE(WriteProjectFile(path(), contents));
-}
-
 TEST_F(WritingFileOfASchema, ContentsWithOtherValues_AreWritten) {
   WriteSchema("wdp_proj.xsd");
   ProjectContents contents = Contents();
@@ -342,10 +335,15 @@ TEST_F(WritingFileOfASchema, ContentsThatWereReadWithAGivenOne_AreNotWrittenIfIt
   EXPECT_FALSE(WriteProjectFile(path(), contents, options));
 }
 
-TEST_F(WritingFileOfASchema, UpdateThatTakesItsDefaultValuesAway_WritesNothing) {
+TEST_F(WritingFileOfASchema, UpdateThatTakesADefaultValueAway_IsWritten) {
   WriteSchema("wdp_proj.xsd");
-  EXPECT_FALSE(
-      UpdateProjectFile(path(), [](ProjectContents& contents) { DebuggerOf(contents).clear(); }));
+  const auto clear = [](ProjectContents& contents) { LibraryOf(contents).clear(); };
+  ProjectContents contents = Contents();
+  ASSERT_EQ(LibraryOf(contents), "own_library");
+  EXPECT_TRUE(UpdateProjectFile(path(), clear));
+  contents = Contents();
+  EXPECT_EQ(LibraryOf(contents), "");
+  EXPECT_FALSE(UpdateProjectFile(path(), clear));
 }
 
 TEST_F(WritingFile, ParameterOfATypeThatNoFormatKnows_IsWrittenOnce) {

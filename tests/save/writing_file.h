@@ -38,20 +38,34 @@ class WritingFile : public testing::Test, public Loading {
 class WritingFileOfASchema : public WritingFile {
  protected:
   void SetUp() override {
-    Write("p.xml", ProjectXml("<debugger/>",
+    Write("p.xml", ProjectXml("<debugger/><design_info><design_file name=\"a.v\""
+                              " version=\"sv\"/></design_info>",
                               "xsi:schemaLocation=\"http://schema.kel.example/wdp_proj "
                               "wdp_proj.xsd\""));
   }
 
   std::string WriteSchema(const std::string& name) const {
     std::string schema = ReadFile(ShippedSchema());
-    const std::string attribute = "<xs:attribute name=\"tool_name\"";
-    return Write(name,
-                 schema.insert(schema.find(attribute) + attribute.size(), " default=\"own\""));
+    AddDefault("tool_name", "own", schema);
+    AddDefault("library", "own_library", schema);
+    return Write(name, schema);
   }
+
+  /// The writer leaves it out if it is empty.
 
   static std::string& DebuggerOf(projectdb::ProjectContents& contents) {
     return contents.flow_processes.at(projectdb::e_debugger).tool_name;
+  }
+
+  /// The writer writes it even if it is empty.
+  static std::string& LibraryOf(projectdb::ProjectContents& contents) {
+    return contents.design_info.design_files.at(0).library;
+  }
+
+ private:
+  static void AddDefault(const std::string& name, const std::string& value, std::string& schema) {
+    const std::string attribute = "<xs:attribute name=\"" + name + "\"";
+    schema.insert(schema.find(attribute) + attribute.size(), " default=\"" + value + "\"");
   }
 };
 

@@ -115,9 +115,8 @@ struct WriteOptions {
 };
 
 /// Saves a project in canonical order, and as safely as ExportProjectDataDurably does. A file that
-/// says the same already, stamps and directory aside, is not touched. What it says is what a
-/// reading without an error gives, with its schema or without any: a schema may refuse the file, or
-/// add values, which contents that were read with it have and others have not.
+/// says the same already, stamps and directory aside, is not touched, even if its schema refuses
+/// it. What it says includes the values that its schema adds.
 ///
 /// Without an expected version it takes no ProjectFileLock and replaces whatever is there. The path
 /// may end in anything; a load wants ".xml". It is not the same file afterwards: another hard link

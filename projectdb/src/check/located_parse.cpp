@@ -17,7 +17,6 @@
 #include "xml/errors.h"
 #include "xml/file_uri.h"
 #include "xml/parser.h"
-#include "xml/schema.h"
 #include "xml/text.h"
 
 namespace projectdb::check {
@@ -105,10 +104,8 @@ LocatedParse ParseLocated(const Source& source, const std::string& schema_locati
       if (!source.follows_schema_hints) {
         xml::Set(*parser, xercesc::XMLUni::fgXercesLoadSchema, false);
       }
-      xml::SchemaSource schemas(collector);
       xml::Owned<xercesc::DOMDocument> document =
-          xml::ParseWith(*parser, schemas, source.input, schema_location);
-      parse.has_schema = schemas.has_opened();
+          xml::ParseWith(*parser, collector, source.input, schema_location);
       collector.RethrowException();
       return document;
     });

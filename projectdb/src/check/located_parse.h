@@ -23,7 +23,6 @@ struct LocatedParse {
   xml::Owned<xercesc::DOMDocument> document;
   ElementPositions positions;  ///< Of all elements of the document.
   std::vector<ParseProblem> problems;
-  bool has_schema = false;  ///< Whether a schema was read for it.
 };
 
 /// Parses a project file just as xml::ParseProjectXMLFile does, but keeps a document with errors,

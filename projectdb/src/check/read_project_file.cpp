@@ -102,7 +102,6 @@ class ProjectFileReader {
   }
 
   void Take(check::LocatedParse parse) {
-    result_.has_schema = parse.has_schema;
     bool has_error = false;
     for (const auto& [is_error, position, message] : parse.problems) {
       problems_.Add(is_error ? ProblemSeverity::kError : ProblemSeverity::kWarning, position,

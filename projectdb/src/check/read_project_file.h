@@ -12,8 +12,6 @@ struct FileReading {
   ProjectFile file;
   /// Why the file, which is there, could not be read to its end.
   std::optional<std::string> failure = std::nullopt;
-  /// Whether a schema was read: what the file says itself may be something else.
-  bool has_schema = false;
 };
 
 /// ReadProjectFile, with all that it finds out.

@@ -51,19 +51,18 @@ bool Holds(const ProjectFile& former, const ProjectContents& contents,
          (!options.canonical || IsCanonical(former, contents, options));
 }
 
-// A schema may refuse what the file says, or add to it: the contents may have been read with it or
-// without it.
+// What the file says counts even if its schema refuses that. Where the schema adds values to it,
+// they count: without them a change that takes one away would not be written.
 bool SaysTheSame(const std::string& path, const FileReading& former,
                  const ProjectContents& contents, const WriteOptions& options) {
   if (Holds(former.file, contents, options)) return true;
   const bool is_there = former.file.version != ProjectFileVersion();
-  const bool is_without_schema = former.file.contents && !former.has_schema;
-  if (!is_there || is_without_schema) return false;
+  if (!is_there || former.file.contents) return false;
   const ProjectFile without_schema = ReadWholeFile(path, std::nullopt).file;
   return without_schema.version == former.file.version && Holds(without_schema, contents, options);
 }
 
-/// The lock that another thread of this process had on the file was given back meanwhile.
+/// The file is not the one that this process has locked, or another thread gave its lock back.
 class LockLost : public std::exception {};
 
 [[noreturn]] void ThrowChanged(const std::string& path) {
@@ -136,8 +135,13 @@ auto WithXmlLibrary(const std::string& prefix, Action action) {
 
 bool WriteOver(const std::string& path, const FileReading& former, const ProjectContents& contents,
                const WriteOptions& options) {
-  return WithXmlLibrary(WritingPrefix(path),
-                        [&] { return Write(path, former, contents, options, false); });
+  return WithXmlLibrary(WritingPrefix(path), [&] {
+    try {
+      return Write(path, former, contents, options, true);
+    } catch (const LockLost&) {
+      ThrowChanged(path);
+    }
+  });
 }
 
 bool WriteProjectFile(const std::string& path, const ProjectContents& contents,

@@ -7,9 +7,9 @@
 
 #include "platform/paths.h"
 #include "xml/dom_parser.h"
-#include "xml/error_handler.h"
 #include "xml/errors.h"
 #include "xml/input.h"
+#include "xml/schema.h"
 
 namespace projectdb::xml {
 namespace {
@@ -31,9 +31,11 @@ bool UseSchema(xercesc::DOMLSParser& parser, SchemaSource& schemas,
 
 }  // namespace
 
-Owned<xercesc::DOMDocument> ParseWith(xercesc::DOMLSParser& parser, SchemaSource& schemas,
+Owned<xercesc::DOMDocument> ParseWith(xercesc::DOMLSParser& parser,
+                                      KelProjectDbErrorHandler& errors,
                                       const xercesc::InputSource& input,
                                       const std::string& schema_location) {
+  SchemaSource schemas(errors);
   parser.getDomConfig()->setParameter(XMLUni::fgXercesEntityResolver, &schemas);
   if (schema_location.empty()) {
     // Otherwise every element of a file without a schema would count as undeclared. Not so with a
@@ -54,9 +56,8 @@ Owned<xercesc::DOMDocument> ParseProjectXMLFile(const std::string& xml_path,
       KelProjectDbErrorHandler errors;
       DomParser parser;
       Configure(parser, errors);
-      SchemaSource schemas(errors);
       Owned<xercesc::DOMDocument> document =
-          ParseWith(parser, schemas, FileInput(xml_path), schema_location);
+          ParseWith(parser, errors, FileInput(xml_path), schema_location);
       if (errors.failed) document.reset();
       return document;
     } catch (const xercesc::DOMException& exception) {

@@ -6,8 +6,8 @@
 #include <xercesc/dom/DOMLSParser.hpp>
 #include <xercesc/sax/InputSource.hpp>
 
+#include "xml/error_handler.h"
 #include "xml/owned.h"
-#include "xml/schema.h"
 
 namespace projectdb::xml {
 
@@ -22,9 +22,10 @@ Owned<xercesc::DOMDocument> ParseProjectXMLFile(const std::string& xml_path,
 
 /// The parse of a project file with a given new parser: all but the making of the parser and what
 /// becomes of errors.
-/// @param schemas with the parser's error handler; must outlive the parser's use
+/// @param errors the parser's error handler
 /// @return the document as far as it goes; null if the given schema cannot be used
-Owned<xercesc::DOMDocument> ParseWith(xercesc::DOMLSParser& parser, SchemaSource& schemas,
+Owned<xercesc::DOMDocument> ParseWith(xercesc::DOMLSParser& parser,
+                                      KelProjectDbErrorHandler& errors,
                                       const xercesc::InputSource& input,
                                       const std::string& schema_location);
 

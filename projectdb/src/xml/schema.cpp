@@ -47,7 +47,6 @@ std::unique_ptr<xercesc::InputSource> SchemaSource::Open(const std::filesystem::
     return nullptr;
   }
   if (!IsWellFormedWithoutDoctype(*input, errors_)) return nullptr;
-  has_opened_ = true;
   return input;
 }
 

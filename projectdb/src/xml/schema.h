@@ -32,12 +32,8 @@ class SchemaSource : public xercesc::XMLEntityResolver {
   /// look for the document itself, on the network too.
   xercesc::InputSource* resolveEntity(xercesc::XMLResourceIdentifier* identifier) override;
 
-  /// Whether any was found and not refused.
-  bool has_opened() const { return has_opened_; }
-
  private:
   KelProjectDbErrorHandler& errors_;
-  bool has_opened_ = false;
 };
 
 }  // namespace projectdb::xml

@@ -2,6 +2,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <filesystem>
 #include <future>
 #include <stdexcept>
 #include <string>
@@ -10,11 +11,13 @@
 #include <vector>
 
 #include "testing/child_process.h"
+#include "testing/filtered_calls.h"
 #include "testing/sanitizers.h"
 #include "testing/saving.h"
 #include "testing/test.h"
 #include "testing/threads.h"
 #include "testing/xml_platform.h"
+#include "tests/posix/save/lock_probe.h"
 #include "tests/save/updated_file.h"
 
 namespace {
@@ -45,6 +48,29 @@ TEST_F(Update, TooFewFilesMayBeOpen_IsAnErrorAndLeavesTheFormerFile) {
   }
   EXPECT_GE(failures, 3);
   EXPECT_EQ(Contents().project_name, "next");
+}
+
+// The one that is read is not the one that was locked.
+TEST_F(Update, FileThatIsReplacedBeforeItIsRead_IsWrittenUnderItsOwnLock) {
+  Write("next.xml", ProjectXml("", "name=\"other\""));
+  bool is_locked = false;
+  bool is_replaced = false;
+  const FilteredCalls calls([&](const projectdb::files::SystemCall& call) {
+    const std::string name = call.name;
+    if (name == "open" && is_locked && !is_replaced) {
+      is_replaced = true;
+      std::filesystem::rename(directory / "next.xml", path());
+    }
+    if (name == "flock") is_locked = true;
+    if (name == "renameat") {
+      EXPECT_TRUE(IsLockedByAnybody(path()));
+    }
+    return 0;
+  });
+  EXPECT_TRUE(UpdateProjectFile(
+      path(), [](ProjectContents& project) { project.device_info.family = "Tessel"; }));
+  EXPECT_TRUE(is_replaced);
+  EXPECT_EQ(Contents().device_info.family, "Tessel");
 }
 
 /// Reads a file again and again for as long as it lives.

@@ -7,9 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include <sys/file.h>
-
-#include "platform/open_file.h"
 #include "save/replace_file.h"
 #include "testing/child_process.h"
 #include "testing/denied.h"
@@ -19,6 +16,7 @@
 #include "testing/saving.h"
 #include "testing/test.h"
 #include "testing/xml_platform.h"
+#include "tests/posix/save/lock_probe.h"
 #include "tests/save/writing_file.h"
 
 namespace {
@@ -113,10 +111,9 @@ TEST_F(WritingFile, FileThatCannotBeRead_IsReplacedIfNoVersionIsExpected) {
 }
 
 TEST_F(WritingFileOfASchema, ExpectedVersionThatChangesBeforeItIsReadWithoutIt_IsNotTouched) {
-  WriteSchema("wdp_proj.xsd");
   ProjectContents contents = Contents();
   contents.project_name = "next";
-  DebuggerOf(contents).clear();
+  Write("wdp_proj.xsd", DeviceOnlySchema());
   WriteOptions options;
   options.expected = ReadProjectFile(path(), "").version;
   const std::string bytes = FormatProjectFile(contents);
@@ -148,12 +145,6 @@ TEST_F(WritingFile, FileSystemWithoutSecondNames_IsWrittenAllTheSame) {
   const FilteredCalls calls(FailCall("linkat", 1, EPERM));
   EXPECT_EQ(WriteError(contents_, options), "");
   EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
-}
-
-// A ProjectFileLock that got the lock would wait for the save to end.
-bool IsLockedByAnybody(const std::string& path) {
-  const projectdb::files::OpenFile file = projectdb::files::OpenForReading(path);
-  return ::flock(static_cast<int>(file.handle()), LOCK_EX | LOCK_NB) != 0;
 }
 
 // Another thread may have had it.
