@@ -162,8 +162,9 @@ class RepositoryLocks {
     std::set<fs::path> repositories;
     for (const Pattern& pattern : patterns) repositories.insert(RepositoryOf(pattern.top));
     // Every repository has this file, and a checkout alone replaces it.
-    for (const fs::path& repository : repositories)
+    for (const fs::path& repository : repositories) {
       locks_.emplace_back((repository / "HEAD").string());
+    }
   }
 
  private:
