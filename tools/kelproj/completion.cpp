@@ -110,7 +110,7 @@ std::optional<std::string> GivenInstance(const Words& words) {
 
 // What is added to an instance that is there is a source of it, else it is an instance.
 Words NeighboursInInstance(const Situation& situation, const std::string& instance) {
-  const Words instances = InstanceNames(situation);
+  Words instances = InstanceNames(situation);
   if (std::find(instances.begin(), instances.end(), instance) == instances.end()) return instances;
   const std::string list = std::string(InstanceKind().key) + "." + instance + ".files";
   Words names;
