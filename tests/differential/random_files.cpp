@@ -65,32 +65,53 @@ std::string Between(RandomInput& input) {
       {"", "", "", "", "\n  ", "\r\n  ", "<!-- note -->", "<?do it?>", "text", "<![CDATA[<a>]]>"});
 }
 
-std::string Tag(RandomInput& input, const std::string& prefix) {
-  const std::string name =
-      input.OneOf<std::string>({"design_file", "design_file", "design_file", "sim_file", "param",
-                                "param", "dynparam", "defmacro", "ip", "ip_src_file", "sdc_file",
-                                "isf_file", "misc_file", "family", "top_module", "odd", "größe"});
-  return input.OneIn(40) ? input.OneOf<std::string>({"other:", "kel:", ""}) + name : prefix + name;
+/// A section of a project file.
+struct Section {
+  std::string name;
+  std::vector<std::string> tags;  ///< Of the elements in it.
+  bool has_only_known = false;    ///< Elements where a load knows them.
+};
+
+Section KnownSection(RandomInput& input) {
+  return input.OneOf<Section>({{"device_info", {"family", "device"}, true},
+                               {"design_info", {"design_file", "top_module"}, true},
+                               {"constraint_info", {"sdc_file"}, true},
+                               {"isf_info", {"isf_file"}, true},
+                               {"sim_info", {"sim_file"}, true},
+                               {"misc_info", {"misc_file"}, true},
+                               {"ip_info", {"ip"}, true}});
 }
 
-std::string Elements(RandomInput& input, const std::string& prefix, std::size_t most, int depth) {
+Section AnySection(RandomInput& input) {
+  return {input.OneOf<std::string>({"device_info", "design_info", "design_info", "constraint_info",
+                                    "isf_info", "sim_info", "misc_info", "ip_info", "synthesis",
+                                    "place_and_route", "debugger", "security", "odd"}),
+          {"design_file", "design_file", "design_file", "sim_file", "param", "param", "dynparam",
+           "defmacro", "ip", "ip_src_file", "sdc_file", "isf_file", "misc_file", "family",
+           "top_module", "odd", "größe"}};
+}
+
+std::string Tag(RandomInput& input, const std::string& prefix, const Section& section) {
+  const std::string name = section.tags[input.Number(section.tags.size())];
+  return !section.has_only_known && input.OneIn(40)
+             ? input.OneOf<std::string>({"other:", "kel:", ""}) + name
+             : prefix + name;
+}
+
+std::string Elements(RandomInput& input, const std::string& prefix, const Section& section,
+                     std::size_t most, int depth) {
   std::string text;
   for (std::size_t i = input.Number(most + 1); i > 0; --i) {
-    const std::string tag = Tag(input, prefix);
+    const std::string tag = Tag(input, prefix, section);
     text += Between(input) + "<" + tag + Attributes(input);
-    if (depth == 0 || input.OneIn(2)) {
+    if (section.has_only_known || depth == 0 || input.OneIn(2)) {
       text += "/>";
     } else {
-      text += ">" + Elements(input, prefix, 3, depth - 1) + Between(input) + "</" + tag + ">";
+      text +=
+          ">" + Elements(input, prefix, section, 3, depth - 1) + Between(input) + "</" + tag + ">";
     }
   }
   return text;
-}
-
-std::string Section(RandomInput& input) {
-  return input.OneOf<std::string>({"device_info", "design_info", "design_info", "constraint_info",
-                                   "isf_info", "sim_info", "misc_info", "ip_info", "synthesis",
-                                   "place_and_route", "debugger", "security", "odd"});
 }
 
 std::vector<DesignFile> Files(RandomInput& input) {
@@ -107,6 +128,14 @@ std::vector<std::string> Names(RandomInput& input) {
   std::vector<std::string> names;
   for (std::size_t i = input.Number(5); i > 0; --i) names.push_back(input.Text());
   return names;
+}
+
+// About one in 40 has a value that does not go with its type, with which nothing is exported.
+Parameter RandomParameter(RandomInput& input, const std::string& name) {
+  auto type = static_cast<projectdb::ParameterType>(input.Number(3));
+  const std::string value = input.Text();
+  if (value.empty() != input.OneIn(40)) type = projectdb::e_noarg;
+  return {name, value, type};
 }
 
 /// A type that takes anything.
@@ -154,11 +183,13 @@ std::string RandomFile(RandomInput& input) {
           " xmlns:p=\"http://schema.kel.example/wdp_proj\" xmlns:other=\"urn:other\""
           " xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" name=\"" +
           Escaped(input.Text()) + "\">";
+  const bool has_only_known = input.OneIn(2);
   for (std::size_t i = input.Number(5); i > 0; --i) {
-    const std::string section = prefix + Section(input);
-    text.append(Between(input)).append("<").append(section).append(Attributes(input)).append(">");
-    text.append(Elements(input, prefix, 8, 2)).append(Between(input));
-    text.append("</").append(section).append(">");
+    const Section section = has_only_known ? KnownSection(input) : AnySection(input);
+    const std::string tag = prefix + section.name;
+    text.append(Between(input)).append("<").append(tag).append(Attributes(input)).append(">");
+    text.append(Elements(input, prefix, section, 8, 2)).append(Between(input));
+    text.append("</").append(tag).append(">");
   }
   return text + "\n</" + prefix + "project>\n";
 }
@@ -207,10 +238,13 @@ projectdb::ProjectContents RandomContents(RandomInput& input) {
     process.name = projectdb::kFlowProcesses[i].name;
     process.tool_name = input.Text();
     for (const std::string& name : Names(input)) {
-      const auto type = static_cast<projectdb::ParameterType>(input.Number(4));
-      const auto map = i == 0 ? input.OneOf<std::string>({"param", "dynparam", "größe"}) : "param";
-      process.parameter_maps[map].emplace(name, Parameter(name, input.Text(), type));
+      const auto map = i == 0 ? input.OneOf<std::string>({"param", "dynparam"}) : "param";
+      process.parameter_maps[map].emplace(name, RandomParameter(input, name));
     }
+  }
+  // No project file keeps a map of this name.
+  if (input.OneIn(20)) {
+    project.flow_processes[0].parameter_maps["größe"].emplace("a", RandomParameter(input, "a"));
   }
   return project;
 }
