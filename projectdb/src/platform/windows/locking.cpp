@@ -58,7 +58,9 @@ std::unique_ptr<OpenFile> LockFile(const std::string& path,
     if (is_denied || (error != ERROR_SHARING_VIOLATION && error != ERROR_ACCESS_DENIED)) {
       ThrowSystemFailure(error);
     }
-    if (longest_wait && Clock::now() - begin >= *longest_wait) {
+    // In milliseconds, since the clock's own unit cannot hold the longest wait.
+    const auto waited = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin);
+    if (longest_wait && waited >= *longest_wait) {
       throw Failure("it is locked by others");
     }
     std::this_thread::sleep_for(pause);
