@@ -7,6 +7,7 @@
 #include "testing/loopback_listener.h"
 #include "testing/project_loading.h"
 #include "testing/test.h"
+#include "xml/file_uri.h"
 
 /// Project files that name a schema, and what may come of that.
 namespace test_support {
@@ -23,6 +24,19 @@ inline std::string HintAttribute(const std::string& hint) {
 inline std::string XmlWithHint(const std::string& sections, const std::string& hint) {
   return ProjectXml(sections, HintAttribute(hint));
 }
+
+/// The path in the URI of a file, which on Windows is another text than the file's name.
+inline std::string UriPath(const std::string& name) {
+  const std::string start = "file://";
+  return projectdb::xml::FileUri(NativePath(name)).substr(start.size());
+}
+
+inline std::string SchemaXml(const std::string& content, const std::string& attributes = "") {
+  return "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\"" + attributes + ">" + content +
+         "</xs:schema>";
+}
+
+inline const std::string kOfProjects = " targetNamespace=\"" + kProjectNamespace + "\"";
 
 class LoadSecurity : public testing::Test, public Loading {
  protected:
@@ -44,6 +58,18 @@ class LoadSecurity : public testing::Test, public Loading {
   void ExpectLoaded(bool result) {
     EXPECT_TRUE(result);
     EXPECT_THAT(messages, ElementsAre(ReadingMessage(path())));
+  }
+
+  /// Expects of a schema that includes DeviceOnlySchema from these locations, all of one file, that
+  /// it is applied: read twice, the one would define what the other has defined.
+  void ExpectReadOnce(const std::vector<std::string>& locations) {
+    std::string includes;
+    for (const std::string& location : locations) {
+      includes += "<xs:include schemaLocation=\"" + location + "\"/>";
+    }
+    const std::string schema = Write("s.xsd", SchemaXml(includes, kOfProjects));
+    ExpectLoaded(LoadBytes(ProjectXml(DeviceInfoXml("Orrin")), schema));
+    EXPECT_FALSE(LoadBytes(ProjectXml(kForbidden), schema));
   }
 
   /// Nobody may have connected.

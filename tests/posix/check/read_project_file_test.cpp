@@ -1,4 +1,5 @@
 #include <cerrno>
+#include <filesystem>
 #include <string>
 
 #include <projectdb/project_file.h>
@@ -46,6 +47,11 @@ TEST_F(ReadingFile, SystemThatOpensNoMoreFiles_IsAnErrorWithItsReason) {
   Write("p.xml", CompleteProjectXml());
   const FilteredCalls calls(FailCall("open", 1, EMFILE));
   EXPECT_THAT(ErrorsOf(Read()), ElementsAre("the file cannot be read: Too many open files"));
+}
+
+TEST_F(ReadingFile, Directory_IsAnErrorWithItsReason) {
+  std::filesystem::create_directory(path());
+  EXPECT_THAT(ErrorsOf(Read()), ElementsAre("the file cannot be read: Is a directory"));
 }
 
 TEST_F(ReadingFile, FirstReadThatFails_IsAnErrorWithItsReason) {

@@ -20,6 +20,13 @@ TEST_F(LoadSecurity, LoadProjectData_HintOrIncludeOfAPipe_LoadsWithoutWaiting) {
   ExpectLoaded(result);
 }
 
+TEST_F(LoadSecurity, LoadProjectData_SchemaIncludedThroughALinkToo_IsReadOnce) {
+  std::filesystem::create_directory(directory / "sub");
+  std::filesystem::create_directory_symlink(directory / "sub", directory / "link");
+  Write("sub/rules.xsd", DeviceOnlySchema());
+  ExpectReadOnce({"sub/rules.xsd", "link/rules.xsd"});
+}
+
 TEST_F(LoadSecurity, LoadProjectData_HintToAnUnreadableFile_LoadsAsWithoutSchema) {
   const std::string project = Write("p.xml", XmlWithHint(kForbidden, "s.xsd"));
   const std::string schema = Write("s.xsd", DeviceOnlySchema());
