@@ -121,6 +121,18 @@ class Loading {
     return result;
   }
 
+  /// What the file holds now; throws if that is no project.
+  projectdb::ProjectContents Contents() const {
+    return projectdb::ReadProjectFile(path(), "").contents.value();
+  }
+
+  /// The file as it is now is the one expected.
+  projectdb::WriteOptions ExpectingTheFile() const {
+    projectdb::WriteOptions options;
+    options.expected = projectdb::ReadProjectFile(path(), "").version;
+    return options;
+  }
+
   /// What the database holds; see ProjectLines.
   Lines project() const { return ProjectLines(database); }
 

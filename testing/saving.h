@@ -6,8 +6,10 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
+#include "testing/child_process.h"
 #include "testing/file_state.h"
 #include "testing/saves.h"
+#include "testing/xml_platform.h"
 
 /// What files are beside their content where there are modes, and limits on them.
 namespace test_support {
@@ -36,6 +38,26 @@ std::string WithOpenFileLimit(rlim_t files, Work work) {
   std::string result = work();
   ::setrlimit(RLIMIT_NOFILE, &former);
   return result;
+}
+
+/// Does work in processes that may have more and more files open, until it gives no error.
+/// @param work gives the text of its error, or ""
+/// @param judge is told of each error
+/// @return the number of errors
+template <typename Work, typename Judge>
+int FailuresWithTooFewFiles(Work work, Judge judge) {
+  constexpr rlim_t kEnough = 1000;
+  int failures = 0;
+  for (rlim_t files = 0; files < kEnough; ++files) {
+    const std::string error = InChildProcess([&] {
+      TerminateXmlPlatformForAll();
+      return WithOpenFileLimit(files, work);
+    });
+    if (error.empty()) break;
+    ++failures;
+    judge(error);
+  }
+  return failures;
 }
 
 }  // namespace test_support

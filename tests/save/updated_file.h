@@ -18,10 +18,6 @@ class Update : public testing::Test, public Loading {
  protected:
   void SetUp() override { Write("p.xml", CompleteProjectXml()); }
 
-  projectdb::ProjectContents Contents() const {
-    return projectdb::ReadProjectFile(path(), "").contents.value();
-  }
-
   /// The text of the error that an update ends in; "" if it ends well.
   std::string UpdateError(const std::function<void(projectdb::ProjectContents&)>& change,
                           const projectdb::UpdateOptions& options = {}) const {

@@ -259,8 +259,7 @@ TEST_F(WritingFile, FileThatDoesNotLoad_IsReplaced) {
 
 TEST_F(WritingFile, FileThatDoesNotLoadInTheExpectedVersion_IsReplaced) {
   Write("p.xml", "<project");
-  WriteOptions options;
-  options.expected = ReadProjectFile(path(), "").version;
+  const WriteOptions options = ExpectingTheFile();
   EXPECT_TRUE(WriteProjectFile(path(), contents_, options));
 }
 
@@ -358,8 +357,7 @@ TEST_F(WritingFile, ParameterOfATypeThatNoFormatKnows_IsWrittenOnce) {
 
 TEST_F(WritingFile, ExpectedVersion_IsWritten) {
   Write("p.xml", CompleteProjectXml());
-  WriteOptions options;
-  options.expected = ReadProjectFile(path(), "").version;
+  const WriteOptions options = ExpectingTheFile();
   ProjectContents contents = contents_;
   contents.project_name = "next";
   EXPECT_TRUE(WriteProjectFile(path(), contents, options));
@@ -409,8 +407,7 @@ TEST_F(WritingFile, ExpectedVersionWhileOtherFilesAreLocked_IsWrittenUnderItsOwn
 
 TEST_F(WritingFile, FileOfAnotherVersion_IsNotTouched) {
   Write("p.xml", CompleteProjectXml());
-  WriteOptions options;
-  options.expected = ReadProjectFile(path(), "").version;
+  const WriteOptions options = ExpectingTheFile();
   Write("p.xml", ProjectXml("", "name=\"of somebody else\""));
   const FileState before(path());
   EXPECT_THROW(WriteProjectFile(path(), contents_, options), ProjectFileChanged);
@@ -438,8 +435,7 @@ TEST_F(WritingFile, FileThatIsExpectedToBeMissing_IsMadeOnce) {
 TEST_F(WritingFile, ExpectedVersionUnderTheCallersOwnLock_DoesNotWait) {
   Write("p.xml", ProjectXml(""));
   const ProjectFileLock lock(path());
-  WriteOptions options;
-  options.expected = ReadProjectFile(path(), "").version;
+  const WriteOptions options = ExpectingTheFile();
   EXPECT_TRUE(WriteProjectFile(path(), contents_, options));
   EXPECT_THROW(ProjectFileLock(path(), std::chrono::milliseconds::zero()), std::runtime_error);
 }

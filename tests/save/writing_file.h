@@ -16,10 +16,6 @@ namespace test_support {
 /// Contents to be written, and a directory for the file.
 class WritingFile : public testing::Test, public Loading {
  protected:
-  projectdb::ProjectContents Contents() const {
-    return projectdb::ReadProjectFile(path(), "").contents.value();
-  }
-
   /// The text of the error that a write ends in; "" if it ends well.
   std::string WriteError(const projectdb::ProjectContents& contents,
                          const projectdb::WriteOptions& options = {}) const {
@@ -52,7 +48,6 @@ class WritingFileOfASchema : public WritingFile {
   }
 
   /// The writer leaves it out if it is empty.
-
   static std::string& DebuggerOf(projectdb::ProjectContents& contents) {
     return contents.flow_processes.at(projectdb::e_debugger).tool_name;
   }

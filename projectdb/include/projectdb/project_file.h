@@ -22,8 +22,8 @@ class FileLock;
 }
 
 /// Which state of a file was read: two versions are equal only if the file is the same one, of the
-/// same size and time of change, with the same bytes. A version that no reading gave is that of no
-/// file.
+/// same size and time of change, with the same bytes as far as they are looked at. A version that
+/// no reading gave is that of no file.
 struct ProjectFileVersion {
   std::uint64_t device = 0;
   std::uint64_t file = 0;       ///< Its number on the device; 0 for no file.
@@ -105,7 +105,8 @@ struct WriteOptions {
   bool keep_stamps = false;  ///< As with FormatProjectFile.
   /// Nothing is written unless the file is still this one, or still missing. Of several that
   /// expect the same version, in threads and processes, one writes: it has the file's
-  /// ProjectFileLock meanwhile, for which it waits, unless the process has it already.
+  /// ProjectFileLock meanwhile, for which it waits, unless the process has it already or the file
+  /// cannot be locked where it is.
   std::optional<ProjectFileVersion> expected = std::nullopt;
   /// Whether a file that says the same, but in other bytes than FormatProjectFile gives, is written
   /// anew.
@@ -125,7 +126,7 @@ struct WriteOptions {
 /// @return whether the file was written
 /// @exception ProjectFileChanged if the file is not the expected one
 /// @exception std::runtime_error as ExportProjectDataDurably, and if a version is expected of a
-///            file that cannot be read
+///            file that cannot be read, or that goes while it is
 /// @exception std::bad_alloc with the file as it was
 KEL_EXPORT bool WriteProjectFile(const std::string& path, const ProjectContents& contents,
                                  const WriteOptions& options = {});

@@ -272,6 +272,58 @@ TEST_P(ChangeAmongSystemCalls, ProcessKilledAtACall_LeavesAWholeFileThatTheNextF
   EXPECT_THAT(found, UnorderedElementsAre(Pair(former_name(), Ge(15)), Pair("next", Ge(2))));
 }
 
+/// Writes what a file says already over it, although the schema beside it refuses it.
+class WriteOfARefusedFile : public testing::Test, public Loading {
+ protected:
+  void SetUp() override {
+    Write("wdp_proj.xsd", DeviceOnlySchema());
+    WriteProjectFile(path(), project_);
+    former_ = InFile();
+  }
+
+  ProjectContents InFile() const {
+    std::filesystem::rename("wdp_proj.xsd", "away.xsd");
+    ProjectContents project = Contents();
+    std::filesystem::rename("away.xsd", "wdp_proj.xsd");
+    return project;
+  }
+
+  const XmlPlatform platform_;
+  const WorkingDirectory working_directory_{directory.path()};
+  const ProjectContents project_ = LargeProject("refused");
+  ProjectContents former_;
+};
+
+TEST_F(WriteOfARefusedFile, CallThatFails_LeavesWhatItSays) {
+  const std::vector<std::string> calls =
+      CallsOf([&] { ASSERT_FALSE(WriteProjectFile(path(), project_)); });
+  for (const int error_number : kErrors) {
+    std::vector<std::string> failed;
+    for (std::size_t number = 0; number < calls.size(); ++number) {
+      SCOPED_TRACE(calls[number] + ", call number " + std::to_string(number) + ": " +
+                   TextOfErrno(error_number));
+      try {
+        WithFailingCall(number, error_number, [&] { WriteProjectFile(path(), project_); });
+      } catch (const std::runtime_error& error) {
+        failed.push_back(calls[number]);
+        EXPECT_THAT(error.what(), HasSubstr(TextOfErrno(error_number)));
+      }
+      EXPECT_THAT(DifferencesButStamps(former_, InFile()), IsEmpty());
+      EXPECT_THAT(NamesIn(directory.path()), UnorderedElementsAre("p.xml", "wdp_proj.xsd"));
+    }
+    // What cannot be read is written anew.
+    EXPECT_EQ(failed, error_number == EINTR ? Lines() : Lines{"stat"});
+  }
+}
+
+TEST_F(WriteOfARefusedFile, ProcessKilledAtACall_LeavesWhatItSays) {
+  std::size_t number = 0;
+  for (; IsKilledAtCall(number, [&] { WriteProjectFile(path(), project_); }); ++number) {
+    EXPECT_THAT(DifferencesButStamps(former_, InFile()), IsEmpty());
+  }
+  EXPECT_GE(number, 10U);
+}
+
 // --- Reading ---
 
 class ReadAmongSystemCalls : public testing::Test, public Loading {

@@ -10,7 +10,6 @@
 #include <utility>
 #include <vector>
 
-#include "testing/child_process.h"
 #include "testing/filtered_calls.h"
 #include "testing/sanitizers.h"
 #include "testing/saving.h"
@@ -30,23 +29,13 @@ using namespace std::chrono_literals;
 TEST_F(Update, TooFewFilesMayBeOpen_IsAnErrorAndLeavesTheFormerFile) {
   if (kSanitized) GTEST_SKIP() << "the sanitizer needs files of its own";
   const FileState former(path());
-  const auto error_under = [&](rlim_t files) {
-    return InChildProcess([&] {
-      TerminateXmlPlatformForAll();
-      const auto change = [](ProjectContents& project) { project.project_name = "next"; };
-      return WithOpenFileLimit(files, [&] { return UpdateError(change); });
-    });
+  const auto change = [](ProjectContents& project) { project.project_name = "next"; };
+  const auto judge = [&](const std::string& error) {
+    EXPECT_THAT(error, HasSubstr("Too many open files"));
+    EXPECT_EQ(FileState(path()), former);
+    EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
   };
-  int failures = 0;
-  for (rlim_t files = 0; files < 1000; ++files) {
-    const std::string error = error_under(files);
-    if (error.empty()) break;
-    ++failures;
-    ASSERT_THAT(error, HasSubstr("Too many open files"));
-    ASSERT_EQ(FileState(path()), former);
-    ASSERT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
-  }
-  EXPECT_GE(failures, 3);
+  EXPECT_GE(FailuresWithTooFewFiles([&] { return UpdateError(change); }, judge), 3);
   EXPECT_EQ(Contents().project_name, "next");
 }
 

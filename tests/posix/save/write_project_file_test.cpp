@@ -8,14 +8,12 @@
 #include <vector>
 
 #include "save/replace_file.h"
-#include "testing/child_process.h"
 #include "testing/denied.h"
 #include "testing/filtered_calls.h"
 #include "testing/named_pipe.h"
 #include "testing/sanitizers.h"
 #include "testing/saving.h"
 #include "testing/test.h"
-#include "testing/xml_platform.h"
 #include "tests/posix/save/lock_probe.h"
 #include "tests/save/writing_file.h"
 
@@ -38,29 +36,18 @@ TEST_F(WritingFile, TooFewFilesMayBeOpen_IsAnErrorAndLeavesTheFormerFile) {
   if (kSanitized) GTEST_SKIP() << "the sanitizer needs files of its own";
   Write("p.xml", ProjectXml("", "name=\"former\""));
   const FileState former(path());
-  const auto error_under = [&](rlim_t files) {
-    return InChildProcess([&] {
-      TerminateXmlPlatformForAll();
-      return WithOpenFileLimit(files, [&] { return WriteError(contents_); });
-    });
+  const auto judge = [&](const std::string& error) {
+    EXPECT_EQ(error, WritingError(path(), "Too many open files"));
+    EXPECT_EQ(FileState(path()), former);
+    EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
   };
-  int failures = 0;
-  for (rlim_t files = 0; files < 1000; ++files) {
-    const std::string error = error_under(files);
-    if (error.empty()) break;
-    ++failures;
-    ASSERT_EQ(error, WritingError(path(), "Too many open files"));
-    ASSERT_EQ(FileState(path()), former);
-    ASSERT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
-  }
-  EXPECT_GE(failures, 3);
+  EXPECT_GE(FailuresWithTooFewFiles([&] { return WriteError(contents_); }, judge), 3);
   EXPECT_THAT(DifferencesButStamps(contents_, Contents()), IsEmpty());
 }
 
 TEST_F(WritingFile, PipeInThePlaceOfTheExpectedVersion_IsNotWaitedFor) {
   Write("p.xml", CompleteProjectXml());
-  WriteOptions options;
-  options.expected = ReadProjectFile(path(), "").version;
+  const WriteOptions options = ExpectingTheFile();
   std::filesystem::remove(path());
   const NamedPipe pipe(path());
   std::string error;
@@ -71,8 +58,7 @@ TEST_F(WritingFile, PipeInThePlaceOfTheExpectedVersion_IsNotWaitedFor) {
 TEST_F(WritingFile, ExpectedVersionThatCannotBeRead_IsNotTouchedAndTheReasonTold) {
   Write("p.xml", CompleteProjectXml());
   const FileState before(path());
-  WriteOptions options;
-  options.expected = ReadProjectFile(path(), "").version;
+  const WriteOptions options = ExpectingTheFile();
   // The first opening is that of the lock.
   const std::vector<SystemCallFilter> failures = {
       FailCall("open", 2, EACCES), FailCall("read", 1, EACCES), FailCall("read", 2, EACCES)};
@@ -93,8 +79,7 @@ TEST_F(WritingFile, ExpectedVersionThatCannotBeRead_IsNotTouchedAndTheReasonTold
 
 TEST_F(WritingFile, ExpectedVersionThatIsRemovedBeforeItIsRead_IsAChange) {
   Write("p.xml", CompleteProjectXml());
-  WriteOptions options;
-  options.expected = ReadProjectFile(path(), "").version;
+  const WriteOptions options = ExpectingTheFile();
   int openings = 0;
   const FilteredCalls calls([&](const SystemCall& call) {
     if (call.name == std::string("open") && ++openings == 2) std::filesystem::remove(path());
@@ -114,8 +99,7 @@ TEST_F(WritingFileOfASchema, ExpectedVersionThatChangesBeforeItIsReadWithoutIt_I
   ProjectContents contents = Contents();
   contents.project_name = "next";
   Write("wdp_proj.xsd", DeviceOnlySchema());
-  WriteOptions options;
-  options.expected = ReadProjectFile(path(), "").version;
+  const WriteOptions options = ExpectingTheFile();
   const std::string bytes = FormatProjectFile(contents);
   constexpr int kLastOpening = 4;  // After those to lock it, to read it and to read the schema.
   int openings = 0;
@@ -151,8 +135,7 @@ TEST_F(WritingFile, FileSystemWithoutSecondNames_IsWrittenAllTheSame) {
 TEST_F(WritingFile, ExpectedVersionUnderALockThatIsGivenBackMeanwhile_IsWrittenUnderItsOwn) {
   Write("p.xml", ProjectXml(""));
   auto lock = std::make_unique<ProjectFileLock>(path());
-  WriteOptions options;
-  options.expected = ReadProjectFile(path(), "").version;
+  const WriteOptions options = ExpectingTheFile();
   int renamings = 0;
   const FilteredCalls calls([&](const SystemCall& call) {
     if (call.name == std::string("fsync")) lock.reset();
@@ -170,8 +153,7 @@ TEST_F(WritingFile, OwnLockThatTheSystemDoesNotTellOf_IsNotWaitedForEither) {
   for (const char* name : {"stat", "fstat"}) {
     Write("p.xml", ProjectXml(""));
     const ProjectFileLock lock(path());
-    WriteOptions options;
-    options.expected = ReadProjectFile(path(), "").version;
+    const WriteOptions options = ExpectingTheFile();
     const FilteredCalls calls(FailCall(name, 1, EIO));
     EXPECT_EQ(WriteError(contents_, options), "");
   }
@@ -179,8 +161,7 @@ TEST_F(WritingFile, OwnLockThatTheSystemDoesNotTellOf_IsNotWaitedForEither) {
 
 TEST_F(WritingFile, FileThatChangesWhileTheNewOneIsMade_IsNotTouched) {
   Write("p.xml", CompleteProjectXml());
-  WriteOptions options;
-  options.expected = ReadProjectFile(path(), "").version;
+  const WriteOptions options = ExpectingTheFile();
   ProjectContents contents = contents_;
   contents.project_name = "next";
   const FilteredCalls calls([&](const SystemCall& call) {
