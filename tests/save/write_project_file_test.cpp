@@ -335,6 +335,7 @@ TEST_F(WritingFileOfASchema, ContentsThatWereReadWithAGivenOne_AreNotWrittenIfIt
 }
 
 TEST_F(WritingFileOfASchema, UpdateThatTakesADefaultValueAway_IsWritten) {
+  WriteProject("");
   WriteSchema("wdp_proj.xsd");
   const auto clear = [](ProjectContents& contents) { LibraryOf(contents).clear(); };
   ProjectContents contents = Contents();

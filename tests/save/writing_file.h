@@ -33,9 +33,13 @@ class WritingFile : public testing::Test, public Loading {
 /// A file whose debugger has no tool but the one that a schema gives it.
 class WritingFileOfASchema : public WritingFile {
  protected:
-  void SetUp() override {
-    Write("p.xml", ProjectXml("<debugger/><design_info><design_file name=\"a.v\""
-                              " version=\"sv\"/></design_info>",
+  void SetUp() override { WriteProject("<debugger/>"); }
+
+  /// One with a design file, whose library is the schema's too, and these sections.
+  void WriteProject(const std::string& sections) const {
+    Write("p.xml", ProjectXml("<design_info><design_file name=\"a.v\" version=\"sv\"/>"
+                              "</design_info>" +
+                                  sections,
                               "xsi:schemaLocation=\"http://schema.kel.example/wdp_proj "
                               "wdp_proj.xsd\""));
   }
