@@ -7,6 +7,7 @@
 
 #include "base/failure.h"
 #include "contents/parameter_rules.h"
+#include "project_db/elements.h"
 #include "project_db/format.h"
 #include "project_db/project_data.h"
 #include "project_db/project_document.h"
@@ -20,10 +21,6 @@ namespace projectdb {
 namespace {
 
 using xercesc::DOMElement;
-
-void RequireWritten(bool written) {
-  if (!written) throw Failure("an element cannot be created");
-}
 
 void RequireElementName(xml::Transcoder& transcoder, const std::string& what,
                         const std::string& name) {
@@ -72,15 +69,8 @@ bool KelProjectDatabase::AppendProjectToRoot(DOMElement* root, ProjectTest test)
   if (test) test(CopyContents());
   // The writing library's stamps, not those that the project came with.
   SetRootAttributes(root, data_->project_name, data_->info_attributes, NewStamps());
-  RequireWritten(AppendDeviceInfoToDOMElement(root, data_->device_info, ns, prefix));
-  RequireWritten(AppendDesignInfoToDOMElement(root, data_->design_info, ns, prefix));
-  RequireWritten(AppendDesignConstraintToDOMElement(root, data_->design_constraint, ns, prefix));
-  RequireWritten(AppendISFToDOMElement(root, data_->design_isf, ns, prefix));
-  RequireWritten(AppendDesignFileListToDOMElement(
-      root, format::kSimInfo.narrow, format::kSimFile.narrow, data_->sim_files, ns, prefix));
-  RequireWritten(AppendDesignFileListToDOMElement(
-      root, format::kMiscInfo.narrow, format::kMiscFile.narrow, data_->misc_files, ns, prefix));
-  RequireWritten(AppendIPInfoToDOMElement(root, data_->ip_info, ns, prefix));
+  xml::ElementWriter writer(ns, prefix);
+  AppendSections(writer, root, *data_);
   for (std::size_t type = 0; type < data_->flow_processes.size(); ++type) {
     const FlowProcess& process = data_->flow_processes[type];
     RequireElementNames(process, type);

@@ -1,18 +1,15 @@
 #include "save/canonical_document.h"
 
-#include <algorithm>
 #include <stdexcept>
-#include <string_view>
-#include <utility>
 #include <vector>
 
-#include <projectdb/project_db.h>
 #include <projectdb/vocabulary.h>
 #include <xercesc/dom/DOMImplementation.hpp>
 #include <xercesc/dom/DOMImplementationRegistry.hpp>
 
 #include "base/failure.h"
 #include "contents/project_rules.h"
+#include "project_db/elements.h"
 #include "project_db/format.h"
 #include "project_db/project_document.h"
 
@@ -21,45 +18,23 @@ namespace {
 
 using xercesc::DOMElement;
 
-std::vector<Parameter> ParametersOf(FlowProcessContents& process, std::string_view map) {
+std::vector<Parameter> ParametersOf(const FlowProcessContents& process, const char* map) {
   std::vector<Parameter> parameters;
-  for (auto& [name, parameter] : process.parameter_maps[std::string(map)]) {
+  const auto found = process.parameter_maps.find(map);
+  if (found == process.parameter_maps.end()) return parameters;
+  parameters.reserve(found->second.size());
+  for (const auto& [name, parameter] : found->second) {
+    parameters.push_back(parameter);
     // A load makes one of all types that have no text.
-    if (TextOf(parameter.type).empty()) parameter.type = kNoParameterType;
-    parameters.push_back(std::move(parameter));
+    if (TextOf(parameter.type).empty()) parameters.back().type = kNoParameterType;
   }
   return parameters;
 }
 
 // Every process has the form of the synthesis, whose parameters are in lists.
-SynthesisProcess OrderedProcess(FlowProcessContents process, std::string_view name) {
-  return {std::string(name), process.tool_name, ParametersOf(process, kParameterMap),
+SynthesisProcess OrderedProcess(const FlowProcessContents& process, const char* name) {
+  return {name, process.tool_name, ParametersOf(process, kParameterMap),
           ParametersOf(process, kDefineMap), ParametersOf(process, kMacroMap)};
-}
-
-// Whether every element could be made.
-bool AppendSections(DOMElement* root, ProjectContents& contents) {
-  const char16_t* const ns = format::kNamespace.wide;
-  const char16_t* const prefix = format::kPrefix.wide;
-  const KelProjectDatabase writer;
-  std::vector<bool> are_appended = {
-      writer.AppendDeviceInfoToDOMElement(root, contents.device_info, ns, prefix),
-      writer.AppendDesignInfoToDOMElement(root, contents.design_info, ns, prefix),
-      writer.AppendDesignConstraintToDOMElement(root, contents.design_constraint, ns, prefix),
-      writer.AppendISFToDOMElement(root, contents.design_isf, ns, prefix),
-      writer.AppendDesignFileListToDOMElement(
-          root, format::kSimInfo.narrow, format::kSimFile.narrow, contents.sim_files, ns, prefix),
-      writer.AppendDesignFileListToDOMElement(root, format::kMiscInfo.narrow,
-                                              format::kMiscFile.narrow, contents.misc_files, ns,
-                                              prefix),
-      writer.AppendIPInfoToDOMElement(root, contents.ip_info, ns, prefix)};
-  are_appended.reserve(are_appended.size() + kFlowProcesses.size());
-  for (std::size_t type = 0; type < kFlowProcesses.size(); ++type) {
-    SynthesisProcess process =
-        OrderedProcess(std::move(contents.flow_processes[type]), kFlowProcesses[type].name);
-    are_appended.push_back(writer.AppendSynthesisProcessToDOMElement(root, process, ns, prefix));
-  }
-  return std::all_of(are_appended.begin(), are_appended.end(), [](bool is) { return is; });
 }
 
 }  // namespace
@@ -72,7 +47,7 @@ void RequireWritable(const ProjectContents& contents) {
   }
 }
 
-xml::Owned<xercesc::DOMDocument> CanonicalDocument(ProjectContents contents,
+xml::Owned<xercesc::DOMDocument> CanonicalDocument(const ProjectContents& contents,
                                                    const FormatOptions& options) {
   RequireWritable(contents);
   xercesc::DOMImplementation* core =
@@ -84,7 +59,12 @@ xml::Owned<xercesc::DOMDocument> CanonicalDocument(ProjectContents contents,
                             ? Stamps{contents.software_version, contents.last_modify_time}
                             : NewStamps();
   SetRootAttributes(root, contents.project_name, contents.info_attributes, stamps);
-  if (!AppendSections(root, contents)) throw Failure("an element cannot be created");
+  xml::ElementWriter writer(format::kNamespace.wide, format::kPrefix.wide);
+  AppendSections(writer, root, contents);
+  for (std::size_t type = 0; type < kFlowProcesses.size(); ++type) {
+    RequireWritten(AppendSection(
+        writer, root, OrderedProcess(contents.flow_processes[type], kFlowProcesses[type].name)));
+  }
   return document;
 }
 

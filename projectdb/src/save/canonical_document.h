@@ -11,10 +11,9 @@ namespace projectdb {
 /// @exception Failure with the reason for contents that a load of their file would not give back
 void RequireWritable(const ProjectContents& contents);
 
-/// The document of a project file in canonical order. Takes the contents by value, as the writers
-/// of sections want records that they may change.
+/// The document of a project file in canonical order.
 /// @exception Failure as RequireWritable, and for texts that XML cannot carry
-xml::Owned<xercesc::DOMDocument> CanonicalDocument(ProjectContents contents,
+xml::Owned<xercesc::DOMDocument> CanonicalDocument(const ProjectContents& contents,
                                                    const FormatOptions& options);
 
 }  // namespace projectdb
