@@ -678,6 +678,38 @@ TEST(MergedAnyProjects, MergeProjects_ChangedByOneSideAlone_IsAsThatSideHasIt) {
       [](const Rows& before, const Rows& after) { return !before.empty() && !after.empty(); });
 }
 
+/// The instances of one name, in their order.
+Lines InstancesOf(const ProjectContents& project, const std::string& name) {
+  Lines instances;
+  for (const IP& ip : project.ip_info.ips) {
+    if (ip.instance_name != name) continue;
+    instances.push_back(ip.path);
+    for (const IPSrcFile& file : ip.src_files) instances.back() += "\n" + file.name;
+  }
+  return instances;
+}
+
+TEST(MergedAnyProjects, MergeProjects_InstancesThatOneSideLeftAlone_AreThoseOfTheOther) {
+  EXPECT_TRUE(rc::check([] {
+    const ThreeProjects projects = PickThreeProjects();
+    const ProjectContents merged = Merge(projects).contents;
+    for (const ProjectContents* project : {&projects.base, &projects.ours, &projects.theirs}) {
+      for (const IP& ip : project->ip_info.ips) {
+        const std::string& name = ip.instance_name;
+        const Lines base = InstancesOf(projects.base, name);
+        const Lines ours = InstancesOf(projects.ours, name);
+        const Lines theirs = InstancesOf(projects.theirs, name);
+        if (ours == base) {
+          RC_ASSERT(InstancesOf(merged, name) == theirs);
+        }
+        if (theirs == base) {
+          RC_ASSERT(InstancesOf(merged, name) == ours);
+        }
+      }
+    }
+  }));
+}
+
 TEST(MergedAnyProjects, MergeProjects_AnythingInIt_IsInOneOfTheThree) {
   EXPECT_TRUE(rc::check([] {
     const ThreeProjects projects = PickThreeProjects();

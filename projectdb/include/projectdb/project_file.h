@@ -106,7 +106,7 @@ struct WriteOptions {
   /// Nothing is written unless the file is still this one, or still missing. Of several that
   /// expect the same version, in threads and processes, one writes: it has the file's
   /// ProjectFileLock meanwhile, for which it waits, unless the process has it already or the file
-  /// cannot be locked where it is.
+  /// system has no locks.
   std::optional<ProjectFileVersion> expected = std::nullopt;
   /// Whether a file that says the same, but in other bytes than FormatProjectFile gives, is written
   /// anew.

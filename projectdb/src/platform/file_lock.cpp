@@ -30,10 +30,19 @@ FileLock* FindLock(const std::optional<FileStatus>& file) {
 
 }  // namespace
 
-FileLock::FileLock(const std::string& path, std::optional<std::chrono::milliseconds> longest_wait)
-    : file_(LockFile(path, longest_wait)) {
-  const std::lock_guard<std::mutex> guard(RegistryMutex());
-  Registry().push_back(this);
+FileLock::FileLock(const std::string& path, std::optional<std::chrono::milliseconds> longest_wait) {
+  for (;;) {
+    file_ = LockFile(path, longest_wait);
+    const std::lock_guard<std::mutex> guard(RegistryMutex());
+    // The file may have been replaced meanwhile, also by a thread of this process that found no
+    // lock to take over.
+    const std::optional<FileStatus> locked = StatusOfLocked(path);
+    if (locked && IsOn(*locked)) {
+      Registry().push_back(this);
+      return;
+    }
+    file_.reset();
+  }
 }
 
 FileLock::~FileLock() {

@@ -16,6 +16,7 @@ namespace projectdb::files {
 class FileLock {
  public:
   /// @param longest_wait for ever if not given
+  /// @exception NoLocks if the file system has none
   /// @exception Failure if the path names no regular file that can be opened and locked, or if the
   ///            wait took too long
   FileLock(const std::string& path, std::optional<std::chrono::milliseconds> longest_wait);

@@ -5,15 +5,24 @@
 #include <optional>
 #include <string>
 
+#include "base/failure.h"
 #include "platform/file_status.h"
 #include "platform/open_file.h"
 
 /// How a system locks a file against other processes and other threads.
 namespace projectdb::files {
 
-/// Waits for the lock of a file and takes it.
+/// The file system has no locks.
+class NoLocks : public Failure {
+ public:
+  using Failure::Failure;
+};
+
+/// Waits for the lock of the file that is at the path now, and takes it. By then another file may
+/// be there.
 /// @param longest_wait for ever if not given
 /// @return what has the lock for as long as it is open
+/// @exception NoLocks as the name says
 /// @exception Failure if the path names no regular file that can be opened and locked, or if the
 ///            wait took too long
 std::unique_ptr<OpenFile> LockFile(const std::string& path,

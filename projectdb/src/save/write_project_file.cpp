@@ -12,6 +12,7 @@
 #include "contents/same_project.h"
 #include "platform/file_lock.h"
 #include "platform/file_status.h"
+#include "platform/locking.h"
 #include "save/canonical_document.h"
 #include "save/replace_file.h"
 #include "xml/errors.h"
@@ -108,17 +109,27 @@ struct LockForWriting {
   std::unique_ptr<files::FileLock> own = nullptr;  ///< Null if it was there before.
 };
 
+bool MayBeLockedHere(const std::string& path) {
+  try {
+    return files::IsLockedHere(path);
+  } catch (const Failure&) {
+    // It shows before the file is replaced.
+    return true;
+  }
+}
+
 // Others who expect a version, or update the file, are to wait until this one is written.
 LockForWriting Lock(const std::string& path, const WriteOptions& options) {
   const bool is_needed = options.expected && *options.expected != ProjectFileVersion();
   if (!is_needed) return {};
+  if (MayBeLockedHere(path)) return {true};
   try {
-    if (files::IsLockedHere(path)) return {true};
     return {true, std::make_unique<files::FileLock>(path, std::nullopt)};
-  } catch (const Failure&) {
-    // What keeps the file from being locked, such as a file system without locks, may not keep it
-    // from being written.
+  } catch (const files::NoLocks&) {
     return {};
+  } catch (const Failure&) {
+    if (files::IsRegularFile(path)) throw;
+    return {};  // It is not the expected one.
   }
 }
 
@@ -147,9 +158,9 @@ bool WriteOver(const std::string& path, const FileReading& former, const Project
 bool WriteProjectFile(const std::string& path, const ProjectContents& contents,
                       const WriteOptions& options) {
   for (;;) {
-    const LockForWriting lock = Lock(path, options);
     try {
       return WithXmlLibrary(WritingPrefix(path), [&] {
+        const LockForWriting lock = Lock(path, options);
         const FileReading former = FormerFile(path, options.schema_file);
         return Write(path, former, contents, options, lock.is_there);
       });

@@ -1,7 +1,10 @@
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstddef>
 #include <filesystem>
+#include <future>
 #include <stdexcept>
 #include <string>
 
@@ -111,6 +114,23 @@ TEST_F(FileLock, FileThatMayBeWritten_IsOpenForWritingWhenItIsLocked) {
   });
   const ProjectFileLock lock(path_);
   EXPECT_EQ(modes, 1);
+}
+
+TEST_F(FileLock, FileThatAnotherThreadReplacesMeanwhile_IsLockedAsItIsThen) {
+  std::future<void> replacement;
+  std::atomic<int> looks{0};
+  const FilteredCalls calls([&](const projectdb::files::SystemCall& call) {
+    // The last look at the file before this process counts it as locked.
+    if (call.name == std::string("fstat") && ++looks == 2) {
+      replacement =
+          std::async(std::launch::async, [&] { ExportProjectDataDurably(database_, path_); });
+      replacement.wait_for(std::chrono::milliseconds(200));
+    }
+    return 0;
+  });
+  const ProjectFileLock lock(path_);
+  replacement.get();
+  EXPECT_TRUE(IsLocked(path_));
 }
 
 TEST_F(FileLock, FileThatMayNotBeWritten_CanBeLocked) {

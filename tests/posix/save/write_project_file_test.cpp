@@ -234,6 +234,28 @@ TEST_F(WritingFile, TemporaryFileThatIsTakenForAnAbandonedOne_IsMadeAnew) {
   EXPECT_THAT(DifferencesButStamps(contents_, Contents()), IsEmpty());
 }
 
+TEST_F(WritingFile, ExpectedVersionThatCannotBeLockedNow_IsNotTouchedAndTheReasonTold) {
+  Write("p.xml", CompleteProjectXml());
+  const FileState before(path());
+  const WriteOptions options = ExpectingTheFile();
+  ProjectContents contents = contents_;
+  contents.project_name = "next";
+  for (const char* name : {"open", "flock"}) {
+    const FilteredCalls calls(FailCall(name, 1, EIO));
+    EXPECT_EQ(WriteError(contents, options), WritingError(path(), "Input/output error"));
+    EXPECT_EQ(FileState(path()), before);
+  }
+}
+
+TEST_F(WritingFile, ExpectedVersionInAFileSystemWithoutLocks_IsWrittenAllTheSame) {
+  for (const int error : {ENOLCK, EOPNOTSUPP, ENOSYS}) {
+    Write("p.xml", ProjectXml(""));
+    const WriteOptions options = ExpectingTheFile();
+    const FilteredCalls calls(FailCall("flock", 1, error));
+    EXPECT_EQ(WriteError(contents_, options), "");
+  }
+}
+
 TEST_F(WritingFile, FileSystemWithoutLocks_IsWrittenAllTheSame) {
   const FilteredCalls calls(
       [&](const SystemCall& call) { return call.name == std::string("flock") ? ENOLCK : 0; });

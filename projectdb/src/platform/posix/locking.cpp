@@ -1,6 +1,7 @@
 #include "platform/locking.h"
 
 #include <algorithm>
+#include <system_error>
 #include <thread>
 
 #include <fcntl.h>
@@ -40,14 +41,20 @@ std::unique_ptr<OpenFile> OpenRegularFile(const std::string& path) {
   return file;
 }
 
+[[noreturn]] void ThrowLockingFailure() {
+  const bool has_locks = errno != ENOLCK && errno != EOPNOTSUPP && errno != ENOSYS;
+  if (has_locks) ThrowSystemFailure();
+  throw NoLocks(std::generic_category().message(errno));
+}
+
 bool TryLock(const OpenFile& file) {
   if (CallSystem("flock", ::flock, DescriptorOf(file), LOCK_EX | LOCK_NB) == 0) return true;
-  if (errno != EWOULDBLOCK) ThrowSystemFailure();
+  if (errno != EWOULDBLOCK) ThrowLockingFailure();
   return false;
 }
 
 void WaitForLock(const OpenFile& file) {
-  RequireSuccess(CallSystem("flock", ::flock, DescriptorOf(file), LOCK_EX));
+  if (CallSystem("flock", ::flock, DescriptorOf(file), LOCK_EX) != 0) ThrowLockingFailure();
 }
 
 // The system has no wait that ends after a time.
@@ -60,27 +67,19 @@ void WaitForLock(const OpenFile& file, Clock::time_point end) {
   }
 }
 
-bool IsNamed(const OpenFile& file, const std::string& path) {
-  const std::optional<FileStatus> named = FindStatus(path);
-  return named && named->IsSameFile(file.Status());
-}
-
 }  // namespace
 
 std::unique_ptr<OpenFile> LockFile(const std::string& path,
                                    std::optional<std::chrono::milliseconds> longest_wait) {
   if (longest_wait > kForEver) longest_wait = std::nullopt;
   const auto end = Clock::now() + longest_wait.value_or(std::chrono::milliseconds::zero());
-  for (;;) {
-    std::unique_ptr<OpenFile> file = OpenRegularFile(path);
-    if (longest_wait) {
-      WaitForLock(*file, end);
-    } else {
-      WaitForLock(*file);
-    }
-    // Who had the lock may have replaced the file meanwhile; the lock went with the new one.
-    if (IsNamed(*file, path)) return file;
+  std::unique_ptr<OpenFile> file = OpenRegularFile(path);
+  if (longest_wait) {
+    WaitForLock(*file, end);
+  } else {
+    WaitForLock(*file);
   }
+  return file;
 }
 
 std::optional<FileStatus> StatusOfLocked(const std::string& path) { return FindStatus(path); }
