@@ -20,5 +20,7 @@ set(CMAKE_PREFIX_PATH "${windows_prefix}")
 # Its configuration is in a directory of the architecture of the package.
 file(GLOB fmt_DIR "${windows_prefix}/lib/*/cmake/fmt")
 
+# Where Wine has the files of the machine that builds.
+set(PROJECTDB_HOST_DRIVE "Z:")
 find_program(PROJECTDB_WINE wine REQUIRED)
 set(CMAKE_CROSSCOMPILING_EMULATOR "${PROJECTDB_WINE}")

@@ -48,12 +48,6 @@ TEST_F(Get, MissingFile_FailsWithTheReason) {
   EXPECT_EQ(Run({"get", "", "name"}), Failed("the empty text names no file"));
 }
 
-TEST_F(Get, FullStandardOutput_Fails) {
-  MakeProject();
-  EXPECT_EQ(Run({"get", "blinker.xml", "name"}, {".", {}, "/dev/full"}),
-            Failed("standard output cannot be written"));
-}
-
 TEST_F(Get, UnknownKey_FailsBeforeTheFileIsRead) {
   for (const std::string key : {"", "device", "info", "synthesis", "synthesis.options.effort",
                                 "design.files", "routing.param.effort", "synthesis.param"}) {

@@ -1,11 +1,12 @@
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <sstream>
 
 #include <nlohmann/json.hpp>
 
-#include "testing/saving.h"
+#include "testing/saves.h"
 #include "testing/shipped_files.h"
 #include "testing/temporary_directory.h"
 #include "testing/test.h"
@@ -114,8 +115,16 @@ class KelprojTest : public testing::Test {
     EXPECT_EQ(Read("blinker.xml"), before);
   }
 
-  std::string Directory() const { return directory_.path().string(); }
-  std::string PathOf(const std::string& name) const { return directory_ / name; }
+  std::string Directory() const {
+    std::string name = PathText(directory_.path());
+    // The program writes slashes on every system.
+    constexpr auto kSeparator = static_cast<char>(std::filesystem::path::preferred_separator);
+    std::replace(name.begin(), name.end(), kSeparator, '/');
+    return name;
+  }
+  // The directory that holds all others, on the drive of the directory if there are drives.
+  std::string Root() const { return PathText(directory_.path().root_name()) + "/"; }
+  std::string PathOf(const std::string& name) const { return Directory() + "/" + name; }
   std::string Read(const std::string& name) const { return ReadFile(PathOf(name)); }
   void Write(const std::string& name, const std::string& bytes) const {
     WriteFile(PathOf(name), bytes);

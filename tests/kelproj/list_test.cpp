@@ -1,50 +1,18 @@
 #include <nlohmann/json.hpp>
 
 #include "testing/project_loading.h"
-#include "tests/kelproj/kelproj_test.h"
+#include "tests/kelproj/list_test.h"
 
 namespace {
 
 using namespace test_support;
 using ListJson = nlohmann::json;
 
-constexpr char kLamp[] = R"(
-  <design_info>
-    <top_module name="lamp"/>
-    <design_file name="rtl/my core/up counter.v" version="verilog_2001" library="default"/>
-    <design_file name="rtl/lamp.sv" version="sv_2017" library="light"/>
-    <design_file name="/opt/cells/pad.v" version="verilog_2001" library="default"/>
-  </design_info>
-  <constraint_info>
-    <sdc_file name="clocks.sdc"/><inter_file name="pins.interface.csv"/>
-  </constraint_info>
-  <isf_info><isf_file name="pads.isf"/></isf_info>
-  <sim_info><sim_file name="../tb höhe.sv" version="sv_2017"/></sim_info>
-  <misc_info><misc_file name="notes.md"/></misc_info>
-  <ip_info>
-    <ip instance_name="pll" path="ip/pll.ip"><ip_src_file name="gen/pll.v"/></ip>
-  </ip_info>
-)";
-
-class List : public KelprojTest {
- protected:
-  void SetUp() override {
-    std::filesystem::create_directories(PathOf("lamp"));
-    std::filesystem::create_directories(PathOf("out"));
-    Write("lamp/lamp.xml", ProjectXml(kLamp, "name=\"lamp\""));
-  }
-
-  Outcome RunList(std::vector<std::string> options, const std::string& directory = "lamp",
-                  const std::string& file = "lamp.xml") const {
-    options.insert(options.begin(), {"list", file});
-    return Run(options, {PathOf(directory)});
-  }
-};
-
 TEST_F(List, FromTheProjectsDirectory_PrintsAllFilesInTheProjectsOrder) {
   EXPECT_EQ(RunList({}), Printed("rtl/my core/up counter.v\n"
-                                 "rtl/lamp.sv\n"
-                                 "/opt/cells/pad.v\n"
+                                 "rtl/lamp.sv\n" +
+                                 Pad() +
+                                 "\n"
                                  "../tb höhe.sv\n"
                                  "notes.md\n"
                                  "clocks.sdc\n"
@@ -60,30 +28,10 @@ TEST_F(List, FromElsewhere_PrintsNamesThatTheUserCanOpen) {
                     "../lamp/ip/gen/pll.v\n"));
 }
 
-TEST_F(List, ThroughALinkToTheDirectory_PrintsNamesThatTheUserCanOpen) {
-  Write("tb höhe.sv", "");
-  std::filesystem::create_directories(PathOf("a/b"));
-  std::filesystem::create_directory_symlink(PathOf("lamp"), PathOf("a/b/link"));
-  for (const char* directory : {"a/b", "a/b/link"}) {
-    const std::string name = RunList({"--sim"}, directory, PathOf("a/b/link/lamp.xml")).out;
-    ASSERT_FALSE(name.empty());
-    EXPECT_TRUE(std::filesystem::exists(std::filesystem::path(PathOf(directory)) /
-                                        name.substr(0, name.size() - 1)))
-        << name;
-  }
-}
-
-TEST_F(List, NameThatGoesBackThroughALink_IsWhereTheSystemSays) {
-  std::filesystem::create_directories(PathOf("other/sub"));
-  std::filesystem::create_directory_symlink(PathOf("other/sub"), PathOf("lamp/link"));
-  Write("rename.json", R"({"simulation": {"files": [{"name": "link/../bench.sv"}]}})");
-  ASSERT_EQ(Run({"apply", "lamp/lamp.xml", "rename.json"}).status, 0);
-  EXPECT_EQ(RunList({"--sim"}, "lamp", "lamp.xml"), Printed("../other/bench.sv\n"));
-}
-
 TEST_F(List, KindsLibrariesAndVersions_ChooseAmongTheFiles) {
-  const std::pair<std::vector<std::string>, const char*> cases[] = {
-      {{"--rtl"}, "rtl/my core/up counter.v\nrtl/lamp.sv\n/opt/cells/pad.v\n"},
+  const std::string pad = Pad() + "\n";
+  const std::pair<std::vector<std::string>, std::string> cases[] = {
+      {{"--rtl"}, "rtl/my core/up counter.v\nrtl/lamp.sv\n" + pad},
       {{"--interface"}, "pins.interface.csv\n"},
       {{"--isf"}, "pads.isf\n"},
       // The order is the project's.
@@ -93,13 +41,13 @@ TEST_F(List, KindsLibrariesAndVersions_ChooseAmongTheFiles) {
       {{"--library", "light", "--sdc", "--rtl"}, "rtl/lamp.sv\nclocks.sdc\n"},
       // Of other kinds, all are listed if the kind is asked for, and none otherwise.
       {{"--library", "light", "--misc"}, "notes.md\n"},
-      {{"--library", "default"}, "rtl/my core/up counter.v\n/opt/cells/pad.v\n"},
+      {{"--library", "default"}, "rtl/my core/up counter.v\n" + pad},
       {{"--library", "light", "--format", "iverilog"}, "rtl/lamp.sv\n"},
       {{"--library", "light", "--ip", "--format", "iverilog"}, "ip/gen/pll.v\n"},
       {{"--hdl-version", "sv_2017"}, "rtl/lamp.sv\n../tb höhe.sv\n"},
       {{"--hdl-version", "sv_2017", "--rtl"}, "rtl/lamp.sv\n"},
       {{"--hdl-version", "sv_2017", "--hdl-version", "verilog_2001", "--library", "default"},
-       "rtl/my core/up counter.v\n/opt/cells/pad.v\n"},
+       "rtl/my core/up counter.v\n" + pad},
       {{"--library", "dark"}, ""}};
   for (const auto& [options, names] : cases) EXPECT_EQ(RunList(options), Printed(names));
 }
@@ -252,9 +200,14 @@ class ListedDesign : public KelprojTest {
 
   // A project with one file of this name, which has a module, and nothing else.
   void MakeProjectOfFile(const std::string& name) const {
+    WriteFile(PathOf(name), "module one;\nendmodule\n");
+    MakeProjectOfName(name);
+  }
+
+  // The same, whether the file is there or not.
+  void MakeProjectOfName(const std::string& name) const {
     std::filesystem::remove(PathOf("one.xml"));
     ASSERT_EQ(Run({"new", "one", "-o", "one.xml", "--top", "one"}).status, 0);
-    WriteFile(PathOf(name), "module one;\nendmodule\n");
     ASSERT_EQ(Run({"add", "one.xml", "--rtl", "--", name}).status, 0);
   }
 };
@@ -384,7 +337,7 @@ TEST_F(ListedDesign, MacroValues_ReachTheLinterAsTheyAre) {
 }
 
 TEST_F(ListedDesign, WhatAFormatCannotSay_IsTrouble) {
-  MakeProjectOfFile("one.v");
+  MakeProjectOfName("one.v");
   const auto expect_refused = [this](const std::string& format, const std::string& reason) {
     EXPECT_EQ(Run({"list", "one.xml", "--format", format}), Failed(reason));
   };
@@ -395,7 +348,7 @@ TEST_F(ListedDesign, WhatAFormatCannotSay_IsTrouble) {
       {"fw/boot.hex", "none"}, {"true", "e_bool"},   {"4'bx", "none"},       {"a b", "e_string"},
       {"a\"b", "e_string"},    {"a\\b", "e_string"}, {"$(HOME)", "e_string"}};
   for (const auto& [value, type] : defines) {
-    MakeProjectOfFile("one.v");
+    MakeProjectOfName("one.v");
     ASSERT_EQ(Run({"set", "one.xml", "synthesis.dynparam.ROM", value, "--type", type}), Done());
     const std::string reason =
         "synthesis.dynparam.ROM: \"ROM=" + std::string(value) + "\" cannot be written for ";
@@ -403,12 +356,12 @@ TEST_F(ListedDesign, WhatAFormatCannotSay_IsTrouble) {
     const bool has_escape = std::string(value).find_first_of("\"\\") != std::string::npos;
     if (has_escape) expect_refused("f", reason + "-f of simulators and linters");
   }
-  MakeProjectOfFile("one$two.v");
+  MakeProjectOfName("one$two.v");
   expect_refused("f", "\"one$two.v\" cannot be written for -f of simulators and linters");
-  MakeProjectOfFile("one ");
+  MakeProjectOfName("one ");
   expect_refused("iverilog", "\"one \" cannot be written for iverilog");
   for (const char* name : {"one=two.v", "one;two.v", "one|two.v", "one ", "one&", "one(2)"}) {
-    MakeProjectOfFile(name);
+    MakeProjectOfName(name);
     expect_refused("make", "\"" + std::string(name) + "\" cannot be written for make");
   }
 }

@@ -1,29 +1,8 @@
-#include "tests/kelproj/kelproj_test.h"
+#include "tests/kelproj/remove_test.h"
 
 namespace {
 
 using namespace test_support;
-
-class Remove : public KelprojTest {
- protected:
-  void SetUp() override {
-    MakeProject();
-    std::filesystem::create_directories(PathOf("rtl"));
-    std::filesystem::create_directories(PathOf("ip/pll"));
-    for (const char* name : {"a.v", "rtl/a.v", "rtl/b.v", "clocks.sdc", "floor.isf", "notes.md",
-                             "ip/pll/pll.ip", "ip/pll/pll.v"}) {
-      Write(name, "");
-    }
-    ASSERT_EQ(Run({"add", "blinker.xml", "--rtl", "a.v", "rtl/a.v", "rtl/b.v"}), Done());
-    ASSERT_EQ(Run({"add", "blinker.xml", "--sim", "rtl/b.v", "a.v"}), Done());
-    ASSERT_EQ(Run({"add", "blinker.xml", "--misc", "notes.md"}), Done());
-    ASSERT_EQ(Run({"add", "blinker.xml", "--sdc", "clocks.sdc"}), Done());
-    ASSERT_EQ(Run({"add", "blinker.xml", "--isf", "floor.isf"}), Done());
-    ASSERT_EQ(Run({"add", "blinker.xml", "--ip", "u_pll", "--path", "ip/pll/pll.ip", "ip/pll/pll.v",
-                   "rtl/b.v"}),
-              Done());
-  }
-};
 
 TEST_F(Remove, File_IsInNoListAnyMore) {
   EXPECT_EQ(Run({"remove", "blinker.xml", "rtl/b.v"}), Done());
@@ -56,17 +35,6 @@ TEST_F(Remove, FileOfEachKind_LeavesItsList) {
     ASSERT_THAT(Listed(list), Contains(name));
     EXPECT_EQ(Run({"remove", "blinker.xml", kind, name}), Done());
     EXPECT_THAT(Listed(list), Not(Contains(name)));
-  }
-}
-
-TEST_F(Remove, OtherSpellingOfAName_MeansTheSameFile) {
-  std::filesystem::create_directory_symlink("rtl", PathOf("sources"));
-  for (const std::string& name :
-       {std::string("./rtl//../rtl/b.v"), PathOf("rtl/b.v"), std::string("sources/b.v")}) {
-    const std::string before = Read("blinker.xml");
-    EXPECT_EQ(Run({"remove", "blinker.xml", name}), Done()) << name;
-    EXPECT_THAT(Listed("design.files"), ElementsAre("a.v", "rtl/a.v"));
-    Write("blinker.xml", before);
   }
 }
 

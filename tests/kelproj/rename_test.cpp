@@ -120,8 +120,8 @@ TEST_F(Rename, AbsoluteName_StaysAbsoluteAndBecomesSoIfItIsGivenSo) {
   EXPECT_EQ(Run({"rename", "blinker.xml", "top.v", "main.v"}), Done());
   EXPECT_THAT(Listed("misc.files"), ElementsAre(PathOf("main.v")));
   EXPECT_THAT(Listed("design.files"), Contains("main.v"));
-  EXPECT_EQ(Run({"rename", "blinker.xml", "main.v", "/cores/main.v"}), Done());
-  EXPECT_THAT(Listed("design.files"), Contains("/cores/main.v"));
+  EXPECT_EQ(Run({"rename", "blinker.xml", "main.v", Root() + "cores/main.v"}), Done());
+  EXPECT_THAT(Listed("design.files"), Contains(Root() + "cores/main.v"));
 }
 
 TEST_F(Rename, AbsoluteNameGivenARelativeOne_BecomesRelative) {
@@ -178,7 +178,7 @@ TEST_F(Rename, ByAbsoluteNames_KeepsAllFilesOfAProjectFileThatMoves) {
   ASSERT_EQ(Run(addition), Done());
   ASSERT_EQ(Run({"add", "proj/dune.xml", "--ip", "u_pll", "--path", "ip/pll/pll.ip", "top.v"}),
             Done());
-  EXPECT_EQ(Run({"rename", "proj/dune.xml", "/", "/"}), Done());
+  EXPECT_EQ(Run({"rename", "proj/dune.xml", Root(), Root()}), Done());
   std::filesystem::rename(PathOf("proj/dune.xml"), PathOf("proj/hw/dune.xml"));
   EXPECT_EQ(Run({"rename", "proj/hw/dune.xml", PathOf(""), "./"}), Done());
   EXPECT_EQ(Run({"list", "proj/hw/dune.xml"}),

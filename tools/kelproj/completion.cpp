@@ -18,6 +18,7 @@
 #include "file_kinds.h"
 #include "keys.h"
 #include "named_files.h"
+#include "platform/file_names.h"
 
 namespace kelproj {
 namespace {
@@ -192,7 +193,7 @@ std::optional<ProjectContents> ReadQuietly(std::string file) {
   const char* const home = std::getenv("HOME");
   // A shell replaces the sign only when it runs the command.
   if (home && file.rfind("~/", 0) == 0) file.replace(0, 1, home);
-  if (!IsFile(file)) return std::nullopt;
+  if (!IsFile(PathFrom(file))) return std::nullopt;
   return projectdb::ReadProjectFile(file, "").contents;
 }
 

@@ -17,6 +17,7 @@
 #include "keys.h"
 #include "named_files.h"
 #include "places.h"
+#include "platform/file_names.h"
 
 namespace kelproj {
 namespace {
@@ -95,8 +96,8 @@ class Warnings {
   }
 
   void AddOfAbsolute(const NamedFile& file) {
-    if (!std::filesystem::path(file.name).is_absolute()) return;
-    const std::string directory = identities_.OfDirectory(project_.current_path);
+    if (!IsAbsolute(file.name)) return;
+    const std::string directory = identities_.OfDirectory(PathFrom(project_.current_path));
     if (!PartBelow(directory, identities_.Of(file.path))) return;
     Add(file.place, "\"" + file.name +
                         "\" is absolute; the project can move along with it only as a relative "
@@ -125,7 +126,7 @@ class Warnings {
 };
 
 bool IsHdlFile(const std::filesystem::path& path) {
-  return std::find(kHdlEndings.begin(), kHdlEndings.end(), path.extension().string()) !=
+  return std::find(kHdlEndings.begin(), kHdlEndings.end(), NameFrom(path.extension())) !=
          kHdlEndings.end();
 }
 
@@ -139,7 +140,7 @@ std::vector<std::filesystem::path> HdlFilesBelow(const std::filesystem::path& di
   for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
     std::error_code unknown;
     if (entry->is_directory(unknown)) {
-      if (entry->path().filename().string().front() == '.') entry.disable_recursion_pending();
+      if (NameFrom(entry->path().filename()).front() == '.') entry.disable_recursion_pending();
     } else if (IsHdlFile(entry->path())) {
       files.push_back(entry->path());
     }
@@ -163,12 +164,12 @@ std::vector<FileProblem> UnlistedFiles(const ProjectContents& project) {
   std::set<std::string> listed;
   for (const NamedFile& file : FilesOf(project)) listed.insert(identities.Of(file.path));
   std::vector<FileProblem> problems;
-  const std::filesystem::path directory = project.current_path;
+  const std::filesystem::path directory = PathFrom(project.current_path);
   for (const std::filesystem::path& path : HdlFilesBelow(directory)) {
     if (listed.count(identities.Of(path)) > 0) continue;
     problems.push_back(
         {ProblemSeverity::kWarning, 0, 0,
-         "\"" + path.lexically_relative(directory).string() + "\" is in no list of the project"});
+         "\"" + NameFrom(path.lexically_relative(directory)) + "\" is in no list of the project"});
   }
   return problems;
 }

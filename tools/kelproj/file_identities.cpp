@@ -2,6 +2,8 @@
 
 #include <system_error>
 
+#include "platform/file_names.h"
+
 namespace kelproj {
 namespace {
 
@@ -15,7 +17,9 @@ std::filesystem::path WithoutLinks(const std::filesystem::path& directory) {
 }  // namespace
 
 std::optional<std::string> PartBelow(const std::string& directory, const std::string& file) {
-  const std::string begin = directory == "/" ? directory : directory + "/";
+  // That of a root ends in one.
+  const bool has_slash = !directory.empty() && directory.back() == '/';
+  const std::string begin = has_slash ? directory : directory + "/";
   if (file.compare(0, begin.size(), begin) != 0) return std::nullopt;
   return file.substr(begin.size());
 }
@@ -23,13 +27,13 @@ std::optional<std::string> PartBelow(const std::string& directory, const std::st
 std::string FileIdentities::Of(const std::filesystem::path& path) {
   const std::filesystem::path name = path.filename();
   if (name.empty() || name == "." || name == "..") return OfDirectory(path);
-  return (std::filesystem::path(OfDirectory(path.parent_path())) / name).string();
+  return NameFrom(PathFrom(OfDirectory(path.parent_path())) / name);
 }
 
 const std::string& FileIdentities::OfDirectory(const std::filesystem::path& path) {
   // The system is asked once for each directory.
-  const auto [entry, is_new] = directories_.try_emplace(path.string());
-  if (is_new) entry->second = WithoutLinks(path).string();
+  const auto [entry, is_new] = directories_.try_emplace(NameFrom(path));
+  if (is_new) entry->second = NameFrom(WithoutLinks(path));
   return entry->second;
 }
 

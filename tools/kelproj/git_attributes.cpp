@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "console.h"
+#include "platform/file_names.h"
 #include "standard_input.h"
 
 namespace kelproj {
@@ -97,7 +98,7 @@ fs::path TargetOf(fs::path path) {
 GitAttributes::GitAttributes(const fs::path& top) : path_(top / ".gitattributes") {
   std::error_code error;
   if (!fs::exists(path_, error)) return;
-  const std::string text = ReadFile(path_.string(), path_.string());
+  const std::string text = ReadFile(NameFrom(path_), NameFrom(path_));
   for (std::size_t begin = 0; begin < text.size(); begin += lines_.back().size()) {
     const std::size_t end = std::min(text.find('\n', begin), text.size() - 1);
     lines_.push_back(text.substr(begin, end + 1 - begin));
@@ -133,7 +134,7 @@ void GitAttributes::Save() const {
       Replace(TargetOf(path_), text);
     }
   } catch (const std::system_error&) {
-    throw Trouble(path_.string() + " cannot be written");
+    throw Trouble(NameFrom(path_) + " cannot be written");
   }
 }
 

@@ -8,9 +8,6 @@
 
 namespace kelproj {
 
-/// The word as a shell reads it whole.
-std::string ShellQuoted(const std::string& word);
-
 /// The program git, run in a directory, or where the user stands if the environment has GIT_DIR.
 class Git {
  public:

@@ -4,21 +4,22 @@
 #include <system_error>
 
 #include "console.h"
-#include "running_program.h"
+#include "platform/file_names.h"
+#include "platform/running_program.h"
 
 namespace kelproj {
 
 std::string InstalledSchema() {
   namespace fs = std::filesystem;
   const fs::path candidates[] = {
-      (RunningProgram().parent_path() / KELPROJ_SCHEMA_FROM_PROGRAM).lexically_normal(),
-      KELPROJ_INSTALLED_SCHEMA};
+      (RunningProgram().parent_path() / PathFrom(KELPROJ_SCHEMA_FROM_PROGRAM)).lexically_normal(),
+      PathFrom(KELPROJ_INSTALLED_SCHEMA)};
   for (const fs::path& candidate : candidates) {
     std::error_code error;
-    if (fs::exists(candidate, error)) return candidate.string();
+    if (fs::exists(candidate, error)) return NameFrom(candidate);
   }
-  throw Trouble("the installed schema is neither " + candidates[0].string() + " nor " +
-                candidates[1].string() + ": --schema names another");
+  throw Trouble("the installed schema is neither " + NameFrom(candidates[0]) + " nor " +
+                NameFrom(candidates[1]) + ": --schema names another");
 }
 
 }  // namespace kelproj

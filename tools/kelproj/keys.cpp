@@ -10,6 +10,7 @@
 #include "console.h"
 #include "named_files.h"
 #include "places.h"
+#include "platform/file_names.h"
 #include "suggestions.h"
 
 namespace kelproj {
@@ -63,7 +64,7 @@ std::optional<std::string> RestBehind(std::string_view part, std::string_view te
 std::string StoredText(const ProjectTerm& term, const std::string& value,
                        const ProjectContents& project) {
   if (!term.file_ending || value.empty()) return value;
-  std::string name = StoredName(value, project.current_path);
+  std::string name = StoredName(value, PathFrom(project.current_path));
   RequireEnding(term, name);
   return name;
 }

@@ -4,6 +4,7 @@
 
 #include "console.h"
 #include "named_files.h"
+#include "platform/file_names.h"
 
 namespace kelproj {
 
@@ -61,16 +62,18 @@ bool EntryChoice::ChooseKnown(const std::string& text, const Texts& known, Texts
 
 bool EntryChoice::Choose(const std::string& name) {
   RequireName(name);
-  return ChooseFile(std::filesystem::current_path() / name) ||
-         ChooseKnown(name, known_names_, chosen_names_) || ChooseFile(project_directory_ / name);
+  return ChooseFile(std::filesystem::current_path() / PathFrom(name)) ||
+         ChooseKnown(name, known_names_, chosen_names_) ||
+         ChooseFile(project_directory_ / PathFrom(name));
 }
 
 std::string EntryChoice::HintFor(const std::string& name) {
-  const std::string directory = name + "/";
+  const std::string below = name + "/";
+  const std::filesystem::path directory = PathFrom(below);
   const bool is_above = IsAboveAny(identities_.Of(std::filesystem::current_path() / directory)) ||
                         IsAboveAny(identities_.Of(project_directory_ / directory));
   if (!is_above || name.back() == '/') return "";
-  return "; \"" + directory + "\" means all files below it";
+  return "; \"" + below + "\" means all files below it";
 }
 
 }  // namespace kelproj

@@ -9,6 +9,7 @@
 #include <projectdb/vocabulary.h>
 
 #include "file_identities.h"
+#include "platform/file_names.h"
 
 namespace kelproj {
 
@@ -79,7 +80,7 @@ class EntryChoice {
 
   template <typename Entry>
   std::string IdentityOf(const Entry& entry, const std::filesystem::path& directory) {
-    return identities_.Of(directory / projectdb::FileNameOf(entry));
+    return identities_.Of(directory / PathFrom(projectdb::FileNameOf(entry)));
   }
 
   bool HasFile(const std::string& file) const;

@@ -7,6 +7,7 @@
 
 #include "console.h"
 #include "file_identities.h"
+#include "platform/file_names.h"
 #include "shown_terms.h"
 
 namespace kelproj {
@@ -27,7 +28,7 @@ std::filesystem::path CanonicalDirectory(const std::filesystem::path& directory)
 class Collection {
  public:
   explicit Collection(const ProjectContents& project)
-      : project_(project), directory_(CanonicalDirectory(project.current_path)) {}
+      : project_(project), directory_(CanonicalDirectory(PathFrom(project.current_path))) {}
 
   void Add(const FileKind& kind) {
     kind_ = &kind;
@@ -38,7 +39,8 @@ class Collection {
 
  private:
   void Add(const std::string& key, const std::string& name) {
-    if (!name.empty()) files_.push_back({kind_, key, key, name, directory_ / name, "", ""});
+    if (name.empty()) return;
+    files_.push_back({kind_, key, key, name, directory_ / PathFrom(name), "", ""});
   }
 
   // The attributes are free text.
@@ -53,7 +55,7 @@ class Collection {
     for (std::size_t i = 0; i < ips.size(); ++i) {
       AddEntry(key, i, ips[i], directory_);
       AddList(key + "." + NameOf(ips[i]) + ".files", ips[i].src_files,
-              (directory_ / ips[i].path).parent_path());
+              (directory_ / PathFrom(ips[i].path)).parent_path());
     }
   }
 
@@ -67,8 +69,8 @@ class Collection {
   void AddEntry(const std::string& list, std::size_t index, const Entry& entry,
                 const std::filesystem::path& directory) {
     const std::string& name = projectdb::FileNameOf(entry);
-    files_.push_back(
-        {kind_, list, list + "[" + std::to_string(index) + "]", name, directory / name, "", ""});
+    files_.push_back({kind_, list, list + "[" + std::to_string(index) + "]", name,
+                      directory / PathFrom(name), "", ""});
     if constexpr (std::is_same_v<Entry, projectdb::DesignFile>) {
       files_.back().version = entry.version;
       files_.back().library = entry.library;
@@ -95,6 +97,12 @@ bool IsNamedDirectory(const std::filesystem::path& path, const std::string& name
   return !name.empty() && std::filesystem::is_directory(path, error);
 }
 
+// Seen from the directory; as it is if no way leads there, as from one drive to another.
+std::string NameBeside(const std::filesystem::path& path, const std::filesystem::path& directory) {
+  const std::filesystem::path name = path.lexically_relative(directory);
+  return NameFrom(name.empty() ? path : name);
+}
+
 std::string IsADirectory(const std::string& name) { return "\"" + name + "\" is a directory"; }
 std::string IsMissing(const std::string& name) { return "\"" + name + "\" does not exist"; }
 
@@ -113,7 +121,7 @@ std::filesystem::path NormalPath(const std::filesystem::path& path) {
   if (std::find(path.begin(), path.end(), "..") == path.end()) return normal;
   FileIdentities identities;
   const std::string file = identities.Of(path);
-  return identities.Of(normal) == file ? normal : std::filesystem::path(file);
+  return identities.Of(normal) == file ? normal : PathFrom(file);
 }
 
 std::string NameIn(const std::filesystem::path& directory, const std::filesystem::path& path) {
@@ -122,15 +130,15 @@ std::string NameIn(const std::filesystem::path& directory, const std::filesystem
   // Links on the way to the directory are left out of the names of what is below it.
   for (const std::filesystem::path& name :
        {normal.lexically_relative(NormalPath(std::filesystem::absolute(directory))),
-        std::filesystem::path(FileIdentities().Of(path)).lexically_relative(real_directory)}) {
-    if (!name.empty() && *name.begin() != "..") return name.string();
+        PathFrom(FileIdentities().Of(path)).lexically_relative(real_directory)}) {
+    if (!name.empty() && *name.begin() != "..") return NameFrom(name);
   }
-  return normal.lexically_relative(real_directory).string();
+  return NameBeside(normal, real_directory);
 }
 
 std::string StoredName(const std::string& name, const std::filesystem::path& directory) {
-  if (std::filesystem::path(name).is_absolute()) return name;
-  return NameIn(directory, std::filesystem::current_path() / name);
+  if (IsAbsolute(name)) return name;
+  return NameIn(directory, std::filesystem::current_path() / PathFrom(name));
 }
 
 void RequireName(const std::string& name) {
@@ -144,11 +152,11 @@ void RequireEnding(const ProjectTerm& term, const std::string& name) {
 }
 
 std::string NameFromHere(const std::filesystem::path& path) {
-  return NormalPath(path).lexically_relative(std::filesystem::current_path()).string();
+  return NameBeside(NormalPath(path), std::filesystem::current_path());
 }
 
 std::string NameFromHere(const NamedFile& file) {
-  return std::filesystem::path(file.name).is_absolute() ? file.name : NameFromHere(file.path);
+  return IsAbsolute(file.name) ? file.name : NameFromHere(file.path);
 }
 
 bool IsFile(const std::filesystem::path& path) {
@@ -164,11 +172,11 @@ std::optional<std::string> WhyNoFile(const NamedFile& file) {
 
 std::optional<std::string> WhyNoFile(const std::filesystem::path& directory,
                                      const std::string& name) {
-  const std::filesystem::path path = directory / name;
+  const std::filesystem::path path = directory / PathFrom(name);
   if (IsFile(path)) return std::nullopt;
   if (IsNamedDirectory(path, name)) return IsADirectory(name);
-  const bool is_absolute = std::filesystem::path(name).is_absolute();
-  return IsMissing(name) + (is_absolute ? "" : " in " + FileIdentities().OfDirectory(directory));
+  return IsMissing(name) +
+         (IsAbsolute(name) ? "" : " in " + FileIdentities().OfDirectory(directory));
 }
 
 }  // namespace kelproj

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "console.h"
+#include "platform/file_names.h"
 #include "stored_project.h"
 
 namespace kelproj {
@@ -20,7 +21,7 @@ std::string ReadAll(std::istream& in, const std::string& title) {
 
 std::string ReadFile(const std::string& path, const std::string& title) {
   RequireReadable(path);
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(PathFrom(path), std::ios::binary);
   return ReadAll(file, title);
 }
 

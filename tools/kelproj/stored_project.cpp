@@ -8,14 +8,14 @@
 #include <tuple>
 #include <utility>
 
-#include <fcntl.h>
 #include <projectdb/project_file.h>
 #include <projectdb/vocabulary.h>
-#include <unistd.h>
 
 #include "content_warnings.h"
 #include "installed_schema.h"
 #include "named_files.h"
+#include "platform/file_access.h"
+#include "platform/file_names.h"
 #include "problems.h"
 
 namespace kelproj {
@@ -46,13 +46,10 @@ void ReportReading(const std::string& file) {
 void RequireProjectFile(const std::string& path) {
   RequireReadable(path);
   RequireProjectFileName(path);
+  const std::filesystem::path file = PathFrom(path);
   std::error_code error;
-  const bool is_file = std::filesystem::is_regular_file(path, error);
-  if (is_file && std::filesystem::file_size(path, error) == 0) ThrowIsEmpty(path);
-}
-
-bool MayWrite(const std::filesystem::path& path) {
-  return ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
+  const bool is_file = std::filesystem::is_regular_file(file, error);
+  if (is_file && std::filesystem::file_size(file, error) == 0) ThrowIsEmpty(path);
 }
 
 // In the order of their places.
@@ -78,11 +75,11 @@ std::vector<FileProblem> NewOnes(const std::vector<FileProblem>& former,
 
 // A load takes the names of the files from the directory of the path that it is given.
 void WarnOfLink(const std::string& path, const Console& console) {
-  const std::filesystem::path file = std::filesystem::absolute(path);
+  const std::filesystem::path file = std::filesystem::absolute(PathFrom(path));
   const std::filesystem::path target = std::filesystem::weakly_canonical(file);
   if (target.parent_path() == std::filesystem::weakly_canonical(file.parent_path())) return;
   WriteMessage(console.err, Diag::MessageType::kWarning,
-               path + " is a link to " + target.string() +
+               path + " is a link to " + NameFrom(target) +
                    "; names of files are relative to the directory of the link");
 }
 
@@ -106,13 +103,13 @@ bool UpdateOrSayWhyNot(const std::string& path, const std::function<void(Project
 void RequireReadable(const std::string& path) {
   RequireName(path);
   std::error_code error;
-  const std::filesystem::file_status status = std::filesystem::status(path, error);
+  const std::filesystem::file_status status = std::filesystem::status(PathFrom(path), error);
   if (status.type() == std::filesystem::file_type::not_found) {
     throw Trouble(path + " does not exist");
   }
   if (error) throw Trouble(path + ": " + error.message());
   if (std::filesystem::is_directory(status)) throw Trouble(path + " is a directory");
-  if (::access(path.c_str(), R_OK) != 0) throw Trouble(path + " may not be read");
+  if (!MayRead(PathFrom(path))) throw Trouble(path + " may not be read");
 }
 
 void RequireProjectFileName(const std::string& path) {
@@ -137,20 +134,20 @@ ProjectContents ReadProject(const std::string& file, const Console& console) {
 
 void RequireWritable(const std::string& path) {
   RequireName(path);
-  const std::filesystem::path file = std::filesystem::absolute(path);
+  const std::filesystem::path file = std::filesystem::absolute(PathFrom(path));
   std::error_code error;
   if (std::filesystem::is_directory(file, error)) throw Trouble(path + " is a directory");
   // A link is not replaced, but what it leads to.
   const std::filesystem::path target = std::filesystem::weakly_canonical(file, error);
   const std::filesystem::path directory = (error ? file : target).parent_path();
   if (!std::filesystem::is_directory(directory, error)) {
-    throw Trouble("there is no directory " + directory.string());
+    throw Trouble("there is no directory " + NameFrom(directory));
   }
   if (std::filesystem::exists(file, error) && !MayWrite(file)) {
     throw Trouble(path + " may not be written");
   }
   if (!MayWrite(directory)) {
-    throw Trouble("the directory " + directory.string() + " may not be written");
+    throw Trouble("the directory " + NameFrom(directory) + " may not be written");
   }
 }
 

@@ -142,6 +142,8 @@ std::string ThereIsNoOption(const CLI::App& program, const std::string& word) {
 Arguments::Arguments()
     : program_(std::make_unique<CLI::App>("Inspect, check and change project files", "kelproj")) {
   program_->formatter(HelpFormatter());
+  // A name that begins with a slash is one of a file on every system.
+  program_->allow_windows_style_options(false);
   program_->footer(kProgramHelp);
   program_->set_help_flag("-h,--help", "Print this help");
   program_->set_version_flag("--version", KEL_VERSION_NO, "Print the version");

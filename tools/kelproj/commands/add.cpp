@@ -10,6 +10,7 @@
 #include "commands/changing.h"
 #include "file_identities.h"
 #include "named_files.h"
+#include "platform/file_names.h"
 #include "standard_input.h"
 #include "stored_project.h"
 
@@ -63,7 +64,7 @@ class Addition {
  public:
   Addition(const AddArguments& arguments, const std::vector<std::string>& names,
            const ProjectContents& project)
-      : arguments_(arguments), names_(names), directory_(project.current_path) {}
+      : arguments_(arguments), names_(names), directory_(PathFrom(project.current_path)) {}
 
   void operator()(std::vector<DesignFile>& files) {
     std::vector<DesignFile> added;
@@ -117,7 +118,7 @@ class Addition {
   }
 
   void AddSources(IP& ip, const ListPlace& place) {
-    const std::filesystem::path directory = (directory_ / ip.path).parent_path();
+    const std::filesystem::path directory = (directory_ / PathFrom(ip.path)).parent_path();
     std::vector<IPSrcFile> added;
     for (const std::string& name : StoredNames(directory)) added.push_back({name});
     Insert(ip.src_files, added, {directory_, directory, TitleOfSources(ip)}, place);
@@ -140,7 +141,8 @@ class Addition {
                   const ListOfFiles& list) {
     std::unordered_set<std::string> files;
     const auto insert = [&](const Entry& entry) {
-      return files.insert(identities_.Of(list.directory / projectdb::FileNameOf(entry))).second;
+      return files.insert(identities_.Of(list.directory / PathFrom(projectdb::FileNameOf(entry))))
+          .second;
     };
     for (const Entry& entry : entries) insert(entry);
     for (const Entry& entry : added) {
@@ -153,7 +155,7 @@ class Addition {
     const projectdb::ProjectTerm& term = TermOf(*arguments_.kind);
     const std::optional<std::string> reason = WhyNoFile(directory, name);
     if (reason && term.file_ending == projectdb::kTimingConstraintFileEnding &&
-        std::filesystem::is_directory(directory / name)) {
+        std::filesystem::is_directory(directory / PathFrom(name))) {
       throw Trouble(*reason);
     }
     RequireEnding(term, name);

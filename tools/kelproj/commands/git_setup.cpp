@@ -13,7 +13,9 @@
 #include "git_attributes.h"
 #include "git_program.h"
 #include "named_files.h"
-#include "running_program.h"
+#include "platform/file_names.h"
+#include "platform/running_program.h"
+#include "shell_words.h"
 #include "stored_project.h"
 
 namespace kelproj {
@@ -39,7 +41,7 @@ std::string PercentsDoubled(const std::string& text) {
 std::vector<GitSetting> Settings() {
   const fs::path path = RunningProgram();
   if (path.empty()) throw Trouble("the place of this program is unknown");
-  const std::string program = ShellQuoted(path.string());
+  const std::string program = ShellQuoted(NameFrom(path));
   const std::string expanded = PercentsDoubled(program);
   return {{"diff.kelproj.command", program + " diff --"},
           {"merge.kelproj.name", "merge of projects"},
@@ -79,7 +81,7 @@ struct Pattern {
 
 bool IsPattern(const std::string& file) {
   std::error_code error;
-  return file.find_first_of("*?[") != std::string::npos && !fs::exists(file, error);
+  return file.find_first_of("*?[") != std::string::npos && !fs::exists(PathFrom(file), error);
 }
 
 bool IsDirectory(const fs::path& path) {
@@ -89,17 +91,17 @@ bool IsDirectory(const fs::path& path) {
 
 /// Of a file that need not be there, or of a pattern.
 Pattern PatternOf(const std::string& file) {
-  const fs::path path = fs::absolute(file).lexically_normal();
+  const fs::path path = fs::absolute(PathFrom(file)).lexically_normal();
   fs::path directory = path.parent_path();
   while (!IsDirectory(directory)) directory = directory.parent_path();
   const auto top = Git(directory).Ask({"rev-parse", "--show-toplevel"});
-  const fs::path place = fs::canonical(directory).lexically_relative(top.value_or(""));
+  const fs::path place = fs::canonical(directory).lexically_relative(PathFrom(top.value_or("")));
   if (place.empty() || *place.begin() == "..") {
     throw Trouble(file + " is in no working tree of git");
   }
-  const std::string prefix = place == "." ? "/" : "/" + LiteralPattern(place.string()) + "/";
-  const std::string name = path.lexically_relative(directory).string();
-  return {*top, prefix + (IsPattern(file) ? name : LiteralPattern(name))};
+  const std::string prefix = place == "." ? "/" : "/" + LiteralPattern(NameFrom(place)) + "/";
+  const std::string name = NameFrom(path.lexically_relative(directory));
+  return {PathFrom(*top), prefix + (IsPattern(file) ? name : LiteralPattern(name))};
 }
 
 bool FitsAFile(const Pattern& pattern) {
@@ -115,7 +117,7 @@ std::vector<fs::path> WorkingTrees(const fs::path& top) {
   std::istringstream lines(Git(top).Ask({"worktree", "list", "--porcelain"}).value_or(""));
   std::vector<fs::path> trees;
   for (std::string line; std::getline(lines, line);) {
-    if (line.rfind(kTitle, 0) == 0) trees.emplace_back(line.substr(kTitle.size()));
+    if (line.rfind(kTitle, 0) == 0) trees.push_back(PathFrom(line.substr(kTitle.size())));
   }
   return trees;
 }
@@ -163,14 +165,14 @@ class RepositoryLocks {
     for (const Pattern& pattern : patterns) repositories.insert(RepositoryOf(pattern.top));
     // Every repository has this file, and a checkout alone replaces it.
     for (const fs::path& repository : repositories) {
-      locks_.emplace_back((repository / "HEAD").string());
+      locks_.emplace_back(NameFrom(repository / "HEAD"));
     }
   }
 
  private:
   static fs::path RepositoryOf(const fs::path& top) {
     const auto path = Git(top).Ask({"rev-parse", "--path-format=absolute", "--git-common-dir"});
-    return fs::canonical(path.value_or(""));
+    return fs::canonical(PathFrom(path.value_or("")));
   }
 
   std::list<projectdb::ProjectFileLock> locks_;
@@ -192,7 +194,7 @@ std::map<fs::path, GitAttributes> ChangedAttributes(const std::vector<Pattern>& 
 
 void WarnOfLink(const fs::path& attributes, const Console& console) {
   WriteMessage(console.err, Diag::MessageType::kWarning,
-               attributes.string() + " is a symbolic link, which git does not follow since 2.32");
+               NameFrom(attributes) + " is a symbolic link, which git does not follow since 2.32");
 }
 
 }  // namespace

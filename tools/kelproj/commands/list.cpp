@@ -12,6 +12,7 @@
 #include "file_identities.h"
 #include "json.h"
 #include "named_files.h"
+#include "platform/file_names.h"
 #include "stored_project.h"
 
 namespace kelproj {
@@ -71,7 +72,7 @@ std::string ShownName(const NamedFile& file, NameForm form) {
     case NameForm::kStored:
       return file.name;
     case NameForm::kAbsolute:
-      return NormalPath(file.path).string();
+      return NameFrom(NormalPath(file.path));
     case NameForm::kFromHere:
       break;
   }
@@ -103,9 +104,9 @@ void WriteAsJson(const Console& console, const std::vector<NamedFile>& files, Na
 }
 
 std::string RulesForMake(const ListArguments& arguments, std::vector<std::string> names) {
-  const std::filesystem::path file = arguments.file;
+  const std::filesystem::path file = PathFrom(arguments.file);
   names.insert(names.begin(), arguments.file);
-  return MakeRules(arguments.target.value_or(file.stem().string() + ".bit"), names);
+  return MakeRules(arguments.target.value_or(NameFrom(file.stem()) + ".bit"), names);
 }
 
 }  // namespace

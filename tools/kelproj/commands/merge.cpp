@@ -11,6 +11,7 @@
 #include "json.h"
 #include "named_files.h"
 #include "places.h"
+#include "platform/file_names.h"
 #include "problems.h"
 #include "standard_input.h"
 #include "stored_project.h"
@@ -128,7 +129,7 @@ MergedProjects MergeIntoFile(const MergeArguments& arguments, const std::string&
   std::optional<projectdb::ProjectFileLock> lock;
   projectdb::WriteOptions options{kKeepStamps, projectdb::ProjectFileVersion(), true};
   std::error_code error;
-  if (std::filesystem::is_regular_file(output, error)) {
+  if (std::filesystem::is_regular_file(PathFrom(output), error)) {
     lock.emplace(output);
     options.expected = projectdb::ReadProjectFile(output, "").version;
   }

@@ -6,6 +6,7 @@
 
 #include "commands/changing.h"
 #include "list_entries.h"
+#include "platform/file_names.h"
 #include "stored_project.h"
 
 namespace kelproj {
@@ -55,8 +56,8 @@ void Move(const MoveArguments& arguments, const ListOfFiles& list, std::vector<E
 ExitStatus Run(const MoveArguments& arguments, const Console& console) {
   RequirePlace(arguments);
   ChangeProject(arguments.file, console, [&](ProjectContents& project) {
-    const ListOfFiles list{project.current_path, project.current_path,
-                           TitleInSentence(TermOf(*arguments.kind))};
+    const std::filesystem::path directory = PathFrom(project.current_path);
+    const ListOfFiles list{directory, directory, TitleInSentence(TermOf(*arguments.kind))};
     WithList(*arguments.kind, project, [&](auto& entries) { Move(arguments, list, entries); });
   });
   return ExitStatus::kYes;

@@ -6,6 +6,7 @@
 
 #include "commands/changing.h"
 #include "named_files.h"
+#include "platform/file_names.h"
 #include "stored_project.h"
 
 namespace kelproj {
@@ -17,7 +18,7 @@ void RequireNewProjectFile(const std::string& file) {
   RequireName(file);
   RequireProjectFileName(file);
   std::error_code error;
-  if (std::filesystem::exists(file, error)) throw Trouble(file + " exists already");
+  if (std::filesystem::exists(PathFrom(file), error)) throw Trouble(file + " exists already");
   if (error) throw Trouble(file + ": " + error.message());
   RequireWritable(file);
 }

@@ -8,6 +8,7 @@
 #include "commands/changing.h"
 #include "list_entries.h"
 #include "named_files.h"
+#include "platform/file_names.h"
 #include "stored_project.h"
 
 namespace kelproj {
@@ -20,12 +21,12 @@ using projectdb::ProjectContents;
 // which its names are resolved; with the sources of IP instances before the instances.
 template <typename Function>
 void ForEachList(ProjectContents& project, const FileKind* kind, Function function) {
-  const std::filesystem::path directory = project.current_path;
+  const std::filesystem::path directory = PathFrom(project.current_path);
   for (const FileKind& each : ListedFileKinds()) {
     if (kind && kind != &each) continue;
     WithList(each, project, [&](auto& list) {
       if constexpr (std::is_same_v<std::decay_t<decltype(list)>, std::vector<IP>>) {
-        for (IP& ip : list) function(ip.src_files, (directory / ip.path).parent_path());
+        for (IP& ip : list) function(ip.src_files, (directory / PathFrom(ip.path)).parent_path());
       }
       function(list, directory);
     });
@@ -35,13 +36,13 @@ void ForEachList(ProjectContents& project, const FileKind* kind, Function functi
 [[noreturn]] void Refuse(const RemoveArguments& arguments, const std::string& name,
                          const ProjectContents& project, EntryChoice& known) {
   const bool is_of_instance = arguments.kind == &InstanceKind();
-  RefuseMissing(is_of_instance ? name : StoredName(name, project.current_path),
+  RefuseMissing(is_of_instance ? name : StoredName(name, PathFrom(project.current_path)),
                 arguments.kind ? TitleInSentence(TermOf(*arguments.kind)) : "",
                 known.HintFor(name));
 }
 
 void Remove(const RemoveArguments& arguments, ProjectContents& project) {
-  EntryChoice removed(project.current_path);
+  EntryChoice removed(PathFrom(project.current_path));
   ForEachList(project, arguments.kind,
               [&](const auto& list, const auto& directory) { removed.Know(list, directory); });
   for (const std::string& name : arguments.names) {

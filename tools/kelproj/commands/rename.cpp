@@ -15,6 +15,7 @@
 #include "file_kinds.h"
 #include "list_entries.h"
 #include "named_files.h"
+#include "platform/file_names.h"
 #include "stored_project.h"
 
 namespace kelproj {
@@ -34,13 +35,13 @@ class Renaming {
   /// @param former_base against which the former name is resolved
   Renaming(const RenameArguments& arguments, const fs::path& former_base,
            const ProjectContents& project)
-      : new_path_(NormalPath(fs::current_path() / arguments.new_name)),
+      : new_path_(NormalPath(fs::current_path() / PathFrom(arguments.new_name))),
         makes_absolute_(IsAbsolute(arguments.new_name)),
         makes_relative_(IsAbsolute(arguments.former_name) && !makes_absolute_),
-        only_below_(!fs::path(arguments.former_name).has_filename()),
-        former_file_(identities_.Of(former_base / arguments.former_name)),
-        former_directory_(identities_.OfDirectory(former_base / arguments.former_name)),
-        project_directory_(fs::weakly_canonical(project.current_path)) {}
+        only_below_(!PathFrom(arguments.former_name).has_filename()),
+        former_file_(identities_.Of(former_base / PathFrom(arguments.former_name))),
+        former_directory_(identities_.OfDirectory(former_base / PathFrom(arguments.former_name))),
+        project_directory_(fs::weakly_canonical(PathFrom(project.current_path))) {}
 
   /// Whether anything was renamed.
   bool Rename(ProjectContents& project) {
@@ -59,7 +60,7 @@ class Renaming {
 
   void Rename(const ProjectTerm& term, std::string& name) {
     if (name.empty()) return;
-    const std::optional<fs::path> path = NewPath(project_directory_ / name);
+    const std::optional<fs::path> path = NewPath(project_directory_ / PathFrom(name));
     if (!path) return;
     const std::string stored = StoredFor(*path, project_directory_, IsAbsoluteThen(name));
     if (!KeepsWrongEnding(term, name, stored)) RequireEnding(term, stored);
@@ -81,9 +82,9 @@ class Renaming {
   // The sources stay the files that they are when the directory of the instance changes.
   void Rename(const ProjectTerm& term, std::vector<IP>& ips) {
     for (IP& ip : ips) {
-      const fs::path former_directory = (project_directory_ / ip.path).parent_path();
+      const fs::path former_directory = (project_directory_ / PathFrom(ip.path)).parent_path();
       Rename(term, ip.path);
-      const fs::path directory = (project_directory_ / ip.path).parent_path();
+      const fs::path directory = (project_directory_ / PathFrom(ip.path)).parent_path();
       const Identities former = IdentitiesOf(ip.src_files, former_directory);
       for (IPSrcFile& source : ip.src_files) RenameSource(source, former_directory, directory);
       RequireNew(former, IdentitiesOf(ip.src_files, directory), TitleOfSources(ip));
@@ -93,7 +94,7 @@ class Renaming {
   void RenameSource(IPSrcFile& source, const fs::path& former_directory,
                     const fs::path& directory) {
     if (source.name.empty()) return;
-    const fs::path former = former_directory / source.name;
+    const fs::path former = former_directory / PathFrom(source.name);
     const std::optional<fs::path> path = NewPath(former);
     if (path) {
       source.name = StoredFor(*path, directory, IsAbsoluteThen(source.name));
@@ -107,7 +108,7 @@ class Renaming {
     Identities identities;
     identities.reserve(entries.size());
     for (const Entry& entry : entries) {
-      identities.push_back(identities_.Of(directory / projectdb::FileNameOf(entry)));
+      identities.push_back(identities_.Of(directory / PathFrom(projectdb::FileNameOf(entry))));
     }
     return identities;
   }
@@ -121,7 +122,7 @@ class Renaming {
     }
     for (std::size_t i = 0; i < former.size(); ++i) {
       if (former[i] == present[i] || kept.count(present[i]) == 0) continue;
-      RefuseRepeated(NameIn(project_directory_, present[i]), title);
+      RefuseRepeated(NameIn(project_directory_, PathFrom(present[i])), title);
     }
   }
 
@@ -136,7 +137,7 @@ class Renaming {
     if (IsFile(directory)) {
       throw Trouble("\"" + NameIn(project_directory_, directory) + "\" is a file, not a directory");
     }
-    return Used(new_path_ / *part);
+    return Used(new_path_ / PathFrom(*part));
   }
 
   fs::path NewPathOfFile(const fs::path& path) const {
@@ -151,8 +152,6 @@ class Renaming {
     return path;
   }
 
-  static bool IsAbsolute(const std::string& name) { return fs::path(name).is_absolute(); }
-
   // A name stays of its form unless the two in the arguments tell to change it.
   bool IsAbsoluteThen(const std::string& name) const {
     return makes_absolute_ || (IsAbsolute(name) && !makes_relative_);
@@ -162,11 +161,11 @@ class Renaming {
   static bool KeepsWrongEnding(const ProjectTerm& term, const std::string& former,
                                const std::string& present) {
     return !projectdb::HasEnding(former, *term.file_ending) &&
-           fs::path(former).extension() == fs::path(present).extension();
+           PathFrom(former).extension() == PathFrom(present).extension();
   }
 
   static std::string StoredFor(const fs::path& path, const fs::path& directory, bool is_absolute) {
-    return is_absolute ? path.lexically_normal().string() : NameIn(directory, path);
+    return is_absolute ? NameFrom(path.lexically_normal()) : NameIn(directory, path);
   }
 
   FileIdentities identities_;
@@ -191,9 +190,10 @@ std::string HintFor(const std::string& name, const std::vector<IP>& ips) {
 void RenameFiles(const RenameArguments& arguments, ProjectContents& project) {
   const bool is_renamed =
       Renaming(arguments, fs::current_path(), project).Rename(project) ||
-      Renaming(arguments, fs::weakly_canonical(project.current_path), project).Rename(project);
+      Renaming(arguments, fs::weakly_canonical(PathFrom(project.current_path)), project)
+          .Rename(project);
   if (is_renamed) return;
-  RefuseMissing(StoredName(arguments.former_name, project.current_path), "",
+  RefuseMissing(StoredName(arguments.former_name, PathFrom(project.current_path)), "",
                 HintFor(arguments.former_name, project.ip_info.ips));
 }
 

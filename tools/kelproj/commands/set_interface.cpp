@@ -3,6 +3,7 @@
 #include "commands/changing.h"
 #include "keys.h"
 #include "named_files.h"
+#include "platform/file_names.h"
 #include "stored_project.h"
 
 namespace kelproj {
@@ -13,7 +14,7 @@ ExitStatus Run(const SetInterfaceArguments& arguments, const Console& console) {
   std::optional<std::string> doubt;
   ChangeValues(arguments.file, console, [&](projectdb::ProjectContents& project) {
     key.write(project, arguments.path, std::nullopt);
-    doubt = WhyNoFile(project.current_path, project.design_constraint.inter_file);
+    doubt = WhyNoFile(PathFrom(project.current_path), project.design_constraint.inter_file);
   });
   if (doubt) WriteMessage(console.err, Diag::MessageType::kWarning, *doubt);
   return ExitStatus::kYes;

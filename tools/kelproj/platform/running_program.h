@@ -1,14 +1,10 @@
 #pragma once
 
 #include <filesystem>
-#include <system_error>
 
 namespace kelproj {
 
 /// Where the program lies now, wherever its installation was moved to; empty if that is unknown.
-inline std::filesystem::path RunningProgram() {
-  std::error_code unknown;
-  return std::filesystem::read_symlink("/proc/self/exe", unknown);
-}
+std::filesystem::path RunningProgram();
 
 }  // namespace kelproj

@@ -2,7 +2,8 @@
 #include <set>
 #include <sstream>
 
-#include "tests/kelproj/git_test.h"
+#include "testing/file_state.h"
+#include "tests/posix/kelproj/git_test.h"
 
 namespace {
 

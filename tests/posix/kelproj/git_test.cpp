@@ -1,4 +1,4 @@
-#include "tests/kelproj/git_test.h"
+#include "tests/posix/kelproj/git_test.h"
 
 namespace {
 

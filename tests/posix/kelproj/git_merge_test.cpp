@@ -1,7 +1,7 @@
 #include <projectdb/project_db.h>
 #include <projectdb/project_file.h>
 
-#include "tests/kelproj/git_test.h"
+#include "tests/posix/kelproj/git_test.h"
 
 namespace {
 

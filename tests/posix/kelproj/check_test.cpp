@@ -1,0 +1,61 @@
+#include "tests/kelproj/check_test.h"
+
+namespace {
+
+using namespace test_support;
+
+TEST_F(Check, DirectoryOrFileThatCannotBeRead_IsTrouble) {
+  std::filesystem::create_directory(PathOf("mixer.xml"));
+  EXPECT_EQ(Run({"check", "mixer.xml"}), Failed("mixer.xml is a directory"));
+  if (!PermissionsBind()) GTEST_SKIP() << "permissions do not bind root";
+  MakeProject();
+  const Permissions write_only(PathOf("blinker.xml"), 0222);
+  EXPECT_EQ(RunUnprivileged({"check", "blinker.xml"}), Failed("blinker.xml may not be read"));
+}
+
+TEST_F(CheckContents, FileTwiceInAList_IsAWarningHoweverItIsSpelled) {
+  std::filesystem::create_directories(PathOf("rtl/core"));
+  std::filesystem::create_directory_symlink("rtl", PathOf("link"));
+  for (const char* spelling : {"rtl/a.v", "./rtl/a.v", "rtl//a.v", "rtl/core/../a.v", "link/a.v"}) {
+    EXPECT_EQ(CheckProject(DesignFiles({"rtl/b.v", "rtl/a.v", spelling})),
+              Printed(std::string("mixer.xml: warning: design.files[2]: \"") + spelling +
+                      "\" is the file of design.files[1] too\n"));
+  }
+}
+
+TEST_F(CheckFiles, UnlistedBesideAListedNameInAnotherSpelling_IsNotNamed) {
+  std::filesystem::create_directories(PathOf("rtl"));
+  std::filesystem::create_directory_symlink("rtl", PathOf("link"));
+  Write("rtl/a.v", "");
+  Write("mixer.xml", MixerXml("<design_info><design_file name=\"link/./a.v\"/></design_info>"));
+  EXPECT_EQ(Run({"check", "mixer.xml", "--unlisted"}), Done());
+}
+
+/// The program and the schema, moved to another place.
+class MovedInstallation : public KelprojTest {
+ protected:
+  void SetUp() override {
+    std::filesystem::create_directories(PathOf("moved here/bin"));
+    std::filesystem::create_directories(PathOf("moved here/share/projectdb"));
+    std::filesystem::copy_file(KelprojProgram(), Program());
+    Write("mixer.xml", UnknownType());
+  }
+
+  std::string Program() const { return PathOf("moved here/bin/kelproj"); }
+  std::string Schema() const { return PathOf("moved here/share/projectdb/wdp_proj.xsd"); }
+};
+
+TEST_F(MovedInstallation, ProgramBehindALink_FindsTheSchemaBesideItself) {
+  WriteFile(Schema(), kAnySchema);
+  std::filesystem::create_symlink(Program(), PathOf("kelproj"));
+  EXPECT_EQ(RunProcess({PathOf("kelproj"), "check", PathOf("mixer.xml")}).status, 0);
+}
+
+TEST_F(MovedInstallation, NoSchema_IsTroubleAndTellsWhereItWasLookedFor) {
+  if (std::filesystem::exists(KELPROJ_INSTALLED_SCHEMA)) GTEST_SKIP() << "there is one";
+  EXPECT_EQ(RunProcess({Program(), "check", PathOf("mixer.xml")}),
+            Failed("the installed schema is neither " + Schema() +
+                   " nor " KELPROJ_INSTALLED_SCHEMA ": --schema names another"));
+}
+
+}  // namespace

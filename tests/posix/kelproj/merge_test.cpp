@@ -1,0 +1,25 @@
+#include "tests/kelproj/merge_test.h"
+
+namespace {
+
+using namespace test_support;
+
+TEST_F(MergeTrouble, SideWithNothingInIt_IsNoProject) {
+  ExpectTrouble({"base.xml", "/dev/null", "theirs.xml"},
+                "/dev/null does not load; nothing is merged");
+}
+
+TEST_F(Merge, OutputThatCannotBeWritten_IsTrouble) {
+  EXPECT_EQ(RunMerge({"-o", "no/out.xml"}), Failed("there is no directory " + PathOf("no")));
+  if (!PermissionsBind()) GTEST_SKIP() << "permissions do not bind root";
+  const Permissions read_only(Directory(), 0555);
+  EXPECT_EQ(RunUnprivileged({"merge", "base.xml", "ours.xml", "theirs.xml", "-o", "out.xml"}),
+            Failed("the directory " + Directory() + " may not be written"));
+}
+
+TEST_F(Merge, NullDeviceAsBase_IsAProjectWithNothing) {
+  EXPECT_EQ(Run({"merge", "/dev/null", "ours.xml", "theirs.xml", "-o", "out.xml"}), Done());
+  EXPECT_EQ(Differences("ours.xml", "out.xml"), "");
+}
+
+}  // namespace

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+/// Names of files as UTF-8 texts. They go to and from paths here alone, as the standard library
+/// takes texts on some systems for something else.
+namespace kelproj {
+
+std::filesystem::path PathFrom(const std::string& name);
+
+/// Whether the name is the same file from every directory.
+bool IsAbsolute(const std::string& name);
+
+/// The name of a path, its parts parted by slashes.
+std::string NameFrom(const std::filesystem::path& path);
+
+}  // namespace kelproj
