@@ -17,6 +17,9 @@ std::string FileStatusText(const std::string& path);
 std::int64_t WriteTimeOf(const std::string& path);
 void SetWriteTime(const std::string& path, std::int64_t time);
 
+/// Whether this process has the file open. Nobody else may have it.
+bool IsOpen(const std::string& path);
+
 /// When a file was written last, to be given back to another.
 class FileTimes {
  public:

@@ -1,6 +1,10 @@
 #include "testing/file_state.h"
 
+#include <algorithm>
+#include <filesystem>
 #include <sstream>
+#include <stdexcept>
+#include <system_error>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -32,6 +36,14 @@ void SetWriteTime(const std::string& path, std::int64_t time) {
   if (::utimensat(AT_FDCWD, path.c_str(), times, 0) != 0) {
     throw std::runtime_error("cannot change " + path);
   }
+}
+
+bool IsOpen(const std::string& path) {
+  const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+  return std::any_of(begin(descriptors), end(descriptors), [&path](const auto& descriptor) {
+    std::error_code error;  // What is no file is not the file.
+    return std::filesystem::equivalent(descriptor.path(), path, error);
+  });
 }
 
 }  // namespace test_support

@@ -62,4 +62,16 @@ void SetWriteTime(const std::string& path, std::int64_t time) {
   }
 }
 
+bool IsOpen(const std::string& path) {
+  // To have a file alone is refused while it is open.
+  const HANDLE file = CreateFileW(NativePath(path).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) {
+    if (GetLastError() == ERROR_SHARING_VIOLATION) return true;
+    throw std::runtime_error("cannot ask for " + path);
+  }
+  CloseHandle(file);
+  return false;
+}
+
 }  // namespace test_support

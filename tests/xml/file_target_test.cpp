@@ -1,11 +1,10 @@
-#include <cstddef>
 #include <filesystem>
-#include <iterator>
 #include <memory>
 
 #include <xercesc/util/IOException.hpp>
 
 #include "base/failure.h"
+#include "testing/file_state.h"
 #include "testing/temporary_directory.h"
 #include "testing/test.h"
 #include "testing/xml_tree.h"
@@ -38,24 +37,19 @@ TEST_F(FileTargets, Construction_CreatesTheFileOrEmptiesIt) {
   EXPECT_EQ(ReadFile(path_), "");
 }
 
-std::ptrdiff_t OpenFiles() {
-  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
-}
-
 TEST_F(FileTargets, Close_ClosesTheFile) {
-  // With the first file the system may open more than that file.
-  { const FileTarget first(path_); }
-  const std::ptrdiff_t before = OpenFiles();
   FileTarget target(path_);
-  EXPECT_EQ(OpenFiles(), before + 1);
+  EXPECT_TRUE(IsOpen(path_));
   target.Close();
-  EXPECT_EQ(OpenFiles(), before);
+  EXPECT_FALSE(IsOpen(path_));
 }
 
 TEST_F(FileTargets, Destruction_ClosesAFileThatIsStillOpen) {
-  const std::ptrdiff_t before = OpenFiles();
-  { const FileTarget target(path_); }
-  EXPECT_EQ(OpenFiles(), before);
+  {
+    const FileTarget target(path_);
+    EXPECT_TRUE(IsOpen(path_));
+  }
+  EXPECT_FALSE(IsOpen(path_));
 }
 
 TEST_F(FileTargets, Close_FileHasAllPiecesInOrderWhateverIsFlushed) {
