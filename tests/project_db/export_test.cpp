@@ -216,6 +216,25 @@ TEST_F(ExportOfCompleteProject, ExportProjectData_FilledSections_AreWrittenAsThe
   }
 }
 
+TEST_F(ExportOfNewProject, ExportProjectData_ManyParameterMaps_AreAllWritten) {
+  constexpr int kMaps = 100;
+  for (int i = 0; i < kMaps; ++i) {
+    const std::string map = "map_" + std::to_string(i);
+    database_.AddFlowProcessParameterMap(e_synthesis, map);
+    for (const char* name : {"level", "mode"}) {
+      ASSERT_TRUE(database_.AddFlowProcessParameter(e_synthesis, map, name, map, e_string));
+    }
+  }
+  const std::string exported = ExportedText();
+  for (int i = 0; i < kMaps; ++i) {
+    const std::string map = "map_" + std::to_string(i);
+    for (const char* name : {"level", "mode"}) {
+      EXPECT_THAT(exported, HasSubstr("<kel:" + map + " name=\"" + name + "\" value=\"" + map +
+                                      "\" value_type=\"e_string\"/>"));
+    }
+  }
+}
+
 TEST_F(ExportOfNewProject, ExportProjectData_ToolSetBackToEmpty_IsOmitted) {
   database_.SetSynthesisExecutableName("syn");
   EXPECT_EQ(ExportedSection("synthesis"), R"(<synthesis tool_name="syn"/>)");

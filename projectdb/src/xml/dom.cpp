@@ -1,5 +1,7 @@
 #include "xml/dom.h"
 
+#include <algorithm>
+
 #include <fmt/format.h>
 #include <xercesc/dom/DOMAttr.hpp>
 #include <xercesc/dom/DOMDocument.hpp>
@@ -105,7 +107,7 @@ DOMElement* ElementWriter::AddChildDOMElement(DOMElement* parent, const XMLCh* t
   try {
     DOMElement* child = document->createElementNS(namespace_uri_, tag);
     if (namespace_uri_ && prefix_) child->setPrefix(prefix_);
-    if (!names) known_names_.emplace_back(*child);
+    if (!names && known_names_.size() < kMostKinds) known_names_.emplace_back(*child);
     parent->appendChild(child);
     return child;
   } catch (const xercesc::DOMException&) {
@@ -114,10 +116,11 @@ DOMElement* ElementWriter::AddChildDOMElement(DOMElement* parent, const XMLCh* t
 }
 
 const ElementNames* ElementWriter::KnownNames(const XMLCh* tag) const {
-  for (const ElementNames& names : known_names_) {
-    if (xercesc::XMLString::equals(names.local_name, tag)) return &names;
-  }
-  return nullptr;
+  // The tag is most often that of the element before.
+  const auto names = std::find_if(
+      known_names_.rbegin(), known_names_.rend(),
+      [tag](const auto& each) { return xercesc::XMLString::equals(each.local_name, tag); });
+  return names == known_names_.rend() ? nullptr : &*names;
 }
 
 void ElementWriter::SetDOMElementAttribute(DOMElement* element, const Name& name,

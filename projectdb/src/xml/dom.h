@@ -114,7 +114,7 @@ class ElementWriter {
 
   const XMLCh* namespace_uri_;
   const XMLCh* prefix_;
-  std::vector<ElementNames> known_names_;  ///< Of elements that were made, one for each tag.
+  std::vector<ElementNames> known_names_;  ///< Of elements that were made, by tag.
   std::optional<Transcoder> transcoder_;   ///< Made when it is first used.
 };
 

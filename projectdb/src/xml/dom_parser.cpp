@@ -27,9 +27,6 @@ constexpr XMLSize_t kManyAttributes = 16;
 constexpr XMLSize_t kLevelsBetweenDeclarations = 64;
 constexpr std::size_t kMostPrefixes = 32;
 
-// A project has fewer than forty.
-constexpr std::size_t kMostKinds = 64;
-
 bool IsBefore(const XMLAttr* a, const XMLAttr* b) {
   return XMLString::compareString(a->getQName(), b->getQName()) < 0;
 }

@@ -19,7 +19,8 @@ namespace projectdb::xml {
 /// that its element has already, and a name through a table that does not grow: a small file of
 /// deep nesting, many attributes or many names would keep it busy for hours. It makes the same
 /// documents, but without what stands between the tags: nothing of a project does, and the blanks
-/// there would be half of a document's nodes.
+/// there would be half of a document's nodes. An element with many attributes does not tell which
+/// of them is its ID.
 ///
 /// In each build it uses what the XML library opens to derived classes: of its parser, fDocument,
 /// fCurrentParent, fCurrentNode, fScanner, fValidator, fGrammarResolver, fURIStringPool and

@@ -13,7 +13,7 @@ using xercesc::DOMElementNSImpl;
 using xercesc::DOMNode;
 using xercesc::XMLString;
 
-// Whether the serializer writes the character as it is. It is no reason to leave one out here.
+// Whether the serializer writes the character as it is wherever it stands.
 bool IsPlain(XMLCh unit) {
   constexpr std::u16string_view kEscaped = u"&<>\"'";
   const bool is_control = unit < 0x20 || (unit >= 0x7F && unit < 0xA0);

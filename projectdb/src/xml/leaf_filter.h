@@ -15,7 +15,7 @@ namespace projectdb::xml {
 /// so that both write to one target in turns. It is left:
 /// - each element that was not made by this library's own nodes, has children or is no deeper than
 ///   the root's children;
-/// - each that has a text which needs escaping, or a character that is none, or not of 16 bits;
+/// - each whose texts have a character that is escaped anywhere, or one from the surrogates on;
 /// - the last child of each element: only by a child of its own does the serializer notice that the
 ///   end tag needs a line of its own.
 class LeafFilter final : public xercesc::DOMLSSerializerFilter {

@@ -19,19 +19,21 @@
 ///   of names (fNameTable, fNameTableSize), open to derived classes: each name is the document's
 ///   own copy, taken from another of its elements, and the table is replaced while it is empty.
 /// - How an element keeps its attributes (TextAttributes): a map that the element asks by virtual
-///   functions only. This one makes the usual nodes, and takes the usual map's place, as soon as it
-///   is asked for one, so that every operation on such a tree does what it would do anyway.
-/// - Nobody else holds nodes of these documents. So they are used by one thread at a time, and they
-///   end before this library does. Read-only parents and documents with ranges are left all the
-///   same.
+///   functions, but for attributes of a document type, which these have not. This one makes the
+///   usual nodes, and takes the usual map's place, as soon as it is asked for one, so that every
+///   operation on such a tree does what it would do anyway.
+/// - Nobody else holds nodes of these documents: one thread at a time has them, and they end before
+///   this library does. Read-only parents and documents with ranges are left all the same.
 ///
 /// These members are those of version 3.2. With another one that has them, or with the build option
-/// PROJECTDB_PLAIN_DOM, no element is made here, and the XML library makes and writes them all. A
-/// version that lacks one of them does not compile.
+/// PROJECTDB_PLAIN_DOM, the XML library makes and writes all elements. Others do not compile.
 namespace projectdb::xml {
 
 /// Whether this build makes elements here.
 bool MakesElements();
+
+/// The names of so many kinds of elements are kept; a project has fewer than forty.
+inline constexpr XMLSize_t kMostKinds = 64;
 
 /// The names of an element, in its document's memory.
 struct ElementNames {
@@ -79,7 +81,7 @@ class TextAttributes final : public xercesc::DOMAttrMapImpl {
   /// Replaces the text of an attribute, or adds one.
   void Set(const XMLCh* name, const XMLCh* text);
 
-  // All that the usual map can be asked for.
+  // What the usual map is asked for where no document type gives attributes.
   xercesc::DOMAttrMapImpl* cloneAttrMap(xercesc::DOMNode* owner) override;
   int findNamePoint(const XMLCh* name) const override;
   int findNamePoint(const XMLCh* uri, const XMLCh* local_name) const override;
