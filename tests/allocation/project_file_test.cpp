@@ -98,7 +98,7 @@ TEST_P(ProjectFileOutOfMemory, FormatProjectFile_AnyAllocationFails_ThrowsAndLea
     EXPECT_TRUE(AllDifferences(CompleteProject(), contents).empty());
     bytes.clear();
   });
-  EXPECT_GT(failures, kSanitized ? 2 : 30);
+  EXPECT_GT(failures, kSanitized ? 2 : 20);
 }
 
 TEST_P(ProjectFileOutOfMemory, WriteProjectFile_AnyAllocationFails_LeavesTheFormerFile) {
