@@ -26,6 +26,11 @@ function(projectdb_set_up_library target)
   endif()
   target_link_options(${target} PRIVATE "LINKER:--version-script=${symbol_map}")
   target_compile_options(${target} PRIVATE ${PROJECTDB_LIBRARY_INSTRUMENTATION})
+  if(PROJECTDB_COVERAGE)
+    # All processes of a program add to one file (%m).
+    target_compile_options(${target} PRIVATE -fcoverage-mapping
+      "-fprofile-instr-generate=${PROJECT_BINARY_DIR}/coverage/%m.profraw")
+  endif()
 
   if(PROJECTDB_INSTALL)
     install(TARGETS ${target} EXPORT ${target}-targets

@@ -7,5 +7,8 @@ function(projectdb_use_warnings target)
     # To this compiler a source that is included in another, as in a unity build, is a header.
     target_compile_options(${target} PRIVATE
       $<$<AND:$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>,$<CXX_COMPILER_ID:GNU>>:-Wno-subobject-linkage>)
+    # GoogleTest's macros are called as C++20 allows it.
+    target_compile_options(${target} PRIVATE
+      $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>)
   endif()
 endfunction()
