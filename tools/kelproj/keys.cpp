@@ -193,7 +193,7 @@ std::string GroupedKeys() {
   return text + line;
 }
 
-std::string Pattern(std::string key, const std::string& description) {
+std::string KeyPattern(std::string key, const std::string& description) {
   constexpr std::size_t kColumn = 29;
   key.resize(kColumn, ' ');
   return "\n  " + key + description;
@@ -203,8 +203,9 @@ std::string ParameterPattern(const ParameterMapName& map) {
   const bool is_of_every_process = std::string_view(map.name) == projectdb::kParameterMap;
   const std::string process =
       is_of_every_process ? "PROCESS" : kFlowProcesses[projectdb::e_synthesis].name;
-  return Pattern(process + "." + map.name + ".NAME",
-                 std::string("a ") + map.title + (is_of_every_process ? " of a flow process" : ""));
+  return KeyPattern(
+      process + "." + map.name + ".NAME",
+      std::string("a ") + map.title + (is_of_every_process ? " of a flow process" : ""));
 }
 
 // "a, b or c".
@@ -296,8 +297,8 @@ std::vector<NamedParameter> ParametersOf(const ProjectContents& project) {
 }
 
 std::string KeysHelp() {
-  std::string help = "Keys:" + GroupedKeys() + Pattern("info.NAME", "an info attribute") +
-                     Pattern("PROCESS.tool", "the executable of a flow process");
+  std::string help = "Keys:" + GroupedKeys() + KeyPattern("info.NAME", "an info attribute") +
+                     KeyPattern("PROCESS.tool", "the executable of a flow process");
   for (const ParameterMapName& map : projectdb::kParameterMaps) help += ParameterPattern(map);
   return help + "\nPROCESS is " + ProcessNames() + ".";
 }

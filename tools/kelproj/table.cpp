@@ -14,14 +14,14 @@ std::size_t Width(const std::string& text) {
   return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), begins_character));
 }
 
-Table MadePrintable(Table table) {
+TextTable MadePrintable(TextTable table) {
   for (auto& row : table) {
     for (std::string& cell : row) cell = Printable(cell);
   }
   return table;
 }
 
-std::vector<std::size_t> ColumnWidths(const Table& table) {
+std::vector<std::size_t> ColumnWidths(const TextTable& table) {
   std::vector<std::size_t> widths;
   for (const auto& row : table) {
     widths.resize(std::max(widths.size(), row.size()));
@@ -32,8 +32,8 @@ std::vector<std::size_t> ColumnWidths(const Table& table) {
 
 }  // namespace
 
-void WriteTable(const Console& console, const Table& table, int indentation) {
-  const Table rows = MadePrintable(table);
+void WriteTable(const Console& console, const TextTable& table, int indentation) {
+  const TextTable rows = MadePrintable(table);
   const std::vector<std::size_t> widths = ColumnWidths(rows);
   for (const auto& row : rows) {
     std::string line(static_cast<std::size_t>(indentation), ' ');

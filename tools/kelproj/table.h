@@ -8,9 +8,9 @@
 namespace kelproj {
 
 /// Rows of cells that are written below each other, indented.
-using Table = std::vector<std::vector<std::string>>;
+using TextTable = std::vector<std::vector<std::string>>;
 
 /// Writes the table's rows as lines, each column as wide as its widest cell.
-void WriteTable(const Console& console, const Table& table, int indentation = 2);
+void WriteTable(const Console& console, const TextTable& table, int indentation = 2);
 
 }  // namespace kelproj

@@ -26,17 +26,17 @@ class Report {
  public:
   explicit Report(const Console& console) : console_(console) {}
 
-  void Values(std::string_view title, Table table) {
+  void Values(std::string_view title, TextTable table) {
     for (auto& row : table) row.back() = OrNone(row.back());
     Section(std::string(title), table);
   }
 
-  void List(std::string_view title, std::size_t count, const Table& table) {
+  void List(std::string_view title, std::size_t count, const TextTable& table) {
     Section(std::string(title) + " (" + std::to_string(count) + ")", table);
   }
 
  private:
-  void Section(const std::string& title, const Table& table) {
+  void Section(const std::string& title, const TextTable& table) {
     if (!is_first_) console_.out << '\n';
     is_first_ = false;
     console_.out << Styled(console_, Style::kHeading, title) << '\n';
@@ -47,28 +47,28 @@ class Report {
   bool is_first_ = true;
 };
 
-Table Rows(const projectdb::InfoAttributes& attributes) {
-  Table table;
+TextTable Rows(const projectdb::InfoAttributes& attributes) {
+  TextTable table;
   for (const auto& [name, value] : attributes) table.push_back({name, value});
   return table;
 }
 
-Table Rows(const std::vector<std::string>& names) {
-  Table table;
+TextTable Rows(const std::vector<std::string>& names) {
+  TextTable table;
   for (const std::string& name : names) table.push_back({name});
   return table;
 }
 
-Table Rows(const std::vector<DesignFile>& files) {
-  Table table;
+TextTable Rows(const std::vector<DesignFile>& files) {
+  TextTable table;
   for (const DesignFile& file : files) {
     table.push_back({OrNone(file.name), file.version, file.library});
   }
   return table;
 }
 
-Table Rows(const std::vector<projectdb::IP>& ips) {
-  Table table;
+TextTable Rows(const std::vector<projectdb::IP>& ips) {
+  TextTable table;
   for (const projectdb::IP& ip : ips) {
     table.push_back({ip.instance_name, ip.path});
     for (const projectdb::IPSrcFile& file : ip.src_files) table.push_back({"", file.name});
@@ -76,8 +76,8 @@ Table Rows(const std::vector<projectdb::IP>& ips) {
   return table;
 }
 
-Table Rows(const projectdb::SortedParameters& parameters) {
-  Table table;
+TextTable Rows(const projectdb::SortedParameters& parameters) {
+  TextTable table;
   for (const auto& [name, parameter] : parameters) {
     table.push_back({name, parameter.value, projectdb::TextOf(parameter.type)});
   }
@@ -86,8 +86,8 @@ Table Rows(const projectdb::SortedParameters& parameters) {
 
 // Each text of the terms that the condition takes, behind its title.
 template <typename Terms, typename Record, typename Condition>
-Table Texts(const Terms& terms, const Record& record, Condition condition) {
-  Table table;
+TextTable Texts(const Terms& terms, const Record& record, Condition condition) {
+  TextTable table;
   for (const auto& term : terms) {
     const auto* access = std::get_if<Access<Record, std::string>>(&term.access);
     if (access && condition(term)) table.push_back({std::string(term.title), (*access)(record)});
