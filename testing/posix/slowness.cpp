@@ -4,6 +4,6 @@
 
 namespace test_support {
 
-std::size_t StepOfManyFiles() { return kSanitized ? 4 : 1; }
+std::size_t StepOfManyFiles() { return kSanitized ? 8 : 1; }
 
 }  // namespace test_support

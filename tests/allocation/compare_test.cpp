@@ -59,7 +59,8 @@ TEST_F(OutOfMemoryInComparison,
       [&](KelProjectDatabase& database, Outcome) {
         EXPECT_EQ(DifferencesButStamps(expected, GetProjectContents(database)), Lines());
         EXPECT_EQ(AllDifferences(expected_changed, changed_), Lines());
-      });
+      },
+      kStrideOfSlowRuns);
 }
 
 TEST_F(OutOfMemoryInComparison, CompareProjects_AnyAllocationFails_LeavesTheContents) {
@@ -73,7 +74,8 @@ TEST_F(OutOfMemoryInComparison, CompareProjects_AnyAllocationFails_LeavesTheCont
                   [&](KelProjectDatabase&) { CompareProjects(before, after); },
                   [&](KelProjectDatabase&, Outcome) {
                     EXPECT_EQ(Show(CompareProjects(before, after)), expected);
-                  });
+                  },
+                  kStrideOfSlowRuns);
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 
 #include <projectdb/project_db.h>
 
+#include "testing/sanitizers.h"
+
 /// Programs that link failing_allocation.cpp have global allocation functions that fail on demand.
 namespace test_support {
 
@@ -27,11 +29,17 @@ using Operation = std::function<void(projectdb::KelProjectDatabase&)>;
 Outcome RunWithFailure(long failing_allocation, Shortage shortage, const Operation& operation,
                        projectdb::KelProjectDatabase& database);
 
+/// From one failing allocation to the next where each run takes milliseconds: a sanitizer
+/// multiplies them.
+constexpr long kStrideOfSlowRuns = kSanitized ? 7 : 1;
+
 /// Runs an operation again and again, each time on a new object and with a later allocation
 /// failing, until it completes. The check sees each object afterwards.
+/// @param stride from one failing allocation to the next
 /// @return how many allocations were made to fail
 long WalkAllocations(const Operation& prepare, const Operation& operation,
-                     const std::function<void(projectdb::KelProjectDatabase&, Outcome)>& check);
+                     const std::function<void(projectdb::KelProjectDatabase&, Outcome)>& check,
+                     long stride = 1);
 
 /// Is told of each allocation that is made to fail, before it fails, and whether the XML library
 /// asked for it. It must not allocate.

@@ -155,7 +155,7 @@ struct LoadCase {
   bool has_project;  ///< Before.
   bool is_read;
   bool result;
-  bool is_long = false;  ///< The walk through its allocations.
+  long stride = 1;  ///< Of the walk through its allocations.
 };
 
 std::vector<LoadCase> LoadCases() {
@@ -163,13 +163,14 @@ std::vector<LoadCase> LoadCases() {
   const std::string two_sections = DeviceInfoXml("Orrin") + DeviceInfoXml("Varel");
   const std::string hint = R"(xsi:schemaLocation="http://schema.kel.example/wdp_proj s.xsd")";
   return {
-      {"NoSchema", complete, "", false, true, true, true},
-      {"NoProject", complete, "", false, false, true, true},
-      {"ShippedSchema", complete, ReadFile(ShippedSchema()), true, true, true, true, true},
+      {"NoSchema", complete, "", false, true, true, true, kStrideOfSlowRuns},
+      {"NoProject", complete, "", false, false, true, true, kStrideOfSlowRuns},
+      {"ShippedSchema", complete, ReadFile(ShippedSchema()), true, true, true, true,
+       kStrideOfLongWalks},
       {"NamedSchema", ProjectXml(two_sections, hint), DeviceOnlySchema(), false, true, true, true},
       {"Malformed", complete + "<", "", false, true, false, false},
       {"BreaksTheSchema", ProjectXml("<bogus/>"), DeviceOnlySchema(), true, true, false, false,
-       true},
+       kStrideOfLongWalks},
       {"UnknownTag", ProjectXml(two_sections + "<bogus/>"), "", false, true, true, false}};
 }
 
@@ -255,9 +256,9 @@ TEST_P(LoadOutOfMemory, LoadProjectData_AnyAllocationFails_ThrowsAndLosesNothing
   const XmlPlatform platform;
   const ProjectContents before = ProjectBefore();
   LoadForTheFirstTime();
-  const FaultPoints points = WalkFaultPoints(
-      {shortage(), load().is_long ? kStrideOfLongWalks : 1},
-      [&](FaultPoints& run) { return WithoutLeaks(run, [&] { return RunOnce(run, before); }); });
+  const FaultPoints points = WalkFaultPoints({shortage(), load().stride}, [&](FaultPoints& run) {
+    return WithoutLeaks(run, [&] { return RunOnce(run, before); });
+  });
   Report(points);
   EXPECT_GT(points.last_in_parser, 0);
   EXPECT_EQ(points.first_with_effect > points.last_in_parser, load().is_read);

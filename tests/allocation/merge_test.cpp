@@ -48,7 +48,8 @@ TEST(OutOfMemoryInMerge, MergeProjects_AnyAllocationFails_LeavesTheThreeProjects
                     EXPECT_EQ(AllDifferences(CompleteProject(), base), Lines());
                     EXPECT_EQ(AllDifferences(Changed("ours"), ours), Lines());
                     EXPECT_EQ(AllDifferences(Changed("theirs"), theirs), Lines());
-                  });
+                  },
+                  kStrideOfSlowRuns);
   const MergedProjects merged = MergeProjects(base, ours, theirs);
   EXPECT_EQ(AllDifferences(expected.contents, merged.contents), Lines());
   EXPECT_EQ(merged.conflicts.size(), expected.conflicts.size());

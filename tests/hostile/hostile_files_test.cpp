@@ -182,7 +182,7 @@ class Hostile : public testing::TestWithParam<HostileFile> {
   static constexpr double kGrowthOfTwice = 2.5;
 
   /// What part of the sizes a sanitizer has time and memory for.
-  static constexpr std::size_t kPart = kSanitized ? 10 : 1;
+  static constexpr std::size_t kPart = kSanitized ? 20 : 1;
 
   TemporaryDirectory directory_;
 };

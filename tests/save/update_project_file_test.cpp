@@ -14,6 +14,7 @@
 #include <projectdb/project_db.h>
 
 #include "testing/file_state.h"
+#include "testing/sanitizers.h"
 #include "testing/saves.h"
 #include "testing/threads.h"
 #include "testing/xml_platform.h"
@@ -166,7 +167,7 @@ TEST_F(Update, FileThatIsReplacedMeanwhileWithoutTheLock_IsReadAgainAndKeepsThat
 TEST_F(Update, EightThreads_LoseNoUpdate) {
   const test_support::XmlPlatform platform;  // Starting it takes longer than an update.
   constexpr int kUpdatingThreads = 8;
-  constexpr int kUpdates = 100;
+  constexpr int kUpdates = test_support::kSanitized ? 25 : 100;
   std::vector<std::string> added;
   for (int i = 0; i < kUpdatingThreads * kUpdates; ++i)
     added.push_back("f" + std::to_string(i) + ".txt");

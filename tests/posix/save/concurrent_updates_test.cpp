@@ -17,6 +17,7 @@
 #include <projectdb/project_file.h>
 
 #include "testing/project_loading.h"
+#include "testing/sanitizers.h"
 #include "testing/saving.h"
 #include "testing/xml_platform.h"
 
@@ -29,7 +30,7 @@ using testing::IsSubsetOf;
 using testing::IsSupersetOf;
 
 constexpr int kUpdaters = 8;
-constexpr int kUpdatesOfEach = 100;
+constexpr int kUpdatesOfEach = kSanitized ? 30 : 100;
 
 /// A child process that ends with the program.
 class Child {
@@ -192,7 +193,7 @@ TEST(ConcurrentUpdates, EightProcessesKilledAtRandom_LoseAndDoubleNothing) {
 
 TEST(ConcurrentUpdates, FourProcessesWithAFileEachInOneDirectory_LoseNothing) {
   constexpr int kProcesses = 4;
-  constexpr std::size_t kUpdates = 60;
+  constexpr std::size_t kUpdates = kSanitized ? 20 : 60;
   const XmlPlatform platform;
   const TemporaryDirectory directory;
   const auto path_of = [&](int number) { return directory / (std::to_string(number) + ".xml"); };

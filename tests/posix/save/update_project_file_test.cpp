@@ -98,7 +98,7 @@ class PollingReader {
 
 TEST_F(Update, EightThreadsWhileAnotherReads_KeepTheFileWholeAtEveryMoment) {
   const XmlPlatform platform;  // Starting it takes longer than an update.
-  constexpr int kUpdatesOfEachThread = 25;
+  constexpr int kUpdatesOfEachThread = kSanitized ? 10 : 25;
   UpdateProjectFile(path(), [](ProjectContents& project) { project.misc_files.clear(); });
   PollingReader reader(path());
   InThreads(8, [&](int thread) {
