@@ -6,6 +6,7 @@
 #include <kel/version.h>
 #include <projectdb/vocabulary.h>
 
+#include "testing/clock.h"
 #include "testing/flow_processes.h"
 #include "testing/project_loading.h"
 #include "testing/test.h"
@@ -160,9 +161,9 @@ TEST_F(Export, ExportProjectData_LoadedRootAttributes_AreWrittenBackButTheDeclar
 
 TEST_F(Export, ExportProjectData_TimeStamp_IsTheLocalTimeOfTheExport) {
   Load(ProjectXml("", "last_change_date=\"long ago\""));
-  const std::time_t before = std::time(nullptr);
+  const std::time_t before = Now();
   const std::string text = ExportedRoot().attributes.at("last_change_date");
-  const std::time_t after = std::time(nullptr);
+  const std::time_t after = Now();
   std::tm local{};
   std::istringstream parts(text);
   ASSERT_TRUE(parts >> std::get_time(&local, "%a %b %d %Y %H:%M:%S")) << text;

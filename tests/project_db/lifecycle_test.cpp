@@ -7,6 +7,7 @@
 
 #include <kel/version.h>
 
+#include "testing/clock.h"
 #include "testing/flow_processes.h"
 #include "testing/project_loading.h"
 #include "testing/test.h"
@@ -138,10 +139,10 @@ std::string NewTimeStamp() {
 
 /// Expects that a project created now has the local time of now, in the classic locale.
 void ExpectClassicStampOfNow() {
-  std::time_t time = std::time(nullptr);
+  std::time_t time = Now();
   const std::string stamp = NewTimeStamp();
   std::vector<std::string> possible;
-  for (const std::time_t end = std::time(nullptr); time <= end; ++time) {
+  for (const std::time_t end = Now(); time <= end; ++time) {
     char text[64];
     const std::tm local = *std::localtime(&time);
     possible.emplace_back(text, std::strftime(text, sizeof text, "%a %b %d %Y %H:%M:%S", &local));
