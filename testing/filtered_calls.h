@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <utility>
@@ -9,23 +10,24 @@
 namespace test_support {
 
 /// Stands before the system calls of this process's reads and saves for as long as it lives, but
-/// not before those that the filter itself comes to.
+/// not before those that come while the filter is at work.
 class FilteredCalls {
  public:
-  explicit FilteredCalls(projectdb::files::SystemCallFilter filter) {
-    projectdb::files::FilterOfSystemCalls() =
-        [filter = std::move(filter),
-         is_inside = false](const projectdb::files::SystemCall& call) mutable {
-          if (is_inside) return 0;
-          is_inside = true;
-          const int error = filter(call);
-          is_inside = false;
-          return error;
-        };
+  explicit FilteredCalls(projectdb::files::SystemCallFilter filter) : filter_(std::move(filter)) {
+    projectdb::files::FilterOfSystemCalls() = [this](const projectdb::files::SystemCall& call) {
+      if (is_inside_.exchange(true)) return 0;
+      const int error = filter_(call);
+      is_inside_ = false;
+      return error;
+    };
   }
   ~FilteredCalls() { projectdb::files::FilterOfSystemCalls() = nullptr; }
   FilteredCalls(const FilteredCalls&) = delete;
   FilteredCalls& operator=(const FilteredCalls&) = delete;
+
+ private:
+  const projectdb::files::SystemCallFilter filter_;
+  std::atomic<bool> is_inside_{false};  ///< Atomic as other threads come by meanwhile.
 };
 
 /// Lets one call fail, the first of that name being number 1.
