@@ -27,7 +27,7 @@ class FilteredCalls {
 
  private:
   const projectdb::files::SystemCallFilter filter_;
-  std::atomic<bool> is_inside_{false};  ///< Atomic as other threads come by meanwhile.
+  mutable std::atomic<bool> is_inside_{false};  ///< Atomic as other threads come by meanwhile.
 };
 
 /// Lets one call fail, the first of that name being number 1.

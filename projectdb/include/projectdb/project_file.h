@@ -106,7 +106,7 @@ struct WriteOptions {
   /// Nothing is written unless the file is still this one, or still missing. Of several that
   /// expect the same version, in threads and processes, one writes: it has the file's
   /// ProjectFileLock meanwhile, for which it waits, unless the process has it already or the file
-  /// system has no locks.
+  /// system has no locks to give.
   std::optional<ProjectFileVersion> expected = std::nullopt;
   /// Whether a file that says the same, but in other bytes than FormatProjectFile gives, is written
   /// anew.
@@ -126,7 +126,7 @@ struct WriteOptions {
 /// @return whether the file was written
 /// @exception ProjectFileChanged if the file is not the expected one
 /// @exception std::runtime_error as ExportProjectDataDurably, and if a version is expected of a
-///            file that cannot be read, or that goes while it is
+///            file that cannot be locked or read, or that goes while it is
 /// @exception std::bad_alloc with the file as it was
 KEL_EXPORT bool WriteProjectFile(const std::string& path, const ProjectContents& contents,
                                  const WriteOptions& options = {});

@@ -28,11 +28,21 @@ FileLock* FindLock(const std::optional<FileStatus>& file) {
   return lock == locks.end() ? nullptr : *lock;
 }
 
+// Nothing for a wait for ever.
+std::optional<LockClock::time_point> EndOfWait(
+    std::optional<std::chrono::milliseconds> longest_wait) {
+  // The clock ends some time; nobody waits so long.
+  constexpr std::chrono::hours kForEver{24 * 365 * 100};
+  if (!longest_wait || *longest_wait > kForEver) return std::nullopt;
+  return LockClock::now() + std::max(*longest_wait, std::chrono::milliseconds::zero());
+}
+
 }  // namespace
 
 FileLock::FileLock(const std::string& path, std::optional<std::chrono::milliseconds> longest_wait) {
+  const std::optional<LockClock::time_point> end = EndOfWait(longest_wait);
   for (;;) {
-    file_ = LockFile(path, longest_wait);
+    file_ = LockFile(path, end);
     const std::lock_guard<std::mutex> guard(RegistryMutex());
     // The file may have been replaced meanwhile, also by a thread of this process that found no
     // lock to take over.
@@ -54,9 +64,9 @@ FileLock::~FileLock() {
 bool FileLock::IsOn(const FileStatus& file) const { return file.IsSameFile(file_->Status()); }
 
 bool IsLockedHere(const std::string& path) {
-  const std::optional<FileStatus> file = StatusOfLocked(path);
+  // No thread takes a lock over to another file between the two looks.
   const std::lock_guard<std::mutex> guard(RegistryMutex());
-  return FindLock(file) != nullptr;
+  return FindLock(StatusOfLocked(path)) != nullptr;
 }
 
 LockHandover::LockHandover(const std::string& path, const FileStatus& former,

@@ -12,7 +12,9 @@
 /// How a system locks a file against other processes and other threads.
 namespace projectdb::files {
 
-/// The file system has no locks.
+using LockClock = std::chrono::steady_clock;
+
+/// The file system has no locks, or none to give.
 class NoLocks : public Failure {
  public:
   using Failure::Failure;
@@ -20,13 +22,13 @@ class NoLocks : public Failure {
 
 /// Waits for the lock of the file that is at the path now, and takes it. By then another file may
 /// be there.
-/// @param longest_wait for ever if not given
+/// @param end of the wait; for ever if not given
 /// @return what has the lock for as long as it is open
 /// @exception NoLocks as the name says
 /// @exception Failure if the path names no regular file that can be opened and locked, or if the
 ///            wait took too long
 std::unique_ptr<OpenFile> LockFile(const std::string& path,
-                                   std::optional<std::chrono::milliseconds> longest_wait);
+                                   std::optional<LockClock::time_point> end);
 
 /// The status of what has the lock of a file if somebody has it; nothing if there is none.
 /// @exception Failure if the system does not tell

@@ -129,7 +129,8 @@ LockForWriting Lock(const std::string& path, const WriteOptions& options) {
     return {};
   } catch (const Failure&) {
     if (files::IsRegularFile(path)) throw;
-    return {};  // It is not the expected one.
+    // It is not the expected one, unless it is back by then; its lock is asked for anew then.
+    return {true};
   }
 }
 

@@ -116,7 +116,7 @@ DOMElement* ElementWriter::AddChildDOMElement(DOMElement* parent, const XMLCh* t
 }
 
 const ElementNames* ElementWriter::KnownNames(const XMLCh* tag) const {
-  // The tag is most often that of the element before.
+  // The tags of the section at hand came last.
   const auto names = std::find_if(
       known_names_.rbegin(), known_names_.rend(),
       [tag](const auto& each) { return xercesc::XMLString::equals(each.local_name, tag); });

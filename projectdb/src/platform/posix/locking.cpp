@@ -12,12 +12,8 @@
 namespace projectdb::files {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 constexpr std::chrono::milliseconds kShortestPause{1};
 constexpr std::chrono::milliseconds kLongestPause{50};
-// The clock ends some time; nobody waits so long.
-constexpr std::chrono::hours kForEver{24 * 365 * 100};
 
 int OpenForLocking(const std::string& path) {
   // Beyond a zero the system would not see the name.
@@ -58,10 +54,10 @@ void WaitForLock(const OpenFile& file) {
 }
 
 // The system has no wait that ends after a time.
-void WaitForLock(const OpenFile& file, Clock::time_point end) {
+void WaitForLock(const OpenFile& file, LockClock::time_point end) {
   std::chrono::milliseconds pause = kShortestPause;
   while (!TryLock(file)) {
-    if (Clock::now() >= end) throw Failure("it is locked by others");
+    if (LockClock::now() >= end) throw Failure("it is locked by others");
     std::this_thread::sleep_for(pause);
     pause = std::min(2 * pause, kLongestPause);
   }
@@ -70,12 +66,10 @@ void WaitForLock(const OpenFile& file, Clock::time_point end) {
 }  // namespace
 
 std::unique_ptr<OpenFile> LockFile(const std::string& path,
-                                   std::optional<std::chrono::milliseconds> longest_wait) {
-  if (longest_wait > kForEver) longest_wait = std::nullopt;
-  const auto end = Clock::now() + longest_wait.value_or(std::chrono::milliseconds::zero());
+                                   std::optional<LockClock::time_point> end) {
   std::unique_ptr<OpenFile> file = OpenRegularFile(path);
-  if (longest_wait) {
-    WaitForLock(*file, end);
+  if (end) {
+    WaitForLock(*file, *end);
   } else {
     WaitForLock(*file);
   }

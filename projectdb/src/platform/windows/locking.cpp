@@ -11,8 +11,6 @@
 namespace projectdb::files {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 constexpr std::chrono::milliseconds kShortestPause{1};
 constexpr std::chrono::milliseconds kLongestPause{50};
 // A second of pauses: a lock that was given back is gone by then.
@@ -42,8 +40,7 @@ HANDLE TryToLock(const std::filesystem::path& lock_path) {
 }  // namespace
 
 std::unique_ptr<OpenFile> LockFile(const std::string& path,
-                                   std::optional<std::chrono::milliseconds> longest_wait) {
-  const Clock::time_point begin = Clock::now();
+                                   std::optional<LockClock::time_point> end) {
   const std::filesystem::path lock_path = LockPath(path);
   std::chrono::milliseconds pause = kShortestPause;
   int denials = 0;
@@ -58,11 +55,8 @@ std::unique_ptr<OpenFile> LockFile(const std::string& path,
     if (is_denied || (error != ERROR_SHARING_VIOLATION && error != ERROR_ACCESS_DENIED)) {
       ThrowSystemFailure(error);
     }
-    // In milliseconds, since the clock's own unit cannot hold the longest wait.
-    const auto waited = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin);
-    if (longest_wait && waited >= *longest_wait) {
-      throw Failure("it is locked by others");
-    }
+    if (error == ERROR_SHARING_VIOLATION) denials = 0;
+    if (end && LockClock::now() >= *end) throw Failure("it is locked by others");
     std::this_thread::sleep_for(pause);
     pause = std::min(2 * pause, kLongestPause);
   }
