@@ -113,7 +113,7 @@ std::optional<std::string> GivenInstance(const Words& words) {
 Words NeighboursInInstance(const Situation& situation, const std::string& instance) {
   Words instances = InstanceNames(situation);
   if (std::find(instances.begin(), instances.end(), instance) == instances.end()) return instances;
-  const std::string list = std::string(InstanceKind().key) + "." + instance + ".files";
+  const std::string list = SourceListKey(InstanceKind().key, instance);
   Words names;
   for (const NamedFile& file : FilesOf(ProjectOf(situation))) {
     if (file.list == list) names.push_back(NameFromHere(file));

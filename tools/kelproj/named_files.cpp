@@ -54,7 +54,7 @@ class Collection {
   void Add(const std::string& key, const std::vector<IP>& ips) {
     for (std::size_t i = 0; i < ips.size(); ++i) {
       AddEntry(key, i, ips[i], directory_);
-      AddList(key + "." + NameOf(ips[i]) + ".files", ips[i].src_files,
+      AddList(SourceListKey(key, NameOf(ips[i])), ips[i].src_files,
               (directory_ / PathFrom(ips[i].path)).parent_path());
     }
   }
@@ -107,6 +107,10 @@ std::string IsADirectory(const std::string& name) { return "\"" + name + "\" is 
 std::string IsMissing(const std::string& name) { return "\"" + name + "\" does not exist"; }
 
 }  // namespace
+
+std::string SourceListKey(const std::string& list, const std::string& instance) {
+  return list + "." + instance + ".files";
+}
 
 std::vector<NamedFile> FilesOf(const ProjectContents& project) {
   Collection collection(project);

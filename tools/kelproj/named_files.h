@@ -27,6 +27,10 @@ struct NamedFile {
   bool is_ip_instance() const { return list == "ip"; }
 };
 
+/// The key of the list of an IP instance's sources.
+/// @param list the key of the list of instances
+std::string SourceListKey(const std::string& list, const std::string& instance);
+
 /// All files that the project names, in the order of its lists.
 std::vector<NamedFile> FilesOf(const projectdb::ProjectContents& project);
 

@@ -105,7 +105,7 @@ bool Write(const std::string& path, const FileReading& former, const ProjectCont
 
 /// The lock of a file that is to be written.
 struct LockForWriting {
-  bool is_there = false;                           ///< Whether this process has it.
+  bool is_there = false;  ///< Whether this process has it, or may: it shows before the replacement.
   std::unique_ptr<files::FileLock> own = nullptr;  ///< Null if it was there before.
 };
 

@@ -7,6 +7,7 @@
 #include <future>
 #include <stdexcept>
 #include <string>
+#include <thread>
 
 #include <fcntl.h>
 #include <linux/filter.h>
@@ -131,6 +132,23 @@ TEST_F(FileLock, FileThatAnotherThreadReplacesMeanwhile_IsLockedAsItIsThen) {
   const ProjectFileLock lock(path_);
   replacement.get();
   EXPECT_TRUE(IsLocked(path_));
+}
+
+TEST_F(FileLock, FileThatIsReplacedDuringAWait_DoesNotLengthenIt) {
+  constexpr std::chrono::milliseconds kLongestWait{50};
+  WriteFile(directory_ / "next.xml", "<project/>");
+  int attempts = 0;
+  const FilteredCalls calls([&](const projectdb::files::SystemCall& call) {
+    if (call.name != std::string("flock")) return 0;
+    ++attempts;
+    if (attempts == 1) {
+      std::this_thread::sleep_for(2 * kLongestWait);
+      std::filesystem::rename(directory_ / "next.xml", path_);
+    }
+    return attempts == 2 ? EWOULDBLOCK : 0;
+  });
+  EXPECT_THROW(ProjectFileLock(path_, kLongestWait), std::runtime_error);
+  EXPECT_EQ(attempts, 2);
 }
 
 TEST_F(FileLock, FileThatMayNotBeWritten_CanBeLocked) {

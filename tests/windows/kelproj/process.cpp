@@ -6,6 +6,7 @@
 
 #include <windows.h>
 
+#include "platform/windows/processes.h"
 #include "platform/windows/texts.h"
 #include "testing/files.h"
 #include "testing/temporary_directory.h"
@@ -13,20 +14,16 @@
 namespace test_support {
 namespace {
 
-struct CloseStream {
-  using pointer = HANDLE;
-  void operator()(HANDLE stream) const { CloseHandle(stream); }
-};
-using Stream = std::unique_ptr<HANDLE, CloseStream>;
+using kelproj::Handle;
 
 /// Opens a file that is passed on to a process.
-Stream OpenStream(const std::string& path, DWORD access) {
-  SECURITY_ATTRIBUTES passed_on{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+Handle OpenStream(const std::string& path, DWORD access) {
+  SECURITY_ATTRIBUTES passed_on = kelproj::PassedOn();
   const HANDLE stream =
       CreateFileW(NativePath(path).c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, &passed_on,
                   OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (stream == INVALID_HANDLE_VALUE) throw std::runtime_error("cannot open " + path);
-  return Stream(stream);
+  return Handle(stream);
 }
 
 /// Changes the environment of this process, which is passed on, for as long as it lives.
@@ -75,15 +72,10 @@ Outcome RunProcess(const std::vector<std::string>& command, const ProcessSetting
   const Environment environment(settings.environment);
   int status = -1;
   {
-    const Stream in = OpenStream(streams / "in", GENERIC_READ);
-    const Stream out = OpenStream(output, GENERIC_WRITE);
-    const Stream err = OpenStream(streams / "err", GENERIC_WRITE);
-    STARTUPINFOW start{};
-    start.cb = sizeof(start);
-    start.dwFlags = STARTF_USESTDHANDLES;
-    start.hStdInput = in.get();
-    start.hStdOutput = out.get();
-    start.hStdError = err.get();
+    const Handle in = OpenStream(streams / "in", GENERIC_READ);
+    const Handle out = OpenStream(output, GENERIC_WRITE);
+    const Handle err = OpenStream(streams / "err", GENERIC_WRITE);
+    STARTUPINFOW start = kelproj::StartWith(in.get(), out.get(), err.get());
     PROCESS_INFORMATION started{};
     if (CreateProcessW(nullptr, kelproj::CommandLineOf(command).data(), nullptr, nullptr, TRUE, 0,
                        nullptr, NativePath(settings.directory).c_str(), &start, &started) == 0) {
@@ -92,12 +84,9 @@ Outcome RunProcess(const std::vector<std::string>& command, const ProcessSetting
       }
       return {kNoSuchProgram, "", ""};
     }
-    const Stream process(started.hProcess);
-    const Stream thread(started.hThread);
-    WaitForSingleObject(process.get(), INFINITE);
-    DWORD end = 0;
-    GetExitCodeProcess(process.get(), &end);
-    status = static_cast<int>(end);
+    const Handle process(started.hProcess);
+    const Handle thread(started.hThread);
+    status = kelproj::StatusAtEnd(process);
   }
   return {status, settings.output.empty() ? ReadFile(output) : "", ReadFile(streams / "err")};
 }

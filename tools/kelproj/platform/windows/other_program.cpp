@@ -1,40 +1,35 @@
 #include "platform/other_program.h"
 
 #include <array>
-#include <memory>
+#include <utility>
 
 #include <windows.h>
 
 #include "console.h"
+#include "platform/windows/processes.h"
 #include "platform/windows/texts.h"
 
 namespace kelproj {
 namespace {
 
-struct CloseFile {
-  using pointer = HANDLE;
-  void operator()(HANDLE file) const { CloseHandle(file); }
-};
-using File = std::unique_ptr<HANDLE, CloseFile>;
-
 struct Pipe {
-  File reading;
-  File writing;
+  Handle reading;
+  Handle writing;
 };
 
 // Its writing end is passed on to programs that are started.
 Pipe MakePipe() {
   HANDLE reading = nullptr;
   HANDLE writing = nullptr;
-  SECURITY_ATTRIBUTES passed_on{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+  SECURITY_ATTRIBUTES passed_on = PassedOn();
   if (CreatePipe(&reading, &writing, &passed_on, 0) == 0) {
     throw Trouble("no program can be started");
   }
   SetHandleInformation(reading, HANDLE_FLAG_INHERIT, 0);
-  return {File(reading), File(writing)};
+  return {Handle(reading), Handle(writing)};
 }
 
-std::string ReadToEnd(const File& file) {
+std::string ReadToEnd(const Handle& file) {
   std::string text;
   std::array<char, 4096> block{};
   DWORD size = 0;
@@ -72,25 +67,19 @@ std::optional<ProgramAnswer> RunOtherProgram(const std::vector<std::string>& com
   if (place.empty()) return std::nullopt;
   std::wstring line = CommandLineOf(command);
   Pipe pipe = MakePipe();
-  STARTUPINFOW start{};
-  start.cb = sizeof(start);
-  start.dwFlags = STARTF_USESTDHANDLES;
-  start.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
-  start.hStdOutput = pipe.writing.get();
-  start.hStdError = messages == ProgramMessages::kAmongOutput ? pipe.writing.get() : nullptr;
+  STARTUPINFOW start =
+      StartWith(GetStdHandle(STD_INPUT_HANDLE), pipe.writing.get(),
+                messages == ProgramMessages::kAmongOutput ? pipe.writing.get() : nullptr);
   PROCESS_INFORMATION started{};
   if (CreateProcessW(place.c_str(), line.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr,
                      nullptr, &start, &started) == 0) {
     throw Trouble("no program can be started");
   }
-  const File process(started.hProcess);
-  const File thread(started.hThread);
+  const Handle process(started.hProcess);
+  const Handle thread(started.hThread);
   pipe.writing.reset();  // Else nobody would see the end.
   std::string text = ReadToEnd(pipe.reading);
-  WaitForSingleObject(process.get(), INFINITE);
-  DWORD status = 0;
-  GetExitCodeProcess(process.get(), &status);
-  return ProgramAnswer{static_cast<int>(status), std::move(text)};
+  return ProgramAnswer{StatusAtEnd(process), std::move(text)};
 }
 
 }  // namespace kelproj
