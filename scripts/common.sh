@@ -3,6 +3,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 scratch=""   # a directory that goes when the script ends
 reporter=""  # the process that says that a step goes on
+at_end=""    # a command that ends what the script started
 
 stop_reporter() {
   [ -n "$reporter" ] || return 0
@@ -12,6 +13,7 @@ stop_reporter() {
 
 clean_up() {
   stop_reporter
+  $at_end
   [ -z "$scratch" ] || rm -rf "$scratch"
 }
 trap clean_up EXIT
