@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "testing/threads.h"
 #include "tests/kelproj/change_test.h"
 
 namespace {
@@ -194,22 +193,6 @@ TEST_F(KelprojTest, ChangeThatChangesNothing_TellsOfNothingThatItWouldDrop) {
   MakeProject();
   Write("blinker.xml", Read("blinker.xml") + "<!-- the end -->\n");
   ExpectUnchangedBy({"set", "blinker.xml", "name", "blinker"}, Done());
-}
-
-TEST_F(KelprojTest, SeveralThatChangeOneFileAtOnce_LoseNoChange) {
-  constexpr int kChangers = 4;
-  constexpr int kChangesOfEach = 10;
-  MakeProject();
-  InThreads(kChangers, [&](int changer) {
-    for (int i = 0; i < kChangesOfEach; ++i) {
-      const std::string key = "info.n" + std::to_string(changer * kChangesOfEach + i);
-      EXPECT_EQ(Run({"set", "blinker.xml", key, "1"}).status, 0);
-    }
-  });
-  for (int i = 0; i < kChangers * kChangesOfEach; ++i) {
-    EXPECT_EQ(Run({"get", "blinker.xml", "info.n" + std::to_string(i)}).out, "1\n");
-  }
-  EXPECT_THAT(Names(), ElementsAre("blinker.xml"));
 }
 
 TEST_F(KelprojTest, ParametersInAnyOrder_StandInThatOfTheirNames) {

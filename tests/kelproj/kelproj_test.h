@@ -17,6 +17,11 @@ namespace test_support {
 /// Path of the built program.
 std::string KelprojProgram();
 
+/// Runs the program within this process, in a directory.
+/// @param input what it reads on standard input
+Outcome RunKelprojHere(const std::vector<std::string>& arguments, const std::string& directory,
+                       const std::string& input);
+
 inline Outcome Printed(std::string out) { return {0, std::move(out), ""}; }
 inline Outcome Done() { return Printed(""); }
 inline Outcome AnsweredNo(std::string out = "") { return {1, std::move(out), ""}; }
@@ -64,9 +69,20 @@ class Permissions {
 /// Runs the program in a new directory.
 class KelprojTest : public testing::Test {
  protected:
-  Outcome Run(std::vector<std::string> arguments, ProcessSettings settings = {}) const {
+  // In a process of its own if the settings ask for what only such a process has: starting one
+  // takes longer than what most commands do. One thread at a time may do so.
+  Outcome Run(const std::vector<std::string>& arguments,
+              const ProcessSettings& settings = {}) const {
+    if (!settings.environment.empty() || !settings.output.empty() || settings.obeys_permissions) {
+      return RunAsProcess(arguments, settings);
+    }
+    return RunKelprojHere(arguments, DirectoryOf(settings), settings.input);
+  }
+
+  // Runs the built program in a process of its own.
+  Outcome RunAsProcess(std::vector<std::string> arguments, ProcessSettings settings = {}) const {
     arguments.insert(arguments.begin(), KelprojProgram());
-    if (settings.directory == ".") settings.directory = Directory();
+    settings.directory = DirectoryOf(settings);
     return RunProcess(arguments, settings);
   }
 
@@ -133,6 +149,10 @@ class KelprojTest : public testing::Test {
   std::vector<std::string> Names() const { return NamesIn(directory_.path()); }
 
  private:
+  std::string DirectoryOf(const ProcessSettings& settings) const {
+    return settings.directory == "." ? Directory() : settings.directory;
+  }
+
   TemporaryDirectory directory_;
 };
 

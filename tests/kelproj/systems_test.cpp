@@ -8,7 +8,13 @@ namespace {
 
 using namespace test_support;
 
-class OnEverySystem : public KelprojTest {};
+class OnEverySystem : public KelprojTest {
+ protected:
+  Outcome Run(const std::vector<std::string>& arguments,
+              const ProcessSettings& settings = {}) const {
+    return RunAsProcess(arguments, settings);
+  }
+};
 
 TEST_F(OnEverySystem, Names_HaveAnyCharactersAndAreStoredAndPrintedAsGiven) {
   for (const std::string name : {"ä", "漢字", "¥ 100%", "two words", "🐟", "a;b,c"}) {
