@@ -1,9 +1,7 @@
 #include <filesystem>
-#include <memory>
 
 #include <xercesc/util/IOException.hpp>
 
-#include "base/failure.h"
 #include "testing/file_state.h"
 #include "testing/temporary_directory.h"
 #include "testing/test.h"
@@ -119,37 +117,6 @@ TEST_F(FileTargets, Construction_CannotOpen_ExceptionTellsThePathWithEscapesIfIt
     EXPECT_THAT(OpenError(directory_ / "missing/" + name),
                 HasSubstr(std::string("missing/") + shown));
   }
-}
-
-class FullFileTarget : public testing::Test {
- protected:
-  void SetUp() override {
-    if (!std::filesystem::is_character_file("/dev/full")) GTEST_SKIP() << "no /dev/full";
-    target_ = std::make_unique<FileTarget>("/dev/full");
-  }
-
-  std::string CloseError() {
-    return ErrorOf<Failure>([&] { target_->Close(); });
-  }
-
-  const XmlPlatform platform_;
-  std::unique_ptr<FileTarget> target_;
-};
-
-TEST_F(FullFileTarget, Close_FailedAtTheEnd_ThrowsTheReason) {
-  Write(*target_, "x");
-  EXPECT_EQ(CloseError(), "No space left on device");
-}
-
-TEST_F(FullFileTarget, Close_FailedWhileWriting_ThrowsTheReasonNotBefore) {
-  EXPECT_NO_THROW(Write(*target_, std::string(1000000, 'x')));
-  EXPECT_NO_THROW(Write(*target_, "more"));
-  EXPECT_EQ(CloseError(), "No space left on device");
-}
-
-TEST_F(FullFileTarget, Destruction_WithoutClose_DoesNotThrow) {
-  Write(*target_, std::string(1000000, 'x'));
-  EXPECT_NO_THROW(target_.reset());
 }
 
 }  // namespace
