@@ -162,16 +162,17 @@ std::vector<LoadCase> LoadCases() {
   const std::string complete = CompleteProjectXml();
   const std::string two_sections = DeviceInfoXml("Orrin") + DeviceInfoXml("Varel");
   const std::string hint = R"(xsi:schemaLocation="http://schema.kel.example/wdp_proj s.xsd")";
-  return {
-      {"NoSchema", complete, "", false, true, true, true, kStrideOfSlowRuns},
-      {"NoProject", complete, "", false, false, true, true, kStrideOfSlowRuns},
-      {"ShippedSchema", complete, ReadFile(ShippedSchema()), true, true, true, true,
-       kStrideOfLongWalks},
-      {"NamedSchema", ProjectXml(two_sections, hint), DeviceOnlySchema(), false, true, true, true},
-      {"Malformed", complete + "<", "", false, true, false, false},
-      {"BreaksTheSchema", ProjectXml("<bogus/>"), DeviceOnlySchema(), true, true, false, false,
-       kStrideOfLongWalks},
-      {"UnknownTag", ProjectXml(two_sections + "<bogus/>"), "", false, true, true, false}};
+  return {{"NoSchema", complete, "", false, true, true, true, kStrideOfSlowRuns},
+          {"NoProject", complete, "", false, false, true, true, kStrideOfSlowRuns},
+          {"ShippedSchema", complete, ReadFile(ShippedSchema()), true, true, true, true,
+           kStrideOfLongWalks},
+          {"NamedSchema", ProjectXml(two_sections, hint), DeviceOnlySchema(), false, true, true,
+           true, kStrideOfSlowRuns},
+          {"Malformed", complete + "<", "", false, true, false, false, kStrideOfSlowRuns},
+          {"BreaksTheSchema", ProjectXml("<bogus/>"), DeviceOnlySchema(), true, true, false, false,
+           kStrideOfLongWalks},
+          {"UnknownTag", ProjectXml(two_sections + "<bogus/>"), "", false, true, true, false,
+           kStrideOfSlowRuns}};
 }
 
 class LoadOutOfMemory : public XmlOutOfMemory,
@@ -261,7 +262,10 @@ TEST_P(LoadOutOfMemory, LoadProjectData_AnyAllocationFails_ThrowsAndLosesNothing
   });
   Report(points);
   EXPECT_GT(points.last_in_parser, 0);
-  EXPECT_EQ(points.first_with_effect > points.last_in_parser, load().is_read);
+  // Long strides may pass over the few points that lie behind those of the parser.
+  if (!kSanitized) {
+    EXPECT_EQ(points.first_with_effect > points.last_in_parser, load().is_read);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, LoadOutOfMemory,
