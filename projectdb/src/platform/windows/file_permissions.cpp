@@ -13,54 +13,41 @@ using Descriptor = std::unique_ptr<void, FreeLocal>;
 
 constexpr SECURITY_INFORMATION kList = DACL_SECURITY_INFORMATION;
 
-/// Who may do what with a file.
-struct AccessList {
-  Descriptor memory;
-  ACL* list = nullptr;
-  bool is_protected = false;  ///< Whether it takes nothing from that of the directory.
-};
-
-bool IsProtected(PSECURITY_DESCRIPTOR descriptor) {
-  SECURITY_DESCRIPTOR_CONTROL control = 0;
-  DWORD revision = 0;
-  RequireSuccess(GetSecurityDescriptorControl(descriptor, &control, &revision));
-  return (control & SE_DACL_PROTECTED) != 0;
-}
-
 // A file system may have no lists.
 bool HasNoLists(DWORD error) {
   return error == ERROR_NOT_SUPPORTED || error == ERROR_INVALID_FUNCTION ||
          error == ERROR_CALL_NOT_IMPLEMENTED;
 }
 
-BOOL GetList(const wchar_t* path, AccessList* result) {
+BOOL GetList(const wchar_t* path, Descriptor* result) {
   PSECURITY_DESCRIPTOR descriptor = nullptr;
-  const DWORD error = GetNamedSecurityInfoW(path, SE_FILE_OBJECT, kList, nullptr, nullptr,
-                                            &result->list, nullptr, &descriptor);
-  result->memory.reset(descriptor);
+  const DWORD error = GetNamedSecurityInfoW(path, SE_FILE_OBJECT, kList, nullptr, nullptr, nullptr,
+                                            nullptr, &descriptor);
+  result->reset(descriptor);
   SetLastError(error);
   return error == ERROR_SUCCESS ? TRUE : FALSE;
 }
 
-BOOL SetList(HANDLE file, const AccessList* access) {
-  const SECURITY_INFORMATION protection = access->is_protected
-                                              ? PROTECTED_DACL_SECURITY_INFORMATION
-                                              : UNPROTECTED_DACL_SECURITY_INFORMATION;
-  const DWORD error = SetSecurityInfo(file, SE_FILE_OBJECT, kList | protection, nullptr, nullptr,
-                                      access->list, nullptr);
-  SetLastError(error);
-  return error == ERROR_SUCCESS ? TRUE : FALSE;
+// Entries that came from a directory are still known for such, as the system forgets by default.
+void KeepInheritance(PSECURITY_DESCRIPTOR descriptor) {
+  SECURITY_DESCRIPTOR_CONTROL control = 0;
+  DWORD revision = 0;
+  RequireSuccess(GetSecurityDescriptorControl(descriptor, &control, &revision));
+  if ((control & SE_DACL_AUTO_INHERITED) == 0) return;
+  constexpr SECURITY_DESCRIPTOR_CONTROL kKept = SE_DACL_AUTO_INHERIT_REQ | SE_DACL_AUTO_INHERITED;
+  RequireSuccess(SetSecurityDescriptorControl(descriptor, kKept, kKept));
 }
 
+// The list is taken as it is: other calls would add what files of the directory get by default.
 void CopyAccessList(const std::wstring& former, const OpenFile& file) {
-  AccessList access;
-  if (CallSystem("GetNamedSecurityInfo", GetList, former.c_str(), &access) == 0) {
+  Descriptor descriptor;
+  if (CallSystem("GetNamedSecurityInfo", GetList, former.c_str(), &descriptor) == 0) {
     if (!HasNoLists(GetLastError())) ThrowSystemFailure();
     return;
   }
-  access.is_protected = IsProtected(access.memory.get());
-  const AccessList* const list = &access;
-  if (CallSystem("SetSecurityInfo", SetList, HandleOf(file), list) == 0 &&
+  KeepInheritance(descriptor.get());
+  if (CallSystem("SetKernelObjectSecurity", ::SetKernelObjectSecurity, HandleOf(file), kList,
+                 descriptor.get()) == 0 &&
       !HasNoLists(GetLastError())) {
     ThrowSystemFailure();
   }
