@@ -53,6 +53,20 @@ TEST_F(LockOnWindows, LockedFile_IsReplacedByItsHolderAndStaysLocked) {
   EXPECT_NE(Refusal(), "");
 }
 
+TEST_F(LockOnWindows, FileOfTheLocksNameThatIsNoLock_IsRefusedAndStays) {
+  const std::string other = directory_ / ".kel_lock_p.xml";
+  WriteFile(other, "precious");
+  EXPECT_EQ(Refusal(),
+            "Failed locking XML file " + path_ + ": \".kel_lock_p.xml\" is there and is no lock\n");
+  EXPECT_EQ(ReadFile(other), "precious");
+}
+
+TEST_F(LockOnWindows, EmptyFileThatAProcessLeftBehind_IsTakenForTheLock) {
+  WriteFile(directory_ / ".kel_lock_p.xml", "");
+  EXPECT_EQ(Refusal(), "");
+  EXPECT_THAT(NamesIn(directory_.path()), ElementsAre("p.xml"));
+}
+
 TEST_F(LockOnWindows, NoFileOrADirectory_IsRefused) {
   EXPECT_EQ(
       ErrorOf([&] { const ProjectFileLock lock(directory_ / "none.xml"); }),

@@ -30,10 +30,23 @@ std::filesystem::path LockPath(const std::string& path) {
   return final_path.parent_path() / (L".kel_lock_" + final_path.filename().native());
 }
 
+// What has the name of a lock and is none must not be removed with it: a lock is an empty file.
+void RequireNothingElse(const std::filesystem::path& lock_path) {
+  WIN32_FILE_ATTRIBUTE_DATA found{};
+  if (GetFileAttributesExW(SystemName(lock_path).c_str(), GetFileExInfoStandard, &found) == 0) {
+    return;
+  }
+  constexpr DWORD kOthers = FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DIRECTORY;
+  if ((found.dwFileAttributes & kOthers) != 0 || found.nFileSizeLow != 0 ||
+      found.nFileSizeHigh != 0) {
+    throw Failure("\"" + paths::ToBytes(lock_path.filename()) + "\" is there and is no lock");
+  }
+}
+
 // Nobody else can open it meanwhile, and it goes when this process ends, however that happens.
 HANDLE TryToLock(const std::filesystem::path& lock_path) {
-  constexpr DWORD kFlags =
-      FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE;
+  constexpr DWORD kFlags = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_TEMPORARY |
+                           FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT;
   return TryToOpen(lock_path, {GENERIC_READ | DELETE, OPEN_ALWAYS, kFlags, 0});
 }
 
@@ -42,6 +55,7 @@ HANDLE TryToLock(const std::filesystem::path& lock_path) {
 std::unique_ptr<OpenFile> LockFile(const std::string& path,
                                    std::optional<LockClock::time_point> end) {
   const std::filesystem::path lock_path = LockPath(path);
+  RequireNothingElse(lock_path);
   std::chrono::milliseconds pause = kShortestPause;
   int denials = 0;
   for (;;) {
