@@ -26,7 +26,7 @@ std::filesystem::path FromUtf8(const std::string& name) {
 std::filesystem::path Absolute(const std::filesystem::path& path) {
   if (IsAbsolute(path)) return path;
   std::filesystem::path joined = CurrentDirectory() / path;
-  if (joined.is_absolute()) return joined;
+  if (IsAbsolute(joined)) return joined;
   // A path on a drive other than the current one may be relative to that drive's own directory.
   return std::filesystem::absolute(joined);
 }

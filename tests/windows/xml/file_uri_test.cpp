@@ -53,4 +53,22 @@ TEST(FileUriOnWindows, LocalPath_ShareOrDevice_GivesNothing) {
   }
 }
 
+TEST(FileUriOnWindows, LocalPath_NameThatTheSystemHasForADevice_GivesNothing) {
+  for (const std::string name :
+       {"COM1", "com9.xsd", "LPT1.a.b", "CON", "con.xsd", "PRN", "Aux.xsd", "NUL", "nul .xsd",
+        "NUL:", "CONIN$", "CONOUT$.xsd", "COM²", "LPT³"}) {
+    for (const std::string before : {"", "sub/", "C:/"}) {
+      EXPECT_EQ(LocalName(before + name), "none") << before << name;
+    }
+  }
+  for (const std::string name : {"COM0.xsd", "COM10.xsd", "COM.xsd", "console.xsd", "s.con"}) {
+    EXPECT_EQ(LocalName(name), "C:\\base\\dir\\" + name);
+  }
+}
+
+TEST(FileUriOnWindows, LocalPath_NameInTheDirectoryOfADrive_GivesNothing) {
+  EXPECT_EQ(LocalName("D:s.xsd"), "none");
+  EXPECT_EQ(LocalName("file:///D:s.xsd"), "none");
+}
+
 }  // namespace
