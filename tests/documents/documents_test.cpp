@@ -168,7 +168,7 @@ std::vector<std::string> NamedPaths(const std::string& document) {
 std::vector<std::string> SourceTree() {
   std::vector<std::string> paths;
   for (const char* const top :
-       {"common", "docs", "projectdb", "schema", "scripts", "testing", "tests", "tools"}) {
+       {"common", "docs", "fuzz", "projectdb", "schema", "scripts", "testing", "tests", "tools"}) {
     paths.push_back(std::string("/") + top + "/");
     for (const auto& entry : std::filesystem::recursive_directory_iterator(SourcePath(top))) {
       paths.push_back(entry.path().string() + (entry.is_directory() ? "/" : ""));
