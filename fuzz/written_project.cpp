@@ -10,6 +10,7 @@
 #include <projectdb/vocabulary.h>
 
 #include "checks.h"
+#include "project_db/format.h"
 #include "testing/project_differences.h"
 
 namespace fuzz {
@@ -26,10 +27,7 @@ using projectdb::ProcType;
 using projectdb::ProjectContents;
 
 using projectdb::kFlowProcesses;
-
-constexpr std::array<std::string_view, 7> kSections = {
-    "device_info", "design_info", "constraint_info", "isf_info",
-    "sim_info",    "misc_info",   "ip_info"};
+using projectdb::format::kSections;
 
 bool IsMapOfTheFormat(std::size_t process, std::string_view name) {
   const auto maps = projectdb::MapsOf(static_cast<ProcType>(process));
@@ -137,7 +135,8 @@ bool IsReadAsItIs(std::size_t type, const FlowProcessContents& process) {
       !IsProcessOfTheFormat(type, process.name) &&
       (std::any_of(kFlowProcesses.begin(), kFlowProcesses.end(),
                    [&](const auto& other) { return process.name == other.name; }) ||
-       std::find(kSections.begin(), kSections.end(), process.name) != kSections.end());
+       std::any_of(kSections.begin(), kSections.end(),
+                   [&](const auto& section) { return process.name == section.narrow; }));
   const auto& maps = process.parameter_maps;
   return !is_taken_for_another && std::all_of(maps.begin(), maps.end(), [](const auto& map) {
     return std::all_of(map.second.begin(), map.second.end(),

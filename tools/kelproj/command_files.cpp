@@ -8,6 +8,7 @@
 #include <projectdb/vocabulary.h>
 
 #include "console.h"
+#include "places.h"
 #include "verilog_numbers.h"
 
 namespace kelproj {
@@ -52,7 +53,8 @@ std::string Assignment(const Parameter& parameter) {
 }
 
 std::string What(const char* map, const Parameter& parameter) {
-  return std::string("synthesis.") + map + "." + parameter.name + ": " +
+  const char* const process = projectdb::kFlowProcesses[projectdb::e_synthesis].name;
+  return MemberPlace(MemberPlace(process, map), parameter.name) + ": " +
          InQuotes(Assignment(parameter));
 }
 

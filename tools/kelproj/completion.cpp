@@ -18,6 +18,7 @@
 #include "file_kinds.h"
 #include "keys.h"
 #include "named_files.h"
+#include "places.h"
 #include "platform/file_names.h"
 
 namespace kelproj {
@@ -47,7 +48,9 @@ Words Keys(const Situation& situation) {
   for (const std::string& key : FixedKeys()) {
     if (is_read || FindKey(key).write) keys.push_back(key);
   }
-  for (const auto& attribute : project.info_attributes) keys.push_back("info." + attribute.first);
+  for (const auto& attribute : project.info_attributes) {
+    keys.push_back(MemberPlace(projectdb::kInfoAttributesKey, attribute.first));
+  }
   for (const NamedParameter& named : ParametersOf(project)) keys.push_back(named.key);
   return keys;
 }

@@ -62,7 +62,7 @@ class Warnings {
     const std::vector<projectdb::IP>& ips = project_.ip_info.ips;
     for (std::size_t i = 0; i < ips.size(); ++i) {
       const std::string& name = ips[i].instance_name;
-      const std::string place = "ip[" + std::to_string(i) + "]";
+      const std::string place = PlaceText(projectdb::kIPInstancesKey, std::to_string(i));
       const auto [first, is_new] = places.try_emplace(name, place);
       if (!is_new) Add(place, "\"" + name + "\" is the instance name of " + first->second + " too");
     }

@@ -15,13 +15,13 @@ using projectdb::Table;
 
 // Behind those with flat lists stand the IP instances, and last the one that is no list.
 constexpr std::array<FileKind, 7> kFileKinds = {{
-    {"--rtl", "design.files", true},
-    {"--sim", "simulation.files", true},
-    {"--misc", "misc.files", false},
-    {"--sdc", "constraint.sdc", false},
-    {"--isf", "isf.files", false},
-    {"--ip", "ip", false},
-    {"--interface", "constraint.interface", false},
+    {"--rtl", projectdb::kDesignFilesKey, true},
+    {"--sim", projectdb::kSimulationFilesKey, true},
+    {"--misc", projectdb::kMiscellaneousFilesKey, false},
+    {"--sdc", projectdb::kTimingConstraintFilesKey, false},
+    {"--isf", projectdb::kIsfFilesKey, false},
+    {"--ip", projectdb::kIPInstancesKey, false},
+    {"--interface", projectdb::kInterfaceConstraintFileKey, false},
 }};
 
 // The options of the kinds for a sentence, such as "--rtl, --sim and --misc".

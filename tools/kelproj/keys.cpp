@@ -21,6 +21,7 @@ using projectdb::FlowProcessContents;
 using projectdb::FlowProcessName;
 using projectdb::FlowProcessTerm;
 using projectdb::kFlowProcesses;
+using projectdb::kInfoAttributesKey;
 using projectdb::Parameter;
 using projectdb::ParameterMapName;
 using projectdb::ParameterType;
@@ -91,7 +92,7 @@ Key InfoKey(const std::string& name) {
   const auto write = [name](ProjectContents& project, const std::string& value,
                             std::optional<ParameterType>) {
     if (!projectdb::IsInfoAttributeName(name)) {
-      throw Trouble("a project does not keep info." + name);
+      throw Trouble("a project does not keep " + MemberPlace(kInfoAttributesKey, name));
     }
     project.info_attributes[name] = value;
   };
@@ -223,7 +224,7 @@ std::vector<std::string> KeysLike(const std::string& text) {
   std::vector<std::string> keys = FixedKeys();
   const std::size_t dot = text.find('.');
   if (dot == std::string::npos || text.back() == '.') return keys;
-  keys.push_back("info" + text.substr(dot));
+  keys.push_back(kInfoAttributesKey + text.substr(dot));
   const std::size_t second_dot = text.find('.', dot + 1);
   if (second_dot == std::string::npos) return keys;
   for (const FlowProcessName& process : kFlowProcesses) {
@@ -243,7 +244,7 @@ void RequireNameAtEnd(const std::string& text) {
       throw Trouble(NoKey(text) + "; the name of the " + what + " is missing");
     }
   };
-  refuse_nameless("info", "info attribute");
+  refuse_nameless(kInfoAttributesKey, "info attribute");
   for (const FlowProcessName& process : kFlowProcesses) {
     for (const ParameterMapName& map : projectdb::MapsOf(process.type)) {
       refuse_nameless(MemberPlace(process.name, map.name), map.title);
@@ -297,8 +298,10 @@ std::vector<NamedParameter> ParametersOf(const ProjectContents& project) {
 }
 
 std::string KeysHelp() {
-  std::string help = "Keys:" + GroupedKeys() + KeyPattern("info.NAME", "an info attribute") +
-                     KeyPattern("PROCESS.tool", "the executable of a flow process");
+  std::string help = "Keys:" + GroupedKeys() +
+                     KeyPattern(MemberPlace(kInfoAttributesKey, "NAME"), "an info attribute") +
+                     KeyPattern(MemberPlace("PROCESS", projectdb::kToolNameKey),
+                                "the executable of a flow process");
   for (const ParameterMapName& map : projectdb::kParameterMaps) help += ParameterPattern(map);
   return help + "\nPROCESS is " + ProcessNames() + ".";
 }

@@ -7,6 +7,7 @@
 
 #include "console.h"
 #include "file_identities.h"
+#include "places.h"
 #include "platform/file_names.h"
 #include "shown_terms.h"
 
@@ -69,7 +70,7 @@ class Collection {
   void AddEntry(const std::string& list, std::size_t index, const Entry& entry,
                 const std::filesystem::path& directory) {
     const std::string& name = projectdb::FileNameOf(entry);
-    files_.push_back({kind_, list, list + "[" + std::to_string(index) + "]", name,
+    files_.push_back({kind_, list, PlaceText(list, std::to_string(index)), name,
                       directory / PathFrom(name), "", ""});
     if constexpr (std::is_same_v<Entry, projectdb::DesignFile>) {
       files_.back().version = entry.version;
@@ -109,7 +110,7 @@ std::string IsMissing(const std::string& name) { return "\"" + name + "\" does n
 }  // namespace
 
 std::string SourceListKey(const std::string& list, const std::string& instance) {
-  return list + "." + instance + ".files";
+  return MemberPlace(MemberPlace(list, instance), projectdb::kIPSourceFilesKey);
 }
 
 std::vector<NamedFile> FilesOf(const ProjectContents& project) {

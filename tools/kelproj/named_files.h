@@ -24,7 +24,7 @@ struct NamedFile {
   std::string library;  ///< "" if its kind has none.
 
   /// Whether it is what an IP instance was made from, which is no source itself.
-  bool is_ip_instance() const { return list == "ip"; }
+  bool is_ip_instance() const { return list == projectdb::kIPInstancesKey; }
 };
 
 /// The key of the list of an IP instance's sources.

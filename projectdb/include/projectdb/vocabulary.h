@@ -92,7 +92,7 @@ struct Term {
   std::variant<Access<Record, Fields>...> access;
 };
 
-/// The type of the info attributes, by name; the key of one is "info." and its name.
+/// The type of the info attributes, by name.
 using InfoAttributes = std::map<std::string, std::string>;
 
 /// The type of the parameters of a flow process, by the name of their map; the key of one is that
@@ -136,6 +136,22 @@ inline const std::string& FileNameOf(const IP& ip) { return ip.path; }
 inline constexpr char kProjectNameKey[] = "name";
 inline constexpr char kSoftwareVersionKey[] = "sw_version";
 inline constexpr char kLastModifyTimeKey[] = "last_change_date";
+
+/// The key of all info attributes; that of one goes on with a dot and its name.
+inline constexpr char kInfoAttributesKey[] = "info";
+
+/// The keys of what names files.
+inline constexpr char kDesignFilesKey[] = "design.files";
+inline constexpr char kTimingConstraintFilesKey[] = "constraint.sdc";
+inline constexpr char kInterfaceConstraintFileKey[] = "constraint.interface";
+inline constexpr char kIsfFilesKey[] = "isf.files";
+inline constexpr char kSimulationFilesKey[] = "simulation.files";
+inline constexpr char kMiscellaneousFilesKey[] = "misc.files";
+inline constexpr char kIPInstancesKey[] = "ip";
+inline constexpr char kIPSourceFilesKey[] = "files";  ///< Behind that of an instance.
+
+/// The key of a flow process's tool, behind that of the process.
+inline constexpr char kToolNameKey[] = "tool";
 
 /// Whether a project keeps an info attribute of this name: it has no field of that name, and the
 /// name is none that belongs to XML, "xmlns", "xsi" or one of these and a colon before the rest.

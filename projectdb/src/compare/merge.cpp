@@ -57,8 +57,10 @@ OptionalText Copy(std::optional<std::string_view> text) {
 }
 
 bool IsEmpty(const FlowProcessContents& process) {
-  return process.name.empty() && process.tool_name.empty() && process.parameter_maps.empty() &&
-         process.parameters.empty();
+  const auto terms = FlowProcessTerms();
+  return std::all_of(terms.begin(), terms.end(), [&](const FlowProcessTerm& term) {
+    return std::visit([&](const auto& access) { return access(process).empty(); }, term.access);
+  });
 }
 
 /// Merges the parts of projects and collects the conflicts.

@@ -19,7 +19,8 @@ namespace {
 void RequireInfoAttributes(const ProjectContents& contents) {
   for (const auto& [name, value] : contents.info_attributes) {
     if (!IsInfoAttributeName(name)) {
-      throw std::invalid_argument(fmt::format("info.{}: no info attribute has that name", name));
+      throw std::invalid_argument(
+          fmt::format("{}.{}: no info attribute has that name", kInfoAttributesKey, name));
     }
   }
 }

@@ -1,6 +1,7 @@
 #include "contents/record_text.h"
 
 #include <algorithm>
+#include <variant>
 
 #include <projectdb/vocabulary.h>
 
@@ -38,6 +39,27 @@ std::string FieldUnlessEmpty(std::string_view name, std::string_view text) {
   return text.empty() ? std::string() : Field(name, text);
 }
 
+std::string FieldsOf(std::string_view key, const std::string& text) {
+  return FieldUnlessEmpty(key, text);
+}
+
+std::string FieldsOf(std::string_view /*key*/, const std::vector<IPSrcFile>& files) {
+  std::string fields;
+  for (const IPSrcFile& file : files) fields += Field("file", file.name);
+  return fields;
+}
+
+// The name stands without its key.
+template <typename Terms, typename Record>
+std::string RecordText(const Terms& terms, const Record& record) {
+  std::string text = Word(NameOf(record));
+  for (const auto* term = terms.begin() + 1; term != terms.end(); ++term) {
+    std::visit([&](const auto& access) { text += FieldsOf(term->key, access(record)); },
+               term->access);
+  }
+  return text;
+}
+
 std::string TypeField(ParameterType type) {
   const std::string text = TextOf(type);
   const bool is_number = text.empty() && type != kNoParameterType;
@@ -52,16 +74,9 @@ std::string QuotedText(std::string_view text) {
   return quoted + '"';
 }
 
-std::string TextOf(const DesignFile& file) {
-  return Word(file.name) + FieldUnlessEmpty("version", file.version) +
-         FieldUnlessEmpty("library", file.library);
-}
+std::string TextOf(const DesignFile& file) { return RecordText(DesignFileTerms(), file); }
 
-std::string TextOf(const IP& ip) {
-  std::string text = Word(ip.instance_name) + FieldUnlessEmpty("path", ip.path);
-  for (const IPSrcFile& file : ip.src_files) text += Field("file", file.name);
-  return text;
-}
+std::string TextOf(const IP& ip) { return RecordText(IPTerms(), ip); }
 
 std::string TextOf(const Parameter& parameter) {
   return Word(parameter.name) + FieldUnlessEmpty("value", parameter.value) +

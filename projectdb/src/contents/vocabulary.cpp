@@ -56,7 +56,7 @@ constexpr ProjectTerm kProjectTerms[] = {
      kAt<&Project::software_version>},
     {kLastModifyTimeKey, "last change", "Project", kStamp, kNoFile,
      kAt<&Project::last_modify_time>},
-    {"info", "Info attributes", "", kValue, kNoFile, kAt<&Project::info_attributes>},
+    {kInfoAttributesKey, "Info attributes", "", kValue, kNoFile, kAt<&Project::info_attributes>},
     {"device.family", "family", "Device", kValue, kNoFile,
      kAt<&Project::device_info, &DeviceInfo::family>},
     {"device.device", "device", "Device", kValue, kNoFile,
@@ -71,22 +71,24 @@ constexpr ProjectTerm kProjectTerms[] = {
      kAt<&Project::design_info, &DesignInfo::def_veri_version>},
     {"design.def_vhdl_version", "default VHDL version", "Design", kValue, kNoFile,
      kAt<&Project::design_info, &DesignInfo::def_vhdl_version>},
-    {"design.files", "Design files", "", kValue, kAnyFile,
+    {kDesignFilesKey, "Design files", "", kValue, kAnyFile,
      kAt<&Project::design_info, &DesignInfo::design_files>},
-    {"constraint.sdc", "Timing constraint files", "", kValue, kTimingConstraintFileEnding,
+    {kTimingConstraintFilesKey, "Timing constraint files", "", kValue, kTimingConstraintFileEnding,
      kAt<&Project::design_constraint, &DesignConstraint::sdc_files>},
-    {"constraint.interface", "Interface constraint", "", kValue, kInterfaceConstraintFileEnding,
+    {kInterfaceConstraintFileKey, "Interface constraint", "", kValue,
+     kInterfaceConstraintFileEnding,
      kAt<&Project::design_constraint, &DesignConstraint::inter_file>},
-    {"isf.files", "ISF files", "", kValue, kAnyFile,
+    {kIsfFilesKey, "ISF files", "", kValue, kAnyFile,
      kAt<&Project::design_isf, &DesignISF::isf_files>},
-    {"simulation.files", "Simulation files", "", kValue, kAnyFile, kAt<&Project::sim_files>},
-    {"misc.files", "Miscellaneous files", "", kValue, kAnyFile, kAt<&Project::misc_files>},
-    {"ip", "IP instances", "", kValue, kAnyFile, kAt<&Project::ip_info, &IPInfo::ips>},
+    {kSimulationFilesKey, "Simulation files", "", kValue, kAnyFile, kAt<&Project::sim_files>},
+    {kMiscellaneousFilesKey, "Miscellaneous files", "", kValue, kAnyFile,
+     kAt<&Project::misc_files>},
+    {kIPInstancesKey, "IP instances", "", kValue, kAnyFile, kAt<&Project::ip_info, &IPInfo::ips>},
 };
 
 constexpr FlowProcessTerm kFlowProcessTerms[] = {
     {"name", "name", "", kFormat, kNoFile, kAt<&Process::name>},
-    {"tool", "tool", "", kValue, kNoFile, kAt<&Process::tool_name>},
+    {kToolNameKey, "tool", "", kValue, kNoFile, kAt<&Process::tool_name>},
     {"", "Parameters", "", kValue, kNoFile, kAt<&Process::parameter_maps>},
     {"parameters", "Plain parameters", "", kMemory, kNoFile, kAt<&Process::parameters>},
 };
@@ -100,7 +102,7 @@ constexpr DesignFileTerm kDesignFileTerms[] = {
 constexpr IPTerm kIPTerms[] = {
     {"instance_name", "instance name", "", kValue, kNoFile, kAt<&IP::instance_name>},
     {"path", "path", "", kValue, kAnyFile, kAt<&IP::path>},
-    {"files", "source files", "", kValue, kAnyFile, kAt<&IP::src_files>},
+    {kIPSourceFilesKey, "source files", "", kValue, kAnyFile, kAt<&IP::src_files>},
 };
 
 template <typename Entry, std::size_t kSize>

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include <fmt/format.h>
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMImplementation.hpp>
 
@@ -31,7 +32,7 @@ inline void SetInfoAttribute(xml::ElementWriter& writer, xercesc::DOMElement* ro
   try {
     writer.SetQualifiedAttribute(root, name, value);
   } catch (const Failure& failure) {
-    throw Failure("info." + name + ": " + failure.what());
+    throw Failure(fmt::format("{}.{}: {}", kInfoAttributesKey, name, failure.what()));
   }
 }
 

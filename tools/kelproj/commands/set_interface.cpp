@@ -1,4 +1,5 @@
 #include <projectdb/project_contents.h>
+#include <projectdb/vocabulary.h>
 
 #include "commands/changing.h"
 #include "keys.h"
@@ -10,7 +11,7 @@ namespace kelproj {
 
 ExitStatus Run(const SetInterfaceArguments& arguments, const Console& console) {
   RequireName(arguments.path);
-  const Key key = FindKey("constraint.interface");
+  const Key key = FindKey(projectdb::kInterfaceConstraintFileKey);
   std::optional<std::string> doubt;
   ChangeValues(arguments.file, console, [&](projectdb::ProjectContents& project) {
     key.write(project, arguments.path, std::nullopt);

@@ -59,10 +59,22 @@ TextTable Rows(const std::vector<std::string>& names) {
   return table;
 }
 
+// The texts of an entry, side by side.
+template <typename Terms, typename Record>
+std::vector<std::string> Row(const Terms& terms, const Record& record) {
+  std::vector<std::string> row;
+  for (const auto& term : terms) {
+    const auto* access = std::get_if<Access<Record, std::string>>(&term.access);
+    if (access) row.push_back((*access)(record));
+  }
+  return row;
+}
+
 TextTable Rows(const std::vector<DesignFile>& files) {
   TextTable table;
   for (const DesignFile& file : files) {
-    table.push_back({OrNone(file.name), file.version, file.library});
+    table.push_back(Row(projectdb::DesignFileTerms(), file));
+    table.back().front() = OrNone(file.name);
   }
   return table;
 }
@@ -70,7 +82,7 @@ TextTable Rows(const std::vector<DesignFile>& files) {
 TextTable Rows(const std::vector<projectdb::IP>& ips) {
   TextTable table;
   for (const projectdb::IP& ip : ips) {
-    table.push_back({ip.instance_name, ip.path});
+    table.push_back(Row(projectdb::IPTerms(), ip));
     for (const projectdb::IPSrcFile& file : ip.src_files) table.push_back({"", file.name});
   }
   return table;
