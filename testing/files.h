@@ -4,10 +4,14 @@
 #include <iterator>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 
 #include "testing/native_path.h"
 
 namespace test_support {
+
+/// What the system says of an errno.
+inline std::string TextOfErrno(int error) { return std::generic_category().message(error); }
 
 inline std::string ReadFile(const std::string& path) {
   std::ifstream in(NativePath(path), std::ios::binary);

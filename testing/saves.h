@@ -29,6 +29,10 @@ inline std::string WritingError(const std::string& path, const std::string& reas
   return "Failed writing XML file " + path + ": " + reason + "\n";
 }
 
+inline std::string WritingError(const std::string& path, int error) {
+  return WritingError(path, TextOfErrno(error));
+}
+
 /// The names of all that a directory holds, in alphabetical order.
 inline std::vector<std::string> NamesIn(const std::filesystem::path& directory) {
   std::vector<std::string> names;

@@ -85,13 +85,13 @@ TEST_F(LocatedParsing, ParseLocated_EmptyAndNestedElements_EachHaveTheirOwnPlace
 TEST_F(LocatedParsing, ParseLocated_FatalError_KeepsTheDocumentUpToIt) {
   LocatedParse parse = ParseBytes("<r><a/>\n<b></r>");
   EXPECT_THAT(PlacesOfChildren(parse), ElementsAre("a 1:4", "b 2:1"));
-  EXPECT_THAT(ShowProblems(parse), ElementsAre("2:6 error: expected end of tag 'b'"));
+  EXPECT_THAT(ShowProblems(parse), ElementsAre(StartsWith("2:6 error: ")));
 }
 
 TEST_F(LocatedParsing, ParseLocated_ParserWarning_IsAWarning) {
   const std::string bytes = "<?xml version=\"1.0\" encoding=\"UTF-16\"?><r/>";
   EXPECT_THAT(ShowProblems(ParseBytes(bytes)),
-              ElementsAre(StartsWith("1:40 warning: encoding 'UTF-16' ")));
+              ElementsAre(AllOf(StartsWith("1:40 warning: "), HasSubstr("UTF-16"))));
 }
 
 TEST_F(LocatedParsing, ParseLocated_SchemaThatCannotBeRead_GivesNoDocument) {

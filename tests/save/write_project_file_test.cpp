@@ -1,5 +1,6 @@
 #include <projectdb/project_file.h>
 
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <functional>
@@ -453,7 +454,7 @@ TEST_F(WritingFile, ContentsThatNoFileCanHold_LeaveTheFormerFile) {
 
 TEST_F(WritingFile, PathThatCanHoldNoFile_IsRefusedWithItsReason) {
   std::filesystem::create_directory(path());
-  EXPECT_EQ(WriteError(contents_), WritingError(path(), "Is a directory"));
+  EXPECT_EQ(WriteError(contents_), WritingError(path(), EISDIR));
 }
 
 TEST_F(WritingFile, EmptyPath_IsRefused) {

@@ -33,12 +33,6 @@ bool IsSchemaNotFound(const xercesc::DOMError& error) {
   return !IsError(error) && (!uri || !*uri);
 }
 
-// The parser has one text for all that may not stand before the root.
-std::string Explained(const std::string& message) {
-  if (message != "invalid document structure") return message;
-  return message + ": expected the root element, with no document type declaration before it";
-}
-
 /// Collects all problems of a parse, those of its schemas too.
 class ProblemCollector : public KelProjectDbErrorHandler {
  public:
@@ -66,7 +60,7 @@ class ProblemCollector : public KelProjectDbErrorHandler {
     const bool is_error = IsError(error);
     const xercesc::DOMLocator& location = *error.getLocation();
     const std::string uri = transcoder_.ToUtf8(location.getURI());
-    const std::string message = Explained(transcoder_.ToUtf8(error.getMessage()));
+    const std::string message = transcoder_.ToUtf8(error.getMessage());
     if (uri.empty()) return {is_error, {}, "the file cannot be read: " + message};
     if (uri == uri_) {
       return {is_error, {location.getLineNumber(), location.getColumnNumber()}, message};

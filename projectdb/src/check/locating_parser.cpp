@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 
+#include <xercesc/framework/XMLErrorCodes.hpp>
 #include <xercesc/internal/ReaderMgr.hpp>
 #include <xercesc/internal/XMLScanner.hpp>
 #include <xercesc/util/XMLExceptMsgs.hpp>
@@ -36,6 +37,12 @@ bool IsOfUtf8(unsigned int code, const XMLCh* domain) {
       xercesc::XMLExcepts::UTF8_Exceeds_BytesLimit};
   return xercesc::XMLString::equals(domain, xercesc::XMLUni::fgExceptDomain) &&
          std::find(kCodes.begin(), kCodes.end(), code) != kCodes.end();
+}
+
+// The parser has one text for all that may not stand before the root.
+bool IsOfProlog(unsigned int code, const XMLCh* domain) {
+  return xercesc::XMLString::equals(domain, xercesc::XMLUni::fgXMLErrDomain) &&
+         code == xercesc::XMLErrs::InvalidDocumentStructure;
 }
 
 // The parser decodes a file in large blocks, so that it cannot say where in one the error is. What
@@ -112,6 +119,9 @@ class LocatingParser : public xml::DomParser {
     if (IsOfUtf8(code, domain)) {
       position = PlaceOfBadText(xml::TranscodeXMLString(system_id), source_).value_or(position);
       message.insert(0, u"the text is not UTF-8: ");
+    }
+    if (IsOfProlog(code, domain)) {
+      message += u": expected the root element, with no document type declaration before it";
     }
     DomParser::error(code, domain, type, message.c_str(), system_id, public_id, position.line,
                      position.column);

@@ -46,19 +46,19 @@ TEST_F(ReadingFile, PipeWithTextThatIsNoUtf8_IsReadOnceAlone) {
 TEST_F(ReadingFile, SystemThatOpensNoMoreFiles_IsAnErrorWithItsReason) {
   Write("p.xml", CompleteProjectXml());
   const FilteredCalls calls(FailCall("open", 1, EMFILE));
-  EXPECT_THAT(ErrorsOf(Read()), ElementsAre("the file cannot be read: Too many open files"));
+  EXPECT_THAT(ErrorsOf(Read()), ElementsAre("the file cannot be read: " + TextOfErrno(EMFILE)));
 }
 
 TEST_F(ReadingFile, Directory_IsAnErrorWithItsReason) {
   std::filesystem::create_directory(path());
-  EXPECT_THAT(ErrorsOf(Read()), ElementsAre("the file cannot be read: Is a directory"));
+  EXPECT_THAT(ErrorsOf(Read()), ElementsAre("the file cannot be read: " + TextOfErrno(EISDIR)));
 }
 
 TEST_F(ReadingFile, FirstReadThatFails_IsAnErrorWithItsReason) {
   Write("p.xml", CompleteProjectXml());
   const FilteredCalls calls(FailCall("read", 1, EIO));
   const ProjectFile file = Read();
-  EXPECT_THAT(ErrorsOf(file), ElementsAre("the file cannot be read: Input/output error"));
+  EXPECT_THAT(ErrorsOf(file), ElementsAre("the file cannot be read: " + TextOfErrno(EIO)));
   EXPECT_FALSE(file.contents);
 }
 
@@ -66,14 +66,14 @@ TEST_F(ReadingFile, LaterReadThatFails_IsAnErrorWithItsReasonAndGivesNoContents)
   Write("p.xml", ProjectXml("<!--" + std::string(200'000, '.') + "-->"));
   const FilteredCalls calls(FailCall("read", 3, EIO));
   const ProjectFile file = Read();
-  EXPECT_THAT(ErrorsOf(file), ElementsAre("the file cannot be read: Input/output error"));
+  EXPECT_THAT(ErrorsOf(file), ElementsAre("the file cannot be read: " + TextOfErrno(EIO)));
   EXPECT_FALSE(file.contents);
 }
 
 TEST_F(ReadingFile, FileOfWhichTheSystemDoesNotTell_IsAnErrorWithItsReason) {
   Write("p.xml", CompleteProjectXml());
   const FilteredCalls calls(FailCall("stat", 1, EIO));
-  EXPECT_THAT(ErrorsOf(Read()), ElementsAre("the file cannot be read: Input/output error"));
+  EXPECT_THAT(ErrorsOf(Read()), ElementsAre("the file cannot be read: " + TextOfErrno(EIO)));
 }
 
 TEST_F(ReadingFile, RestThatCannotBeRead_IsAnErrorAndGivesNoContents) {
@@ -88,7 +88,7 @@ TEST_F(ReadingFile, RestThatCannotBeRead_IsAnErrorAndGivesNoContents) {
   }
   const FilteredCalls calls(FailCall("read", reads, EIO));
   const ProjectFile file = Read();
-  EXPECT_THAT(ErrorsOf(file), ElementsAre("the file cannot be read: Input/output error"));
+  EXPECT_THAT(ErrorsOf(file), ElementsAre("the file cannot be read: " + TextOfErrno(EIO)));
   EXPECT_FALSE(file.contents);
 }
 
@@ -106,7 +106,7 @@ TEST_F(ReadingFile, FileThatCannotBeRead_HasAVersionWithoutItsBytes) {
       SCOPED_TRACE(name + std::to_string(number));
       const FilteredCalls calls(FailCall(name, number, EIO));
       const ProjectFile file = Read();
-      EXPECT_THAT(ErrorsOf(file), Contains("the file cannot be read: Input/output error"));
+      EXPECT_THAT(ErrorsOf(file), Contains("the file cannot be read: " + TextOfErrno(EIO)));
       EXPECT_EQ(file.version.file, version.file);
       EXPECT_EQ(file.version.size, version.size);
       EXPECT_EQ(file.version.bytes_digest, 0U);

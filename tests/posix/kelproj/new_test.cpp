@@ -18,7 +18,7 @@ TEST_F(NewOnPosix, DirectoryThatCannotBeEntered_Fails) {
   std::filesystem::create_directory(PathOf("closed"));
   const Permissions closed(PathOf("closed"), 0);
   EXPECT_EQ(RunUnprivileged({"new", "blinker", "-o", "closed/blinker.xml"}),
-            Failed("closed/blinker.xml: Permission denied"));
+            Failed("closed/blinker.xml: " + TextOfErrno(EACCES)));
 }
 
 TEST_F(NewOnPosix, FileWithBlanksQuotesAndUmlauts_IsCreatedUnderThatName) {

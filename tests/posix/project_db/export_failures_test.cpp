@@ -1,3 +1,4 @@
+#include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -56,7 +57,7 @@ TEST_F(ExportFailuresOnPosix, ExportProjectData_NotPermitted_ThrowsAndLeavesEver
 TEST_F(ExportFailuresOnPosix, ExportProjectData_FullDevice_IsAnErrorAndLeavesTheProjectUsable) {
   if (!std::filesystem::is_character_file("/dev/full")) GTEST_SKIP() << "no /dev/full";
   EXPECT_EQ(ErrorOfExport(database_, "/dev/full"),
-            "Failed writing XML file /dev/full: No space left on device\n");
+            "Failed writing XML file /dev/full: " + TextOfErrno(ENOSPC) + "\n");
   database_.ExportProjectData(path_);
   EXPECT_EQ(ReadXmlFile(path_).attributes.at("name"), "soc");
 }
@@ -75,7 +76,7 @@ std::string ExportUnderLimits(const KelProjectDatabase& database, const std::str
     limit.rlim_cur = size;
     if (setrlimit(RLIMIT_FSIZE, &limit) != 0) throw std::runtime_error("setrlimit failed");
     const std::string error = ErrorOfExport(database, path);
-    if (error == "Failed writing XML file " + path + ": File too large\n") ++failed;
+    if (error == "Failed writing XML file " + path + ": " + TextOfErrno(EFBIG) + "\n") ++failed;
     if (error.empty() && std::filesystem::file_size(path) == whole_size) ++whole;
   }
   return std::to_string(failed) + " failed, " + std::to_string(whole) + " whole, " +
@@ -165,7 +166,7 @@ TEST_F(ExportFailuresOnPosix, ExportProjectData_FullFileSystem_IsAnErrorHoweverM
   const std::string errors =
       InChildProcess([&] { return ExportToSmallFileSystem(database_, directory_.path(), rooms); });
   if (errors == "cannot mount") GTEST_SKIP() << errors;
-  EXPECT_EQ(errors, "Failed writing XML file " + path_ + ": No space left on device\n");
+  EXPECT_EQ(errors, "Failed writing XML file " + path_ + ": " + TextOfErrno(ENOSPC) + "\n");
 }
 
 }  // namespace

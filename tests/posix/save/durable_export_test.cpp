@@ -1,4 +1,5 @@
 #include <atomic>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -246,13 +247,13 @@ TEST_F(DurableExportThroughLink, AsManyLinksAsTheSystemFollows_ReplacesTheLastTa
 TEST_F(DurableExportThroughLink, Loop_IsAnError) {
   Link("2.xml", link_);
   Link("l.xml", directory_ / "links/2.xml");
-  EXPECT_EQ(SaveError(database_, link_), WritingError(link_, "Too many levels of symbolic links"));
+  EXPECT_EQ(SaveError(database_, link_), WritingError(link_, ELOOP));
   EXPECT_THAT(NamesIn(directory_ / "links"), ElementsAre("2.xml", "l.xml"));
 }
 
 TEST_F(DurableExportThroughLink, LinkIntoAMissingDirectory_IsAnErrorAndStays) {
   Link("../missing/p.xml", link_);
-  EXPECT_EQ(SaveError(database_, link_), WritingError(link_, "No such file or directory"));
+  EXPECT_EQ(SaveError(database_, link_), WritingError(link_, ENOENT));
   EXPECT_EQ(std::filesystem::read_symlink(link_), "../missing/p.xml");
 }
 
@@ -263,18 +264,18 @@ TEST_F(DurableExport, BadPath_IsAnErrorWithTheReasonOfTheSystemAndChangesNothing
   std::filesystem::create_symlink("directory", directory_ / "link_to_directory");
   std::filesystem::create_symlink("pipe", directory_ / "link_to_pipe");
   const std::pair<std::string, std::string> cases[] = {
-      {"missing/p.xml", "No such file or directory"},
-      {"missing/", "No such file or directory"},
-      {"directory", "Is a directory"},
-      {"directory/", "Is a directory"},
-      {"directory/.", "Is a directory"},
-      {"file/p.xml", "Not a directory"},
-      {"file/", "Not a directory"},
-      {"p.xml\0.xml"s, "Invalid argument"},
-      {std::string(256, 'n'), "File name too long"},
+      {"missing/p.xml", TextOfErrno(ENOENT)},
+      {"missing/", TextOfErrno(ENOENT)},
+      {"directory", TextOfErrno(EISDIR)},
+      {"directory/", TextOfErrno(EISDIR)},
+      {"directory/.", TextOfErrno(EISDIR)},
+      {"file/p.xml", TextOfErrno(ENOTDIR)},
+      {"file/", TextOfErrno(ENOTDIR)},
+      {"p.xml\0.xml"s, TextOfErrno(EINVAL)},
+      {std::string(256, 'n'), TextOfErrno(ENAMETOOLONG)},
       {"pipe", "not a regular file"},
       {"link_to_pipe", "not a regular file"},
-      {"link_to_directory", "Is a directory"}};
+      {"link_to_directory", TextOfErrno(EISDIR)}};
   const std::vector<std::string> names = NamesIn(directory_.path());
   for (const auto& [name, reason] : cases) {
     const std::string path = directory_ / name;
@@ -292,7 +293,7 @@ TEST_F(DurableExport, RelativePathInARemovedDirectory_IsAnError) {
   std::filesystem::create_directory("removed");
   std::filesystem::current_path("removed");
   std::filesystem::remove(directory_ / "removed");
-  EXPECT_EQ(SaveError(database_, "p.xml"), WritingError("p.xml", "No such file or directory"));
+  EXPECT_EQ(SaveError(database_, "p.xml"), WritingError("p.xml", ENOENT));
 }
 
 // A device of the test's own: a save that goes wrong must not replace one of the machine's.
@@ -348,7 +349,7 @@ TEST_F(FailingDurableExport, DirectoryOrFileThatIsNotPermitted_IsAnErrorAndLeave
     SetMode(path_, file);
     SetMode(directory_.path(), directory);
     EXPECT_EQ(AsOrdinaryUser([&] { return SaveError(database_, path_); }),
-              WritingError(path_, "Permission denied"));
+              WritingError(path_, EACCES));
     SetMode(directory_.path(), 0700);
     EXPECT_EQ(StatusOf(path_).st_ino, former_file);
     EXPECT_EQ(ReadFile(path_), former);
@@ -376,12 +377,12 @@ TEST_F(FailingDurableExport, FileSizeLimitBelowTheWhole_IsAnErrorAndLeavesTheFor
   std::vector<std::size_t> limits(SizeOfNext());
   for (std::size_t size = 0; size < limits.size(); ++size) limits[size] = size;
   EXPECT_EQ(SaveUnderSizeLimits(limits, [&] { return SaveErrorWithoutTrace(); }),
-            Repeated(WritingError(path_, "File too large"), limits.size()));
+            Repeated(WritingError(path_, EFBIG), limits.size()));
   AddManyFiles();
   const std::size_t size = SizeOfNext();
   limits = {0, 1, 4096, 262143, 262144, 262145, size / 2, size - 1};
   EXPECT_EQ(SaveUnderSizeLimits(limits, [&] { return SaveErrorWithoutTrace(); }),
-            Repeated(WritingError(path_, "File too large"), limits.size()));
+            Repeated(WritingError(path_, EFBIG), limits.size()));
   EXPECT_EQ(SaveUnderSizeLimits({size}, [&] { return SaveErrorWithoutTrace(); }), "");
   EXPECT_EQ(NameInFile(path_), "next");
 }
@@ -390,7 +391,7 @@ TEST_F(FailingDurableExport, TooFewFilesMayBeOpen_IsAnErrorAndLeavesTheFormerFil
   if (kSanitized) GTEST_SKIP() << "the sanitizer needs files of its own";
   const FileState former(path_);
   const auto judge = [&](const std::string& error) {
-    EXPECT_EQ(error, WritingError(path_, "Too many open files"));
+    EXPECT_EQ(error, WritingError(path_, EMFILE));
     EXPECT_EQ(FileState(path_), former);
     EXPECT_THAT(NamesIn(directory_.path()), ElementsAre("p.xml"));
   };
@@ -426,7 +427,7 @@ TEST_F(FailingDurableExport, FullFileSystem_IsAnErrorHoweverMuchFitsAndLeavesThe
     return text;
   });
   if (errors == "cannot mount") GTEST_SKIP() << errors;
-  EXPECT_EQ(errors, Repeated(WritingError(path_, "No space left on device"), rooms.size()));
+  EXPECT_EQ(errors, Repeated(WritingError(path_, ENOSPC), rooms.size()));
 }
 
 TEST_F(FailingDurableExport, FileSystemThatRefusesTheSave_IsAnErrorAndLeavesTheFormerFile) {
@@ -434,14 +435,14 @@ TEST_F(FailingDurableExport, FileSystemThatRefusesTheSave_IsAnErrorAndLeavesTheF
     const char* options;
     /// Makes it refuse; it already holds the former file. @return whether that can be done
     bool (*refuse)(const std::string& directory);
-    const char* reason;
-  } const cases[] = {{"nr_inodes=2", [](auto&) { return true; }, "No space left on device"},
+    int reason;
+  } const cases[] = {{"nr_inodes=2", [](auto&) { return true; }, ENOSPC},
                      {nullptr,
                       [](auto& directory) {
                         return ::mount(nullptr, directory.c_str(), nullptr, MS_REMOUNT | MS_RDONLY,
                                        nullptr) == 0;
                       },
-                      "Read-only file system"},
+                      EROFS},
                      {nullptr,
                       [](auto& directory) {
                         const std::string file = directory + "/p.xml";
@@ -449,7 +450,7 @@ TEST_F(FailingDurableExport, FileSystemThatRefusesTheSave_IsAnErrorAndLeavesTheF
                         WriteFile(other, ReadFile(file));
                         return ::mount(other.c_str(), file.c_str(), nullptr, MS_BIND, nullptr) == 0;
                       },
-                      "Device or resource busy"}};
+                      EBUSY}};
   for (const auto& [options, refuse, reason] : cases) {
     const std::string error = WithFileSystem(directory_.path(), options, [&, make = refuse] {
       WriteFormer(path_);
@@ -465,7 +466,7 @@ TEST_F(FailingDurableExport, NewFileOnAReadOnlyFileSystem_IsAnError) {
   const std::string error =
       WithFileSystem(directory_.path(), "ro", [&] { return SaveError(database_, path); });
   if (error == "cannot mount") GTEST_SKIP() << error;
-  EXPECT_EQ(error, WritingError(path, "Read-only file system"));
+  EXPECT_EQ(error, WritingError(path, EROFS));
 }
 
 }  // namespace

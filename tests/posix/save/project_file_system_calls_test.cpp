@@ -8,7 +8,6 @@
 #include <ostream>
 #include <stdexcept>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -40,8 +39,6 @@ using testing::Pair;
 using testing::UnorderedElementsAre;
 
 constexpr int kErrors[] = {EIO, ENOSPC, EINTR};
-
-std::string TextOfErrno(int error) { return std::generic_category().message(error); }
 
 /// The names of the calls that an action makes.
 template <typename Action>

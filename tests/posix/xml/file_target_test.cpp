@@ -1,7 +1,9 @@
+#include <cerrno>
 #include <filesystem>
 #include <memory>
 
 #include "base/failure.h"
+#include "testing/files.h"
 #include "testing/test.h"
 #include "testing/xml_platform.h"
 #include "xml/file_target.h"
@@ -33,13 +35,13 @@ class FullFileTarget : public testing::Test {
 
 TEST_F(FullFileTarget, Close_FailedAtTheEnd_ThrowsTheReason) {
   Write("x");
-  EXPECT_EQ(CloseError(), "No space left on device");
+  EXPECT_EQ(CloseError(), TextOfErrno(ENOSPC));
 }
 
 TEST_F(FullFileTarget, Close_FailedWhileWriting_ThrowsTheReasonNotBefore) {
   EXPECT_NO_THROW(Write(std::string(1000000, 'x')));
   EXPECT_NO_THROW(Write("more"));
-  EXPECT_EQ(CloseError(), "No space left on device");
+  EXPECT_EQ(CloseError(), TextOfErrno(ENOSPC));
 }
 
 TEST_F(FullFileTarget, Destruction_WithoutClose_DoesNotThrow) {

@@ -1,3 +1,4 @@
+#include <cerrno>
 #include <chrono>
 #include <string>
 #include <vector>
@@ -70,7 +71,7 @@ TEST_F(LockOnWindows, EmptyFileThatAProcessLeftBehind_IsTakenForTheLock) {
 TEST_F(LockOnWindows, NoFileOrADirectory_IsRefused) {
   EXPECT_EQ(
       ErrorOf([&] { const ProjectFileLock lock(directory_ / "none.xml"); }),
-      "Failed locking XML file " + (directory_ / "none.xml") + ": No such file or directory\n");
+      "Failed locking XML file " + (directory_ / "none.xml") + ": " + TextOfErrno(ENOENT) + "\n");
   EXPECT_NE(ErrorOf([&] { const ProjectFileLock lock(directory_.path().string()); }), "");
 }
 

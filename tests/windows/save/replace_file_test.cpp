@@ -1,3 +1,4 @@
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -134,7 +135,7 @@ TEST_F(SaveOnWindows, AnyCallFails_LeavesTheFormerFileOrTheNewOneAndNoOther) {
     EXPECT_EQ(IsSaved(), error.empty());
     if (error.empty()) continue;
     // Why the file could not be written, or that it could not be when it was tried again.
-    EXPECT_THAT(error, AnyOf(WritingError(path_, "No space left on device"),
+    EXPECT_THAT(error, AnyOf(WritingError(path_, ENOSPC),
                              WritingError(path_, "the temporary file could not be opened")));
     ExpectUntouched();
   }
@@ -155,7 +156,7 @@ TEST_F(SaveOnWindows, RenamingIsUnknownAndMovingFails_LeavesTheFormerFile) {
     if (call.name == std::string("RenameOpenFile")) return ERROR_INVALID_PARAMETER;
     return call.name == std::string("MoveFileEx") ? ERROR_DISK_FULL : 0L;
   });
-  EXPECT_EQ(Save(), WritingError(path_, "No space left on device"));
+  EXPECT_EQ(Save(), WritingError(path_, ENOSPC));
   ExpectUntouched();
 }
 
@@ -174,7 +175,7 @@ TEST_F(SaveOnWindows, FileIsOpenToOthersWhoDoNotLetItGo_IsLeftAsItWas) {
   const HANDLE open =
       CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
   ASSERT_NE(open, INVALID_HANDLE_VALUE);
-  EXPECT_EQ(Save(), WritingError(path_, "Permission denied"));
+  EXPECT_EQ(Save(), WritingError(path_, EACCES));
   CloseHandle(open);
   ExpectUntouched();
   EXPECT_EQ(Save(), "");
@@ -184,7 +185,7 @@ TEST_F(SaveOnWindows, FileIsOpenToOthersWhoDoNotLetItGo_IsLeftAsItWas) {
 TEST_F(SaveOnWindows, ReadOnlyFile_IsRefused) {
   const std::wstring name = NativePath(path_).native();
   ASSERT_TRUE(SetFileAttributesW(name.c_str(), FILE_ATTRIBUTE_READONLY));
-  EXPECT_EQ(Save(), WritingError(path_, "Permission denied"));
+  EXPECT_EQ(Save(), WritingError(path_, EACCES));
   ExpectUntouched();
   SetFileAttributesW(name.c_str(), FILE_ATTRIBUTE_NORMAL);
 }
