@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 #include <dlfcn.h>
@@ -26,12 +28,15 @@ class CallStack {
 /// A function that a shared library exports.
 class LibraryFunction {
  public:
-  /// @param symbol the mangled name; one that no library has stands for no function
+  /// @param symbol the mangled name
+  /// @exception std::invalid_argument if no library has it
   explicit LibraryFunction(const char* symbol) {
     void* const address = dlsym(RTLD_DEFAULT, symbol);
     Dl_info info;
     void* entry = nullptr;
-    if (address == nullptr || dladdr1(address, &info, &entry, RTLD_DL_SYMENT) == 0) return;
+    if (address == nullptr || dladdr1(address, &info, &entry, RTLD_DL_SYMENT) == 0) {
+      throw std::invalid_argument(std::string("no library has ") + symbol);
+    }
     begin_ = reinterpret_cast<std::uintptr_t>(address);
     size_ = static_cast<const ElfW(Sym)*>(entry)->st_size;
   }
