@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -34,6 +35,24 @@ class FilteredCalls {
 inline projectdb::files::SystemCallFilter FailCall(const std::string& name, int number, int error) {
   return [=, count = std::make_shared<int>(0)](const projectdb::files::SystemCall& call) {
     return call.name == name && ++*count == number ? error : 0;
+  };
+}
+
+/// Acts before the first call of a name that comes behind one of another name, if that is not "".
+/// @param act gives the error with which the call fails, or 0
+inline projectdb::files::SystemCallFilter AtCallBehind(const std::string& former,
+                                                       const std::string& name,
+                                                       std::function<int()> act) {
+  struct State {
+    bool is_behind;
+    bool has_acted;
+  };
+  const auto state = std::make_shared<State>(State{former.empty(), false});
+  return [=](const projectdb::files::SystemCall& call) {
+    const bool is_meant = state->is_behind && !state->has_acted && call.name == name;
+    state->is_behind = state->is_behind || call.name == former;
+    state->has_acted = state->has_acted || is_meant;
+    return is_meant ? act() : 0;
   };
 }
 

@@ -39,7 +39,7 @@ TEST_F(WritingFile, TooFewFilesMayBeOpen_IsAnErrorAndLeavesTheFormerFile) {
   Write("p.xml", ProjectXml("", "name=\"former\""));
   const FileState former(path());
   const auto judge = [&](const std::string& error) {
-    EXPECT_EQ(error, WritingError(path(), "Too many open files"));
+    EXPECT_EQ(error, WritingError(path(), EMFILE));
     EXPECT_EQ(FileState(path()), former);
     EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
   };
@@ -61,9 +61,9 @@ TEST_F(WritingFile, ExpectedVersionThatCannotBeRead_IsNotTouchedAndTheReasonTold
   Write("p.xml", CompleteProjectXml());
   const FileState before(path());
   const WriteOptions options = ExpectingTheFile();
-  // The first opening is that of the lock.
   const std::vector<SystemCallFilter> failures = {
-      FailCall("open", 2, EACCES), FailCall("read", 1, EACCES), FailCall("read", 2, EACCES)};
+      AtCallBehind("flock", "open", [] { return EACCES; }), FailCall("read", 1, EACCES),
+      FailCall("read", 2, EACCES)};
   for (const SystemCallFilter& failure : failures) {
     const FilteredCalls calls(failure);
     try {
@@ -72,7 +72,7 @@ TEST_F(WritingFile, ExpectedVersionThatCannotBeRead_IsNotTouchedAndTheReasonTold
     } catch (const ProjectFileChanged& error) {
       ADD_FAILURE() << error.what();
     } catch (const std::runtime_error& error) {
-      EXPECT_EQ(error.what(), WritingError(path(), "it cannot be read: Permission denied"));
+      EXPECT_EQ(error.what(), WritingError(path(), "it cannot be read: " + TextOfErrno(EACCES)));
     }
     EXPECT_EQ(FileState(path()), before);
     EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
@@ -82,11 +82,10 @@ TEST_F(WritingFile, ExpectedVersionThatCannotBeRead_IsNotTouchedAndTheReasonTold
 TEST_F(WritingFile, ExpectedVersionThatIsRemovedBeforeItIsRead_IsAChange) {
   Write("p.xml", CompleteProjectXml());
   const WriteOptions options = ExpectingTheFile();
-  int openings = 0;
-  const FilteredCalls calls([&](const SystemCall& call) {
-    if (call.name == std::string("open") && ++openings == 2) std::filesystem::remove(path());
+  const FilteredCalls calls(AtCallBehind("flock", "open", [&] {
+    std::filesystem::remove(path());
     return 0;
-  });
+  }));
   EXPECT_THROW(WriteProjectFile(path(), contents_, options), ProjectFileChanged);
   EXPECT_THAT(NamesIn(directory.path()), IsEmpty());
 }
@@ -178,7 +177,7 @@ TEST_F(WritingFile, FileThatChangesWhileTheNewOneIsMade_IsNotTouched) {
 TEST_F(WritingFile, FileInADirectoryThatMayNotBeWritten_IsLeftWithTheReason) {
   const Denied denied(directory.path());
   if (!denied.effective()) GTEST_SKIP() << "permissions do not bind here";
-  EXPECT_EQ(WriteError(contents_), WritingError(path(), "Permission denied"));
+  EXPECT_EQ(WriteError(contents_), WritingError(path(), EACCES));
 }
 
 TEST_F(WritingFile, AbandonedTemporaryFile_IsRemovedWhileNobodyElseCanLockIt) {
@@ -265,7 +264,7 @@ TEST_F(WritingFile, ExpectedVersionThatCannotBeLockedNow_IsNotTouchedAndTheReaso
   contents.project_name = "next";
   for (const char* name : {"open", "flock"}) {
     const FilteredCalls calls(FailCall(name, 1, EIO));
-    EXPECT_EQ(WriteError(contents, options), WritingError(path(), "Input/output error"));
+    EXPECT_EQ(WriteError(contents, options), WritingError(path(), EIO));
     EXPECT_EQ(FileState(path()), before);
   }
 }
