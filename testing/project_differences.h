@@ -7,7 +7,9 @@
 #include <projectdb/project_contents.h>
 #include <projectdb/project_db.h>
 
-/// The one way in which tests compare projects: by the lines in which they differ.
+/// The way in which tests compare projects: by the lines in which they differ. Only where a fault
+/// of the comparison must not hide itself, and where maps without parameters count, do they compare
+/// the rows of generated_projects.h.
 namespace test_support {
 
 using Lines = std::vector<std::string>;

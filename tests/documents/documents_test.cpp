@@ -167,8 +167,8 @@ std::vector<std::string> NamedPaths(const std::string& document) {
 /// All files and directories that are no product of a build, directories with a slash at the end.
 std::vector<std::string> SourceTree() {
   std::vector<std::string> paths;
-  for (const char* const top :
-       {"common", "docs", "fuzz", "projectdb", "schema", "scripts", "testing", "tests", "tools"}) {
+  for (const char* const top : {"bench", "common", "docs", "fuzz", "projectdb", "schema", "scripts",
+                                "testing", "tests", "tools"}) {
     paths.push_back(std::string("/") + top + "/");
     for (const auto& entry : std::filesystem::recursive_directory_iterator(SourcePath(top))) {
       paths.push_back(entry.path().string() + (entry.is_directory() ? "/" : ""));
