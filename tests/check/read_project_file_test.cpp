@@ -6,10 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "testing/file_state.h"
+#include "testing/test.h"
 #include "tests/check/read_file.h"
 #include "xml/file_uri.h"
 
@@ -17,10 +15,6 @@ namespace {
 
 using namespace projectdb;
 using namespace test_support;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::StartsWith;
 
 TEST_F(ReadingFile, GoodFile_GivesTheContentsOfALoad) {
   const ProjectFile file = ReadBytes(CompleteProjectXml());

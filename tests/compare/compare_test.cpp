@@ -10,9 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <rapidcheck.h>
+#include <rapidcheck/gtest.h>
 
 #include <projectdb/project_db.h>
 
@@ -20,21 +18,13 @@
 #include "testing/complete_project.h"
 #include "testing/generated_projects.h"
 #include "testing/project_differences.h"
+#include "testing/test.h"
 
 namespace {
 
 using namespace projectdb;
-using test_support::AllDifferences;
-using test_support::CompleteProject;
-using test_support::Lines;
-using test_support::OneFile;
-using test_support::PickTwoProjects;
-using test_support::RowsOf;
+using namespace test_support;
 using test_support::Show;
-using test_support::Text;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::SizeIs;
 
 Lines Differences(const ProjectContents& before, const ProjectContents& after) {
   return Show(CompareProjects(before, after));
@@ -377,41 +367,35 @@ rc::Gen<std::vector<DesignFile>> FileList() {
   return rc::gen::container<std::vector<DesignFile>>(OneFile());
 }
 
-TEST(CompareAnyProjects, CompareProjects_TwoProjects_GivesNothingOnlyIfTheyAreEqual) {
-  EXPECT_TRUE(rc::check([] {
-    const auto [before, after] = PickTwoProjects();
-    RC_ASSERT(Differences(before, after).empty() == (RowsOf(before) == RowsOf(after)));
-  }));
+RC_GTEST_PROP(CompareAnyProjects, CompareProjects_TwoProjects_GivesNothingOnlyIfTheyAreEqual, ()) {
+  const auto [before, after] = PickTwoProjects();
+  RC_ASSERT(Differences(before, after).empty() == (RowsOf(before) == RowsOf(after)));
 }
 
-TEST(CompareAnyProjects, CompareProjects_Exchanged_ExchangesBeforeAndAfter) {
-  EXPECT_TRUE(rc::check([] {
-    const auto [before, after] = PickTwoProjects();
-    auto differences = CompareProjects(after, before);
-    auto expected = CompareProjects(before, after);
-    for (ProjectDifference& difference : expected) std::swap(difference.before, difference.after);
-    for (auto* list : {&differences, &expected}) {
-      for (ProjectDifference& difference : *list) {
-        // A changed entry may have another place in the other project.
-        if (difference.before && difference.after) difference.where.clear();
-      }
+RC_GTEST_PROP(CompareAnyProjects, CompareProjects_Exchanged_ExchangesBeforeAndAfter, ()) {
+  const auto [before, after] = PickTwoProjects();
+  auto differences = CompareProjects(after, before);
+  auto expected = CompareProjects(before, after);
+  for (ProjectDifference& difference : expected) std::swap(difference.before, difference.after);
+  for (auto* list : {&differences, &expected}) {
+    for (ProjectDifference& difference : *list) {
+      // A changed entry may have another place in the other project.
+      if (difference.before && difference.after) difference.where.clear();
     }
-    RC_ASSERT(Show(differences) == Show(expected));
-  }));
+  }
+  RC_ASSERT(Show(differences) == Show(expected));
 }
 
-TEST(CompareAnyProjects, CompareProjects_Differences_AreChangesOfOneThingEach) {
-  EXPECT_TRUE(rc::check([] {
-    const auto [before, after] = PickTwoProjects();
-    std::vector<std::string> places;
-    for (const ProjectDifference& difference : CompareProjects(before, after)) {
-      RC_ASSERT(difference.before != difference.after);
-      const char* side = difference.before ? " before " : " after ";
-      places.push_back(difference.what + side + difference.where);
-    }
-    std::sort(places.begin(), places.end());
-    RC_ASSERT(std::adjacent_find(places.begin(), places.end()) == places.end());
-  }));
+RC_GTEST_PROP(CompareAnyProjects, CompareProjects_Differences_AreChangesOfOneThingEach, ()) {
+  const auto [before, after] = PickTwoProjects();
+  std::vector<std::string> places;
+  for (const ProjectDifference& difference : CompareProjects(before, after)) {
+    RC_ASSERT(difference.before != difference.after);
+    const char* side = difference.before ? " before " : " after ";
+    places.push_back(difference.what + side + difference.where);
+  }
+  std::sort(places.begin(), places.end());
+  RC_ASSERT(std::adjacent_find(places.begin(), places.end()) == places.end());
 }
 
 /// Makes of a list what its differences say.
@@ -446,27 +430,23 @@ std::vector<std::string> TextsOf(const std::vector<DesignFile>& files) {
   return texts;
 }
 
-TEST(CompareAnyLists, CompareProjects_DesignFiles_TurnTheOneListIntoTheOther) {
-  EXPECT_TRUE(rc::check([] {
-    const auto before = *FileList();
-    const auto after = *FileList();
-    const auto differences = CompareProjects(WithDesignFiles(before), WithDesignFiles(after));
-    RC_ASSERT(Apply(differences, TextsOf(before)) == TextsOf(after));
-  }));
+RC_GTEST_PROP(CompareAnyLists, CompareProjects_DesignFiles_TurnTheOneListIntoTheOther, ()) {
+  const auto before = *FileList();
+  const auto after = *FileList();
+  const auto differences = CompareProjects(WithDesignFiles(before), WithDesignFiles(after));
+  RC_ASSERT(Apply(differences, TextsOf(before)) == TextsOf(after));
 }
 
-TEST(CompareAnyLists, CompareProjects_FilesPutIn_GivesAsManyDifferences) {
-  EXPECT_TRUE(rc::check([] {
-    const auto before = *TextList();
-    auto after = before;
-    const auto places = *rc::gen::container<std::vector<std::size_t>>(
-        rc::gen::inRange<std::size_t>(0, before.size() + 1));
-    for (const std::size_t place : places) {
-      after.insert(after.begin() + static_cast<std::ptrdiff_t>(place), "new.sdc");
-    }
-    RC_ASSERT(CompareProjects(WithConstraintFiles(before), WithConstraintFiles(after)).size() ==
-              places.size());
-  }));
+RC_GTEST_PROP(CompareAnyLists, CompareProjects_FilesPutIn_GivesAsManyDifferences, ()) {
+  const auto before = *TextList();
+  auto after = before;
+  const auto places = *rc::gen::container<std::vector<std::size_t>>(
+      rc::gen::inRange<std::size_t>(0, before.size() + 1));
+  for (const std::size_t place : places) {
+    after.insert(after.begin() + static_cast<std::ptrdiff_t>(place), "new.sdc");
+  }
+  RC_ASSERT(CompareProjects(WithConstraintFiles(before), WithConstraintFiles(after)).size() ==
+            places.size());
 }
 
 }  // namespace

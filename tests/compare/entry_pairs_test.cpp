@@ -6,18 +6,16 @@
 #include <utility>
 #include <vector>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <rapidcheck.h>
+#include <rapidcheck/gtest.h>
+
+#include "testing/test.h"
 
 namespace {
 
+using namespace test_support;
 using projectdb::AlignedEntries;
 using projectdb::LongestAscent;
 using projectdb::PairEqualEntries;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Pair;
 
 using Pairs = std::vector<std::pair<std::size_t, std::size_t>>;
 
@@ -73,18 +71,16 @@ std::size_t LengthOfAscent(const std::vector<std::size_t>& numbers) {
   return lengths.empty() ? 0 : *std::max_element(lengths.begin(), lengths.end());
 }
 
-TEST(EntryPairs, LongestAscent_AnyOrder_GivesAsManyAsCanBe) {
-  EXPECT_TRUE(rc::check([] {
-    const auto numbers =
-        *rc::gen::unique<std::vector<std::size_t>>(rc::gen::inRange<std::size_t>(0, 1000));
-    const Pairs ascent = Show(LongestAscent(Numbered(numbers)));
-    RC_ASSERT(ascent.size() == LengthOfAscent(numbers));
-    for (const auto& [place, number] : ascent) RC_ASSERT(numbers.at(place) == number);
-    for (std::size_t i = 1; i < ascent.size(); ++i) {
-      RC_ASSERT(ascent[i - 1].first < ascent[i].first);
-      RC_ASSERT(ascent[i - 1].second < ascent[i].second);
-    }
-  }));
+RC_GTEST_PROP(EntryPairs, LongestAscent_AnyOrder_GivesAsManyAsCanBe, ()) {
+  const auto numbers =
+      *rc::gen::unique<std::vector<std::size_t>>(rc::gen::inRange<std::size_t>(0, 1000));
+  const Pairs ascent = Show(LongestAscent(Numbered(numbers)));
+  RC_ASSERT(ascent.size() == LengthOfAscent(numbers));
+  for (const auto& [place, number] : ascent) RC_ASSERT(numbers.at(place) == number);
+  for (std::size_t i = 1; i < ascent.size(); ++i) {
+    RC_ASSERT(ascent[i - 1].first < ascent[i].first);
+    RC_ASSERT(ascent[i - 1].second < ascent[i].second);
+  }
 }
 
 }  // namespace

@@ -12,9 +12,7 @@
 #include <variant>
 #include <vector>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <rapidcheck.h>
+#include <rapidcheck/gtest.h>
 
 #include <projectdb/project_contents.h>
 #include <projectdb/vocabulary.h>
@@ -22,17 +20,12 @@
 #include "testing/complete_project.h"
 #include "testing/generated_projects.h"
 #include "testing/project_differences.h"
+#include "testing/test.h"
 
 namespace {
 
 using namespace projectdb;
-using test_support::AllRowsOf;
-using test_support::CompleteProject;
-using test_support::Lines;
-using test_support::Rows;
-using test_support::RowsOf;
-using testing::ElementsAre;
-using testing::IsEmpty;
+using namespace test_support;
 
 std::string Shown(const std::optional<std::string>& text) { return text.value_or("nothing"); }
 
@@ -481,15 +474,15 @@ struct ThreeProjects {
 /// Makes something else of a project: of few entries, or of whole lists.
 void ChangeProject(ProjectContents& project) {
   if (*rc::gen::inRange(0, 4) > 0) {
-    test_support::EditProject(project, 10);
+    EditProject(project, 10);
   } else {
-    test_support::ChangeParts(project, 40);
+    ChangeParts(project, 40);
   }
 }
 
 ThreeProjects PickThreeProjects() {
   ThreeProjects projects;
-  test_support::ChangeParts(projects.base, 40);
+  ChangeParts(projects.base, 40);
   projects.ours = projects.theirs = projects.base;
   ChangeProject(projects.ours);
   ChangeProject(projects.theirs);
@@ -505,58 +498,48 @@ Rows SortedRows(Rows rows) {
   return rows;
 }
 
-TEST(MergedAnyProjects, MergeProjects_TheirsUnchanged_GivesOurs) {
-  EXPECT_TRUE(rc::check([] {
-    const ThreeProjects projects = PickThreeProjects();
-    const MergedProjects merged = MergeProjects(projects.base, projects.ours, projects.base);
-    RC_ASSERT(AllRowsOf(merged.contents) == AllRowsOf(projects.ours));
-    RC_ASSERT(Show(merged.conflicts).empty());
-  }));
+RC_GTEST_PROP(MergedAnyProjects, MergeProjects_TheirsUnchanged_GivesOurs, ()) {
+  const ThreeProjects projects = PickThreeProjects();
+  const MergedProjects merged = MergeProjects(projects.base, projects.ours, projects.base);
+  RC_ASSERT(AllRowsOf(merged.contents) == AllRowsOf(projects.ours));
+  RC_ASSERT(Show(merged.conflicts).empty());
 }
 
-TEST(MergedAnyProjects, MergeProjects_OursUnchanged_GivesTheirs) {
-  EXPECT_TRUE(rc::check([] {
-    const ThreeProjects projects = PickThreeProjects();
-    const MergedProjects merged = MergeProjects(projects.base, projects.base, projects.theirs);
-    RC_ASSERT(AllRowsOf(merged.contents) == AllRowsOf(projects.theirs));
-    RC_ASSERT(Show(merged.conflicts).empty());
-  }));
+RC_GTEST_PROP(MergedAnyProjects, MergeProjects_OursUnchanged_GivesTheirs, ()) {
+  const ThreeProjects projects = PickThreeProjects();
+  const MergedProjects merged = MergeProjects(projects.base, projects.base, projects.theirs);
+  RC_ASSERT(AllRowsOf(merged.contents) == AllRowsOf(projects.theirs));
+  RC_ASSERT(Show(merged.conflicts).empty());
 }
 
-TEST(MergedAnyProjects, MergeProjects_BothChangedAlike_GivesThat) {
-  EXPECT_TRUE(rc::check([] {
-    const ThreeProjects projects = PickThreeProjects();
-    const MergedProjects merged = MergeProjects(projects.base, projects.ours, projects.ours);
-    RC_ASSERT(AllRowsOf(merged.contents) == AllRowsOf(projects.ours));
-    RC_ASSERT(Show(merged.conflicts).empty());
-  }));
+RC_GTEST_PROP(MergedAnyProjects, MergeProjects_BothChangedAlike_GivesThat, ()) {
+  const ThreeProjects projects = PickThreeProjects();
+  const MergedProjects merged = MergeProjects(projects.base, projects.ours, projects.ours);
+  RC_ASSERT(AllRowsOf(merged.contents) == AllRowsOf(projects.ours));
+  RC_ASSERT(Show(merged.conflicts).empty());
 }
 
-TEST(MergedAnyProjects, MergeProjects_SidesExchanged_ExchangesThemInTheConflicts) {
-  EXPECT_TRUE(rc::check([] {
-    const ThreeProjects projects = PickThreeProjects();
-    auto expected = Merge(projects).conflicts;
-    auto exchanged = MergeProjects(projects.base, projects.theirs, projects.ours).conflicts;
-    for (MergeConflict& conflict : exchanged) std::swap(conflict.ours, conflict.theirs);
-    for (auto* const conflicts : {&expected, &exchanged}) {
-      for (MergeConflict& conflict : *conflicts) conflict.where.clear();
-    }
-    const auto sorted = [](Lines lines) {
-      std::sort(lines.begin(), lines.end());
-      return lines;
-    };
-    RC_ASSERT(sorted(Show(exchanged)) == sorted(Show(expected)));
-  }));
+RC_GTEST_PROP(MergedAnyProjects, MergeProjects_SidesExchanged_ExchangesThemInTheConflicts, ()) {
+  const ThreeProjects projects = PickThreeProjects();
+  auto expected = Merge(projects).conflicts;
+  auto exchanged = MergeProjects(projects.base, projects.theirs, projects.ours).conflicts;
+  for (MergeConflict& conflict : exchanged) std::swap(conflict.ours, conflict.theirs);
+  for (auto* const conflicts : {&expected, &exchanged}) {
+    for (MergeConflict& conflict : *conflicts) conflict.where.clear();
+  }
+  const auto sorted = [](Lines lines) {
+    std::sort(lines.begin(), lines.end());
+    return lines;
+  };
+  RC_ASSERT(sorted(Show(exchanged)) == sorted(Show(expected)));
 }
 
-TEST(MergedAnyProjects, MergeProjects_SidesExchangedWithoutConflict_GivesTheSame) {
-  EXPECT_TRUE(rc::check([] {
-    const ThreeProjects projects = PickThreeProjects();
-    const MergedProjects merged = Merge(projects);
-    RC_PRE(merged.conflicts.empty());
-    const auto exchanged = MergeProjects(projects.base, projects.theirs, projects.ours);
-    RC_ASSERT(SortedRows(RowsOf(merged.contents)) == SortedRows(RowsOf(exchanged.contents)));
-  }));
+RC_GTEST_PROP(MergedAnyProjects, MergeProjects_SidesExchangedWithoutConflict_GivesTheSame, ()) {
+  const ThreeProjects projects = PickThreeProjects();
+  const MergedProjects merged = Merge(projects);
+  RC_PRE(merged.conflicts.empty());
+  const auto exchanged = MergeProjects(projects.base, projects.theirs, projects.ours);
+  RC_ASSERT(SortedRows(RowsOf(merged.contents)) == SortedRows(RowsOf(exchanged.contents)));
 }
 
 using ProjectRow = std::vector<std::string>;
@@ -689,47 +672,42 @@ Lines InstancesOf(const ProjectContents& project, const std::string& name) {
   return instances;
 }
 
-TEST(MergedAnyProjects, MergeProjects_InstancesThatOneSideLeftAlone_AreThoseOfTheOther) {
-  EXPECT_TRUE(rc::check([] {
-    const ThreeProjects projects = PickThreeProjects();
-    const ProjectContents merged = Merge(projects).contents;
-    for (const ProjectContents* project : {&projects.base, &projects.ours, &projects.theirs}) {
-      for (const IP& ip : project->ip_info.ips) {
-        const std::string& name = ip.instance_name;
-        const Lines base = InstancesOf(projects.base, name);
-        const Lines ours = InstancesOf(projects.ours, name);
-        const Lines theirs = InstancesOf(projects.theirs, name);
-        if (ours == base) {
-          RC_ASSERT(InstancesOf(merged, name) == theirs);
-        }
-        if (theirs == base) {
-          RC_ASSERT(InstancesOf(merged, name) == ours);
-        }
+RC_GTEST_PROP(MergedAnyProjects, MergeProjects_InstancesThatOneSideLeftAlone_AreThoseOfTheOther,
+              ()) {
+  const ThreeProjects projects = PickThreeProjects();
+  const ProjectContents merged = Merge(projects).contents;
+  for (const ProjectContents* project : {&projects.base, &projects.ours, &projects.theirs}) {
+    for (const IP& ip : project->ip_info.ips) {
+      const std::string& name = ip.instance_name;
+      const Lines base = InstancesOf(projects.base, name);
+      const Lines ours = InstancesOf(projects.ours, name);
+      const Lines theirs = InstancesOf(projects.theirs, name);
+      if (ours == base) {
+        RC_ASSERT(InstancesOf(merged, name) == theirs);
+      }
+      if (theirs == base) {
+        RC_ASSERT(InstancesOf(merged, name) == ours);
       }
     }
-  }));
+  }
 }
 
-TEST(MergedAnyProjects, MergeProjects_AnythingInIt_IsInOneOfTheThree) {
-  EXPECT_TRUE(rc::check([] {
-    const ThreeProjects projects = PickThreeProjects();
-    const Rows base = AllRowsOf(projects.base);
-    const Rows ours = AllRowsOf(projects.ours);
-    const Rows theirs = AllRowsOf(projects.theirs);
-    for (const auto& row : WithoutEmptyNames(AllRowsOf(Merge(projects).contents))) {
-      RC_ASSERT(Has(base, row) || Has(ours, row) || Has(theirs, row));
-    }
-  }));
+RC_GTEST_PROP(MergedAnyProjects, MergeProjects_AnythingInIt_IsInOneOfTheThree, ()) {
+  const ThreeProjects projects = PickThreeProjects();
+  const Rows base = AllRowsOf(projects.base);
+  const Rows ours = AllRowsOf(projects.ours);
+  const Rows theirs = AllRowsOf(projects.theirs);
+  for (const auto& row : WithoutEmptyNames(AllRowsOf(Merge(projects).contents))) {
+    RC_ASSERT(Has(base, row) || Has(ours, row) || Has(theirs, row));
+  }
 }
 
-TEST(MergedAnyProjects, MergeProjects_Conflict_IsAChangeOfBothSides) {
-  EXPECT_TRUE(rc::check([] {
-    for (const MergeConflict& conflict : Merge(PickThreeProjects()).conflicts) {
-      RC_ASSERT(conflict.ours != conflict.base);
-      RC_ASSERT(conflict.theirs != conflict.base);
-      RC_ASSERT(conflict.ours != conflict.theirs);
-    }
-  }));
+RC_GTEST_PROP(MergedAnyProjects, MergeProjects_Conflict_IsAChangeOfBothSides, ()) {
+  for (const MergeConflict& conflict : Merge(PickThreeProjects()).conflicts) {
+    RC_ASSERT(conflict.ours != conflict.base);
+    RC_ASSERT(conflict.theirs != conflict.base);
+    RC_ASSERT(conflict.ours != conflict.theirs);
+  }
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include <rapidcheck.h>
+#include <rapidcheck/gtest.h>
 
 #include "testing/test.h"
 
@@ -83,22 +83,18 @@ rc::Gen<Sequence> AnySequence() {
   return rc::gen::container<Sequence>(rc::gen::element<std::string>("a", "b", "c", "d"));
 }
 
-TEST(SequenceAlignment, AlignEqualEntries_AnySequences_AlignsAsManyAsCanBe) {
-  EXPECT_TRUE(rc::check([] {
-    const auto before = *AnySequence();
-    const auto after = *AnySequence();
-    const Positions pairs = Align(before, after);
-    RC_ASSERT(IsAlignmentOfEqualEntries(pairs, before, after));
-    RC_ASSERT(pairs.size() == LongestCommonSubsequence(before, after));
-  }));
+RC_GTEST_PROP(SequenceAlignment, AlignEqualEntries_AnySequences_AlignsAsManyAsCanBe, ()) {
+  const auto before = *AnySequence();
+  const auto after = *AnySequence();
+  const Positions pairs = Align(before, after);
+  RC_ASSERT(IsAlignmentOfEqualEntries(pairs, before, after));
+  RC_ASSERT(pairs.size() == LongestCommonSubsequence(before, after));
 }
 
-TEST(SequenceAlignment, AlignEqualEntries_SequencesExchanged_ExchangesThePositions) {
-  EXPECT_TRUE(rc::check([] {
-    const auto before = *AnySequence();
-    const auto after = *AnySequence();
-    RC_ASSERT(Align(after, before) == Exchanged(Align(before, after)));
-  }));
+RC_GTEST_PROP(SequenceAlignment, AlignEqualEntries_SequencesExchanged_ExchangesThePositions, ()) {
+  const auto before = *AnySequence();
+  const auto after = *AnySequence();
+  RC_ASSERT(Align(after, before) == Exchanged(Align(before, after)));
 }
 
 /// The names of so many files, each occurring so many times.

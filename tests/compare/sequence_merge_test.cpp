@@ -12,21 +12,20 @@
 #include <utility>
 #include <vector>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <rapidcheck.h>
+#include <rapidcheck/gtest.h>
 
 #include "compare/three_way_choice.h"
 #include "testing/list_edits.h"
+#include "testing/test.h"
 
 namespace {
 
+using namespace test_support;
 using projectdb::Choice;
 using projectdb::Choose;
 using projectdb::MergedEntry;
 using projectdb::MergeSequence;
 using projectdb::MergeSequences;
-using testing::IsEmpty;
 
 /// Entries whose name is their first character and whose value is the rest, such as "a1".
 using Sequence = std::vector<std::string>;
@@ -170,7 +169,7 @@ std::string PickEntry() {
 
 void EditSequence(Sequence& sequence) {
   for (auto i = *rc::gen::inRange(0, 6); i > 0; --i) {
-    test_support::EditList(sequence, PickEntry, [](std::string& entry) {
+    EditList(sequence, PickEntry, [](std::string& entry) {
       entry = entry[0] + *rc::gen::element<std::string>("", "1", "2", "3");
     });
   }
@@ -209,106 +208,87 @@ Sequence InOrder(Sequence sequence) {
   return sequence;
 }
 
-TEST(AnyMergedSequences, MergeSequences_TheirsUnchanged_GivesOurs) {
-  EXPECT_TRUE(rc::check([] {
-    const ThreeSequences three = PickThreeSequences();
-    const MergedSequence merged = Merge(three.base, three.ours, three.base);
-    RC_ASSERT(merged.entries == three.ours);
-    RC_ASSERT(merged.conflicts.empty());
-  }));
+RC_GTEST_PROP(AnyMergedSequences, MergeSequences_TheirsUnchanged_GivesOurs, ()) {
+  const ThreeSequences three = PickThreeSequences();
+  const MergedSequence merged = Merge(three.base, three.ours, three.base);
+  RC_ASSERT(merged.entries == three.ours);
+  RC_ASSERT(merged.conflicts.empty());
 }
 
-TEST(AnyMergedSequences, MergeSequences_OursUnchanged_GivesTheirs) {
-  EXPECT_TRUE(rc::check([] {
-    const ThreeSequences three = PickThreeSequences();
-    const MergedSequence merged = Merge(three.base, three.base, three.theirs);
-    RC_ASSERT(merged.entries == three.theirs);
-    RC_ASSERT(merged.conflicts.empty());
-  }));
+RC_GTEST_PROP(AnyMergedSequences, MergeSequences_OursUnchanged_GivesTheirs, ()) {
+  const ThreeSequences three = PickThreeSequences();
+  const MergedSequence merged = Merge(three.base, three.base, three.theirs);
+  RC_ASSERT(merged.entries == three.theirs);
+  RC_ASSERT(merged.conflicts.empty());
 }
 
-TEST(AnyMergedSequences, MergeSequences_BothChangedAlike_GivesThat) {
-  EXPECT_TRUE(rc::check([] {
-    const ThreeSequences three = PickThreeSequences();
-    const MergedSequence merged = Merge(three.base, three.ours, three.ours);
-    RC_ASSERT(merged.entries == three.ours);
-    RC_ASSERT(merged.conflicts.empty());
-  }));
+RC_GTEST_PROP(AnyMergedSequences, MergeSequences_BothChangedAlike_GivesThat, ()) {
+  const ThreeSequences three = PickThreeSequences();
+  const MergedSequence merged = Merge(three.base, three.ours, three.ours);
+  RC_ASSERT(merged.entries == three.ours);
+  RC_ASSERT(merged.conflicts.empty());
 }
 
-TEST(AnyMergedSequences, MergeSequences_SidesExchanged_ExchangesThemInTheConflicts) {
-  EXPECT_TRUE(rc::check([] {
-    const ThreeSequences three = PickThreeSequences();
-    MergedSequence exchanged = Merge(three.base, three.theirs, three.ours);
-    for (EntryConflict& conflict : exchanged.conflicts) std::swap(conflict.ours, conflict.theirs);
-    RC_ASSERT(InOrder(Show(exchanged.conflicts)) == InOrder(Show(Merge(three).conflicts)));
-  }));
+RC_GTEST_PROP(AnyMergedSequences, MergeSequences_SidesExchanged_ExchangesThemInTheConflicts, ()) {
+  const ThreeSequences three = PickThreeSequences();
+  MergedSequence exchanged = Merge(three.base, three.theirs, three.ours);
+  for (EntryConflict& conflict : exchanged.conflicts) std::swap(conflict.ours, conflict.theirs);
+  RC_ASSERT(InOrder(Show(exchanged.conflicts)) == InOrder(Show(Merge(three).conflicts)));
 }
 
-TEST(AnyMergedSequences, MergeSequences_SidesExchangedWithoutConflict_GivesTheSameEntries) {
-  EXPECT_TRUE(rc::check([] {
-    const ThreeSequences three = PickThreeSequences();
-    const MergedSequence merged = Merge(three);
-    const MergedSequence exchanged = Merge(three.base, three.theirs, three.ours);
-    if (merged.conflicts.empty()) RC_ASSERT(InOrder(merged.entries) == InOrder(exchanged.entries));
-  }));
+RC_GTEST_PROP(AnyMergedSequences, MergeSequences_SidesExchangedWithoutConflict_GivesTheSameEntries,
+              ()) {
+  const ThreeSequences three = PickThreeSequences();
+  const MergedSequence merged = Merge(three);
+  const MergedSequence exchanged = Merge(three.base, three.theirs, three.ours);
+  if (merged.conflicts.empty()) RC_ASSERT(InOrder(merged.entries) == InOrder(exchanged.entries));
 }
 
-TEST(AnyMergedSequences, MergeSequences_AddedByOneSide_IsThere) {
-  EXPECT_TRUE(rc::check([] {
-    const ThreeSequences three = PickThreeSequences();
-    const MergedSequence merged = Merge(three);
-    for (const std::string& entry : three.ours) {
-      if (!Has(three.base, entry)) RC_ASSERT(Has(merged.entries, entry));
+RC_GTEST_PROP(AnyMergedSequences, MergeSequences_AddedByOneSide_IsThere, ()) {
+  const ThreeSequences three = PickThreeSequences();
+  const MergedSequence merged = Merge(three);
+  for (const std::string& entry : three.ours) {
+    if (!Has(three.base, entry)) RC_ASSERT(Has(merged.entries, entry));
+  }
+  for (const std::string& entry : three.theirs) {
+    if (Has(three.base, entry)) continue;
+    const auto is_theirs = [&](const EntryConflict& conflict) { return conflict.theirs == entry; };
+    RC_ASSERT(Has(merged.entries, entry) ||
+              std::any_of(merged.conflicts.begin(), merged.conflicts.end(), is_theirs));
+  }
+}
+
+RC_GTEST_PROP(AnyMergedSequences, MergeSequences_RemovedByOneSide_IsGone, ()) {
+  const ThreeSequences three = PickThreeSequences();
+  const MergedSequence merged = Merge(three);
+  const auto is_left_alone = [&](const std::string& entry, const Sequence& side) {
+    return CountOf(entry, side) == CountOf(entry, three.base);
+  };
+  for (const std::string& entry : three.base) {
+    const bool is_removed = (!Has(three.ours, entry) && is_left_alone(entry, three.theirs)) ||
+                            (!Has(three.theirs, entry) && is_left_alone(entry, three.ours));
+    if (is_removed) RC_ASSERT(!Has(merged.entries, entry));
+  }
+}
+
+RC_GTEST_PROP(AnyMergedSequences, MergeSequences_EntryOfAllThree_IsThere, ()) {
+  const ThreeSequences three = PickThreeSequences();
+  const MergedSequence merged = Merge(three);
+  for (const std::string& entry : three.base) {
+    if (Has(three.ours, entry) && Has(three.theirs, entry)) {
+      RC_ASSERT(Has(merged.entries, entry));
     }
-    for (const std::string& entry : three.theirs) {
-      if (Has(three.base, entry)) continue;
-      const auto is_theirs = [&](const EntryConflict& conflict) {
-        return conflict.theirs == entry;
-      };
-      RC_ASSERT(Has(merged.entries, entry) ||
-                std::any_of(merged.conflicts.begin(), merged.conflicts.end(), is_theirs));
-    }
-  }));
+  }
 }
 
-TEST(AnyMergedSequences, MergeSequences_RemovedByOneSide_IsGone) {
-  EXPECT_TRUE(rc::check([] {
-    const ThreeSequences three = PickThreeSequences();
-    const MergedSequence merged = Merge(three);
-    const auto is_left_alone = [&](const std::string& entry, const Sequence& side) {
-      return CountOf(entry, side) == CountOf(entry, three.base);
-    };
-    for (const std::string& entry : three.base) {
-      const bool is_removed = (!Has(three.ours, entry) && is_left_alone(entry, three.theirs)) ||
-                              (!Has(three.theirs, entry) && is_left_alone(entry, three.ours));
-      if (is_removed) RC_ASSERT(!Has(merged.entries, entry));
-    }
-  }));
-}
-
-TEST(AnyMergedSequences, MergeSequences_EntryOfAllThree_IsThere) {
-  EXPECT_TRUE(rc::check([] {
-    const ThreeSequences three = PickThreeSequences();
-    const MergedSequence merged = Merge(three);
-    for (const std::string& entry : three.base) {
-      if (Has(three.ours, entry) && Has(three.theirs, entry)) {
-        RC_ASSERT(Has(merged.entries, entry));
-      }
-    }
-  }));
-}
-
-TEST(AnyMergedSequences, MergeSequences_AnyEntry_IsRepeatedNoMoreThanInOneOfTheThree) {
-  EXPECT_TRUE(rc::check([] {
-    const ThreeSequences three = PickThreeSequences();
-    const MergedSequence merged = Merge(three);
-    for (const std::string& entry : merged.entries) {
-      RC_ASSERT(CountOf(entry, merged.entries) <=
-                std::max({CountOf(entry, three.base), CountOf(entry, three.ours),
-                          CountOf(entry, three.theirs)}));
-    }
-  }));
+RC_GTEST_PROP(AnyMergedSequences, MergeSequences_AnyEntry_IsRepeatedNoMoreThanInOneOfTheThree, ()) {
+  const ThreeSequences three = PickThreeSequences();
+  const MergedSequence merged = Merge(three);
+  for (const std::string& entry : merged.entries) {
+    RC_ASSERT(CountOf(entry, merged.entries) <=
+              std::max({CountOf(entry, three.base), CountOf(entry, three.ours),
+                        CountOf(entry, three.theirs)}));
+  }
 }
 
 /// How often an entry is there when what each side added or removed is, but once for both.
@@ -319,17 +299,15 @@ std::size_t MergedCount(const std::string& entry, const ThreeSequences& three) {
   return more + fewer - base;
 }
 
-TEST(AnyMergedSequences, MergeSequences_NoConflict_AddsAndRemovesAsOftenAsASideDid) {
-  EXPECT_TRUE(rc::check([] {
-    const ThreeSequences three = PickThreeSequences();
-    const MergedSequence merged = Merge(three);
-    for (const Sequence& sequence : {three.base, three.ours, three.theirs}) {
-      if (!merged.conflicts.empty()) break;
-      for (const std::string& entry : sequence) {
-        RC_ASSERT(CountOf(entry, merged.entries) == MergedCount(entry, three));
-      }
+RC_GTEST_PROP(AnyMergedSequences, MergeSequences_NoConflict_AddsAndRemovesAsOftenAsASideDid, ()) {
+  const ThreeSequences three = PickThreeSequences();
+  const MergedSequence merged = Merge(three);
+  for (const Sequence& sequence : {three.base, three.ours, three.theirs}) {
+    if (!merged.conflicts.empty()) break;
+    for (const std::string& entry : sequence) {
+      RC_ASSERT(CountOf(entry, merged.entries) == MergedCount(entry, three));
     }
-  }));
+  }
 }
 
 /// Whether each of so many positions is given, and only once.
@@ -341,28 +319,26 @@ bool IsEachOnce(std::vector<std::size_t> positions, std::size_t count) {
   return positions.size() == count;
 }
 
-TEST(AnyMergedSequences, MergeSequences_EntriesOfAllThree_AreGivenOnceEach) {
-  EXPECT_TRUE(rc::check([] {
-    const ThreeSequences three = PickThreeSequences();
-    std::vector<std::size_t> base;
-    std::vector<std::size_t> ours;
-    std::vector<std::size_t> theirs;
-    for (const MergedEntry& entry :
-         MergeSequences(ViewOf(three.base), ViewOf(three.ours), ViewOf(three.theirs))) {
-      if (entry.base) base.push_back(*entry.base);
-      if (entry.ours) ours.push_back(*entry.ours);
-      if (entry.theirs) theirs.push_back(*entry.theirs);
-    }
-    RC_ASSERT(IsEachOnce(base, three.base.size()));
-    RC_ASSERT(IsEachOnce(ours, three.ours.size()));
-    RC_ASSERT(IsEachOnce(theirs, three.theirs.size()));
-  }));
+RC_GTEST_PROP(AnyMergedSequences, MergeSequences_EntriesOfAllThree_AreGivenOnceEach, ()) {
+  const ThreeSequences three = PickThreeSequences();
+  std::vector<std::size_t> base;
+  std::vector<std::size_t> ours;
+  std::vector<std::size_t> theirs;
+  for (const MergedEntry& entry :
+       MergeSequences(ViewOf(three.base), ViewOf(three.ours), ViewOf(three.theirs))) {
+    if (entry.base) base.push_back(*entry.base);
+    if (entry.ours) ours.push_back(*entry.ours);
+    if (entry.theirs) theirs.push_back(*entry.theirs);
+  }
+  RC_ASSERT(IsEachOnce(base, three.base.size()));
+  RC_ASSERT(IsEachOnce(ours, three.ours.size()));
+  RC_ASSERT(IsEachOnce(theirs, three.theirs.size()));
 }
 
 /// The same sequence with new entries put in, all of one name.
 Sequence WithNewEntries(Sequence sequence, const std::string& name) {
   for (auto i = *rc::gen::inRange(0, 5); i > 0; --i) {
-    sequence.insert(test_support::PickPlace(sequence), name + std::to_string(i));
+    sequence.insert(PickPlace(sequence), name + std::to_string(i));
   }
   return sequence;
 }
@@ -374,24 +350,20 @@ Sequence WithoutEntries(Sequence sequence, char name) {
   return sequence;
 }
 
-TEST(AnyMergedSequences, MergeSequences_OneSideOnlyAdds_LeavesTheOrderOfTheOther) {
-  EXPECT_TRUE(rc::check([] {
-    const ThreeSequences three = PickThreeSequences();
-    const Sequence added = WithNewEntries(three.base, "x");
-    RC_ASSERT(WithoutEntries(Merge(three.base, three.ours, added).entries, 'x') == three.ours);
-    RC_ASSERT(WithoutEntries(Merge(three.base, added, three.theirs).entries, 'x') == three.theirs);
-  }));
+RC_GTEST_PROP(AnyMergedSequences, MergeSequences_OneSideOnlyAdds_LeavesTheOrderOfTheOther, ()) {
+  const ThreeSequences three = PickThreeSequences();
+  const Sequence added = WithNewEntries(three.base, "x");
+  RC_ASSERT(WithoutEntries(Merge(three.base, three.ours, added).entries, 'x') == three.ours);
+  RC_ASSERT(WithoutEntries(Merge(three.base, added, three.theirs).entries, 'x') == three.theirs);
 }
 
-TEST(AnyMergedSequences, MergeSequences_BothSidesOnlyAdd_LeavesTheOrderOfBoth) {
-  EXPECT_TRUE(rc::check([] {
-    const Sequence base = PickThreeSequences().base;
-    const Sequence ours = WithNewEntries(base, "x");
-    const Sequence theirs = WithNewEntries(base, "y");
-    const Sequence merged = Merge(base, ours, theirs).entries;
-    RC_ASSERT(WithoutEntries(merged, 'y') == ours);
-    RC_ASSERT(WithoutEntries(merged, 'x') == theirs);
-  }));
+RC_GTEST_PROP(AnyMergedSequences, MergeSequences_BothSidesOnlyAdd_LeavesTheOrderOfBoth, ()) {
+  const Sequence base = PickThreeSequences().base;
+  const Sequence ours = WithNewEntries(base, "x");
+  const Sequence theirs = WithNewEntries(base, "y");
+  const Sequence merged = Merge(base, ours, theirs).entries;
+  RC_ASSERT(WithoutEntries(merged, 'y') == ours);
+  RC_ASSERT(WithoutEntries(merged, 'x') == theirs);
 }
 
 // Long sequences. What took time or memory by the square of their length would be conspicuous.

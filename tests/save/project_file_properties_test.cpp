@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 
-#include <gtest/gtest.h>
 #include <projectdb/project_file.h>
 #include <projectdb/vocabulary.h>
 #include <rapidcheck/gtest.h>

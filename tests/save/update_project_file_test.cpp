@@ -7,15 +7,13 @@
 #include <string>
 #include <vector>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <projectdb/durable_export.h>
 #include <projectdb/project_db.h>
 
 #include "testing/file_state.h"
 #include "testing/sanitizers.h"
 #include "testing/saves.h"
+#include "testing/test.h"
 #include "testing/threads.h"
 #include "testing/xml_platform.h"
 #include "tests/save/updated_file.h"
@@ -24,12 +22,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using namespace projectdb;
-using test_support::FileState;
-using test_support::NamesIn;
-using test_support::ProjectXml;
-using test_support::Update;
-using testing::ElementsAre;
-using testing::HasSubstr;
+using namespace test_support;
 using testing::UnorderedElementsAreArray;
 
 TEST_F(Update, ChangedContents_AreInTheFile) {
@@ -131,7 +124,7 @@ TEST_F(Update, FileThatDoesNotLoad_IsRefusedDespiteErrors) {
 
 TEST_F(Update, FileThatBreaksTheGivenSchema_IsRefused) {
   UpdateOptions options;
-  options.schema_file = Write("device.xsd", test_support::DeviceOnlySchema());
+  options.schema_file = Write("device.xsd", DeviceOnlySchema());
   EXPECT_NE(UpdateError([](ProjectContents& project) { project.project_name = "x"; }, options), "");
   EXPECT_EQ(Contents().project_name, "demo");
 }
@@ -154,8 +147,7 @@ TEST_F(Update, FileThatIsReplacedMeanwhileWithoutTheLock_IsReadAgainAndKeepsThat
   other.CreateNewProjectDatabase("other");
   int calls = 0;
   UpdateProjectFile(path(), [&](ProjectContents& project) {
-    if (++calls == 1)
-      test_support::WriteFile(path() + ".new", FormatProjectFile(GetProjectContents(other)));
+    if (++calls == 1) WriteFile(path() + ".new", FormatProjectFile(GetProjectContents(other)));
     if (calls == 1) std::filesystem::rename(path() + ".new", path());
     project.device_info.family = "Tessel";
   });
@@ -165,14 +157,14 @@ TEST_F(Update, FileThatIsReplacedMeanwhileWithoutTheLock_IsReadAgainAndKeepsThat
 }
 
 TEST_F(Update, EightThreads_LoseNoUpdate) {
-  const test_support::XmlPlatform platform;  // Starting it takes longer than an update.
+  const XmlPlatform platform;  // Starting it takes longer than an update.
   constexpr int kUpdatingThreads = 8;
   constexpr int kUpdates = test_support::kSanitized ? 25 : 100;
   std::vector<std::string> added;
   for (int i = 0; i < kUpdatingThreads * kUpdates; ++i)
     added.push_back("f" + std::to_string(i) + ".txt");
   UpdateProjectFile(path(), [](ProjectContents& project) { project.misc_files.clear(); });
-  test_support::InThreads(kUpdatingThreads, [&](int thread) {
+  InThreads(kUpdatingThreads, [&](int thread) {
     for (int i = thread * kUpdates; i < (thread + 1) * kUpdates; ++i) {
       UpdateProjectFile(path(), [&](ProjectContents& project) {
         project.misc_files.emplace_back(added.at(static_cast<std::size_t>(i)), "", "default");

@@ -11,9 +11,6 @@
 #include <utility>
 #include <vector>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <projectdb/vocabulary.h>
 
 #include "testing/file_state.h"
@@ -26,10 +23,6 @@ namespace {
 
 using namespace projectdb;
 using namespace test_support;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
 
 constexpr FormatOptions kKeepStamps{true};
 

@@ -9,8 +9,6 @@
 #include <string>
 #include <vector>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -19,13 +17,13 @@
 #include "testing/project_loading.h"
 #include "testing/sanitizers.h"
 #include "testing/saving.h"
+#include "testing/test.h"
 #include "testing/xml_platform.h"
 
 namespace {
 
 using namespace projectdb;
 using namespace test_support;
-using testing::ElementsAre;
 using testing::IsSubsetOf;
 using testing::IsSupersetOf;
 

@@ -10,9 +10,6 @@
 #include <string>
 #include <vector>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <projectdb/durable_export.h>
 #include <projectdb/project_db.h>
 #include <projectdb/project_file.h>
@@ -22,6 +19,7 @@
 #include "testing/project_loading.h"
 #include "testing/saving.h"
 #include "testing/shipped_files.h"
+#include "testing/test.h"
 #include "testing/xml_platform.h"
 
 namespace {
@@ -30,13 +28,8 @@ using namespace std::chrono_literals;
 using namespace projectdb;
 using namespace test_support;
 using projectdb::files::SystemCall;
-using testing::ElementsAre;
 using testing::Ge;
-using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::IsSupersetOf;
-using testing::Pair;
-using testing::UnorderedElementsAre;
 
 constexpr int kErrors[] = {EIO, ENOSPC, EINTR};
 
