@@ -1,11 +1,14 @@
 #pragma once
 
+#include <filesystem>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 
 #include <sys/resource.h>
 #include <sys/stat.h>
 
+#include "platform/system_calls.h"
 #include "testing/child_process.h"
 #include "testing/file_state.h"
 #include "testing/saves.h"
@@ -25,6 +28,12 @@ inline mode_t ModeOf(const std::string& path) { return StatusOf(path).st_mode & 
 
 inline void SetMode(const std::string& path, mode_t mode) {
   if (::chmod(path.c_str(), mode) != 0) throw std::runtime_error("cannot change " + path);
+}
+
+/// The file that a call works on; empty if it has no descriptor of one.
+inline std::filesystem::path FileOf(const projectdb::files::SystemCall& call) {
+  std::error_code error;
+  return std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(call.descriptor), error);
 }
 
 /// Runs work while the process may have so many files open.

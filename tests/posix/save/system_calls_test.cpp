@@ -170,9 +170,7 @@ TEST_F(FilteredSave, FlushesTheWholeFileBeforeItsRenamingAndTheDirectoryAfterIt)
   std::vector<std::string> steps;
   const FilteredCalls calls([&](const SystemCall& call) {
     if (names_of_steps.count(call.name) == 0) return 0;
-    std::error_code error;
-    const std::filesystem::path file =
-        std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(call.descriptor), error);
+    const std::filesystem::path file = FileOf(call);
     const bool is_temporary = file.filename() == TemporaryFileIn(directory_.path());
     const std::string name = is_temporary                ? "temporary"
                              : file == directory_.path() ? "directory"
