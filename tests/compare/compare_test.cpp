@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
 #include <projectdb/project_db.h>

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
 #include "testing/test.h"

@@ -12,6 +12,7 @@
 #include <variant>
 #include <vector>
 
+#include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
 #include <projectdb/project_contents.h>

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
 #include "testing/test.h"

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
 #include "compare/three_way_choice.h"

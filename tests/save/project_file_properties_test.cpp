@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
 #include <projectdb/project_file.h>
 #include <projectdb/vocabulary.h>
 #include <rapidcheck/gtest.h>
