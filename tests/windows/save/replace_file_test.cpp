@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
@@ -20,6 +21,7 @@
 #include "testing/shipped_files.h"
 #include "testing/temporary_directory.h"
 #include "testing/test.h"
+#include "testing/windows/known_renaming.h"
 
 namespace {
 
@@ -142,13 +144,63 @@ TEST_F(SaveOnWindows, AnyCallFails_LeavesTheFormerFileOrTheNewOneAndNoOther) {
 }
 
 TEST_F(SaveOnWindows, RenamingIsUnknown_MovesTheFileOverTheFormer) {
-  for (const int error : {ERROR_INVALID_PARAMETER, ERROR_NOT_SUPPORTED}) {
+  for (const int error : {ERROR_INVALID_PARAMETER, ERROR_INVALID_LEVEL, ERROR_NOT_SUPPORTED,
+                          ERROR_INVALID_FUNCTION, ERROR_CALL_NOT_IMPLEMENTED}) {
+    SCOPED_TRACE(error);
     WriteFile(path_, former_);
     const FilteredCalls filtered(FailCall("RenameOpenFile", 1, error));
     EXPECT_EQ(Save(), "");
     EXPECT_TRUE(IsSaved());
     EXPECT_THAT(NamesIn(directory_.path()), ElementsAre("p.xml"));
   }
+}
+
+/// Saves where the system knows the renaming of open files.
+class RenamingSave : public SaveOnWindows {
+ protected:
+  /// The calls that name the new file, in their order.
+  static std::vector<std::string> NamingCallsOf(const std::function<void()>& save) {
+    std::vector<std::string> calls = CallsOf(save);
+    const auto is_other = [](const std::string& call) {
+      return call != "RenameOpenFile" && call != "MoveFileEx";
+    };
+    calls.erase(std::remove_if(calls.begin(), calls.end(), is_other), calls.end());
+    return calls;
+  }
+
+  const KnownRenaming renaming_;
+};
+
+TEST_F(RenamingSave, FormerFile_IsReplacedByTheRenamingAlone) {
+  EXPECT_THAT(NamingCallsOf([&] { EXPECT_EQ(Save(), ""); }), ElementsAre("RenameOpenFile"));
+  EXPECT_TRUE(IsSaved());
+  EXPECT_THAT(NamesIn(directory_.path()), ElementsAre("p.xml"));
+}
+
+TEST_F(RenamingSave, NoFormerFile_IsMadeByTheRenamingAlone) {
+  std::filesystem::remove(NativePath(path_));
+  EXPECT_THAT(NamingCallsOf([&] { EXPECT_EQ(Save(), ""); }), ElementsAre("RenameOpenFile"));
+  EXPECT_TRUE(IsSaved());
+  EXPECT_THAT(NamesIn(directory_.path()), ElementsAre("p.xml"));
+}
+
+TEST_F(RenamingSave, FileThatIsNotExpectedThere_IsNotReplaced) {
+  const ProjectContents contents = *ReadProjectFile(path_, "").contents;
+  std::filesystem::remove(NativePath(path_));
+  WriteOptions options;
+  options.expected = ProjectFileVersion();
+  const FilteredCalls filtered([&](const files::SystemCall& call) {
+    if (call.name == std::string("RenameOpenFile")) WriteFile(path_, former_);
+    return 0;
+  });
+  EXPECT_THROW(WriteProjectFile(path_, contents, options), ProjectFileChanged);
+  ExpectUntouched();
+}
+
+TEST_F(RenamingSave, RenamingFails_LeavesTheFormerFile) {
+  const FilteredCalls filtered(FailCall("RenameOpenFile", 1, ERROR_DISK_FULL));
+  EXPECT_EQ(Save(), WritingError(path_, "No space left on device"));
+  ExpectUntouched();
 }
 
 TEST_F(SaveOnWindows, RenamingIsUnknownAndMovingFails_LeavesTheFormerFile) {

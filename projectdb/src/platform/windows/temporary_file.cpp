@@ -104,14 +104,15 @@ BOOL RenameOpenFile(HANDLE file, const wchar_t* path, bool replaces) {
   if (replaces) information.Flags |= FILE_RENAME_FLAG_REPLACE_IF_EXISTS;
   information.FileNameLength = static_cast<DWORD>(path_size);
   std::memcpy(&information.FileName[0], path, path_size);
-  return SetFileInformationByHandle(file, kRenameInfoEx, memory.data(),
-                                    static_cast<DWORD>(memory.size()));
+  return FunctionsOfSystem().set_file_information(file, kRenameInfoEx, memory.data(),
+                                                  static_cast<DWORD>(memory.size()));
 }
 
 // Older systems, and file systems of other kinds, do not know that way.
 bool IsUnknownWay(DWORD error) {
-  return error == ERROR_INVALID_PARAMETER || error == ERROR_NOT_SUPPORTED ||
-         error == ERROR_INVALID_FUNCTION || error == ERROR_CALL_NOT_IMPLEMENTED;
+  return error == ERROR_INVALID_PARAMETER || error == ERROR_INVALID_LEVEL ||
+         error == ERROR_NOT_SUPPORTED || error == ERROR_INVALID_FUNCTION ||
+         error == ERROR_CALL_NOT_IMPLEMENTED;
 }
 
 // Denied while the former file is open to anybody.

@@ -23,6 +23,18 @@ namespace projectdb::files {
 /// Whether an error says that there is no such file.
 bool IsMissing(DWORD error);
 
+/// The system's functions in whose place a test answers: what stands in for the system on other
+/// machines does not know all that the system does.
+struct SystemFunctions {
+  decltype(&::SetFileInformationByHandle) set_file_information = ::SetFileInformationByHandle;
+};
+
+/// Those of this process, which a test changes while nobody saves.
+inline SystemFunctions& FunctionsOfSystem() {
+  static SystemFunctions functions;
+  return functions;
+}
+
 /// What the system gives for a file that it did not open.
 inline HANDLE NoFile() { return INVALID_HANDLE_VALUE; }
 
