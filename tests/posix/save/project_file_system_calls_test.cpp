@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <filesystem>
 #include <map>
-#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -21,12 +20,14 @@
 #include "testing/shipped_files.h"
 #include "testing/test.h"
 #include "testing/xml_platform.h"
+#include "tests/save/file_changes.h"
 
 namespace {
 
 using namespace std::chrono_literals;
 using namespace projectdb;
 using namespace test_support;
+using namespace test_support::file_changes;
 using projectdb::files::SystemCall;
 using testing::Ge;
 using testing::IsSupersetOf;
@@ -78,80 +79,7 @@ bool IsMadeAgain(const std::string& call) {
   return std::find(made_once.begin(), made_once.end(), call) == made_once.end();
 }
 
-bool IsFree(const std::string& path) {
-  try {
-    const ProjectFileLock lock(path, 0ms);
-    return true;
-  } catch (const std::runtime_error&) {
-    return false;
-  }
-}
-
 // --- Writing ---
-
-ProjectContents ProjectOfName(const std::string& name) {
-  ProjectContents project = CompleteProject();
-  project.project_name = name;
-  return project;
-}
-
-/// One that several calls read and write.
-ProjectContents LargeProject(const std::string& name) {
-  ProjectContents project = ProjectOfName(name);
-  project.info_attributes["notes"] = std::string(70'000, '.');
-  return project;
-}
-
-/// Gives the project in a file another name, "next".
-struct FileChange {
-  const char* name;
-  bool has_former;   ///< Whether there is a file before, whose project is named "former".
-  bool is_expected;  ///< Whether the change wants to know its version.
-  void (*run)(const std::string& path, const ProjectFileVersion& former);
-};
-
-void PrintTo(const FileChange& change, std::ostream* out) { *out << change.name; }
-
-void UpdateToNext(const std::string& path, const ProjectFileVersion&) {
-  UpdateOptions options;
-  options.longest_wait = 100ms;
-  UpdateProjectFile(
-      path, [](ProjectContents& project) { project.project_name = "next"; }, options);
-}
-
-void WriteNext(const std::string& path, const ProjectFileVersion&) {
-  WriteProjectFile(path, ProjectOfName("next"));
-}
-
-void WriteLargeNext(const std::string& path, const ProjectFileVersion&) {
-  WriteProjectFile(path, LargeProject("next"));
-}
-
-void WriteNextIfExpected(const std::string& path, const ProjectFileVersion& former) {
-  WriteOptions options;
-  options.expected = former;
-  WriteProjectFile(path, ProjectOfName("next"), options);
-}
-
-void WriteNextUnderOwnLock(const std::string& path, const ProjectFileVersion& former) {
-  const ProjectFileLock lock(path);
-  WriteNextIfExpected(path, former);
-}
-
-void SaveNext(const std::string& path, const ProjectFileVersion&) {
-  KelProjectDatabase database;
-  SetProjectContents(database, ProjectOfName("next"));
-  ExportProjectDataDurably(database, path);
-}
-
-const FileChange kFileChanges[] = {{"Update", true, false, UpdateToNext},
-                                   {"Write", true, false, WriteLargeNext},
-                                   {"WriteNew", false, false, WriteNext},
-                                   {"WriteExpected", true, true, WriteNextIfExpected},
-                                   {"WriteExpectedMissing", false, true, WriteNextIfExpected},
-                                   {"WriteUnderOwnLock", true, true, WriteNextUnderOwnLock},
-                                   {"Save", true, false, SaveNext},
-                                   {"SaveNew", false, false, SaveNext}};
 
 /// Changes of a file in the working directory through a symbolic link, beside what a killed save
 /// has left behind.
@@ -174,13 +102,6 @@ class ChangeAmongSystemCalls : public testing::TestWithParam<FileChange>, public
       return error.what();
     }
     return {};
-  }
-
-  /// The name of the project in the file, which must be a whole one.
-  std::string FoundName() const {
-    if (!std::filesystem::exists(path())) return "nothing";
-    const ProjectFile file = ReadProjectFile(path(), "");
-    return file.contents && file.problems.empty() ? file.contents->project_name : "damaged";
   }
 
   std::string former_name() const { return GetParam().has_former ? "former" : "nothing"; }
@@ -228,7 +149,7 @@ TEST_P(ChangeAmongSystemCalls, CallThatFails_LeavesTheFormerFileOrTheNextAndATel
       WithFailingCall(number, error_number, [&] { error = ChangeError(); });
       const bool has_failed = !error.empty();
       // The file is in its place by the time that its directory cannot be flushed.
-      const std::string found = FoundName();
+      const std::string found = NameFoundIn(path());
       EXPECT_EQ(found, !has_failed || call > naming ? "next" : former_name());
       // The next save removes what this one could not.
       if (*call == "unlinkat") WriteProjectFile(path(), CompleteProject());
@@ -252,11 +173,11 @@ TEST_P(ChangeAmongSystemCalls, ProcessKilledAtACall_LeavesAWholeFileThatTheNextF
     SCOPED_TRACE(number);
     Prepare();
     if (!IsKilledAtCall(number, [&] { ChangeError(); })) break;
-    const std::string name = FoundName();
+    const std::string name = NameFoundIn(path());
     ++found[name];
     EXPECT_TRUE(name == "nothing" || IsFree(path()));
     WriteProjectFile(path(), CompleteProject());
-    EXPECT_EQ(FoundName(), "demo");
+    EXPECT_EQ(NameFoundIn(path()), "demo");
     ExpectNothingElse(false);
   }
   EXPECT_THAT(found, UnorderedElementsAre(Pair(former_name(), Ge(15)), Pair("next", Ge(2))));

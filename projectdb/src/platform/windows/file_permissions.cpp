@@ -54,11 +54,11 @@ void CopyAccessList(const std::wstring& former, const OpenFile& file) {
 }
 
 // Whether it is shown, and whether its content is searched for.
-void CopyAttributes(const std::wstring& former, const OpenFile& file) {
+void CopyAttributes(const std::filesystem::path& former, const OpenFile& file) {
   constexpr DWORD kCopied =
       FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
-  const DWORD attributes = GetFileAttributesW(former.c_str());
-  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & kCopied) == 0) return;
+  const DWORD attributes = AttributesOf(former).dwFileAttributes;
+  if ((attributes & kCopied) == 0) return;
   FILE_BASIC_INFO information{};
   information.FileAttributes = attributes & kCopied;
   RequireSuccess(CallSystem("SetFileInformationByHandle", ::SetFileInformationByHandle,
@@ -70,9 +70,8 @@ void CopyAttributes(const std::wstring& former, const OpenFile& file) {
 
 void CopyPermissions(const std::filesystem::path& former_path, const FileStatus& /*former*/,
                      const OpenFile& file) {
-  const std::wstring former = SystemName(former_path);
-  CopyAccessList(former, file);
-  CopyAttributes(former, file);
+  CopyAccessList(SystemName(former_path), file);
+  CopyAttributes(former_path, file);
 }
 
 }  // namespace projectdb::files

@@ -32,13 +32,16 @@ std::filesystem::path LockPath(const std::string& path) {
 
 // What has the name of a lock and is none must not be removed with it: a lock is an empty file.
 void RequireNothingElse(const std::filesystem::path& lock_path) {
-  WIN32_FILE_ATTRIBUTE_DATA found{};
-  if (GetFileAttributesExW(SystemName(lock_path).c_str(), GetFileExInfoStandard, &found) == 0) {
+  const std::optional<WIN32_FILE_ATTRIBUTE_DATA> found = FindAttributes(lock_path);
+  if (!found) {
+    // One that is being removed tells nothing either.
+    const DWORD error = GetLastError();
+    if (!IsMissing(error) && error != ERROR_ACCESS_DENIED) ThrowSystemFailure(error);
     return;
   }
   constexpr DWORD kOthers = FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DIRECTORY;
-  if ((found.dwFileAttributes & kOthers) != 0 || found.nFileSizeLow != 0 ||
-      found.nFileSizeHigh != 0) {
+  if ((found->dwFileAttributes & kOthers) != 0 || found->nFileSizeLow != 0 ||
+      found->nFileSizeHigh != 0) {
     throw Failure("\"" + paths::ToBytes(lock_path.filename()) + "\" is there and is no lock");
   }
 }

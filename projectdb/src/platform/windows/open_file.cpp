@@ -36,16 +36,19 @@ FileStatus StatusFrom(const BY_HANDLE_FILE_INFORMATION& information) {
 }  // namespace
 
 OpenFile::~OpenFile() {
-  if (handle_ != kNone) CloseHandle(HandleOf(*this));
+  if (handle_ != kNone) CloseSystemHandle(HandleOf(*this));
 }
 
 bool OpenFile::Close() {
-  return CloseHandle(reinterpret_cast<HANDLE>(std::exchange(handle_, kNone))) != 0;
+  return CloseSystemHandle(reinterpret_cast<HANDLE>(std::exchange(handle_, kNone))) != 0;
 }
 
 FileStatus OpenFile::Status() const {
+  SetLastError(NO_ERROR);  // Of a file of unknown kind there is none either.
+  const DWORD type = CallSystem("GetFileType", ::GetFileType, HandleOf(*this));
+  if (type == FILE_TYPE_UNKNOWN && GetLastError() != NO_ERROR) ThrowSystemFailure();
   // Devices and pipes have no more to tell.
-  if (GetFileType(HandleOf(*this)) != FILE_TYPE_DISK) return {};
+  if (type != FILE_TYPE_DISK) return {};
   BY_HANDLE_FILE_INFORMATION information{};
   RequireSuccess(CallSystem("GetFileInformationByHandle", ::GetFileInformationByHandle,
                             HandleOf(*this), &information));

@@ -11,13 +11,13 @@ void RequireReplaceable(const FileStatus& status, const std::filesystem::path& p
   if (status.kind == FileStatus::Kind::kDirectory) ThrowSystemFailure(std::errc::is_a_directory);
   if (!status.IsRegular()) throw Failure("not a regular file");
   // A process with all privileges may open a file that is to be read only.
-  const DWORD attributes = GetFileAttributesW(SystemName(path).c_str());
+  const DWORD attributes = AttributesOf(path).dwFileAttributes;
   if ((attributes & FILE_ATTRIBUTE_READONLY) != 0) ThrowSystemFailure(ERROR_ACCESS_DENIED);
   // The directory alone would let the process replace what it must not write. To whom else the
   // file is open, the system asks later.
   const HANDLE handle = TryToOpen(path, {GENERIC_WRITE});
   if (handle == NoFile() && GetLastError() != ERROR_SHARING_VIOLATION) ThrowSystemFailure();
-  if (handle != NoFile()) CloseHandle(handle);
+  if (handle != NoFile()) CloseSystemHandle(handle);
 }
 
 // What a link leads to is replaced, not the link.

@@ -33,7 +33,7 @@ constexpr std::chrono::milliseconds kLongestDelay{256};
 
 struct CloseToken {
   using pointer = HANDLE;
-  void operator()(HANDLE token) const { CloseHandle(token); }
+  void operator()(HANDLE token) const { CloseSystemHandle(token); }
 };
 
 // The user that this process runs as, in the form in which lists name users.
@@ -142,14 +142,14 @@ void RemoveIfAbandoned(const std::filesystem::path& path) {
   // Its maker would have it open.
   constexpr DWORD kFlags = FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT;
   const HANDLE handle = TryToOpen(path, {DELETE, OPEN_EXISTING, kFlags, 0});
-  if (handle != NoFile()) CloseHandle(handle);
+  if (handle != NoFile()) CloseSystemHandle(handle);
 }
 
 std::filesystem::path FoundNames() { return std::string(kTemporaryPrefix) + "*"; }
 
 struct CloseSearch {
   using pointer = HANDLE;
-  void operator()(HANDLE search) const { FindClose(search); }
+  void operator()(HANDLE search) const { CloseSystem("FindClose", ::FindClose, search); }
 };
 
 }  // namespace
@@ -177,7 +177,8 @@ void TemporaryFile::Create(Users users) {
 TemporaryFile::~TemporaryFile() {
   if (!file_ || stays_) return;
   file_.reset();
-  DeleteFileW(SystemName(directory_.path() / name_).c_str());
+  // Nothing else can be done if that fails: the next save removes it.
+  CallSystem("DeleteFile", ::DeleteFileW, SystemName(directory_.path() / name_).c_str());
 }
 
 void TemporaryFile::Flush() const {
@@ -203,13 +204,13 @@ void TemporaryFile::Unlock() const {}
 void RemoveAbandonedFiles(const Directory& directory) {
   const std::wstring pattern = SystemName(directory.path() / FoundNames());
   WIN32_FIND_DATAW found{};
-  const HANDLE search = FindFirstFileW(pattern.c_str(), &found);
+  const HANDLE search = CallSystem("FindFirstFile", ::FindFirstFileW, pattern.c_str(), &found);
   if (search == NoFile()) return;
   const std::unique_ptr<HANDLE, CloseSearch> closing(search);
   do {
     const std::string name = paths::ToBytes(&found.cFileName[0]);
     if (IsTemporaryName(name)) RemoveIfAbandoned(directory.path() / name);
-  } while (FindNextFileW(search, &found) != 0);
+  } while (CallSystem("FindNextFile", ::FindNextFileW, search, &found) != 0);
 }
 
 }  // namespace projectdb::files

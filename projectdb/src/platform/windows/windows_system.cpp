@@ -55,13 +55,33 @@ std::wstring SystemName(const std::filesystem::path& path) {
   return std::wstring(kSharePrefix) + full.substr(kShare.size());
 }
 
+std::optional<WIN32_FILE_ATTRIBUTE_DATA> FindAttributes(const std::filesystem::path& path) {
+  WIN32_FILE_ATTRIBUTE_DATA attributes{};
+  if (CallSystem("GetFileAttributesEx", ::GetFileAttributesExW, SystemName(path).c_str(),
+                 GetFileExInfoStandard, LPVOID{&attributes}) == 0) {
+    return std::nullopt;
+  }
+  return attributes;
+}
+
+WIN32_FILE_ATTRIBUTE_DATA AttributesOf(const std::filesystem::path& path) {
+  const std::optional<WIN32_FILE_ATTRIBUTE_DATA> attributes = FindAttributes(path);
+  if (!attributes) ThrowSystemFailure();
+  return *attributes;
+}
+
 std::filesystem::path FinalPath(const OpenFile& file, const std::filesystem::path& path) {
   const auto name = [&file](wchar_t* target, DWORD size) {
-    return GetFinalPathNameByHandleW(HandleOf(file), target, size, FILE_NAME_NORMALIZED);
+    return CallSystem("GetFinalPathNameByHandle", ::GetFinalPathNameByHandleW, HandleOf(file),
+                      target, size, DWORD{FILE_NAME_NORMALIZED});
   };
   std::wstring found(name(nullptr, 0), L'\0');
-  found.resize(name(found.data(), static_cast<DWORD>(found.size())));
-  if (found.empty()) return path;
+  if (!found.empty()) found.resize(name(found.data(), static_cast<DWORD>(found.size())));
+  if (found.empty()) {
+    const DWORD error = GetLastError();
+    if ((AttributesOf(path).dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return path;
+    ThrowSystemFailure(error);
+  }
   // With a prefix, a drive alone would name the drive and not its root.
   if (StartsWith(found, kSharePrefix)) {
     return std::wstring(kShare) + found.substr(kSharePrefix.size());

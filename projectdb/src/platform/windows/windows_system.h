@@ -42,8 +42,7 @@ inline HANDLE NoFile() { return INVALID_HANDLE_VALUE; }
 template <typename Function, typename... Arguments>
 auto CallSystem(const char* name, Function function, Arguments... arguments) {
   using Result = decltype(function(arguments...));
-  const SystemCallFilter& filter = FilterOfSystemCalls();
-  const int error = filter ? filter({name, -1}) : 0;
+  const int error = ErrorOfFilter({name, -1});
   if (error == 0) return function(arguments...);
   SetLastError(static_cast<DWORD>(error));
   if constexpr (std::is_same_v<Result, HANDLE>) {
@@ -51,6 +50,21 @@ auto CallSystem(const char* name, Function function, Arguments... arguments) {
   } else {
     return Result{0};
   }
+}
+
+/// Closes what is open, also where a test lets that fail.
+/// @return zero if it fails; the last error is then why
+template <typename Close>
+BOOL CloseSystem(const char* name, Close close, HANDLE handle) {
+  const int error = ErrorOfFilter({name, -1});
+  const BOOL result = close(handle);
+  if (error == 0) return result;
+  SetLastError(static_cast<DWORD>(error));
+  return FALSE;
+}
+
+inline BOOL CloseSystemHandle(HANDLE handle) {
+  return CloseSystem("CloseHandle", ::CloseHandle, handle);
 }
 
 /// @exception Failure if a call failed
@@ -83,8 +97,17 @@ HANDLE TryToOpen(const std::filesystem::path& path, const Opening& opening);
 /// @exception Failure with the system's reason if it cannot be opened
 OpenFile Open(const std::filesystem::path& path, const Opening& opening);
 
-/// The path of the file itself, without links on the way to it, if the system tells.
+/// What a path has for attributes, which are those of a link if it is one.
+/// @return nothing if the system does not tell; the last error is then why
+std::optional<WIN32_FILE_ATTRIBUTE_DATA> FindAttributes(const std::filesystem::path& path);
+
+/// @exception Failure if the system does not tell
+WIN32_FILE_ATTRIBUTE_DATA AttributesOf(const std::filesystem::path& path);
+
+/// The path of the file itself, without links on the way to it. Some file systems do not tell: then
+/// it is the path by which it was opened.
 /// @param path by which it was opened, absolute
+/// @exception Failure if the system does not tell what a link leads to
 std::filesystem::path FinalPath(const OpenFile& file, const std::filesystem::path& path);
 
 /// @param path a link stands for what it leads to
