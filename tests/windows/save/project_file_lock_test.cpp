@@ -9,8 +9,7 @@
 #include "testing/temporary_directory.h"
 #include "testing/test.h"
 #include "testing/threads.h"
-
-#include <windows.h>
+#include "testing/windows/other_process.h"
 
 namespace {
 
@@ -88,60 +87,18 @@ TEST_F(LockOnWindows, UpdatesOfSeveralThreads_LoseNothing) {
   EXPECT_THAT(ReadProjectFile(path_, "").contents->misc_files, SizeIs(kUpdaters * kUpdates));
 }
 
-/// This program, run again to do a part of a test in a process of its own.
-class OtherProcess {
- public:
-  /// @param part name of a test that does it
-  OtherProcess(const std::string& part, const std::string& path) {
-    SetEnvironmentVariableA("PROJECTDB_TEST_FILE", path.c_str());
-    wchar_t program[MAX_PATH];
-    GetModuleFileNameW(nullptr, program, MAX_PATH);
-    std::wstring command = L"\"" + std::wstring(program) +
-                           L"\" --gtest_also_run_disabled_tests --gtest_brief=1 --gtest_filter=" +
-                           std::wstring(part.begin(), part.end());
-    STARTUPINFOW start{};
-    start.cb = sizeof(start);
-    // The shares of the tests are this process's.
-    SetEnvironmentVariableA("GTEST_TOTAL_SHARDS", nullptr);
-    SetEnvironmentVariableA("GTEST_SHARD_INDEX", nullptr);
-    if (CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                       &start, &process_) == 0) {
-      throw std::runtime_error("no process can be started");
-    }
-  }
-  ~OtherProcess() {
-    TerminateProcess(process_.hProcess, 1);
-    CloseHandle(process_.hThread);
-    CloseHandle(process_.hProcess);
-  }
-  OtherProcess(const OtherProcess&) = delete;
-  OtherProcess& operator=(const OtherProcess&) = delete;
-
-  DWORD Wait() const {
-    WaitForSingleObject(process_.hProcess, INFINITE);
-    DWORD status = 1;
-    GetExitCodeProcess(process_.hProcess, &status);
-    return status;
-  }
-
- private:
-  PROCESS_INFORMATION process_{};
-};
-
-std::string FileOfTheTest() { return std::getenv("PROJECTDB_TEST_FILE"); }
-
 /// Parts of tests, for processes of their own.
-class Part : public testing::Test {};
+class PartWithLock : public testing::Test {};
 
-TEST_F(Part, DISABLED_HoldsTheLockUntilItIsEnded) {
-  const ProjectFileLock lock(FileOfTheTest());
-  WriteFile(FileOfTheTest() + ".locked", "");
+TEST_F(PartWithLock, DISABLED_HoldsTheLockUntilItIsEnded) {
+  const ProjectFileLock lock(OtherProcess::FileOfTheTest());
+  WriteFile(OtherProcess::FileOfTheTest() + ".locked", "");
   for (;;) Sleep(1000);
 }
 
-TEST_F(Part, DISABLED_AddsFiftyFiles) {
+TEST_F(PartWithLock, DISABLED_AddsFiftyFiles) {
   for (int i = 0; i < 50; ++i) {
-    UpdateProjectFile(FileOfTheTest(), [](ProjectContents& contents) {
+    UpdateProjectFile(OtherProcess::FileOfTheTest(), [](ProjectContents& contents) {
       contents.misc_files.emplace_back(std::to_string(GetCurrentProcessId()), "", "");
     });
   }
@@ -149,7 +106,7 @@ TEST_F(Part, DISABLED_AddsFiftyFiles) {
 
 TEST_F(LockOnWindows, LockOfAnotherProcess_IsThereUntilThatProcessEnds) {
   {
-    const OtherProcess holder("Part.DISABLED_HoldsTheLockUntilItIsEnded", path_);
+    const OtherProcess holder("PartWithLock.DISABLED_HoldsTheLockUntilItIsEnded", path_);
     while (!std::filesystem::exists(path_ + ".locked")) Sleep(10);
     EXPECT_NE(Refusal(), "");
   }
@@ -157,8 +114,8 @@ TEST_F(LockOnWindows, LockOfAnotherProcess_IsThereUntilThatProcessEnds) {
 }
 
 TEST_F(LockOnWindows, UpdatesOfTwoProcesses_LoseNothing) {
-  const OtherProcess one("Part.DISABLED_AddsFiftyFiles", path_);
-  const OtherProcess other("Part.DISABLED_AddsFiftyFiles", path_);
+  const OtherProcess one("PartWithLock.DISABLED_AddsFiftyFiles", path_);
+  const OtherProcess other("PartWithLock.DISABLED_AddsFiftyFiles", path_);
   EXPECT_EQ(one.Wait(), 0U);
   EXPECT_EQ(other.Wait(), 0U);
   EXPECT_THAT(ReadProjectFile(path_, "").contents->misc_files, SizeIs(100));
