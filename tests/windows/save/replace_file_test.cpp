@@ -234,6 +234,84 @@ TEST_F(SaveOnWindows, FileIsOpenToOthersWhoDoNotLetItGo_IsLeftAsItWas) {
   EXPECT_TRUE(IsSaved());
 }
 
+/// Has a file alone, as a virus scanner may, until it has been asked for so many times.
+class Hoarder {
+ public:
+  Hoarder(const std::string& path, int times)
+      : file_(CreateFileW(NativePath(path).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0,
+                          nullptr)),
+        times_(times) {
+    if (file_ == INVALID_HANDLE_VALUE) throw std::runtime_error("cannot have a file alone");
+    hoarder_ = this;
+    files::FunctionsOfSystem().create_file = Open;
+  }
+  ~Hoarder() {
+    files::FunctionsOfSystem() = files::SystemFunctions();
+    if (times_ > 0) CloseHandle(file_);
+  }
+  Hoarder(const Hoarder&) = delete;
+  Hoarder& operator=(const Hoarder&) = delete;
+
+ private:
+  static HANDLE WINAPI Open(const wchar_t* name, DWORD access, DWORD sharing,
+                            SECURITY_ATTRIBUTES* security, DWORD disposition, DWORD flags,
+                            HANDLE model) {
+    const HANDLE file = CreateFileW(name, access, sharing, security, disposition, flags, model);
+    if (file != INVALID_HANDLE_VALUE || GetLastError() != ERROR_SHARING_VIOLATION) return file;
+    if (--hoarder_->times_ == 0) CloseHandle(hoarder_->file_);
+    SetLastError(ERROR_SHARING_VIOLATION);
+    return INVALID_HANDLE_VALUE;
+  }
+
+  static inline Hoarder* hoarder_ = nullptr;
+
+  HANDLE file_;
+  int times_;
+};
+
+constexpr const char* kHoarded = "others have it open and do not share it";
+
+TEST_F(SaveOnWindows, FileThatOthersHaveAloneForAMoment_IsUpdated) {
+  const Hoarder hoarder(path_, 3);
+  EXPECT_TRUE(
+      UpdateProjectFile(path_, [](ProjectContents& contents) { contents.project_name = "next"; }));
+  EXPECT_TRUE(IsSaved());
+}
+
+TEST_F(SaveOnWindows, FileThatOthersHaveAloneForAMoment_IsRead) {
+  const Hoarder hoarder(path_, 3);
+  EXPECT_THAT(ReadProjectFile(path_, "").problems, IsEmpty());
+}
+
+TEST_F(SaveOnWindows, FileThatOthersHaveAloneForAMoment_IsLoaded) {
+  const Hoarder hoarder(path_, 3);
+  KelProjectDatabase loaded;
+  EXPECT_TRUE(loaded.LoadProjectData(path_, ""));
+}
+
+TEST_F(SaveOnWindows, FileThatOthersHaveAloneForAMoment_IsExported) {
+  const Hoarder hoarder(path_, 3);
+  database_.ExportProjectData(path_);
+  EXPECT_TRUE(IsSaved());
+}
+
+TEST_F(SaveOnWindows, FileThatOthersHaveAlone_IsRefusedForThatReason) {
+  const Hoarder hoarder(path_, 1000);
+  EXPECT_EQ(ErrorOf([&] { const ProjectFileLock lock(path_); }),
+            "Failed locking XML file " + path_ + ": " + kHoarded + "\n");
+  const std::vector<FileProblem> problems = ReadProjectFile(path_, "").problems;
+  ASSERT_THAT(problems, SizeIs(1));
+  EXPECT_EQ(problems[0].message, std::string("the file cannot be read: ") + kHoarded);
+}
+
+TEST_F(SaveOnWindows, SaveOverAFileThatOthersHaveAlone_IsRefusedForThatReason) {
+  {
+    const Hoarder hoarder(path_, 1000);
+    EXPECT_EQ(Save(), WritingError(path_, kHoarded));
+  }
+  ExpectUntouched();
+}
+
 TEST_F(SaveOnWindows, ReadOnlyFile_IsRefused) {
   const std::wstring name = NativePath(path_).native();
   ASSERT_TRUE(SetFileAttributesW(name.c_str(), FILE_ATTRIBUTE_READONLY));

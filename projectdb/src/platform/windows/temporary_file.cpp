@@ -1,15 +1,12 @@
 #include "platform/temporary_file.h"
 
-#include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstddef>
 #include <cstring>
 #include <cwchar>
 #include <memory>
 #include <optional>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -25,11 +22,6 @@ namespace {
 constexpr DWORD kOwnAccess = GENERIC_READ | GENERIC_WRITE | DELETE | WRITE_DAC;
 // Renaming writes through too, so that nothing is left to flush.
 constexpr DWORD kOwnFlags = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_WRITE_THROUGH;
-
-// For a second and a bit: virus scanners and indexers do not keep a file open longer.
-constexpr int kTries = 12;
-constexpr std::chrono::milliseconds kShortestDelay{1};
-constexpr std::chrono::milliseconds kLongestDelay{256};
 
 struct CloseToken {
   using pointer = HANDLE;
@@ -74,23 +66,7 @@ class OnlyThisUser {
 };
 
 // Whether the system may do later what it does not do while somebody has a file open.
-bool MayPass(DWORD error) {
-  return error == ERROR_SHARING_VIOLATION || error == ERROR_ACCESS_DENIED ||
-         error == ERROR_LOCK_VIOLATION;
-}
-
-/// Tries a call that gives zero if it fails, as long as it may yet succeed.
-template <typename Call>
-bool TryRepeatedly(Call call) {
-  std::chrono::milliseconds pause = kShortestDelay;
-  for (int tries_left = kTries; call() == 0; --tries_left) {
-    const DWORD error = GetLastError();
-    if (tries_left == 1 || !MayPass(error)) return SetLastError(error), false;
-    std::this_thread::sleep_for(pause);
-    pause = std::min(2 * pause, kLongestDelay);
-  }
-  return true;
-}
+bool MayPass(DWORD error) { return IsInUse(error) || error == ERROR_ACCESS_DENIED; }
 
 // FileRenameInfoEx, which the headers of some compilers lack.
 constexpr auto kRenameInfoEx = static_cast<FILE_INFO_BY_HANDLE_CLASS>(22);
@@ -118,17 +94,21 @@ bool IsUnknownWay(DWORD error) {
 // Denied while the former file is open to anybody.
 bool MoveOver(const std::wstring& from, const std::wstring& to, bool replaces) {
   const DWORD flags = MOVEFILE_WRITE_THROUGH | (replaces ? MOVEFILE_REPLACE_EXISTING : 0U);
-  return TryRepeatedly(
-      [&] { return CallSystem("MoveFileEx", ::MoveFileExW, from.c_str(), to.c_str(), flags); });
+  const auto move = [&] {
+    return CallSystem("MoveFileEx", ::MoveFileExW, from.c_str(), to.c_str(), flags) != 0;
+  };
+  return TryRepeatedly(move, MayPass);
 }
 
 // Whether it was moved; the last error is why not.
 bool Move(std::optional<OpenFile>& file, const std::filesystem::path& from,
           const std::filesystem::path& to, bool replaces) {
   const std::wstring name = SystemName(to);
-  const bool is_renamed = TryRepeatedly([&] {
-    return CallSystem("RenameOpenFile", RenameOpenFile, HandleOf(*file), name.c_str(), replaces);
-  });
+  const auto rename = [&] {
+    return CallSystem("RenameOpenFile", RenameOpenFile, HandleOf(*file), name.c_str(), replaces) !=
+           0;
+  };
+  const bool is_renamed = TryRepeatedly(rename, MayPass);
   if (is_renamed || !IsUnknownWay(GetLastError())) return is_renamed;
   // Nobody moves a file that is open to be written; open to be read, nobody takes it for an
   // abandoned one.

@@ -1,5 +1,9 @@
 #include "platform/windows/windows_system.h"
 
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
 #include "base/failure.h"
 
 namespace projectdb::files {
@@ -11,6 +15,10 @@ constexpr std::wstring_view kPrefix = LR"(\\?\)";
 constexpr std::wstring_view kDevicePrefix = LR"(\\.\)";
 constexpr std::wstring_view kShare = LR"(\\)";
 constexpr std::wstring_view kSharePrefix = LR"(\\?\UNC\)";
+
+constexpr int kTries = 12;
+constexpr std::chrono::milliseconds kShortestDelay{1};
+constexpr std::chrono::milliseconds kLongestDelay{256};
 
 bool StartsWith(std::wstring_view text, std::wstring_view start) {
   return text.substr(0, start.size()) == start;
@@ -27,6 +35,8 @@ std::wstring FullName(const std::wstring& name) {
 
 void ThrowSystemFailure(DWORD error) {
   if (error == ERROR_FILENAME_EXCED_RANGE) ThrowSystemFailure(std::errc::filename_too_long);
+  // In the standard's words it would be a denied permission, which nobody could give.
+  if (IsInUse(error)) throw Failure("others have it open and do not share it");
   const int number = static_cast<int>(error);
   const std::error_condition condition = std::system_category().default_error_condition(number);
   const bool is_known =
@@ -44,6 +54,24 @@ bool IsMissing(DWORD error) {
   return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND ||
          error == ERROR_INVALID_NAME || error == ERROR_BAD_NETPATH || error == ERROR_BAD_NET_NAME ||
          error == ERROR_INVALID_DRIVE || error == ERROR_NOT_READY;
+}
+
+bool IsInUse(DWORD error) {
+  return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
+}
+
+bool TryRepeatedly(const std::function<bool()>& call, bool (*may_pass)(DWORD error)) {
+  std::chrono::milliseconds pause = kShortestDelay;
+  for (int tries_left = kTries; !call(); --tries_left) {
+    const DWORD error = GetLastError();
+    if (tries_left == 1 || !may_pass(error)) {
+      SetLastError(error);
+      return false;
+    }
+    std::this_thread::sleep_for(pause);
+    pause = std::min(2 * pause, kLongestDelay);
+  }
+  return true;
 }
 
 std::wstring SystemName(const std::filesystem::path& path) {
@@ -90,13 +118,23 @@ std::filesystem::path FinalPath(const OpenFile& file, const std::filesystem::pat
 }
 
 HANDLE TryToOpen(const std::filesystem::path& path, const Opening& opening) {
-  return CallSystem("CreateFile", ::CreateFileW, SystemName(path).c_str(), opening.access,
-                    opening.sharing, opening.security, opening.disposition, opening.flags,
-                    HANDLE{nullptr});
+  return CallSystem("CreateFile", FunctionsOfSystem().create_file, SystemName(path).c_str(),
+                    opening.access, opening.sharing, opening.security, opening.disposition,
+                    opening.flags, HANDLE{nullptr});
+}
+
+HANDLE WaitToOpen(const std::filesystem::path& path, const Opening& opening) {
+  HANDLE handle = NoFile();
+  const auto open = [&] {
+    handle = TryToOpen(path, opening);
+    return handle != NoFile();
+  };
+  TryRepeatedly(open, IsInUse);
+  return handle;
 }
 
 OpenFile Open(const std::filesystem::path& path, const Opening& opening) {
-  const HANDLE handle = TryToOpen(path, opening);
+  const HANDLE handle = WaitToOpen(path, opening);
   if (handle == NoFile()) ThrowSystemFailure();
   return OpenFile(reinterpret_cast<OpenFile::Handle>(handle));
 }

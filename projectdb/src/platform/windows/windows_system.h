@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -26,6 +27,7 @@ bool IsMissing(DWORD error);
 /// The system's functions in whose place a test answers: what stands in for the system on other
 /// machines does not know all that the system does.
 struct SystemFunctions {
+  decltype(&::CreateFileW) create_file = ::CreateFileW;
   decltype(&::SetFileInformationByHandle) set_file_information = ::SetFileInformationByHandle;
 };
 
@@ -34,6 +36,16 @@ inline SystemFunctions& FunctionsOfSystem() {
   static SystemFunctions functions;
   return functions;
 }
+
+/// Whether an error says that others have a file open and do not share it.
+bool IsInUse(DWORD error);
+
+/// Makes a call again and again for a second and a bit: virus scanners and indexers do not keep a
+/// file open longer.
+/// @param call gives whether it succeeds
+/// @param may_pass whether it may succeed later after an error
+/// @return whether it succeeded; if not, the last error is why
+bool TryRepeatedly(const std::function<bool()>& call, bool (*may_pass)(DWORD error));
 
 /// What the system gives for a file that it did not open.
 inline HANDLE NoFile() { return INVALID_HANDLE_VALUE; }
@@ -94,6 +106,10 @@ struct Opening {
 /// @return NoFile() if it cannot be opened; the last error is then why
 HANDLE TryToOpen(const std::filesystem::path& path, const Opening& opening);
 
+/// As TryToOpen, but waits a while for others who have the file open and do not share it.
+HANDLE WaitToOpen(const std::filesystem::path& path, const Opening& opening);
+
+/// As WaitToOpen.
 /// @exception Failure with the system's reason if it cannot be opened
 OpenFile Open(const std::filesystem::path& path, const Opening& opening);
 
