@@ -5,6 +5,7 @@
 
 #include <projectdb/project_file.h>
 
+#include "platform/windows/windows_system.h"
 #include "testing/saves.h"
 #include "testing/temporary_directory.h"
 #include "testing/test.h"
@@ -65,6 +66,49 @@ TEST_F(LockOnWindows, EmptyFileThatAProcessLeftBehind_IsTakenForTheLock) {
   WriteFile(directory_ / ".kel_lock_p.xml", "");
   EXPECT_EQ(Refusal(), "");
   EXPECT_THAT(NamesIn(directory_.path()), ElementsAre("p.xml"));
+}
+
+/// For as long as it lives, the system is about to remove each lock file, which others keep it
+/// from.
+class GoingLocks {
+ public:
+  explicit GoingLocks(int error) {
+    error_ = static_cast<DWORD>(error);
+    files::FunctionsOfSystem().create_file = Open;
+  }
+  ~GoingLocks() { files::FunctionsOfSystem() = files::SystemFunctions(); }
+  GoingLocks(const GoingLocks&) = delete;
+  GoingLocks& operator=(const GoingLocks&) = delete;
+
+ private:
+  static HANDLE WINAPI Open(const wchar_t* name, DWORD access, DWORD sharing,
+                            SECURITY_ATTRIBUTES* security, DWORD disposition, DWORD flags,
+                            HANDLE model) {
+    if (std::wstring(name).find(L".kel_lock_") == std::wstring::npos) {
+      return CreateFileW(name, access, sharing, security, disposition, flags, model);
+    }
+    SetLastError(error_);
+    return INVALID_HANDLE_VALUE;
+  }
+
+  static inline DWORD error_ = 0;
+};
+
+TEST_F(LockOnWindows, SaveWhileALockIsBeingRemoved_IsSaved) {
+  for (const int error : {ERROR_ACCESS_DENIED, ERROR_DELETE_PENDING}) {
+    const GoingLocks locks(error);
+    KelProjectDatabase database;
+    database.CreateNewProjectDatabase("saved" + std::to_string(error));
+    EXPECT_EQ(SaveError(database, path_), "");
+    EXPECT_EQ(ReadProjectFile(path_, "").contents->project_name, "saved" + std::to_string(error));
+  }
+}
+
+TEST_F(LockOnWindows, LockThatIsBeingRemovedForEver_IsRefusedAfterAWhile) {
+  for (const int error : {ERROR_ACCESS_DENIED, ERROR_DELETE_PENDING}) {
+    const GoingLocks locks(error);
+    EXPECT_NE(ErrorOf([&] { const ProjectFileLock lock(path_); }), "");
+  }
 }
 
 TEST_F(LockOnWindows, NoFileOrADirectory_IsRefused) {

@@ -30,13 +30,18 @@ std::filesystem::path LockPath(const std::string& path) {
   return final_path.parent_path() / (L".kel_lock_" + final_path.filename().native());
 }
 
+// A lock that was given back is denied for as long as others, such as virus scanners, have its file
+// open.
+bool MayBeGoing(DWORD error) {
+  return error == ERROR_ACCESS_DENIED || error == ERROR_DELETE_PENDING;
+}
+
 // What has the name of a lock and is none must not be removed with it: a lock is an empty file.
 void RequireNothingElse(const std::filesystem::path& lock_path) {
   const std::optional<WIN32_FILE_ATTRIBUTE_DATA> found = FindAttributes(lock_path);
   if (!found) {
-    // One that is being removed tells nothing either.
     const DWORD error = GetLastError();
-    if (!IsMissing(error) && error != ERROR_ACCESS_DENIED) ThrowSystemFailure(error);
+    if (!IsMissing(error) && !MayBeGoing(error)) ThrowSystemFailure(error);
     return;
   }
   constexpr DWORD kOthers = FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DIRECTORY;
@@ -67,9 +72,8 @@ std::unique_ptr<OpenFile> LockFile(const std::string& path,
       return std::make_unique<OpenFile>(reinterpret_cast<OpenFile::Handle>(handle));
     }
     const DWORD error = GetLastError();
-    // A file that is being removed is denied too.
-    const bool is_denied = error == ERROR_ACCESS_DENIED && ++denials > kMostDenials;
-    if (is_denied || (error != ERROR_SHARING_VIOLATION && error != ERROR_ACCESS_DENIED)) {
+    const bool is_denied = MayBeGoing(error) && ++denials > kMostDenials;
+    if (is_denied || (error != ERROR_SHARING_VIOLATION && !MayBeGoing(error))) {
       ThrowSystemFailure(error);
     }
     if (error == ERROR_SHARING_VIOLATION) denials = 0;
@@ -80,7 +84,13 @@ std::unique_ptr<OpenFile> LockFile(const std::string& path,
 }
 
 std::optional<FileStatus> StatusOfLocked(const std::string& path) {
-  return IsRegularFile(path) ? StatusOf(LockPath(path)) : std::nullopt;
+  if (!IsRegularFile(path)) return std::nullopt;
+  constexpr DWORD kFlags = FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT;
+  const HANDLE handle = TryToOpen(LockPath(path), {FILE_READ_ATTRIBUTES, OPEN_EXISTING, kFlags});
+  if (handle != NoFile()) return OpenFile(reinterpret_cast<OpenFile::Handle>(handle)).Status();
+  const DWORD error = GetLastError();
+  if (!IsMissing(error) && !MayBeGoing(error)) ThrowSystemFailure(error);
+  return std::nullopt;
 }
 
 std::unique_ptr<OpenFile> LockReplacement(const OpenFile& /*replacement*/) { return nullptr; }
