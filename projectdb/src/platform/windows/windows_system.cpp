@@ -24,6 +24,10 @@ bool StartsWith(std::wstring_view text, std::wstring_view start) {
   return text.substr(0, start.size()) == start;
 }
 
+bool HasPrefix(std::wstring_view name) {
+  return StartsWith(name, kPrefix) || StartsWith(name, kDevicePrefix);
+}
+
 std::wstring FullName(const std::wstring& name) {
   std::wstring full(GetFullPathNameW(name.c_str(), 0, nullptr, nullptr), L'\0');
   const auto size = static_cast<DWORD>(full.size());
@@ -76,9 +80,11 @@ bool TryRepeatedly(const std::function<bool()>& call, bool (*may_pass)(DWORD err
 
 std::wstring SystemName(const std::filesystem::path& path) {
   const std::wstring& name = path.native();
-  if (name.empty() || StartsWith(name, kPrefix) || StartsWith(name, kDevicePrefix)) return name;
+  if (name.empty() || HasPrefix(name)) return name;
   const std::wstring full = FullName(name);
   if (full.size() <= kLongestPlainName) return name;
+  // One that was spelled with slashes.
+  if (HasPrefix(full)) return full;
   if (!StartsWith(full, kShare)) return std::wstring(kPrefix) + full;
   return std::wstring(kSharePrefix) + full.substr(kShare.size());
 }
