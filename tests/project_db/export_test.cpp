@@ -77,8 +77,8 @@ TEST_F(ExportOfNewProject, ExportProjectData_RelativePath_IsBelowTheWorkingDirec
   EXPECT_TRUE(std::filesystem::exists(path_));
 }
 
-TEST_F(ExportOfNewProject, ExportProjectData_AnyNameEvenOneThatIsNotUtf8_IsWritten) {
-  for (const std::string& path : {directory_ / "project.backup", directory_ / "pr\xFC.xml"}) {
+TEST_F(ExportOfNewProject, ExportProjectData_NameOfAnyEndingInAnyCharacters_IsWritten) {
+  for (const std::string& path : {directory_ / "project.backup", directory_ / "größe 漢.xml"}) {
     database_.ExportProjectData(path);
     EXPECT_EQ(ReadXmlFile(path).name, "kel:project");
   }

@@ -74,6 +74,12 @@ TEST_F(ExportOnPosix, ExportProjectData_WhileTheFileIsWritten_TheProjectCanBeUse
   EXPECT_EQ(root.Child("misc_info").children.size(), 20000U);
 }
 
+TEST_F(ExportOnPosix, ExportProjectData_NameThatIsNotUtf8_IsWritten) {
+  const std::string path = directory_ / "pr\xFC.xml";
+  database_.ExportProjectData(path);
+  EXPECT_EQ(ReadXmlFile(path).name, "kel:project");
+}
+
 TEST_F(ExportOnPosix, ExportProjectData_SymbolicLink_ReplacesItsTarget) {
   const std::string target = directory_ / "target.xml";
   WriteFile(target, "former");

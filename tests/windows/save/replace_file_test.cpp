@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <projectdb/project_file.h>
+#include <xercesc/util/IOException.hpp>
 
 #include <windows.h>
 
@@ -349,6 +350,19 @@ TEST_F(SaveOnWindows, NameOutsideAscii_IsSavedReadAndUpdated) {
     EXPECT_EQ(file.contents->project_name, "größe 漢");
     EXPECT_THAT(NamesIn(directory_.path()), Contains(name));
   }
+}
+
+TEST_F(SaveOnWindows, NameThatIsNotUtf8_IsRefusedAndNoFileOfAnotherNameIsMade) {
+  const std::string path = directory_.path().string() + "\\pr\xFC.xml";
+  EXPECT_EQ(SaveError(database_, path), WritingError(path, "the name is not UTF-8 text"));
+  EXPECT_THROW(WriteProjectFile(path, *ReadProjectFile(path_, "").contents), std::runtime_error);
+  ExpectUntouched();
+}
+
+TEST_F(SaveOnWindows, ExportUnderANameThatIsNotUtf8_IsRefusedAndNoFileOfAnotherNameIsMade) {
+  const std::string path = directory_.path().string() + "\\pr\xFC.xml";
+  EXPECT_THROW(database_.ExportProjectData(path), xercesc::IOException);
+  ExpectUntouched();
 }
 
 TEST_F(SaveOnWindows, FileOfTheOtherPlatforms_IsTheSameByteForByte) {

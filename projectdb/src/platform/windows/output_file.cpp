@@ -15,8 +15,7 @@ struct OutputFile::State {
 };
 
 OutputFile::OutputFile(const std::string& path) : state_(std::make_unique<State>()) {
-  // Beyond a zero the system would not see the name, and write another file.
-  if (path.find('\0') != std::string::npos) return;
+  if (!IsNameToWrite(path)) return;
   const HANDLE handle = WaitToOpen(paths::FromBytes(path), {GENERIC_WRITE, CREATE_ALWAYS});
   if (handle != NoFile()) state_->file.emplace(reinterpret_cast<OpenFile::Handle>(handle));
 }

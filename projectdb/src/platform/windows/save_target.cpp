@@ -30,8 +30,8 @@ std::filesystem::path WithoutLinks(const std::filesystem::path& path) {
 }  // namespace
 
 SaveTarget FindSaveTarget(const std::string& path) {
-  // Beyond a zero the system would not see the name.
   if (path.find('\0') != std::string::npos) ThrowSystemFailure(std::errc::invalid_argument);
+  if (!IsNameToWrite(path)) throw Failure("the name is not UTF-8 text");
   // Another thread may change the working directory.
   const std::filesystem::path absolute = paths::Absolute(paths::FromBytes(path));
   const std::optional<FileStatus> former = StatusOf(absolute);

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "base/failure.h"
+#include "base/utf8.h"
 
 namespace projectdb::files {
 namespace {
@@ -76,6 +77,10 @@ bool TryRepeatedly(const std::function<bool()>& call, bool (*may_pass)(DWORD err
     pause = std::min(2 * pause, kLongestDelay);
   }
   return true;
+}
+
+bool IsNameToWrite(const std::string& name) {
+  return name.find('\0') == std::string::npos && utf8::IsValid(name);
 }
 
 std::wstring SystemName(const std::filesystem::path& path) {

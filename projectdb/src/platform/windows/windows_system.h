@@ -91,6 +91,10 @@ struct FreeLocal {
   void operator()(void* memory) const { LocalFree(memory); }
 };
 
+/// Whether a file may be made under the name: not beyond a zero, where the system would not see it,
+/// nor of bytes that are not UTF-8, for which it would make another name.
+bool IsNameToWrite(const std::string& name);
+
 /// The name by which the system knows a path, however long.
 std::wstring SystemName(const std::filesystem::path& path);
 
