@@ -2,6 +2,7 @@
 
 #include "base/failure.h"
 #include "platform/paths.h"
+#include "platform/windows/links.h"
 #include "platform/windows/windows_system.h"
 
 namespace projectdb::files {
@@ -27,6 +28,18 @@ std::filesystem::path WithoutLinks(const std::filesystem::path& path) {
   return FinalPath(OpenFile(reinterpret_cast<OpenFile::Handle>(handle)), path);
 }
 
+// Where a link leads to no file, the file is made there.
+std::filesystem::path FollowLinks(std::filesystem::path path) {
+  constexpr int kMaxLinks = 40;
+  for (int links = 0; links <= kMaxLinks; ++links) {
+    const std::optional<std::filesystem::path> next = ReadLink(path);
+    if (!next) return path;
+    // A link on the way to this one counts before a ".." in it.
+    path = WithoutLinks(path.parent_path()) / *next;
+  }
+  ThrowTooManyLinks();
+}
+
 }  // namespace
 
 SaveTarget FindSaveTarget(const std::string& path) {
@@ -35,7 +48,7 @@ SaveTarget FindSaveTarget(const std::string& path) {
   // Another thread may change the working directory.
   const std::filesystem::path absolute = paths::Absolute(paths::FromBytes(path));
   const std::optional<FileStatus> former = StatusOf(absolute);
-  if (!former) return {absolute, former};
+  if (!former) return {FollowLinks(absolute), former};
   RequireReplaceable(*former, absolute);
   return {WithoutLinks(absolute), former};
 }

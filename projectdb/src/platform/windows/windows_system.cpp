@@ -40,6 +40,7 @@ std::wstring FullName(const std::wstring& name) {
 
 void ThrowSystemFailure(DWORD error) {
   if (error == ERROR_FILENAME_EXCED_RANGE) ThrowSystemFailure(std::errc::filename_too_long);
+  if (error == ERROR_CANT_RESOLVE_FILENAME) ThrowTooManyLinks();
   // In the standard's words it would be a denied permission, which nobody could give.
   if (IsInUse(error)) throw Failure("others have it open and do not share it");
   const int number = static_cast<int>(error);
@@ -54,6 +55,8 @@ void ThrowSystemFailure(DWORD error) {
 void ThrowSystemFailure(std::errc error) {
   throw Failure(std::make_error_condition(error).message());
 }
+
+void ThrowTooManyLinks() { throw Failure("Too many levels of symbolic links"); }
 
 bool IsMissing(DWORD error) {
   return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND ||
@@ -94,6 +97,15 @@ std::wstring SystemName(const std::filesystem::path& path) {
   return std::wstring(kSharePrefix) + full.substr(kShare.size());
 }
 
+std::wstring WithoutPrefix(const std::wstring& name) {
+  if (StartsWith(name, kSharePrefix)) {
+    return std::wstring(kShare) + name.substr(kSharePrefix.size());
+  }
+  const bool is_on_drive = StartsWith(name, kPrefix) && name.size() > kPrefix.size() + 1 &&
+                           name[kPrefix.size() + 1] == L':';
+  return is_on_drive ? name.substr(kPrefix.size()) : name;
+}
+
 std::optional<WIN32_FILE_ATTRIBUTE_DATA> FindAttributes(const std::filesystem::path& path) {
   WIN32_FILE_ATTRIBUTE_DATA attributes{};
   if (CallSystem("GetFileAttributesEx", ::GetFileAttributesExW, SystemName(path).c_str(),
@@ -122,10 +134,7 @@ std::filesystem::path FinalPath(const OpenFile& file, const std::filesystem::pat
     ThrowSystemFailure(error);
   }
   // With a prefix, a drive alone would name the drive and not its root.
-  if (StartsWith(found, kSharePrefix)) {
-    return std::wstring(kShare) + found.substr(kSharePrefix.size());
-  }
-  return StartsWith(found, kPrefix) ? found.substr(kPrefix.size()) : found;
+  return WithoutPrefix(found);
 }
 
 HANDLE TryToOpen(const std::filesystem::path& path, const Opening& opening) {

@@ -21,6 +21,9 @@ namespace projectdb::files {
 
 [[noreturn]] void ThrowSystemFailure(std::errc error);
 
+/// The system's library has no words for it.
+[[noreturn]] void ThrowTooManyLinks();
+
 /// Whether an error says that there is no such file.
 bool IsMissing(DWORD error);
 
@@ -28,6 +31,7 @@ bool IsMissing(DWORD error);
 /// machines does not know all that the system does.
 struct SystemFunctions {
   decltype(&::CreateFileW) create_file = ::CreateFileW;
+  decltype(&::DeviceIoControl) control_device = ::DeviceIoControl;
   decltype(&::SetFileInformationByHandle) set_file_information = ::SetFileInformationByHandle;
 };
 
@@ -97,6 +101,9 @@ bool IsNameToWrite(const std::string& name);
 
 /// The name by which the system knows a path, however long.
 std::wstring SystemName(const std::filesystem::path& path);
+
+/// The name of a path on a drive or a share without the prefix that long names have.
+std::wstring WithoutPrefix(const std::wstring& name);
 
 /// How a file is opened. Others may do with it meanwhile what they could do if it was not open.
 struct Opening {
