@@ -36,6 +36,82 @@ TEST_P(PathListTest, Get_ProjectDirectoryIsNoUtf8_ThrowsRangeErrorAndAppendsNoth
 
 INSTANTIATE_TEST_SUITE_P(Lists, PathListTest, testing::ValuesIn(kPathLists), ByName());
 
+/// The lists that take any name, also the empty one and one that is not UTF-8: all but the last.
+class AnyNameListTest : public PathListTest {};
+
+TEST_P(AnyNameListTest, Get_NameIsNoUtf8_ThrowsRangeErrorWithTheEntriesBeforeItAppended) {
+  const std::string a = InRoot("a.sdc");
+  const std::string b = InRoot("b.sdc");
+  for (const std::string& name : {a, b, std::string("c\xFF.sdc"), InRoot("d.sdc")}) Add(name);
+  Strings names = {"former"};
+  EXPECT_THROW(GetParam().append_to(database_, names), std::range_error);
+  EXPECT_THAT(names, ElementsAre("former", a, b));
+  Add("/e.sdc");  // Would wait for ever if the lock were still held.
+}
+
+INSTANTIATE_TEST_SUITE_P(Lists, AnyNameListTest,
+                         testing::Values(kPathLists[0], kPathLists[1], kPathLists[2]), ByName());
+
+/// Names of timing constraint files, where one directory has such a name.
+class TimingNames : public FileLists {
+ protected:
+  TimingNames() { std::filesystem::create_directory("dir.sdc"); }
+
+  static Strings InProject(const Strings& names) {
+    Strings paths;
+    paths.reserve(names.size());
+    for (const std::string& name : names) {
+      const auto base = NativePath(InRoot("work/proj"));
+      paths.push_back(PathText(base / NativePath(name)));
+    }
+    return paths;
+  }
+
+  void SetUp() override {
+    FileLists::SetUp();
+    database_.SetProjectCurrentPath(InRoot("work/proj"));
+  }
+
+  const TemporaryDirectory directory_;
+  const WorkingDirectory working_directory_{directory_.path()};
+};
+
+TEST_F(TimingNames, AddTimingConstraintFile_List_AddsInOrderWhatTheSingleFormWould) {
+  EXPECT_TRUE(database_.AddTimingConstraintFile(Strings{"", "b.sdc", "dir.sdc", "größe.sdc",
+                                                        "a.SDC", "b.txt", "a.sdc", "missing/x.sdc",
+                                                        ".sdc", "b.sdc", "../x.sdc"}));
+  EXPECT_EQ(TimingConstraints(),
+            InProject({"b.sdc", "größe.sdc", "a.sdc", "missing/x.sdc", "b.sdc", "../x.sdc"}));
+}
+
+TEST_F(TimingNames, AddTimingConstraintFile_ListOfOtherNames_ReturnsFalseAndAddsNothing) {
+  EXPECT_FALSE(database_.AddTimingConstraintFile(Strings{"", "dir.sdc", "a.SDC", "b.txt", ".sdc"}));
+  EXPECT_FALSE(database_.AddTimingConstraintFile(Strings{}));
+  EXPECT_THAT(TimingConstraints(), IsEmpty());
+}
+
+TEST_F(TimingNames, AddTimingConstraintFile_NameIsNoUtf8_ThrowsRangeErrorAndAddsNothing) {
+  for (const std::string& name : NamesThatAreNotUtf8(".sdc")) {
+    EXPECT_THROW(database_.AddTimingConstraintFile(name), std::range_error) << name;
+  }
+  EXPECT_THAT([this] { database_.AddTimingConstraintFile("a\xFF.txt"); },
+              testing::ThrowsMessage<std::range_error>("a path is not UTF-8 text"));
+  EXPECT_THAT(TimingConstraints(), IsEmpty());
+}
+
+TEST_F(TimingNames, AddTimingConstraintFile_ListWithNameThatIsNoUtf8_KeepsThoseBeforeIt) {
+  EXPECT_THROW(
+      database_.AddTimingConstraintFile(Strings{"a.sdc", "", "c.sdc", "b\xFF.sdc", "d.sdc"}),
+      std::range_error);
+  // Would wait for ever if the lock were still held.
+  EXPECT_EQ(TimingConstraints(), InProject({"a.sdc", "c.sdc"}));
+}
+
+TEST_F(TimingNames, AddTimingConstraintFile_NameIsNoUtf8_TheProjectCanBeExported) {
+  EXPECT_ANY_THROW(database_.AddTimingConstraintFile("a\xFF.sdc"));
+  EXPECT_NO_THROW(database_.ExportProjectData("out.xml"));
+}
+
 TEST_F(FileLists, Adders_AppendNameVersionAndLibraryAndLeaveTheirVectors) {
   KelProjectDatabase database;
   ASSERT_TRUE(database.SetupProjectDatabase());

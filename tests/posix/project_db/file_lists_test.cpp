@@ -67,10 +67,10 @@ TEST_P(PathListTest, Get_VectorHasEntries_AppendsAllInOrderBehindThem) {
   EXPECT_THAT(List(), ElementsAre("/c.sdc", "/a.sdc", "/c.sdc"));
 }
 
-/// The lists that take any name, also the empty one and one that is not UTF-8: all but the last.
-class AnyNameListTest : public PathListTest {};
+/// As AnyPosixNameListTest, for names of POSIX.
+class AnyPosixNameListTest : public PathListTest {};
 
-TEST_P(AnyNameListTest, Get_EmptyName_IsTheDirectory) {
+TEST_P(AnyPosixNameListTest, Get_EmptyName_IsTheDirectory) {
   EXPECT_EQ(Resolved(""), "/work/proj/");
   Add("/a.v");
   const TemporaryDirectory directory;
@@ -79,15 +79,7 @@ TEST_P(AnyNameListTest, Get_EmptyName_IsTheDirectory) {
   EXPECT_THAT(List(), ElementsAre(std::filesystem::current_path().string(), "/a.v"));
 }
 
-TEST_P(AnyNameListTest, Get_NameIsNoUtf8_ThrowsRangeErrorWithTheEntriesBeforeItAppended) {
-  for (const char* name : {"/a.sdc", "/b.sdc", "c\xFF.sdc", "/d.sdc"}) Add(name);
-  Strings names = {"former"};
-  EXPECT_THROW(GetParam().append_to(database_, names), std::range_error);
-  EXPECT_THAT(names, ElementsAre("former", "/a.sdc", "/b.sdc"));
-  Add("/e.sdc");  // Would wait for ever if the lock were still held.
-}
-
-INSTANTIATE_TEST_SUITE_P(Lists, AnyNameListTest,
+INSTANTIATE_TEST_SUITE_P(Lists, AnyPosixNameListTest,
                          testing::Values(kPathLists[0], kPathLists[1], kPathLists[2]), ByName());
 
 TEST_F(FileLists, GetDesignFileList_ResultChanged_LeavesTheProject) {
@@ -197,28 +189,6 @@ TEST_F(TimingConstraints, AddTimingConstraintFile_ListWithStatusUnreadable_Keeps
                std::filesystem::filesystem_error);
   // Would wait for ever if the lock were still held.
   EXPECT_THAT(FileLists::TimingConstraints(), ElementsAre("/a.sdc", "/c.sdc"));
-}
-
-TEST_F(TimingConstraints, AddTimingConstraintFile_NameIsNoUtf8_ThrowsRangeErrorAndAddsNothing) {
-  for (const std::string& name : NamesThatAreNotUtf8(".sdc")) {
-    EXPECT_THROW(database_.AddTimingConstraintFile(name), std::range_error) << name;
-  }
-  EXPECT_THAT([this] { database_.AddTimingConstraintFile("a\xFF.txt"); },
-              testing::ThrowsMessage<std::range_error>("a path is not UTF-8 text"));
-  EXPECT_THAT(FileLists::TimingConstraints(), IsEmpty());
-}
-
-TEST_F(TimingConstraints, AddTimingConstraintFile_ListWithNameThatIsNoUtf8_KeepsThoseBeforeIt) {
-  EXPECT_THROW(
-      database_.AddTimingConstraintFile(Strings{"/a.sdc", "", "/c.sdc", "b\xFF.sdc", "/d.sdc"}),
-      std::range_error);
-  // Would wait for ever if the lock were still held.
-  EXPECT_THAT(FileLists::TimingConstraints(), ElementsAre("/a.sdc", "/c.sdc"));
-}
-
-TEST_F(TimingConstraints, AddTimingConstraintFile_NameIsNoUtf8_TheProjectCanBeExported) {
-  EXPECT_ANY_THROW(database_.AddTimingConstraintFile("a\xFF.sdc"));
-  EXPECT_NO_THROW(database_.ExportProjectData("out.xml"));
 }
 
 TEST_F(LoadedLists, GetIpSrcFileList_SeveralInstances_ResolvesAgainstEachOnesDirectory) {
