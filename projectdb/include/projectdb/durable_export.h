@@ -30,13 +30,23 @@ class KelProjectDatabase;
 ///   group and owner if the process may give them away. Where it may not give the group, the new
 ///   group gets no permission that all others do not have. Other extended attributes are not kept.
 ///   A file that was not there gets the permissions that any new file gets.
-/// - A process that is killed may leave a file ".kel_save_…", of no use, in the directory.
+/// - A process that is killed may leave a file ".kel_save_…", of no use, in the directory. The next
+///   save there removes it.
+///
+/// On Windows the new file has the access control list of the former one, and its attributes for
+/// being hidden, of the system or not indexed; its owner is who saves, and alternate streams are not
+/// kept. Others may have the former file open if they share it for deletion, and keep it; where they
+/// do not, or where the file system does not know such a renaming and anybody has it open, the save
+/// tries for a second and a bit, and then fails. The
+/// renaming itself is written through to the disk, so that no step is left that could fail with the
+/// new file in place.
 ///
 /// Threads: as ExportProjectData. Several threads and processes may save to one path; the project
 /// of the last one stays.
 ///
 /// @param database the object with the project
-/// @param path native path; at a directory, a device or a pipe nothing is written
+/// @param path native path; at a directory, a device or a pipe nothing is written, nor on Windows
+///        under a name that is not UTF-8 text
 /// @exception std::runtime_error "Failed writing XML file " + path + ": " + reason + "\n" in all
 ///            cases in which ExportProjectData throws it or xercesc::IOException, if the project is
 ///            refused, and if a step of the replacement fails. The former file is then as it was,

@@ -14,7 +14,8 @@
 #include <projectdb/project_contents.h>
 
 /// Project files as values: reading, writing and changing whole files, also by several programs at
-/// once. All paths are native paths. Every function may run in any thread.
+/// once. All paths are native paths; on Windows they are UTF-8 text, and nothing is written under a
+/// name that is not. Every function may run in any thread.
 namespace projectdb {
 
 namespace files {
@@ -140,6 +141,12 @@ KEL_EXPORT bool WriteProjectFile(const std::string& path, const ProjectContents&
 /// is through another hard link. The system gives it back when the process ends, however that ends;
 /// nothing stays behind. A thread that asks for a lock that it holds waits for ever. A child
 /// process that fork makes has a share in the lock, and takes it along if it replaces the file.
+///
+/// On Windows the lock is a hidden file ".kel_lock_" + name beside the one that it is on, which goes
+/// with it, also when the process is ended. So the process must be allowed to make files in the
+/// directory, the name has at most 245 characters, each hard link has a lock of its own, which
+/// stays with its path, and no child process has a share in one. Who has the file open and does not
+/// share it is waited for, but not for longer than a second and a bit.
 ///
 /// Threads: each may take locks; one object belongs to one thread at a time.
 class KEL_EXPORT ProjectFileLock {

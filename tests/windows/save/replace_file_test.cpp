@@ -328,6 +328,52 @@ TEST_F(SaveOnWindows, HiddenFile_StaysHidden) {
   EXPECT_NE(GetFileAttributesW(name.c_str()) & FILE_ATTRIBUTE_HIDDEN, 0U);
 }
 
+/// For as long as it lives, no file that is hidden, or the system's, can be made anew as one that
+/// is not, as Windows has it.
+class HiddenFilesKept {
+ public:
+  HiddenFilesKept() { files::FunctionsOfSystem().create_file = Open; }
+  ~HiddenFilesKept() { files::FunctionsOfSystem() = files::SystemFunctions(); }
+  HiddenFilesKept(const HiddenFilesKept&) = delete;
+  HiddenFilesKept& operator=(const HiddenFilesKept&) = delete;
+
+ private:
+  static HANDLE WINAPI Open(const wchar_t* name, DWORD access, DWORD sharing,
+                            SECURITY_ATTRIBUTES* security, DWORD disposition, DWORD flags,
+                            HANDLE model) {
+    constexpr DWORD kKept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+    const DWORD attributes = GetFileAttributesW(name);
+    const bool is_there = attributes != INVALID_FILE_ATTRIBUTES;
+    const bool is_overwritten = disposition == CREATE_ALWAYS || disposition == TRUNCATE_EXISTING;
+    if (is_there && is_overwritten && (attributes & kKept & ~flags) != 0) {
+      SetLastError(ERROR_ACCESS_DENIED);
+      return INVALID_HANDLE_VALUE;
+    }
+    return CreateFileW(name, access, sharing, security, disposition, flags, model);
+  }
+};
+
+TEST_F(SaveOnWindows, HiddenFile_IsExportedOverAndStaysHidden) {
+  const HiddenFilesKept kept;
+  const std::wstring name = NativePath(path_).native();
+  for (const int attribute : {FILE_ATTRIBUTE_HIDDEN, FILE_ATTRIBUTE_SYSTEM}) {
+    WriteFile(path_, former_ + std::string(100000, ' '));
+    const auto expected = static_cast<DWORD>(attribute);
+    ASSERT_TRUE(SetFileAttributesW(name.c_str(), expected));
+    database_.ExportProjectData(path_);
+    EXPECT_TRUE(IsSaved());
+    EXPECT_LT(std::filesystem::file_size(NativePath(path_)), 100000U);
+    EXPECT_EQ(GetFileAttributesW(name.c_str()) & expected, expected);
+    SetFileAttributesW(name.c_str(), FILE_ATTRIBUTE_NORMAL);
+  }
+}
+
+TEST_F(SaveOnWindows, FileThatCannotBeTruncated_IsAnErrorOfTheExport) {
+  const FilteredCalls filtered(FailCall("SetEndOfFile", 1, ERROR_DISK_FULL));
+  EXPECT_EQ(ErrorOf([&] { database_.ExportProjectData(path_); }),
+            WritingError(path_, "No space left on device"));
+}
+
 TEST_F(SaveOnWindows, AbandonedTemporaryFile_IsRemovedAndOneThatIsOpenIsNot) {
   const std::string abandoned = ".kel_save_" + Repeated("0", 32);
   const std::string used = ".kel_save_" + Repeated("1", 32);

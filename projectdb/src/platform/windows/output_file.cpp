@@ -9,6 +9,16 @@
 
 namespace projectdb::files {
 
+namespace {
+
+// Devices and pipes have no end to be set.
+bool Truncate(HANDLE file) {
+  return CallSystem("GetFileType", ::GetFileType, file) != FILE_TYPE_DISK ||
+         CallSystem("SetEndOfFile", ::SetEndOfFile, file) != 0;
+}
+
+}  // namespace
+
 struct OutputFile::State {
   std::optional<OpenFile> file;
   DWORD error = ERROR_SUCCESS;  // The first failure's.
@@ -16,8 +26,11 @@ struct OutputFile::State {
 
 OutputFile::OutputFile(const std::string& path) : state_(std::make_unique<State>()) {
   if (!IsNameToWrite(path)) return;
-  const HANDLE handle = WaitToOpen(paths::FromBytes(path), {GENERIC_WRITE, CREATE_ALWAYS});
-  if (handle != NoFile()) state_->file.emplace(reinterpret_cast<OpenFile::Handle>(handle));
+  // The system would deny to make a file anew that is hidden.
+  const HANDLE handle = WaitToOpen(paths::FromBytes(path), {GENERIC_WRITE, OPEN_ALWAYS});
+  if (handle == NoFile()) return;
+  state_->file.emplace(reinterpret_cast<OpenFile::Handle>(handle));
+  if (!Truncate(handle)) state_->error = GetLastError();
 }
 
 OutputFile::~OutputFile() = default;
