@@ -34,12 +34,11 @@ class KelProjectDatabase;
 ///   save there removes it.
 ///
 /// On Windows the new file has the access control list of the former one, and its attributes for
-/// being hidden, of the system or not indexed; its owner is who saves, and alternate streams are not
-/// kept. Others may have the former file open if they share it for deletion, and keep it; where they
-/// do not, or where the file system does not know such a renaming and anybody has it open, the save
-/// tries for a second and a bit, and then fails. The
-/// renaming itself is written through to the disk, so that no step is left that could fail with the
-/// new file in place.
+/// being hidden, of the system or not indexed; its owner is who saves, and alternate streams are
+/// not kept. Others may have the former file open if they share it for deletion, and keep it; where
+/// they do not, or where the file system does not know such a renaming and anybody has it open, the
+/// save tries for a second and a bit, and then fails. The renaming itself is written through to the
+/// disk, so that no step is left that could fail with the new file in place.
 ///
 /// Threads: as ExportProjectData. Several threads and processes may save to one path; the project
 /// of the last one stays.

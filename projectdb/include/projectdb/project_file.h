@@ -142,9 +142,9 @@ KEL_EXPORT bool WriteProjectFile(const std::string& path, const ProjectContents&
 /// nothing stays behind. A thread that asks for a lock that it holds waits for ever. A child
 /// process that fork makes has a share in the lock, and takes it along if it replaces the file.
 ///
-/// On Windows the lock is a hidden file ".kel_lock_" + name beside the one that it is on, which goes
-/// with it, also when the process is ended. So the process must be allowed to make files in the
-/// directory, the name has at most 245 characters, each hard link has a lock of its own, which
+/// On Windows the lock is a hidden file ".kel_lock_" + name beside the one that it is on, which
+/// goes with it, also when the process is ended. So the process must be allowed to make files in
+/// the directory, the name has at most 245 characters, each hard link has a lock of its own, which
 /// stays with its path, and no child process has a share in one. Who has the file open and does not
 /// share it is waited for, but not for longer than a second and a bit.
 ///

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
 #include <filesystem>
 #include <functional>
@@ -127,7 +128,7 @@ TEST_P(ChangeOnWindows, CallThatFails_LeavesTheFormerFileOrTheNextAndATellingErr
     ++errors;
     EXPECT_THAT(error, HasSubstr(path_));
     // The XML library knows that it could not open a file to write it, but not why.
-    EXPECT_THAT(error, HasSubstr(*call != "CreateFile" ? "No space left on device" : ""));
+    EXPECT_THAT(error, HasSubstr(*call != "CreateFile" ? TextOfErrno(ENOSPC) : ""));
   }
   EXPECT_GE(errors, 8);
 }
@@ -140,7 +141,7 @@ TEST_P(ChangeOnWindows, FailedChangeThatCannotRemoveItsFile_LeavesItToTheNextSav
       const bool is_failing = name == "FlushFileBuffers" || name == "DeleteFile";
       return is_failing ? ERROR_DISK_FULL : 0;
     });
-    EXPECT_THAT(ChangeError(), HasSubstr("No space left on device"));
+    EXPECT_THAT(ChangeError(), HasSubstr(TextOfErrno(ENOSPC)));
   }
   EXPECT_EQ(NameFoundIn(path_), former_name());
   EXPECT_THAT(NamesIn(directory_.path()), SizeIs(change().has_former ? 2 : 1));

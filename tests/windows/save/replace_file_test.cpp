@@ -200,7 +200,7 @@ TEST_F(RenamingSave, FileThatIsNotExpectedThere_IsNotReplaced) {
 
 TEST_F(RenamingSave, RenamingFails_LeavesTheFormerFile) {
   const FilteredCalls filtered(FailCall("RenameOpenFile", 1, ERROR_DISK_FULL));
-  EXPECT_EQ(Save(), WritingError(path_, "No space left on device"));
+  EXPECT_EQ(Save(), WritingError(path_, ENOSPC));
   ExpectUntouched();
 }
 
@@ -370,8 +370,7 @@ TEST_F(SaveOnWindows, HiddenFile_IsExportedOverAndStaysHidden) {
 
 TEST_F(SaveOnWindows, FileThatCannotBeTruncated_IsAnErrorOfTheExport) {
   const FilteredCalls filtered(FailCall("SetEndOfFile", 1, ERROR_DISK_FULL));
-  EXPECT_EQ(ErrorOf([&] { database_.ExportProjectData(path_); }),
-            WritingError(path_, "No space left on device"));
+  EXPECT_EQ(ErrorOf([&] { database_.ExportProjectData(path_); }), WritingError(path_, ENOSPC));
 }
 
 TEST_F(SaveOnWindows, AbandonedTemporaryFile_IsRemovedAndOneThatIsOpenIsNot) {
