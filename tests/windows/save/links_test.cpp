@@ -10,8 +10,6 @@
 #include <string>
 #include <vector>
 
-#include <projectdb/project_file.h>
-
 #include <windows.h>
 
 #include "platform/windows/windows_system.h"
@@ -19,6 +17,7 @@
 #include "testing/saves.h"
 #include "testing/temporary_directory.h"
 #include "testing/test.h"
+#include "tests/save/file_changes.h"
 
 namespace {
 
@@ -121,7 +120,7 @@ class SaveThroughDanglingLink : public testing::Test {
 TEST_F(SaveThroughDanglingLink, RelativeTarget_IsMadeAndTheLinkStays) {
   targets_ = {L"..\\target\\p.xml"};
   EXPECT_EQ(Save(), "");
-  EXPECT_EQ(ReadProjectFile(target_, "").contents->project_name, "next");
+  EXPECT_EQ(file_changes::NameFoundIn(target_), "next");
   EXPECT_EQ(ReadFile(link_), "the link");
   EXPECT_THAT(NamesIn(directory_ / "links"), ElementsAre("l.xml"));
 }
@@ -129,7 +128,7 @@ TEST_F(SaveThroughDanglingLink, RelativeTarget_IsMadeAndTheLinkStays) {
 TEST_F(SaveThroughDanglingLink, AbsoluteTarget_IsMadeAndTheLinkStays) {
   targets_ = {L"\\??\\" + std::filesystem::path(target_).make_preferred().native()};
   EXPECT_EQ(Save(), "");
-  EXPECT_EQ(ReadProjectFile(target_, "").contents->project_name, "next");
+  EXPECT_EQ(file_changes::NameFoundIn(target_), "next");
   EXPECT_EQ(ReadFile(link_), "the link");
 }
 
