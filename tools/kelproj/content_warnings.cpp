@@ -18,6 +18,7 @@
 #include "named_files.h"
 #include "places.h"
 #include "platform/file_names.h"
+#include "platform/path_operations.h"
 
 namespace kelproj {
 namespace {
@@ -169,7 +170,7 @@ std::vector<FileProblem> UnlistedFiles(const ProjectContents& project) {
     if (listed.count(identities.Of(path)) > 0) continue;
     problems.push_back(
         {ProblemSeverity::kWarning, 0, 0,
-         "\"" + NameFrom(path.lexically_relative(directory)) + "\" is in no list of the project"});
+         "\"" + NameFrom(LexicallyRelative(path, directory)) + "\" is in no list of the project"});
   }
   return problems;
 }

@@ -1,16 +1,13 @@
 #include "file_identities.h"
 
-#include <system_error>
-
 #include "platform/file_names.h"
+#include "platform/path_operations.h"
 
 namespace kelproj {
 namespace {
 
-std::filesystem::path WithoutLinks(const std::filesystem::path& directory) {
-  std::error_code error;
-  std::filesystem::path path = std::filesystem::weakly_canonical(directory, error);
-  if (error) path = directory.lexically_normal();
+std::filesystem::path RealDirectory(const std::filesystem::path& directory) {
+  std::filesystem::path path = WithoutLinks(directory);
   return path.has_filename() ? path : path.parent_path();
 }
 
@@ -33,7 +30,7 @@ std::string FileIdentities::Of(const std::filesystem::path& path) {
 const std::string& FileIdentities::OfDirectory(const std::filesystem::path& path) {
   // The system is asked once for each directory.
   const auto [entry, is_new] = directories_.try_emplace(NameFrom(path));
-  if (is_new) entry->second = NameFrom(WithoutLinks(path));
+  if (is_new) entry->second = NameFrom(RealDirectory(path));
   return entry->second;
 }
 

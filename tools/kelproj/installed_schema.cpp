@@ -5,6 +5,7 @@
 
 #include "console.h"
 #include "platform/file_names.h"
+#include "platform/path_operations.h"
 #include "platform/running_program.h"
 
 namespace kelproj {
@@ -12,7 +13,7 @@ namespace kelproj {
 std::string InstalledSchema() {
   namespace fs = std::filesystem;
   const fs::path candidates[] = {
-      (RunningProgram().parent_path() / PathFrom(KELPROJ_SCHEMA_FROM_PROGRAM)).lexically_normal(),
+      LexicallyNormal(RunningProgram().parent_path() / PathFrom(KELPROJ_SCHEMA_FROM_PROGRAM)),
       PathFrom(KELPROJ_INSTALLED_SCHEMA)};
   for (const fs::path& candidate : candidates) {
     std::error_code error;

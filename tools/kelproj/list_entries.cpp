@@ -4,7 +4,7 @@
 
 #include "console.h"
 #include "named_files.h"
-#include "platform/file_names.h"
+#include "platform/path_operations.h"
 
 namespace kelproj {
 
@@ -62,16 +62,15 @@ bool EntryChoice::ChooseKnown(const std::string& text, const Texts& known, Texts
 
 bool EntryChoice::Choose(const std::string& name) {
   RequireName(name);
-  return ChooseFile(std::filesystem::current_path() / PathFrom(name)) ||
+  return ChooseFile(PathIn(CurrentDirectory(), name)) ||
          ChooseKnown(name, known_names_, chosen_names_) ||
-         ChooseFile(project_directory_ / PathFrom(name));
+         ChooseFile(PathIn(project_directory_, name));
 }
 
 std::string EntryChoice::HintFor(const std::string& name) {
   const std::string below = name + "/";
-  const std::filesystem::path directory = PathFrom(below);
-  const bool is_above = IsAboveAny(identities_.Of(std::filesystem::current_path() / directory)) ||
-                        IsAboveAny(identities_.Of(project_directory_ / directory));
+  const bool is_above = IsAboveAny(identities_.Of(PathIn(CurrentDirectory(), below))) ||
+                        IsAboveAny(identities_.Of(PathIn(project_directory_, below)));
   if (!is_above || name.back() == '/') return "";
   return "; \"" + below + "\" means all files below it";
 }

@@ -9,7 +9,7 @@
 #include <projectdb/vocabulary.h>
 
 #include "file_identities.h"
-#include "platform/file_names.h"
+#include "platform/path_operations.h"
 
 namespace kelproj {
 
@@ -80,7 +80,7 @@ class EntryChoice {
 
   template <typename Entry>
   std::string IdentityOf(const Entry& entry, const std::filesystem::path& directory) {
-    return identities_.Of(directory / PathFrom(projectdb::FileNameOf(entry)));
+    return identities_.Of(PathIn(directory, projectdb::FileNameOf(entry)));
   }
 
   bool HasFile(const std::string& file) const;

@@ -9,6 +9,7 @@
 #include "file_identities.h"
 #include "places.h"
 #include "platform/file_names.h"
+#include "platform/path_operations.h"
 #include "shown_terms.h"
 
 namespace kelproj {
@@ -18,18 +19,12 @@ using projectdb::IP;
 using projectdb::ProjectContents;
 using projectdb::ProjectTerm;
 
-// A way back through a link would lead astray.
-std::filesystem::path CanonicalDirectory(const std::filesystem::path& directory) {
-  std::error_code error;
-  std::filesystem::path path = std::filesystem::canonical(directory, error);
-  return error ? directory : path;
-}
-
 /// Collects the files of a project.
 class Collection {
  public:
+  // A way back through a link would lead astray.
   explicit Collection(const ProjectContents& project)
-      : project_(project), directory_(CanonicalDirectory(PathFrom(project.current_path))) {}
+      : project_(project), directory_(WithoutLinks(PathFrom(project.current_path))) {}
 
   void Add(const FileKind& kind) {
     kind_ = &kind;
@@ -41,7 +36,7 @@ class Collection {
  private:
   void Add(const std::string& key, const std::string& name) {
     if (name.empty()) return;
-    files_.push_back({kind_, key, key, name, directory_ / PathFrom(name), "", ""});
+    files_.push_back({kind_, key, key, name, PathIn(directory_, name), "", ""});
   }
 
   // The attributes are free text.
@@ -56,7 +51,7 @@ class Collection {
     for (std::size_t i = 0; i < ips.size(); ++i) {
       AddEntry(key, i, ips[i], directory_);
       AddList(SourceListKey(key, NameOf(ips[i])), ips[i].src_files,
-              (directory_ / PathFrom(ips[i].path)).parent_path());
+              PathIn(directory_, ips[i].path).parent_path());
     }
   }
 
@@ -71,7 +66,7 @@ class Collection {
                 const std::filesystem::path& directory) {
     const std::string& name = projectdb::FileNameOf(entry);
     files_.push_back({kind_, list, PlaceText(list, std::to_string(index)), name,
-                      directory / PathFrom(name), "", ""});
+                      PathIn(directory, name), "", ""});
     if constexpr (std::is_same_v<Entry, projectdb::DesignFile>) {
       files_.back().version = entry.version;
       files_.back().library = entry.library;
@@ -100,7 +95,7 @@ bool IsNamedDirectory(const std::filesystem::path& path, const std::string& name
 
 // Seen from the directory; as it is if no way leads there, as from one drive to another.
 std::string NameBeside(const std::filesystem::path& path, const std::filesystem::path& directory) {
-  const std::filesystem::path name = path.lexically_relative(directory);
+  const std::filesystem::path name = LexicallyRelative(path, directory);
   return NameFrom(name.empty() ? path : name);
 }
 
@@ -122,7 +117,7 @@ std::vector<NamedFile> FilesOf(const ProjectContents& project) {
 }
 
 std::filesystem::path NormalPath(const std::filesystem::path& path) {
-  std::filesystem::path normal = path.lexically_normal();
+  std::filesystem::path normal = LexicallyNormal(path);
   if (std::find(path.begin(), path.end(), "..") == path.end()) return normal;
   FileIdentities identities;
   const std::string file = identities.Of(path);
@@ -131,11 +126,11 @@ std::filesystem::path NormalPath(const std::filesystem::path& path) {
 
 std::string NameIn(const std::filesystem::path& directory, const std::filesystem::path& path) {
   const std::filesystem::path normal = NormalPath(path);
-  const std::filesystem::path real_directory = std::filesystem::weakly_canonical(directory);
+  const std::filesystem::path real_directory = WithoutLinks(directory);
   // Links on the way to the directory are left out of the names of what is below it.
   for (const std::filesystem::path& name :
-       {normal.lexically_relative(NormalPath(std::filesystem::absolute(directory))),
-        PathFrom(FileIdentities().Of(path)).lexically_relative(real_directory)}) {
+       {LexicallyRelative(normal, NormalPath(directory)),
+        LexicallyRelative(PathFrom(FileIdentities().Of(path)), real_directory)}) {
     if (!name.empty() && *name.begin() != "..") return NameFrom(name);
   }
   return NameBeside(normal, real_directory);
@@ -143,7 +138,7 @@ std::string NameIn(const std::filesystem::path& directory, const std::filesystem
 
 std::string StoredName(const std::string& name, const std::filesystem::path& directory) {
   if (IsAbsolute(name)) return name;
-  return NameIn(directory, std::filesystem::current_path() / PathFrom(name));
+  return NameIn(directory, PathIn(CurrentDirectory(), name));
 }
 
 void RequireName(const std::string& name) {
@@ -157,7 +152,7 @@ void RequireEnding(const ProjectTerm& term, const std::string& name) {
 }
 
 std::string NameFromHere(const std::filesystem::path& path) {
-  return NameBeside(NormalPath(path), std::filesystem::current_path());
+  return NameBeside(NormalPath(path), CurrentDirectory());
 }
 
 std::string NameFromHere(const NamedFile& file) {
@@ -177,7 +172,7 @@ std::optional<std::string> WhyNoFile(const NamedFile& file) {
 
 std::optional<std::string> WhyNoFile(const std::filesystem::path& directory,
                                      const std::string& name) {
-  const std::filesystem::path path = directory / PathFrom(name);
+  const std::filesystem::path path = PathIn(directory, name);
   if (IsFile(path)) return std::nullopt;
   if (IsNamedDirectory(path, name)) return IsADirectory(name);
   return IsMissing(name) +

@@ -16,6 +16,7 @@
 #include "named_files.h"
 #include "platform/file_access.h"
 #include "platform/file_names.h"
+#include "platform/path_operations.h"
 #include "problems.h"
 
 namespace kelproj {
@@ -75,9 +76,9 @@ std::vector<FileProblem> NewOnes(const std::vector<FileProblem>& former,
 
 // A load takes the names of the files from the directory of the path that it is given.
 void WarnOfLink(const std::string& path, const Console& console) {
-  const std::filesystem::path file = std::filesystem::absolute(PathFrom(path));
-  const std::filesystem::path target = std::filesystem::weakly_canonical(file);
-  if (target.parent_path() == std::filesystem::weakly_canonical(file.parent_path())) return;
+  const std::filesystem::path file = PathIn(CurrentDirectory(), path);
+  const std::filesystem::path target = WithoutLinks(file);
+  if (target.parent_path() == WithoutLinks(file.parent_path())) return;
   WriteMessage(console.err, Diag::MessageType::kWarning,
                path + " is a link to " + NameFrom(target) +
                    "; names of files are relative to the directory of the link");
@@ -134,12 +135,11 @@ ProjectContents ReadProject(const std::string& file, const Console& console) {
 
 void RequireWritable(const std::string& path) {
   RequireName(path);
-  const std::filesystem::path file = std::filesystem::absolute(PathFrom(path));
+  const std::filesystem::path file = PathIn(CurrentDirectory(), path);
   std::error_code error;
   if (std::filesystem::is_directory(file, error)) throw Trouble(path + " is a directory");
   // A link is not replaced, but what it leads to.
-  const std::filesystem::path target = std::filesystem::weakly_canonical(file, error);
-  const std::filesystem::path directory = (error ? file : target).parent_path();
+  const std::filesystem::path directory = WithoutLinks(file).parent_path();
   if (!std::filesystem::is_directory(directory, error)) {
     throw Trouble("there is no directory " + NameFrom(directory));
   }

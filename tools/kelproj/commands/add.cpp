@@ -11,6 +11,7 @@
 #include "file_identities.h"
 #include "named_files.h"
 #include "platform/file_names.h"
+#include "platform/path_operations.h"
 #include "standard_input.h"
 #include "stored_project.h"
 
@@ -118,7 +119,7 @@ class Addition {
   }
 
   void AddSources(IP& ip, const ListPlace& place) {
-    const std::filesystem::path directory = (directory_ / PathFrom(ip.path)).parent_path();
+    const std::filesystem::path directory = PathIn(directory_, ip.path).parent_path();
     std::vector<IPSrcFile> added;
     for (const std::string& name : StoredNames(directory)) added.push_back({name});
     Insert(ip.src_files, added, {directory_, directory, TitleOfSources(ip)}, place);
@@ -141,7 +142,7 @@ class Addition {
                   const ListOfFiles& list) {
     std::unordered_set<std::string> files;
     const auto insert = [&](const Entry& entry) {
-      return files.insert(identities_.Of(list.directory / PathFrom(projectdb::FileNameOf(entry))))
+      return files.insert(identities_.Of(PathIn(list.directory, projectdb::FileNameOf(entry))))
           .second;
     };
     for (const Entry& entry : entries) insert(entry);
@@ -155,7 +156,7 @@ class Addition {
     const projectdb::ProjectTerm& term = TermOf(*arguments_.kind);
     const std::optional<std::string> reason = WhyNoFile(directory, name);
     if (reason && term.file_ending == projectdb::kTimingConstraintFileEnding &&
-        std::filesystem::is_directory(directory / PathFrom(name))) {
+        std::filesystem::is_directory(PathIn(directory, name))) {
       throw Trouble(*reason);
     }
     RequireEnding(term, name);

@@ -14,6 +14,7 @@
 #include "git_program.h"
 #include "named_files.h"
 #include "platform/file_names.h"
+#include "platform/path_operations.h"
 #include "platform/running_program.h"
 #include "shell_words.h"
 #include "stored_project.h"
@@ -91,16 +92,16 @@ bool IsDirectory(const fs::path& path) {
 
 /// Of a file that need not be there, or of a pattern.
 Pattern PatternOf(const std::string& file) {
-  const fs::path path = fs::absolute(PathFrom(file)).lexically_normal();
+  const fs::path path = LexicallyNormal(PathIn(CurrentDirectory(), file));
   fs::path directory = path.parent_path();
   while (!IsDirectory(directory)) directory = directory.parent_path();
   const auto top = Git(directory).Ask({"rev-parse", "--show-toplevel"});
-  const fs::path place = fs::canonical(directory).lexically_relative(PathFrom(top.value_or("")));
+  const fs::path place = LexicallyRelative(WithoutLinks(directory), PathFrom(top.value_or("")));
   if (place.empty() || *place.begin() == "..") {
     throw Trouble(file + " is in no working tree of git");
   }
   const std::string prefix = place == "." ? "/" : "/" + LiteralPattern(NameFrom(place)) + "/";
-  const std::string name = NameFrom(path.lexically_relative(directory));
+  const std::string name = NameFrom(LexicallyRelative(path, directory));
   return {PathFrom(*top), prefix + (IsPattern(file) ? name : LiteralPattern(name))};
 }
 
@@ -172,7 +173,7 @@ class RepositoryLocks {
  private:
   static fs::path RepositoryOf(const fs::path& top) {
     const auto path = Git(top).Ask({"rev-parse", "--path-format=absolute", "--git-common-dir"});
-    return fs::canonical(PathFrom(path.value_or("")));
+    return WithoutLinks(PathFrom(path.value_or("")));
   }
 
   std::list<projectdb::ProjectFileLock> locks_;

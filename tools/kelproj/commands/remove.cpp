@@ -9,6 +9,7 @@
 #include "list_entries.h"
 #include "named_files.h"
 #include "platform/file_names.h"
+#include "platform/path_operations.h"
 #include "stored_project.h"
 
 namespace kelproj {
@@ -26,7 +27,7 @@ void ForEachList(ProjectContents& project, const FileKind* kind, Function functi
     if (kind && kind != &each) continue;
     WithList(each, project, [&](auto& list) {
       if constexpr (std::is_same_v<std::decay_t<decltype(list)>, std::vector<IP>>) {
-        for (IP& ip : list) function(ip.src_files, (directory / PathFrom(ip.path)).parent_path());
+        for (IP& ip : list) function(ip.src_files, PathIn(directory, ip.path).parent_path());
       }
       function(list, directory);
     });

@@ -16,6 +16,7 @@
 #include "list_entries.h"
 #include "named_files.h"
 #include "platform/file_names.h"
+#include "platform/path_operations.h"
 #include "stored_project.h"
 
 namespace kelproj {
@@ -35,13 +36,13 @@ class Renaming {
   /// @param former_base against which the former name is resolved
   Renaming(const RenameArguments& arguments, const fs::path& former_base,
            const ProjectContents& project)
-      : new_path_(NormalPath(fs::current_path() / PathFrom(arguments.new_name))),
+      : new_path_(NormalPath(PathIn(CurrentDirectory(), arguments.new_name))),
         makes_absolute_(IsAbsolute(arguments.new_name)),
         makes_relative_(IsAbsolute(arguments.former_name) && !makes_absolute_),
         only_below_(!PathFrom(arguments.former_name).has_filename()),
-        former_file_(identities_.Of(former_base / PathFrom(arguments.former_name))),
-        former_directory_(identities_.OfDirectory(former_base / PathFrom(arguments.former_name))),
-        project_directory_(fs::weakly_canonical(PathFrom(project.current_path))) {}
+        former_file_(identities_.Of(PathIn(former_base, arguments.former_name))),
+        former_directory_(identities_.OfDirectory(PathIn(former_base, arguments.former_name))),
+        project_directory_(WithoutLinks(PathFrom(project.current_path))) {}
 
   /// Whether anything was renamed.
   bool Rename(ProjectContents& project) {
@@ -60,7 +61,7 @@ class Renaming {
 
   void Rename(const ProjectTerm& term, std::string& name) {
     if (name.empty()) return;
-    const std::optional<fs::path> path = NewPath(project_directory_ / PathFrom(name));
+    const std::optional<fs::path> path = NewPath(PathIn(project_directory_, name));
     if (!path) return;
     const std::string stored = StoredFor(*path, project_directory_, IsAbsoluteThen(name));
     if (!KeepsWrongEnding(term, name, stored)) RequireEnding(term, stored);
@@ -82,9 +83,9 @@ class Renaming {
   // The sources stay the files that they are when the directory of the instance changes.
   void Rename(const ProjectTerm& term, std::vector<IP>& ips) {
     for (IP& ip : ips) {
-      const fs::path former_directory = (project_directory_ / PathFrom(ip.path)).parent_path();
+      const fs::path former_directory = PathIn(project_directory_, ip.path).parent_path();
       Rename(term, ip.path);
-      const fs::path directory = (project_directory_ / PathFrom(ip.path)).parent_path();
+      const fs::path directory = PathIn(project_directory_, ip.path).parent_path();
       const Identities former = IdentitiesOf(ip.src_files, former_directory);
       for (IPSrcFile& source : ip.src_files) RenameSource(source, former_directory, directory);
       RequireNew(former, IdentitiesOf(ip.src_files, directory), TitleOfSources(ip));
@@ -94,7 +95,7 @@ class Renaming {
   void RenameSource(IPSrcFile& source, const fs::path& former_directory,
                     const fs::path& directory) {
     if (source.name.empty()) return;
-    const fs::path former = former_directory / PathFrom(source.name);
+    const fs::path former = PathIn(former_directory, source.name);
     const std::optional<fs::path> path = NewPath(former);
     if (path) {
       source.name = StoredFor(*path, directory, IsAbsoluteThen(source.name));
@@ -108,7 +109,7 @@ class Renaming {
     Identities identities;
     identities.reserve(entries.size());
     for (const Entry& entry : entries) {
-      identities.push_back(identities_.Of(directory / PathFrom(projectdb::FileNameOf(entry))));
+      identities.push_back(identities_.Of(PathIn(directory, projectdb::FileNameOf(entry))));
     }
     return identities;
   }
@@ -165,7 +166,7 @@ class Renaming {
   }
 
   static std::string StoredFor(const fs::path& path, const fs::path& directory, bool is_absolute) {
-    return is_absolute ? NameFrom(path.lexically_normal()) : NameIn(directory, path);
+    return is_absolute ? NameFrom(LexicallyNormal(path)) : NameIn(directory, path);
   }
 
   FileIdentities identities_;
@@ -189,9 +190,8 @@ std::string HintFor(const std::string& name, const std::vector<IP>& ips) {
 // is there, as it is stored.
 void RenameFiles(const RenameArguments& arguments, ProjectContents& project) {
   const bool is_renamed =
-      Renaming(arguments, fs::current_path(), project).Rename(project) ||
-      Renaming(arguments, fs::weakly_canonical(PathFrom(project.current_path)), project)
-          .Rename(project);
+      Renaming(arguments, CurrentDirectory(), project).Rename(project) ||
+      Renaming(arguments, WithoutLinks(PathFrom(project.current_path)), project).Rename(project);
   if (is_renamed) return;
   RefuseMissing(StoredName(arguments.former_name, PathFrom(project.current_path)), "",
                 HintFor(arguments.former_name, project.ip_info.ips));
