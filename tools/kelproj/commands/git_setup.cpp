@@ -94,7 +94,10 @@ bool IsDirectory(const fs::path& path) {
 Pattern PatternOf(const std::string& file) {
   const fs::path path = LexicallyNormal(PathIn(CurrentDirectory(), file));
   fs::path directory = path.parent_path();
-  while (!IsDirectory(directory)) directory = directory.parent_path();
+  // A drive may be missing.
+  while (!IsDirectory(directory) && directory.has_relative_path()) {
+    directory = directory.parent_path();
+  }
   const auto top = Git(directory).Ask({"rev-parse", "--show-toplevel"});
   const fs::path place = LexicallyRelative(WithoutLinks(directory), PathFrom(top.value_or("")));
   if (place.empty() || *place.begin() == "..") {

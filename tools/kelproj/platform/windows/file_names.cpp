@@ -5,7 +5,14 @@
 
 namespace kelproj {
 
-std::filesystem::path PathFrom(const std::string& name) { return Utf16From(name); }
+// To the system the letter of a drive is the same in either case, and a shell may pass on both.
+std::filesystem::path PathFrom(const std::string& name) {
+  std::wstring native = Utf16From(name);
+  const bool has_small_drive =
+      native.size() > 1 && native[0] >= L'a' && native[0] <= L'z' && native[1] == L':';
+  if (has_small_drive) native[0] = static_cast<wchar_t>(native[0] - L'a' + L'A');
+  return native;
+}
 
 bool IsAbsolute(const std::string& name) {
   const std::filesystem::path path = PathFrom(name);

@@ -17,7 +17,7 @@ fs::path OnShare(const fs::path& share, const fs::path& place) {
 
 }  // namespace
 
-fs::path CurrentDirectory() { return fs::current_path(); }
+fs::path CurrentDirectory() { return PathFrom(NameFrom(fs::current_path())); }
 
 fs::path PathIn(const fs::path& directory, const std::string& name) {
   const fs::path path = PathFrom(name);
