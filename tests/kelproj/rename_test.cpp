@@ -187,6 +187,15 @@ TEST_F(Rename, ByAbsoluteNames_KeepsAllFilesOfAProjectFileThatMoves) {
             Printed("../../shared/s.v\n../rtl/a.v\nb.v\n"));
 }
 
+TEST_F(Rename, RootWithoutADrive_IsThatOfWhereTheUserStands) {
+  EXPECT_EQ(Run({"rename", "blinker.xml", "/", "/"}), Done());
+  EXPECT_THAT(Listed("constraint.sdc"), ElementsAre(PathOf("clocks.sdc")));
+  EXPECT_EQ(Sources(), nlohmann::json({PathOf("ip/pll/pll.v"), PathOf("rtl/old/a.v")}));
+  EXPECT_EQ(Run({"rename", "blinker.xml", "/", "/moved/"}), Done());
+  EXPECT_THAT(Listed("constraint.sdc"),
+              ElementsAre(Root() + "moved" + PathOf("clocks.sdc").substr(Root().size() - 1)));
+}
+
 TEST_F(Rename, OneThatIsInNoList_ChangesNothingAndTheAnswerIsNo) {
   ExpectUnchangedBy({"rename", "blinker.xml", "rtl/ol", "rtl/new"},
                     Refused("\"rtl/ol\" is in no list of the project"));

@@ -30,6 +30,9 @@ using projectdb::ProjectTerm;
 
 namespace fs = std::filesystem;
 
+// One without a drive is on that of where the user stands.
+bool HasRoot(const std::string& name) { return PathFrom(name).has_root_directory(); }
+
 /// Gives a file, or all files below a directory, other names wherever a project has them.
 class Renaming {
  public:
@@ -37,8 +40,8 @@ class Renaming {
   Renaming(const RenameArguments& arguments, const fs::path& former_base,
            const ProjectContents& project)
       : new_path_(NormalPath(PathIn(CurrentDirectory(), arguments.new_name))),
-        makes_absolute_(IsAbsolute(arguments.new_name)),
-        makes_relative_(IsAbsolute(arguments.former_name) && !makes_absolute_),
+        makes_absolute_(HasRoot(arguments.new_name)),
+        makes_relative_(HasRoot(arguments.former_name) && !makes_absolute_),
         only_below_(!PathFrom(arguments.former_name).has_filename()),
         former_file_(identities_.Of(PathIn(former_base, arguments.former_name))),
         former_directory_(identities_.OfDirectory(PathIn(former_base, arguments.former_name))),
