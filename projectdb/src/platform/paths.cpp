@@ -25,7 +25,7 @@ std::filesystem::path FromUtf8(const std::string& name) {
 // As std::filesystem::absolute, which on some systems takes a ".." together with what is before it.
 std::filesystem::path Absolute(const std::filesystem::path& path) {
   if (IsAbsolute(path)) return path;
-  std::filesystem::path joined = CurrentDirectory() / path;
+  std::filesystem::path joined = Below(CurrentDirectory(), path);
   if (IsAbsolute(joined)) return joined;
   // A path on a drive other than the current one may be relative to that drive's own directory.
   return std::filesystem::absolute(joined);
@@ -34,7 +34,7 @@ std::filesystem::path Absolute(const std::filesystem::path& path) {
 std::filesystem::path ResolveProjectPath(const std::filesystem::path& base,
                                          const std::string& name) {
   const std::filesystem::path stored = FromUtf8(name);
-  std::filesystem::path path = IsAbsolute(stored) ? stored : base / stored;
+  std::filesystem::path path = IsAbsolute(stored) ? stored : Below(base, stored);
   // Hardly ever so: no copy of a path is made for the million names that a list may have.
   if (!IsAbsolute(path)) path = path.empty() ? CurrentDirectory() : Absolute(path);
   return path;

@@ -16,8 +16,16 @@ std::string ToBytes(const std::filesystem::path& path);
 /// @exception std::range_error if the name is not UTF-8
 std::filesystem::path FromUtf8(const std::string& name);
 
+/// Whether the path is on a share of a machine, which the standard library may not know for a root.
+bool IsOnShare(const std::filesystem::path& path);
+
 /// Whether the path is the same in every directory and on every drive.
 bool IsAbsolute(const std::filesystem::path& path);
+
+/// The path below a base. One with a root alone is on the drive or the share of the base, where
+/// there are such.
+/// @param path not on a share
+std::filesystem::path Below(const std::filesystem::path& base, const std::filesystem::path& path);
 
 /// The path below the current directory, unless it is absolute. No lexical normalisation.
 /// @exception std::filesystem::filesystem_error if the system does not tell that directory

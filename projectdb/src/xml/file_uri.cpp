@@ -60,6 +60,14 @@ bool TakeLocalHost(std::string_view& text) {
   return host.empty() || host == "localhost";
 }
 
+// As it is if the system does not tell. Links on a share are its server's.
+std::filesystem::path WithoutLinks(const std::filesystem::path& directory) {
+  if (paths::IsOnShare(directory)) return directory;
+  std::error_code error;
+  std::filesystem::path real = std::filesystem::canonical(directory, error);
+  return error ? directory : real;
+}
+
 }  // namespace
 
 std::string EscapeForUri(std::string_view text) {
@@ -78,10 +86,8 @@ std::string EscapeForUri(std::string_view text) {
 
 std::string FileUri(const std::filesystem::path& path) {
   const std::filesystem::path absolute = paths::Absolute(path);
-  std::error_code error;
-  std::filesystem::path directory = std::filesystem::canonical(absolute.parent_path(), error);
-  if (error) directory = absolute.parent_path();
-  return "file://" + EscapeForUri(paths::ToUriPath(directory / absolute.filename()));
+  return "file://" +
+         EscapeForUri(paths::ToUriPath(WithoutLinks(absolute.parent_path()) / absolute.filename()));
 }
 
 std::optional<std::filesystem::path> LocalPath(std::string_view reference,
@@ -99,7 +105,7 @@ std::optional<std::filesystem::path> LocalPath(std::string_view reference,
   TakeLocalHost(base_uri);
   const std::filesystem::path path = paths::FromUriPath(name);
   if (paths::IsBeyondFiles(path)) return std::nullopt;
-  return paths::FromUriPath(Unescape(base_uri)).parent_path() / path;
+  return paths::Below(paths::FromUriPath(Unescape(base_uri)).parent_path(), path);
 }
 
 }  // namespace projectdb::xml

@@ -57,8 +57,15 @@ TEST(FileListsOnWindows, StoredName_ProjectInARelativeDirectory_IsAbsoluteAndKee
 
 TEST(FileListsOnWindows, StoredName_ProjectOnAShare_IsBelowTheProject) {
   EXPECT_EQ(Delivered("src/x.v", "\\\\host\\share\\proj"), "\\\\host\\share\\proj\\src/x.v");
+  EXPECT_EQ(Delivered("../x.v", "//host/share/proj"), "//host/share/proj\\../x.v");
   EXPECT_EQ(Delivered("\\\\host\\share\\x.v", "C:/work"), "\\\\host\\share\\x.v");
   EXPECT_EQ(Delivered("//host/share/x.v", "C:/work"), "//host/share/x.v");
+}
+
+TEST(FileListsOnWindows, StoredNameWithARootAlone_ProjectOnAShare_IsOnTheShare) {
+  EXPECT_EQ(Delivered("/x/y.v", "//host/share/proj"), "//host/share/x/y.v");
+  EXPECT_EQ(Delivered("\\x\\y.v", "\\\\host\\share"), "\\\\host\\share\\x\\y.v");
+  EXPECT_EQ(Delivered("D:/lib/x.v", "//host/share/proj"), "D:/lib/x.v");
 }
 
 TEST(FileListsOnWindows, StoredName_NotUtf8_ThrowsARangeError) {

@@ -43,6 +43,19 @@ TEST(FileUriOnWindows, LocalPath_LocalReference_IsBelowTheBaseOrOnItsDrive) {
   for (const auto& [reference, path] : cases) EXPECT_EQ(LocalName(reference), path);
 }
 
+TEST(FileUriOnWindows, FileUri_PathOnAShare_NamesTheShare) {
+  EXPECT_EQ(FileUri("\\\\host\\share\\no such\\a.xml"), "file:////host/share/no%20such/a.xml");
+}
+
+TEST(FileUriOnWindows, LocalPath_BaseOnAShare_IsOnTheShare) {
+  const auto path = [](const std::string& reference) {
+    return PathText(*LocalPath(reference, "file:////host/share/dir/p.xml"));
+  };
+  EXPECT_EQ(path("s.xsd"), "\\\\host\\share\\dir\\s.xsd");
+  EXPECT_EQ(path("/x/s.xsd"), "\\\\host\\share\\x\\s.xsd");
+  EXPECT_EQ(path("D:/x/s.xsd"), "D:\\x\\s.xsd");
+}
+
 TEST(FileUriOnWindows, LocalPath_ShareOrDevice_GivesNothing) {
   for (const std::string reference :
        {"//host/share/s.xsd", "\\\\host\\share\\s.xsd", "/\\host/share/s.xsd",

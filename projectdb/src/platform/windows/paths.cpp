@@ -57,7 +57,17 @@ bool IsBetween(std::uint32_t unit, std::uint32_t first, std::uint32_t last) {
   return unit >= first && unit <= last;
 }
 
+constexpr wchar_t kSeparators[] = L"/\\";
+
 bool IsSeparator(wchar_t unit) { return unit == L'/' || unit == L'\\'; }
+
+// Of a path on a share: "//server/share".
+std::wstring ShareOf(const std::wstring& native) {
+  constexpr std::size_t kServer = 2;
+  const std::size_t server_end = native.find_first_of(kSeparators, kServer);
+  if (server_end == std::wstring::npos) return native;
+  return native.substr(0, native.find_first_of(kSeparators, server_end + 1));
+}
 
 }  // namespace
 
@@ -97,11 +107,17 @@ std::string ToBytes(const std::filesystem::path& path) {
   return bytes;
 }
 
-// Some standard libraries do not know the name of a share for a root.
-bool IsAbsolute(const std::filesystem::path& path) {
+bool IsOnShare(const std::filesystem::path& path) {
   const std::wstring& native = path.native();
-  const bool is_on_share = native.size() > 1 && IsSeparator(native[0]) && IsSeparator(native[1]);
-  return is_on_share || path.is_absolute();
+  return native.size() > 1 && IsSeparator(native[0]) && IsSeparator(native[1]);
+}
+
+bool IsAbsolute(const std::filesystem::path& path) { return IsOnShare(path) || path.is_absolute(); }
+
+std::filesystem::path Below(const std::filesystem::path& base, const std::filesystem::path& path) {
+  const bool has_root_alone = path.has_root_directory() && !path.has_root_name();
+  if (!has_root_alone || !IsOnShare(base)) return base / path;
+  return ShareOf(base.native()) + path.native();
 }
 
 }  // namespace projectdb::paths

@@ -60,12 +60,11 @@ std::filesystem::path FromUriPath(const std::string& text) {
 
 bool IsDrive(std::string_view scheme) { return scheme.size() == 1 && IsLetter(scheme.front()); }
 
-// The system knows a share by two separators, and what is no file by "." or "?" between more.
+// The system knows what is no file by "." or "?" between separators.
 bool IsBeyondFiles(const std::filesystem::path& path) {
   const std::string text = ToBytes(path);
-  const bool has_system_prefix =
-      text.size() > 1 && IsSeparator(text[0]) && (IsSeparator(text[1]) || text[1] == '?');
-  return has_system_prefix || IsOfTheProcess(path) || HasDevice(path);
+  const bool has_system_prefix = text.size() > 1 && IsSeparator(text[0]) && text[1] == '?';
+  return IsOnShare(path) || has_system_prefix || IsOfTheProcess(path) || HasDevice(path);
 }
 
 }  // namespace projectdb::paths
