@@ -14,7 +14,7 @@ bool IsColourWanted() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  kelproj::KeepBytesOfStreams();
+  const auto kept = kelproj::KeepBytesOfStreams();
   const kelproj::Console console{std::cout, std::cerr, IsColourWanted()};
   return static_cast<int>(kelproj::RunProgram(kelproj::CallArguments(argc, argv), console));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -10,7 +11,8 @@ namespace kelproj {
 std::vector<std::string> CallArguments(int argc, char** argv);
 
 /// Has the standard streams pass on every byte as it is.
-void KeepBytesOfStreams();
+/// @return at whose end the console is again what it was
+[[nodiscard]] std::shared_ptr<void> KeepBytesOfStreams();
 
 /// Whether standard output is a terminal that takes colours.
 bool IsColouredTerminal();

@@ -10,7 +10,7 @@ std::vector<std::string> CallArguments(int argc, char** argv) {
   return {argv + (argc > 0 ? 1 : 0), argv + argc};
 }
 
-void KeepBytesOfStreams() {}
+std::shared_ptr<void> KeepBytesOfStreams() { return nullptr; }
 
 bool IsColouredTerminal() {
   const char* const terminal = std::getenv("TERM");

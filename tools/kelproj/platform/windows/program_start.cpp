@@ -30,10 +30,12 @@ std::vector<std::string> CallArguments(int /*argc*/, char** /*argv*/) {
   return arguments;
 }
 
-void KeepBytesOfStreams() {
+std::shared_ptr<void> KeepBytesOfStreams() {
   for (FILE* stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
-  // Of the console alone; a file or a pipe takes bytes.
+  // Of the console alone, which others go on with; a file or a pipe takes bytes.
+  const UINT former = GetConsoleOutputCP();
   SetConsoleOutputCP(CP_UTF8);
+  return {nullptr, [former](void*) { SetConsoleOutputCP(former); }};
 }
 
 bool IsColouredTerminal() {
