@@ -3,6 +3,7 @@ set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
+set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 
 # The object format has room for fewer sections than a unity build makes.
 set(CMAKE_CXX_FLAGS_INIT "-D_WIN32_WINNT=0x0A00 -Wa,-mbig-obj")
