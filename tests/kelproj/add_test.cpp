@@ -187,4 +187,17 @@ TEST_F(Add, InterfaceConstraint_IsSet) {
   EXPECT_EQ(Get("blinker.xml", "constraint.interface"), "pins.interface.csv\n");
 }
 
+TEST_F(Add, FileThatTheListHas_IsRefusedByWhateverName) {
+  ASSERT_EQ(Run({"add", "blinker.xml", "--rtl", "rtl/d.v"}), Done());
+  for (const std::string& name :
+       {std::string("rtl/d.v"), std::string("./rtl/../rtl//d.v"), PathOf("rtl/d.v")}) {
+    const Outcome outcome = Run({"add", "blinker.xml", "--rtl", "a.v", name});
+    EXPECT_EQ(outcome.status, 1) << name;
+    EXPECT_THAT(outcome.err, EndsWith("d.v\" is among the design files already\n"));
+  }
+  EXPECT_THAT(Listed("design.files"), ElementsAre("rtl/d.v"));
+  ExpectUnchangedBy({"add", "blinker.xml", "--rtl", "a.v", "./a.v"},
+                    Refused("\"a.v\" is among the design files already"));
+}
+
 }  // namespace

@@ -278,4 +278,18 @@ TEST_F(CheckFiles, Unlisted_NamesTheHdlFilesBelowTheProjectThatNoListHas) {
   EXPECT_EQ(Run({"check", "mixer.xml"}), Printed(kNamelessFile));
 }
 
+TEST_F(Check, Directory_IsTrouble) {
+  std::filesystem::create_directory(PathOf("mixer.xml"));
+  EXPECT_EQ(Run({"check", "mixer.xml"}), Failed("mixer.xml is a directory"));
+}
+
+TEST_F(CheckContents, FileTwiceInAList_IsAWarningHoweverItIsSpelled) {
+  std::filesystem::create_directories(PathOf("rtl/core"));
+  for (const char* spelling : {"rtl/a.v", "./rtl/a.v", "rtl//a.v", "rtl/core/../a.v"}) {
+    EXPECT_EQ(CheckProject(DesignFiles({"rtl/b.v", "rtl/a.v", spelling})),
+              Printed(std::string("mixer.xml: warning: design.files[2]: \"") + spelling +
+                      "\" is the file of design.files[1] too\n"));
+  }
+}
+
 }  // namespace

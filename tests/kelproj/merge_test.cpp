@@ -266,4 +266,8 @@ TEST_F(Merge, OfTheSampleProject_HasTheChangesOfBothAndNothingElse) {
   EXPECT_THAT(Differences("ours.xml", "out.xml"), StartsWith("+ misc.files[5]: doc/errata.md"));
 }
 
+TEST_F(Merge, OutputInADirectoryThatIsMissing_IsTrouble) {
+  EXPECT_EQ(RunMerge({"-o", "no/out.xml"}), Failed("there is no directory " + PathOf("no")));
+}
+
 }  // namespace

@@ -110,4 +110,13 @@ TEST_F(Remove, FileThatIsGoneFromDisk_IsRemoved) {
   EXPECT_THAT(Listed("design.files"), ElementsAre("a.v", "rtl/a.v"));
 }
 
+TEST_F(Remove, OtherSpellingOfAName_MeansTheSameFile) {
+  for (const std::string& name : {std::string("./rtl//../rtl/b.v"), PathOf("rtl/b.v")}) {
+    const std::string before = Read("blinker.xml");
+    EXPECT_EQ(Run({"remove", "blinker.xml", name}), Done()) << name;
+    EXPECT_THAT(Listed("design.files"), ElementsAre("a.v", "rtl/a.v"));
+    Write("blinker.xml", before);
+  }
+}
+
 }  // namespace

@@ -244,4 +244,9 @@ TEST_F(Set, Success_LeavesNoOtherFile) {
   EXPECT_THAT(Names(), ElementsAre("blinker.xml"));
 }
 
+TEST_F(Set, TextThatIsNotUtf8_IsRefused) {
+  ExpectUnchangedBy({"set", "blinker.xml", "info.note", "caf\xE9"},
+                    testing::Field(&Outcome::status, 2));
+}
+
 }  // namespace
