@@ -1,8 +1,13 @@
 # What the sources of the library need of the system.
+if(WIN32)
+  set(system_libraries advapi32 bcrypt)
+endif()
+list(TRANSFORM system_libraries PREPEND "-l" OUTPUT_VARIABLE PROJECTDB_SYSTEM_LIBRARIES)
+list(JOIN PROJECTDB_SYSTEM_LIBRARIES " " PROJECTDB_SYSTEM_LIBRARIES)
 function(projectdb_use_system target)
   if(WIN32)
     target_compile_definitions(${target} PRIVATE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
-    target_link_libraries(${target} PUBLIC advapi32 bcrypt)
+    target_link_libraries(${target} PUBLIC ${system_libraries})
   endif()
 endfunction()
 
@@ -22,7 +27,7 @@ function(projectdb_set_up_library target)
     INSTALL_RPATH "$ORIGIN"
     LINK_DEPENDS "${symbol_map}")
   if(BUILD_SHARED_LIBS AND WIN32)
-    message(FATAL_ERROR "projectdb is a static library on Windows.")
+    target_compile_definitions(${target} PUBLIC KEL_SHARED PRIVATE KEL_BUILD)
   endif()
   target_link_options(${target} PRIVATE "LINKER:--version-script=${symbol_map}")
   target_compile_options(${target} PRIVATE ${PROJECTDB_LIBRARY_INSTRUMENTATION})
@@ -34,6 +39,7 @@ function(projectdb_set_up_library target)
 
   if(PROJECTDB_INSTALL)
     install(TARGETS ${target} EXPORT ${target}-targets
+      RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime
       LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime
         NAMELINK_COMPONENT development
       ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development)

@@ -15,6 +15,7 @@
 namespace projectdb {
 
 class LoadObserver;
+class ProjectAccess;
 struct ProjectContents;
 class ProjectFileReader;
 
@@ -385,11 +386,7 @@ class KEL_EXPORT KelProjectDatabase {
   /// @}
 
  private:
-  friend KEL_EXPORT ProjectContents GetProjectContents(const KelProjectDatabase& database);
-  friend KEL_EXPORT void SetProjectContents(KelProjectDatabase& database,
-                                            const ProjectContents& contents);
-  friend KEL_EXPORT void ExportProjectDataDurably(const KelProjectDatabase& database,
-                                                  const std::string& path);
+  friend ProjectAccess;      // By it the companion headers copy, set and export what there is.
   friend ProjectFileReader;  // It reads a document as a load does, but posts no messages.
 
   struct ProjectData;

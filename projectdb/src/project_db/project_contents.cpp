@@ -6,6 +6,7 @@
 
 #include "contents/parameter_rules.h"
 #include "contents/project_rules.h"
+#include "project_db/project_access.h"
 #include "project_db/project_data.h"
 
 namespace projectdb {
@@ -76,12 +77,12 @@ ProjectContents KelProjectDatabase::TakeContents() {
   return data_ ? AllContentsOf(std::move(*data_)) : ProjectContents();
 }
 
-ProjectContents GetProjectContents(const KelProjectDatabase& database) {
+ProjectContents ProjectAccess::Copy(const KelProjectDatabase& database) {
   const std::lock_guard<std::mutex> lock(database.mutex_);
   return database.CopyContents();
 }
 
-void SetProjectContents(KelProjectDatabase& database, const ProjectContents& contents) {
+void ProjectAccess::Set(KelProjectDatabase& database, const ProjectContents& contents) {
   RequireProject(contents);
   auto data = std::make_unique<KelProjectDatabase::ProjectData>();
   AssignFields(contents, *data);
@@ -92,6 +93,14 @@ void SetProjectContents(KelProjectDatabase& database, const ProjectContents& con
   // The former project goes when the lock is given back.
   const std::lock_guard<std::mutex> lock(database.mutex_);
   database.data_.swap(data);
+}
+
+ProjectContents GetProjectContents(const KelProjectDatabase& database) {
+  return ProjectAccess::Copy(database);
+}
+
+void SetProjectContents(KelProjectDatabase& database, const ProjectContents& contents) {
+  ProjectAccess::Set(database, contents);
 }
 
 }  // namespace projectdb

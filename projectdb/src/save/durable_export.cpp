@@ -5,6 +5,7 @@
 #include <projectdb/project_db.h>
 
 #include "base/failure.h"
+#include "project_db/project_access.h"
 #include "save/canonical_document.h"
 #include "save/replace_file.h"
 #include "xml/errors.h"
@@ -15,7 +16,7 @@ void ExportProjectDataDurably(const KelProjectDatabase& database, const std::str
   if (path.empty() || !database.IsProjectDatabaseExist()) return;
   // Writes nothing if another thread has cleaned the project away.
   const auto write = [&](const std::string& file) {
-    database.ExportTestedProject(file, RequireWritable);
+    ProjectAccess::Export(database, file, RequireWritable);
   };
   xml::WithPrefixedErrors(WritingPrefix(path), [&] { files::ReplaceFile(path, {write}); });
 }
