@@ -9,6 +9,6 @@ function(projectdb_use_warnings target)
       $<$<AND:$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>,$<CXX_COMPILER_ID:GNU>>:-Wno-subobject-linkage>)
     # GoogleTest's macros are called as C++20 allows it.
     target_compile_options(${target} PRIVATE
-      $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>)
+      $<$<CXX_COMPILER_ID:Clang>:-Wreserved-identifier;-Wreserved-macro-identifier;-Wno-gnu-zero-variadic-macro-arguments>)
   endif()
 endfunction()

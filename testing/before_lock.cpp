@@ -3,10 +3,9 @@
 #include <atomic>
 #include <utility>
 
-// The linker wants these names.
-// NOLINTBEGIN(bugprone-reserved-identifier)
-extern "C" int __real_pthread_mutex_lock(pthread_mutex_t* mutex);
-extern "C" int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex);
+// To the linker they have the names that it gives to a wrapped function and to its wrapper.
+extern "C" int LockWithoutNote(pthread_mutex_t* mutex) asm("__real_pthread_mutex_lock");
+extern "C" int LockWithNote(pthread_mutex_t* mutex) asm("__wrap_pthread_mutex_lock");
 
 namespace test_support {
 namespace {
@@ -38,8 +37,7 @@ void BeforeLock::Note(const pthread_mutex_t* mutex) {
 
 }  // namespace test_support
 
-int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
+int LockWithNote(pthread_mutex_t* mutex) {
   if (test_support::BeforeLock* const before_lock = test_support::current) before_lock->Note(mutex);
-  return __real_pthread_mutex_lock(mutex);
+  return LockWithoutNote(mutex);
 }
-// NOLINTEND(bugprone-reserved-identifier)

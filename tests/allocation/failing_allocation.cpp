@@ -81,10 +81,8 @@ std::atomic<long> blocks_of_others{0};
 
 // The XML library loses memory when a parse of its own runs out of it. The tests count its blocks
 // and ours apart, so that the leak sanitizer need not look at what it allocates here.
-extern "C" const char* __lsan_default_suppressions();  // NOLINT(bugprone-reserved-identifier)
-extern "C" const char* __lsan_default_suppressions() {
-  return "leak:xercesc_3_2::MemoryManagerImpl::allocate";
-}
+extern "C" const char* LeakSuppressions() asm("__lsan_default_suppressions");
+const char* LeakSuppressions() { return "leak:xercesc_3_2::MemoryManagerImpl::allocate"; }
 
 // The array forms come down to these. The non-throwing one would too, but sanitizers have their
 // own.
