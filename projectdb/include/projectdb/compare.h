@@ -12,18 +12,15 @@ namespace projectdb {
 
 /// One difference between two projects.
 ///
-/// The values and lists of a project are called, in this order:
-/// - "name", "info.NAME" for an info attribute, "device.family", "device.device",
-///   "device.timing_model", "design.top_module", "design.top_vhdl_arch",
-///   "design.def_veri_version", "design.def_vhdl_version",
-/// - the lists "design.files", "constraint.sdc", then the value "constraint.interface", then the
-///   lists "isf.files", "simulation.files", "misc.files",
-/// - the list "ip" of instances; "ip.NAME.path" and the list "ip.NAME.files" of an instance whose
-///   name each project has once and in the same order; any other is an entry of "ip" as a whole,
-/// - for each flow process "synthesis.name", "synthesis.tool", "synthesis.MAP.NAME" for a parameter
-///   (such as "synthesis.param.effort") and the list "synthesis.parameters" of plain ones; and so
-///   with "place_and_route", "bitstream_generation" and "debugger". A MAP that is empty or has a
-///   dot or a quote in it is quoted.
+/// The values and lists of a project are called by their keys in vocabulary.h, such as
+/// "device.family" and "design.files", in the order there, the flow processes last. Besides:
+/// - "info.NAME" is an info attribute,
+/// - "ip" is the list of instances; "ip.NAME.path" and the list "ip.NAME.files" are of an instance
+///   whose name each project has once and in the same order; any other is an entry of "ip" as a
+///   whole,
+/// - the key of a flow process stands before those of what it holds, "synthesis.tool", and
+///   "synthesis.MAP.NAME" is a parameter, such as "synthesis.param.effort". A MAP that is empty or
+///   has a dot or a quote in it is quoted.
 ///
 /// A single value, and an entry of a list of names, is shown as it is. Other records are shown as
 /// their fields on one line, "src/top.v version=v2001 library=work" for a design file,
