@@ -292,4 +292,9 @@ TEST_F(CheckContents, FileTwiceInAList_IsAWarningHoweverItIsSpelled) {
   }
 }
 
+TEST_F(MovedInstallation, Schema_IsThatBesideTheProgram) {
+  WriteFile(Schema(), kAnySchema);
+  EXPECT_EQ(RunProcess({Program(), "check", PathOf("mixer.xml")}).status, 0);
+}
+
 }  // namespace

@@ -63,4 +63,20 @@ class CheckFiles : public KelprojTest {
   }
 };
 
+/// The program and the schema, moved to another place.
+class MovedInstallation : public KelprojTest {
+ protected:
+  void SetUp() override {
+    std::filesystem::create_directories(NativePath(PathOf("moved here/bin")));
+    std::filesystem::create_directories(NativePath(PathOf("moved here/share/projectdb")));
+    std::filesystem::copy_file(NativePath(KelprojProgram()), NativePath(Program()));
+    Write("mixer.xml", UnknownType());
+  }
+
+  std::string Program() const {
+    return PathOf("moved here/bin/" + PathText(NativePath(KelprojProgram()).filename()));
+  }
+  std::string Schema() const { return PathOf("moved here/share/projectdb/wdp_proj.xsd"); }
+};
+
 }  // namespace test_support

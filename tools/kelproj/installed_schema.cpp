@@ -9,18 +9,27 @@
 #include "platform/running_program.h"
 
 namespace kelproj {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string Absence(const fs::path& beside_program, const fs::path& of_installation) {
+  if (of_installation.empty()) return "not at " + NameFrom(beside_program);
+  return "neither " + NameFrom(beside_program) + " nor " + NameFrom(of_installation);
+}
+
+}  // namespace
 
 std::string InstalledSchema() {
-  namespace fs = std::filesystem;
-  const fs::path candidates[] = {
-      LexicallyNormal(RunningProgram().parent_path() / PathFrom(KELPROJ_SCHEMA_FROM_PROGRAM)),
-      PathFrom(KELPROJ_INSTALLED_SCHEMA)};
-  for (const fs::path& candidate : candidates) {
+  const fs::path beside_program =
+      LexicallyNormal(RunningProgram().parent_path() / PathFrom(KELPROJ_SCHEMA_FROM_PROGRAM));
+  const fs::path of_installation = PlaceOfInstallation(KELPROJ_INSTALLED_SCHEMA);
+  for (const fs::path& candidate : {beside_program, of_installation}) {
     std::error_code error;
     if (fs::exists(candidate, error)) return NameFrom(candidate);
   }
-  throw Trouble("the installed schema is neither " + NameFrom(candidates[0]) + " nor " +
-                NameFrom(candidates[1]) + ": --schema names another");
+  throw Trouble("the installed schema is " + Absence(beside_program, of_installation) +
+                ": --schema names another");
 }
 
 }  // namespace kelproj

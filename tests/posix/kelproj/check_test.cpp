@@ -27,20 +27,6 @@ TEST_F(CheckFiles, UnlistedBesideAListedNameInAnotherSpelling_IsNotNamed) {
   EXPECT_EQ(Run({"check", "mixer.xml", "--unlisted"}), Done());
 }
 
-/// The program and the schema, moved to another place.
-class MovedInstallation : public KelprojTest {
- protected:
-  void SetUp() override {
-    std::filesystem::create_directories(PathOf("moved here/bin"));
-    std::filesystem::create_directories(PathOf("moved here/share/projectdb"));
-    std::filesystem::copy_file(KelprojProgram(), Program());
-    Write("mixer.xml", UnknownType());
-  }
-
-  std::string Program() const { return PathOf("moved here/bin/kelproj"); }
-  std::string Schema() const { return PathOf("moved here/share/projectdb/wdp_proj.xsd"); }
-};
-
 TEST_F(MovedInstallation, ProgramBehindALink_FindsTheSchemaBesideItself) {
   WriteFile(Schema(), kAnySchema);
   std::filesystem::create_symlink(Program(), PathOf("kelproj"));

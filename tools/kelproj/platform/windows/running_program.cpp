@@ -13,4 +13,7 @@ std::filesystem::path RunningProgram() {
   return name;
 }
 
+// A name without a drive is on the current one, where all users may make directories.
+std::filesystem::path PlaceOfInstallation(const std::string& /*name*/) { return {}; }
+
 }  // namespace kelproj
