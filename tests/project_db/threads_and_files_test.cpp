@@ -1,12 +1,17 @@
 #include <atomic>
+#include <chrono>
 #include <filesystem>
+#include <future>
 
 #include <projectdb/durable_export.h>
 
+#include "testing/call_names.h"
+#include "testing/filtered_calls.h"
 #include "testing/project_loading.h"
 #include "testing/shipped_files.h"
 #include "testing/test.h"
 #include "testing/threads.h"
+#include "testing/xml_tree.h"
 
 namespace {
 
@@ -163,6 +168,28 @@ TEST_F(ThreadsAndFiles, EightObjects_LoadAndExportAtOnce_EachGetsItsOwnProjectAn
   });
   EXPECT_EQ(wrong_results, 0);
   EXPECT_THAT(differences, Each(IsEmpty()));
+}
+
+TEST_F(ThreadsAndFiles, ExportWhileItWrites_KeepsNobodyFromTheProject) {
+  database.CreateNewProjectDatabase("soc");
+  for (int i = 0; i < 20000; ++i) database.AddMiscellaneousFile("notes_" + std::to_string(i));
+  std::future<void> use;
+  std::future_status used = std::future_status::deferred;
+  {
+    const FilteredCalls calls(AtCallBehind("", NameOfWrite(), [&] {
+      use = std::async(std::launch::async, [&] {
+        database.SetProjectName("later");
+        database.CleanProjectDatabase();
+      });
+      used = use.wait_for(std::chrono::minutes(1));
+      return 0;
+    }));
+    database.ExportProjectData(path());
+  }
+  EXPECT_EQ(used, std::future_status::ready);
+  const XmlElement root = ReadXmlFile(path());
+  EXPECT_EQ(root.attributes.at("name"), "soc");
+  EXPECT_EQ(root.Child("misc_info").children.size(), 20000U);
 }
 
 }  // namespace

@@ -1,10 +1,15 @@
 #include <projectdb/project_file.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstddef>
+#include <future>
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include <projectdb/durable_export.h>
@@ -174,6 +179,61 @@ TEST_F(Update, EightThreads_LoseNoUpdate) {
   std::vector<std::string> names;
   for (const DesignFile& file : Contents().misc_files) names.push_back(file.name);
   EXPECT_THAT(names, UnorderedElementsAreArray(added));
+  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
+}
+
+/// Reads a file again and again for as long as it lives.
+class PollingReader {
+ public:
+  explicit PollingReader(std::string path) : path_(std::move(path)) {}
+  ~PollingReader() { is_ended_ = true; }
+  PollingReader(const PollingReader&) = delete;
+  PollingReader& operator=(const PollingReader&) = delete;
+
+  /// Ends.
+  /// @return the number of misc. files in each reading
+  /// @exception std::runtime_error if a reading found a damaged file
+  std::vector<std::size_t> TakeCounts() {
+    is_ended_ = true;
+    return counts_.get();
+  }
+
+ private:
+  std::vector<std::size_t> Poll() const {
+    std::vector<std::size_t> counts;
+    do {
+      const ProjectFile file = ReadProjectFile(path_, "");
+      if (!file.contents || !file.problems.empty()) throw std::runtime_error("it is damaged");
+      counts.push_back(file.contents->misc_files.size());
+      std::this_thread::sleep_for(5ms);
+    } while (!is_ended_);
+    return counts;
+  }
+
+  std::string path_;
+  std::atomic<bool> is_ended_{false};
+  std::future<std::vector<std::size_t>> counts_ =
+      std::async(std::launch::async, [this] { return Poll(); });
+};
+
+TEST_F(Update, EightThreadsWhileAnotherReads_KeepTheFileWholeAtEveryMoment) {
+  const XmlPlatform platform;  // Starting it takes longer than an update.
+  constexpr int kUpdatesOfEachThread = kSanitized ? 10 : 25;
+  UpdateProjectFile(path(), [](ProjectContents& project) { project.misc_files.clear(); });
+  PollingReader reader(path());
+  InThreads(8, [&](int thread) {
+    for (int i = 0; i < kUpdatesOfEachThread; ++i) {
+      const std::string name = std::to_string(thread) + "_" + std::to_string(i) + ".txt";
+      UpdateProjectFile(path(), [&](ProjectContents& project) {
+        project.misc_files.emplace_back(name, "", "default");
+      });
+    }
+  });
+  std::vector<std::size_t> counts;
+  ASSERT_NO_THROW(counts = reader.TakeCounts());
+  EXPECT_TRUE(std::is_sorted(counts.begin(), counts.end())) << "an update was gone for a while";
+  EXPECT_GE(counts.size(), 5U);
+  EXPECT_THAT(Contents().misc_files, SizeIs(8 * kUpdatesOfEachThread));
   EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
 }
 

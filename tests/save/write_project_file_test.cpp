@@ -13,7 +13,9 @@
 
 #include <projectdb/vocabulary.h>
 
+#include "testing/call_names.h"
 #include "testing/file_state.h"
+#include "testing/filtered_calls.h"
 #include "testing/saves.h"
 #include "testing/shipped_files.h"
 #include "testing/test.h"
@@ -417,6 +419,20 @@ TEST_F(WritingFile, FileThatDoesNotLoadOfAnotherVersionInTheSameClockTick_IsNotT
   times.Restore();
   EXPECT_THROW(WriteProjectFile(path(), contents_, options), ProjectFileChanged);
   EXPECT_EQ(ReadFile(path()), "<project><<2");
+}
+
+TEST_F(WritingFile, FileThatChangesWhileTheNewOneIsMade_IsNotTouched) {
+  Write("p.xml", CompleteProjectXml());
+  const WriteOptions options = ExpectingTheFile();
+  ProjectContents contents = contents_;
+  contents.project_name = "next";
+  const FilteredCalls calls([&](const files::SystemCall& call) {
+    if (std::string(call.name) == NameOfFlush()) WriteFile(path(), ProjectXml(""));
+    return 0;
+  });
+  EXPECT_THROW(WriteProjectFile(path(), contents, options), ProjectFileChanged);
+  EXPECT_EQ(ReadFile(path()), ProjectXml(""));
+  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
 }
 
 TEST_F(WritingFile, FileThatIsExpectedToBeMissing_IsMadeOnce) {

@@ -160,20 +160,6 @@ TEST_F(WritingFile, OwnLockThatTheSystemDoesNotTellOf_IsNotWaitedForEither) {
   }
 }
 
-TEST_F(WritingFile, FileThatChangesWhileTheNewOneIsMade_IsNotTouched) {
-  Write("p.xml", CompleteProjectXml());
-  const WriteOptions options = ExpectingTheFile();
-  ProjectContents contents = contents_;
-  contents.project_name = "next";
-  const FilteredCalls calls([&](const SystemCall& call) {
-    if (call.name == std::string("fsync")) WriteFile(path(), ProjectXml(""));
-    return 0;
-  });
-  EXPECT_THROW(WriteProjectFile(path(), contents, options), ProjectFileChanged);
-  EXPECT_EQ(ReadFile(path()), ProjectXml(""));
-  EXPECT_THAT(NamesIn(directory.path()), ElementsAre("p.xml"));
-}
-
 TEST_F(WritingFile, FileInADirectoryThatMayNotBeWritten_IsLeftWithTheReason) {
   const Denied denied(directory.path());
   if (!denied.effective()) GTEST_SKIP() << "permissions do not bind here";
