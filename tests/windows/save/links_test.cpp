@@ -132,6 +132,28 @@ TEST_F(SaveThroughDanglingLink, AbsoluteTarget_IsMadeAndTheLinkStays) {
   EXPECT_EQ(ReadFile(link_), "the link");
 }
 
+/// The name on the share of its drive, without the separators before the host.
+std::wstring NameOnShare(const std::string& path) {
+  const std::wstring name = std::filesystem::absolute(path).make_preferred().native();
+  return L"localhost\\" + name.substr(0, 1) + L"$" + name.substr(2);
+}
+
+TEST_F(SaveThroughDanglingLink, TargetOnAShare_IsMadeAndTheLinkStays) {
+  targets_ = {L"\\??\\UNC\\" + NameOnShare(target_)};
+  EXPECT_EQ(Save(), "");
+  EXPECT_EQ(file_changes::NameFoundIn(target_), "next");
+  EXPECT_EQ(ReadFile(link_), "the link");
+}
+
+TEST_F(SaveThroughDanglingLink, TargetWithARootAloneOfALinkOnAShare_IsMadeOnThatShare) {
+  targets_ = {std::filesystem::absolute(target_).make_preferred().native().substr(2)};
+  const FilteredCalls filter(FailCall("CreateFile", 1, ERROR_FILE_NOT_FOUND));
+  const std::filesystem::path link = L"\\\\" + NameOnShare(link_);
+  EXPECT_EQ(SaveError(database_, link.string()), "");
+  EXPECT_EQ(file_changes::NameFoundIn(target_), "next");
+  EXPECT_EQ(ReadFile(link_), "the link");
+}
+
 TEST_F(SaveThroughDanglingLink, TargetInAMissingDirectory_IsAnErrorAndTheLinkStays) {
   targets_ = {L"..\\missing\\p.xml"};
   EXPECT_EQ(Save(), WritingError(link_, ENOENT));

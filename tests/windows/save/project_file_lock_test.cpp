@@ -6,6 +6,8 @@
 #include <projectdb/project_file.h>
 
 #include "platform/windows/windows_system.h"
+#include "testing/filtered_calls.h"
+#include "testing/native_path.h"
 #include "testing/saves.h"
 #include "testing/temporary_directory.h"
 #include "testing/test.h"
@@ -109,6 +111,27 @@ TEST_F(LockOnWindows, LockThatIsBeingRemovedForEver_IsRefusedAfterAWhile) {
     const GoingLocks locks(error);
     EXPECT_NE(ErrorOf([&] { const ProjectFileLock lock(path_); }), "");
   }
+}
+
+TEST_F(LockOnWindows, LockThatIsDenied_IsRefusedForThatReasonWhateverTheWait) {
+  const GoingLocks locks(ERROR_ACCESS_DENIED);
+  EXPECT_EQ(Refusal(), "Failed locking XML file " + path_ + ": " + TextOfErrno(EACCES) + "\n");
+}
+
+TEST_F(LockOnWindows, FileThatOthersHaveAlone_IsRefusedWithoutAWaitThatNobodyAskedFor) {
+  const HANDLE other = CreateFileW(NativePath(path_).c_str(), GENERIC_READ, 0, nullptr,
+                                   OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  std::size_t openings = 0;
+  {
+    const FilteredCalls filter([&openings](const files::SystemCall& call) {
+      if (std::string(call.name) == "CreateFile") ++openings;
+      return 0;
+    });
+    EXPECT_EQ(Refusal(),
+              "Failed locking XML file " + path_ + ": others have it open and do not share it\n");
+  }
+  CloseHandle(other);
+  EXPECT_EQ(openings, 1U);
 }
 
 TEST_F(LockOnWindows, NoFileOrADirectory_IsRefused) {

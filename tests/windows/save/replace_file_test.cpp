@@ -120,6 +120,62 @@ TEST_F(SaveOnWindows, AccessList_IsThatOfTheFormerFile) {
   EXPECT_EQ(AccessListOf(path_), narrow);
 }
 
+/// A share whose users may change files, but not the lists of who may do so.
+class SharedWithoutLists {
+ public:
+  SharedWithoutLists() { files::FunctionsOfSystem().create_file = Open; }
+  ~SharedWithoutLists() { files::FunctionsOfSystem() = files::SystemFunctions(); }
+  SharedWithoutLists(const SharedWithoutLists&) = delete;
+  SharedWithoutLists& operator=(const SharedWithoutLists&) = delete;
+
+ private:
+  static HANDLE WINAPI Open(const wchar_t* name, DWORD access, DWORD sharing,
+                            SECURITY_ATTRIBUTES* security, DWORD disposition, DWORD flags,
+                            HANDLE model) {
+    if ((access & WRITE_DAC) == 0) {
+      return CreateFileW(name, access, sharing, security, disposition, flags, model);
+    }
+    SetLastError(ERROR_ACCESS_DENIED);
+    return INVALID_HANDLE_VALUE;
+  }
+};
+
+TEST_F(SaveOnWindows, ListsThatNobodyMayChange_FileWithThatOfItsDirectoryIsSaved) {
+  const std::wstring list = AccessListOf(path_);
+  const SharedWithoutLists share;
+  EXPECT_EQ(Save(), "");
+  EXPECT_TRUE(IsSaved());
+  EXPECT_EQ(AccessListOf(path_), list);
+}
+
+TEST_F(SaveOnWindows, ListsThatNobodyMayChange_FileWithAnotherIsLeftAsItWas) {
+  GiveToItsOwnerAlone(path_);
+  const SharedWithoutLists share;
+  EXPECT_EQ(Save(), WritingError(path_, EACCES));
+  ExpectUntouched();
+}
+
+TEST_F(SaveOnWindows, ListsThatNobodyMayChange_NewFileIsMade) {
+  const SharedWithoutLists share;
+  const std::string path = directory_ / "new.xml";
+  EXPECT_EQ(SaveError(database_, path), "");
+  EXPECT_TRUE(std::filesystem::exists(path));
+}
+
+TEST_F(SaveOnWindows, DirectoryWhoseNameEndsInADot_IsNotTakenForTheOneWithout) {
+  const std::string parent =
+      R"(\\?\)" + std::filesystem::absolute(directory_.path()).make_preferred().string();
+  const std::string dotted = parent + R"(\parts.)";
+  std::filesystem::create_directory(directory_ / "parts");
+  WriteFile(directory_ / "parts/p.xml", "another project");
+  ASSERT_NE(CreateDirectoryW(NativePath(dotted).c_str(), nullptr), 0);
+  EXPECT_EQ(SaveError(database_, dotted + R"(\p.xml)"), "");
+  EXPECT_EQ(SaveError(database_, dotted + R"(\p.xml)"), "");
+  EXPECT_EQ(ReadFile(directory_ / "parts/p.xml"), "another project");
+  EXPECT_NE(DeleteFileW(NativePath(dotted + R"(\p.xml)").c_str()), 0);
+  EXPECT_NE(RemoveDirectoryW(NativePath(dotted).c_str()), 0);
+}
+
 TEST_F(SaveOnWindows, AnyCallFails_LeavesTheFormerFileOrTheNewOneAndNoOther) {
   const std::vector<std::string> calls = CallsOf([&] { Save(); });
   EXPECT_THAT(

@@ -1,6 +1,8 @@
 #include "platform/file_permissions.h"
 
 #include <memory>
+#include <optional>
+#include <string_view>
 
 #include <aclapi.h>
 
@@ -28,6 +30,34 @@ BOOL GetList(const wchar_t* path, Descriptor* result) {
   return error == ERROR_SUCCESS ? TRUE : FALSE;
 }
 
+BOOL GetListOfOpen(HANDLE file, Descriptor* result) {
+  PSECURITY_DESCRIPTOR descriptor = nullptr;
+  const DWORD error =
+      GetSecurityInfo(file, SE_FILE_OBJECT, kList, nullptr, nullptr, nullptr, nullptr, &descriptor);
+  result->reset(descriptor);
+  SetLastError(error);
+  return error == ERROR_SUCCESS ? TRUE : FALSE;
+}
+
+// Nothing if there is no list, which lets everybody do anything.
+std::optional<std::string_view> EntriesOf(PSECURITY_DESCRIPTOR descriptor) {
+  BOOL is_there = FALSE;
+  BOOL is_default = FALSE;
+  PACL list = nullptr;
+  RequireSuccess(GetSecurityDescriptorDacl(descriptor, &is_there, &list, &is_default));
+  if (is_there == 0 || !list) return std::nullopt;
+  ACL_SIZE_INFORMATION size{};
+  RequireSuccess(GetAclInformation(list, &size, sizeof(size), AclSizeInformation));
+  return std::string_view(reinterpret_cast<const char*>(list), size.AclBytesInUse)
+      .substr(sizeof(*list));
+}
+
+bool HasList(const OpenFile& file, PSECURITY_DESCRIPTOR descriptor) {
+  Descriptor own;
+  if (CallSystem("GetSecurityInfo", GetListOfOpen, HandleOf(file), &own) == 0) ThrowSystemFailure();
+  return EntriesOf(own.get()) == EntriesOf(descriptor);
+}
+
 // Entries that came from a directory are still known for such, as the system forgets by default.
 void KeepInheritance(PSECURITY_DESCRIPTOR descriptor) {
   SECURITY_DESCRIPTOR_CONTROL control = 0;
@@ -47,10 +77,13 @@ void CopyAccessList(const std::wstring& former, const OpenFile& file) {
   }
   KeepInheritance(descriptor.get());
   if (CallSystem("SetKernelObjectSecurity", ::SetKernelObjectSecurity, HandleOf(file), kList,
-                 descriptor.get()) == 0 &&
-      !HasNoLists(GetLastError())) {
-    ThrowSystemFailure();
+                 descriptor.get()) != 0) {
+    return;
   }
+  const DWORD error = GetLastError();
+  if (HasNoLists(error)) return;
+  // Where nobody may change lists, both files may have got theirs from the directory.
+  if (error != ERROR_ACCESS_DENIED || !HasList(file, descriptor.get())) ThrowSystemFailure(error);
 }
 
 // Whether it is shown, and whether its content is searched for.
@@ -60,7 +93,8 @@ void CopyAttributes(const std::filesystem::path& former, const OpenFile& file) {
   const DWORD attributes = AttributesOf(former).dwFileAttributes;
   if ((attributes & kCopied) == 0) return;
   FILE_BASIC_INFO information{};
-  information.FileAttributes = attributes & kCopied;
+  // As of any file that was written.
+  information.FileAttributes = (attributes & kCopied) | FILE_ATTRIBUTE_ARCHIVE;
   RequireSuccess(CallSystem("SetFileInformationByHandle", ::SetFileInformationByHandle,
                             HandleOf(file), FileBasicInfo, LPVOID{&information},
                             static_cast<DWORD>(sizeof(information))));

@@ -18,11 +18,12 @@ constexpr int kMostDenials = 24;
 
 // The system lets nobody replace a file that is open to somebody else, as a locked one would be.
 // Beside it is another, which is there for as long as somebody has the lock.
-std::filesystem::path LockPath(const std::string& path) {
+std::filesystem::path LockPath(const std::string& path, const WaitEnd& end) {
   // Beyond a zero the system would not see the name.
   if (path.find('\0') != std::string::npos) ThrowSystemFailure(std::errc::invalid_argument);
   const std::filesystem::path absolute = paths::Absolute(paths::FromBytes(path));
-  const OpenFile file = Open(absolute, {GENERIC_READ, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS});
+  const Opening opening{GENERIC_READ, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS};
+  const OpenFile file = Open(absolute, opening, end);
   const FileStatus status = file.Status();
   if (status.kind == FileStatus::Kind::kDirectory) ThrowSystemFailure(std::errc::is_a_directory);
   if (!status.IsRegular()) throw Failure("not a regular file");
@@ -62,7 +63,7 @@ HANDLE TryToLock(const std::filesystem::path& lock_path) {
 
 std::unique_ptr<OpenFile> LockFile(const std::string& path,
                                    std::optional<LockClock::time_point> end) {
-  const std::filesystem::path lock_path = LockPath(path);
+  const std::filesystem::path lock_path = LockPath(path, end);
   RequireNothingElse(lock_path);
   std::chrono::milliseconds pause = kShortestPause;
   int denials = 0;
@@ -72,12 +73,14 @@ std::unique_ptr<OpenFile> LockFile(const std::string& path,
       return std::make_unique<OpenFile>(reinterpret_cast<OpenFile::Handle>(handle));
     }
     const DWORD error = GetLastError();
-    const bool is_denied = MayBeGoing(error) && ++denials > kMostDenials;
-    if (is_denied || (error != ERROR_SHARING_VIOLATION && !MayBeGoing(error))) {
+    const bool is_locked = error == ERROR_SHARING_VIOLATION;
+    const bool is_over = end && LockClock::now() >= *end;
+    if (is_locked && is_over) throw Failure("it is locked by others");
+    if (is_locked) {
+      denials = 0;
+    } else if (!MayBeGoing(error) || is_over || ++denials > kMostDenials) {
       ThrowSystemFailure(error);
     }
-    if (error == ERROR_SHARING_VIOLATION) denials = 0;
-    if (end && LockClock::now() >= *end) throw Failure("it is locked by others");
     std::this_thread::sleep_for(pause);
     pause = std::min(2 * pause, kLongestPause);
   }
@@ -86,7 +89,8 @@ std::unique_ptr<OpenFile> LockFile(const std::string& path,
 std::optional<FileStatus> StatusOfLocked(const std::string& path) {
   if (!IsRegularFile(path)) return std::nullopt;
   constexpr DWORD kFlags = FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT;
-  const HANDLE handle = TryToOpen(LockPath(path), {FILE_READ_ATTRIBUTES, OPEN_EXISTING, kFlags});
+  const HANDLE handle =
+      TryToOpen(LockPath(path, std::nullopt), {FILE_READ_ATTRIBUTES, OPEN_EXISTING, kFlags});
   if (handle != NoFile()) return OpenFile(reinterpret_cast<OpenFile::Handle>(handle)).Status();
   const DWORD error = GetLastError();
   if (!IsMissing(error) && !MayBeGoing(error)) ThrowSystemFailure(error);

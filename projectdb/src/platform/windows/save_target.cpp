@@ -35,7 +35,7 @@ std::filesystem::path FollowLinks(std::filesystem::path path) {
     const std::optional<std::filesystem::path> next = ReadLink(path);
     if (!next) return path;
     // A link on the way to this one counts before a ".." in it.
-    path = WithoutLinks(path.parent_path()) / *next;
+    path = paths::IsOnShare(*next) ? *next : paths::Below(WithoutLinks(path.parent_path()), *next);
   }
   ThrowTooManyLinks();
 }

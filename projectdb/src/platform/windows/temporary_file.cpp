@@ -19,7 +19,7 @@
 namespace projectdb::files {
 namespace {
 
-constexpr DWORD kOwnAccess = GENERIC_READ | GENERIC_WRITE | DELETE | WRITE_DAC;
+constexpr DWORD kOwnAccess = GENERIC_READ | GENERIC_WRITE | DELETE;
 // Renaming writes through too, so that nothing is left to flush.
 constexpr DWORD kOwnFlags = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_WRITE_THROUGH;
 
@@ -45,11 +45,14 @@ std::wstring NameOfUser() {
   return text;
 }
 
-/// A list that lets nobody do anything but this user.
+/// A list that lets nobody do anything but this user, whom another machine may know by another
+/// name: there he is the owner.
 class OnlyThisUser {
  public:
   OnlyThisUser() {
-    const std::wstring list = L"D:P(A;;FA;;;" + NameOfUser() + L")";
+    constexpr wchar_t kOwner[] = L"S-1-3-4";
+    const std::wstring list =
+        L"D:P(A;;FA;;;" + NameOfUser() + L")(A;;FA;;;" + std::wstring(kOwner) + L")";
     RequireSuccess(CallSystem("ConvertStringSecurityDescriptorToSecurityDescriptor",
                               ::ConvertStringSecurityDescriptorToSecurityDescriptorW, list.c_str(),
                               DWORD{SDDL_REVISION_1}, &attributes_.lpSecurityDescriptor,
@@ -64,6 +67,16 @@ class OnlyThisUser {
  private:
   SECURITY_ATTRIBUTES attributes_ = {sizeof(SECURITY_ATTRIBUTES), nullptr, FALSE};
 };
+
+HANDLE TryToCreate(const std::filesystem::path& path, Users users) {
+  Opening opening{kOwnAccess | WRITE_DAC, CREATE_NEW, kOwnFlags};
+  std::optional<OnlyThisUser> only_this_user;
+  if (users == Users::kOwner) opening.security = only_this_user.emplace().get();
+  const HANDLE handle = TryToOpen(path, opening);
+  if (handle != NoFile() || GetLastError() != ERROR_ACCESS_DENIED) return handle;
+  // Many shares let nobody change lists: then the file has that of any other in the directory.
+  return TryToOpen(path, {kOwnAccess, CREATE_NEW, kOwnFlags});
+}
 
 // Whether the system may do later what it does not do while somebody has a file open.
 bool MayPass(DWORD error) { return IsInUse(error) || error == ERROR_ACCESS_DENIED; }
@@ -112,7 +125,7 @@ bool Move(std::optional<OpenFile>& file, const std::filesystem::path& from,
   if (is_renamed || !IsUnknownWay(GetLastError())) return is_renamed;
   // Nobody moves a file that is open to be written; open to be read, nobody takes it for an
   // abandoned one.
-  const HANDLE reading = TryToOpen(from, {GENERIC_READ});
+  const HANDLE reading = WaitToOpen(from, {GENERIC_READ});
   if (reading == NoFile()) return false;
   file.emplace(reinterpret_cast<OpenFile::Handle>(reading));
   return MoveOver(SystemName(from), name, replaces);
@@ -146,10 +159,7 @@ TemporaryFile::TemporaryFile(const Directory& directory, Users users) : Temporar
 
 void TemporaryFile::Create(Users users) {
   name_ = UnforeseeableName();
-  Opening opening{kOwnAccess, CREATE_NEW, kOwnFlags};
-  std::optional<OnlyThisUser> only_this_user;
-  if (users == Users::kOwner) opening.security = only_this_user.emplace().get();
-  const HANDLE handle = TryToOpen(directory_.path() / name_, opening);
+  const HANDLE handle = TryToCreate(directory_.path() / name_, users);
   if (handle == NoFile()) ThrowSystemFailure();
   file_.emplace(reinterpret_cast<OpenFile::Handle>(handle));
 }

@@ -29,6 +29,22 @@ bool HasPrefix(std::wstring_view name) {
   return StartsWith(name, kPrefix) || StartsWith(name, kDevicePrefix);
 }
 
+bool IsNameOf(const std::wstring& name, const FileStatus& file) {
+  const std::optional<FileStatus> named = StatusOf(name);
+  return named && named->IsSameFile(file);
+}
+
+// Empty if the system does not tell; the last error is then why.
+std::wstring FinalName(const OpenFile& file) {
+  const auto get = [&file](wchar_t* target, DWORD size) {
+    return CallSystem("GetFinalPathNameByHandle", ::GetFinalPathNameByHandleW, HandleOf(file),
+                      target, size, DWORD{FILE_NAME_NORMALIZED});
+  };
+  std::wstring name(get(nullptr, 0), L'\0');
+  if (!name.empty()) name.resize(get(name.data(), static_cast<DWORD>(name.size())));
+  return name;
+}
+
 std::wstring FullName(const std::wstring& name) {
   std::wstring full(GetFullPathNameW(name.c_str(), 0, nullptr, nullptr), L'\0');
   const auto size = static_cast<DWORD>(full.size());
@@ -68,15 +84,17 @@ bool IsInUse(DWORD error) {
   return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
 }
 
-bool TryRepeatedly(const std::function<bool()>& call, bool (*may_pass)(DWORD error)) {
+bool TryRepeatedly(const std::function<bool()>& call, bool (*may_pass)(DWORD error),
+                   const WaitEnd& end) {
   std::chrono::milliseconds pause = kShortestDelay;
   for (int tries_left = kTries; !call(); --tries_left) {
     const DWORD error = GetLastError();
-    if (tries_left == 1 || !may_pass(error)) {
+    const auto now = std::chrono::steady_clock::now();
+    if (tries_left == 1 || (end && now >= *end) || !may_pass(error)) {
       SetLastError(error);
       return false;
     }
-    std::this_thread::sleep_for(pause);
+    std::this_thread::sleep_until(end ? std::min(now + pause, *end) : now + pause);
     pause = std::min(2 * pause, kLongestDelay);
   }
   return true;
@@ -122,19 +140,18 @@ WIN32_FILE_ATTRIBUTE_DATA AttributesOf(const std::filesystem::path& path) {
 }
 
 std::filesystem::path FinalPath(const OpenFile& file, const std::filesystem::path& path) {
-  const auto name = [&file](wchar_t* target, DWORD size) {
-    return CallSystem("GetFinalPathNameByHandle", ::GetFinalPathNameByHandleW, HandleOf(file),
-                      target, size, DWORD{FILE_NAME_NORMALIZED});
-  };
-  std::wstring found(name(nullptr, 0), L'\0');
-  if (!found.empty()) found.resize(name(found.data(), static_cast<DWORD>(found.size())));
-  if (found.empty()) {
-    const DWORD error = GetLastError();
-    if ((AttributesOf(path).dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return path;
-    ThrowSystemFailure(error);
+  const std::wstring final_name = FinalName(file);
+  const DWORD error = final_name.empty() ? GetLastError() : DWORD{ERROR_FILE_NOT_FOUND};
+  if (!final_name.empty()) {
+    // With a prefix, a drive alone would name the drive and not its root. Without, the system
+    // changes some names, such as those that end in a dot.
+    const FileStatus status = file.Status();
+    for (const std::wstring& name : {WithoutPrefix(final_name), final_name}) {
+      if (IsNameOf(name, status)) return name;
+    }
   }
-  // With a prefix, a drive alone would name the drive and not its root.
-  return WithoutPrefix(found);
+  if ((AttributesOf(path).dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return path;
+  ThrowSystemFailure(error);
 }
 
 HANDLE TryToOpen(const std::filesystem::path& path, const Opening& opening) {
@@ -143,18 +160,18 @@ HANDLE TryToOpen(const std::filesystem::path& path, const Opening& opening) {
                     opening.flags, HANDLE{nullptr});
 }
 
-HANDLE WaitToOpen(const std::filesystem::path& path, const Opening& opening) {
+HANDLE WaitToOpen(const std::filesystem::path& path, const Opening& opening, const WaitEnd& end) {
   HANDLE handle = NoFile();
   const auto open = [&] {
     handle = TryToOpen(path, opening);
     return handle != NoFile();
   };
-  TryRepeatedly(open, IsInUse);
+  TryRepeatedly(open, IsInUse, end);
   return handle;
 }
 
-OpenFile Open(const std::filesystem::path& path, const Opening& opening) {
-  const HANDLE handle = WaitToOpen(path, opening);
+OpenFile Open(const std::filesystem::path& path, const Opening& opening, const WaitEnd& end) {
+  const HANDLE handle = WaitToOpen(path, opening, end);
   if (handle == NoFile()) ThrowSystemFailure();
   return OpenFile(reinterpret_cast<OpenFile::Handle>(handle));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -44,12 +45,17 @@ inline SystemFunctions& FunctionsOfSystem() {
 /// Whether an error says that others have a file open and do not share it.
 bool IsInUse(DWORD error);
 
+/// When a wait is over, if not by itself.
+using WaitEnd = std::optional<std::chrono::steady_clock::time_point>;
+
 /// Makes a call again and again for a second and a bit: virus scanners and indexers do not keep a
 /// file open longer.
 /// @param call gives whether it succeeds
 /// @param may_pass whether it may succeed later after an error
+/// @param end behind which it is made no more
 /// @return whether it succeeded; if not, the last error is why
-bool TryRepeatedly(const std::function<bool()>& call, bool (*may_pass)(DWORD error));
+bool TryRepeatedly(const std::function<bool()>& call, bool (*may_pass)(DWORD error),
+                   const WaitEnd& end = std::nullopt);
 
 /// What the system gives for a file that it did not open.
 inline HANDLE NoFile() { return INVALID_HANDLE_VALUE; }
@@ -118,11 +124,13 @@ struct Opening {
 HANDLE TryToOpen(const std::filesystem::path& path, const Opening& opening);
 
 /// As TryToOpen, but waits a while for others who have the file open and do not share it.
-HANDLE WaitToOpen(const std::filesystem::path& path, const Opening& opening);
+HANDLE WaitToOpen(const std::filesystem::path& path, const Opening& opening,
+                  const WaitEnd& end = std::nullopt);
 
 /// As WaitToOpen.
 /// @exception Failure with the system's reason if it cannot be opened
-OpenFile Open(const std::filesystem::path& path, const Opening& opening);
+OpenFile Open(const std::filesystem::path& path, const Opening& opening,
+              const WaitEnd& end = std::nullopt);
 
 /// What a path has for attributes, which are those of a link if it is one.
 /// @return nothing if the system does not tell; the last error is then why
