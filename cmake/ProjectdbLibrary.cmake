@@ -1,13 +1,14 @@
 # What the sources of the library need of the system.
+set(projectdb_system_libraries "")
 if(WIN32)
-  set(system_libraries advapi32 bcrypt)
+  set(projectdb_system_libraries advapi32 bcrypt)
 endif()
-list(TRANSFORM system_libraries PREPEND "-l" OUTPUT_VARIABLE PROJECTDB_SYSTEM_LIBRARIES)
+list(TRANSFORM projectdb_system_libraries PREPEND "-l" OUTPUT_VARIABLE PROJECTDB_SYSTEM_LIBRARIES)
 list(JOIN PROJECTDB_SYSTEM_LIBRARIES " " PROJECTDB_SYSTEM_LIBRARIES)
 function(projectdb_use_system target)
   if(WIN32)
     target_compile_definitions(${target} PRIVATE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
-    target_link_libraries(${target} PUBLIC ${system_libraries})
+    target_link_libraries(${target} PUBLIC ${projectdb_system_libraries})
   endif()
 endfunction()
 

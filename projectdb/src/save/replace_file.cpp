@@ -64,6 +64,7 @@ void ReplaceFile(const std::string& path, const Replacement& replacement) {
   RemoveAbandonedFiles(directory);
   // What it is to replace may be secret.
   TemporaryFile file(directory, target.former ? Users::kOwner : Users::kAnybody);
+  if (target.former) LimitReaders(target.path, file.file());
   WriteInto(file, replacement);
   const FileStatus written = file.file().Status();
   if (written.names == 0) throw Failure("the temporary file was removed");

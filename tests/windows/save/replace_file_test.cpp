@@ -151,7 +151,13 @@ TEST_F(SaveOnWindows, ListsThatNobodyMayChange_FileWithThatOfItsDirectoryIsSaved
 TEST_F(SaveOnWindows, ListsThatNobodyMayChange_FileWithAnotherIsLeftAsItWas) {
   GiveToItsOwnerAlone(path_);
   const SharedWithoutLists share;
+  bool is_written = false;
+  const FilteredCalls filter([&is_written](const files::SystemCall& call) {
+    is_written = is_written || std::string(call.name) == "WriteFile";
+    return 0;
+  });
   EXPECT_EQ(Save(), WritingError(path_, EACCES));
+  EXPECT_FALSE(is_written) << "others might have read it";
   ExpectUntouched();
 }
 

@@ -108,4 +108,8 @@ void CopyPermissions(const std::filesystem::path& former_path, const FileStatus&
   CopyAttributes(former_path, file);
 }
 
+void LimitReaders(const std::filesystem::path& former_path, const OpenFile& file) {
+  CopyAccessList(SystemName(former_path), file);
+}
+
 }  // namespace projectdb::files

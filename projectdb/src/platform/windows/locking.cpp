@@ -67,6 +67,7 @@ std::unique_ptr<OpenFile> LockFile(const std::string& path,
   RequireNothingElse(lock_path);
   std::chrono::milliseconds pause = kShortestPause;
   int denials = 0;
+  bool was_locked = false;
   for (;;) {
     const HANDLE handle = TryToLock(lock_path);
     if (handle != NoFile()) {
@@ -74,14 +75,16 @@ std::unique_ptr<OpenFile> LockFile(const std::string& path,
     }
     const DWORD error = GetLastError();
     const bool is_locked = error == ERROR_SHARING_VIOLATION;
-    const bool is_over = end && LockClock::now() >= *end;
-    if (is_locked && is_over) throw Failure("it is locked by others");
+    was_locked = was_locked || is_locked || error == ERROR_DELETE_PENDING;
+    const LockClock::time_point now = LockClock::now();
+    const bool is_over = end && now >= *end;
+    if (was_locked && is_over) throw Failure("it is locked by others");
     if (is_locked) {
       denials = 0;
     } else if (!MayBeGoing(error) || is_over || ++denials > kMostDenials) {
       ThrowSystemFailure(error);
     }
-    std::this_thread::sleep_for(pause);
+    std::this_thread::sleep_until(end ? std::min(now + pause, *end) : now + pause);
     pause = std::min(2 * pause, kLongestPause);
   }
 }

@@ -69,13 +69,17 @@ class OnlyThisUser {
 };
 
 HANDLE TryToCreate(const std::filesystem::path& path, Users users) {
-  Opening opening{kOwnAccess | WRITE_DAC, CREATE_NEW, kOwnFlags};
-  std::optional<OnlyThisUser> only_this_user;
-  if (users == Users::kOwner) opening.security = only_this_user.emplace().get();
+  const Opening for_anybody{kOwnAccess, CREATE_NEW, kOwnFlags};
+  if (users == Users::kAnybody) return TryToOpen(path, for_anybody);
+  OnlyThisUser only_this_user;
+  Opening opening = for_anybody;
+  opening.access |= WRITE_DAC;
+  opening.security = only_this_user.get();
   const HANDLE handle = TryToOpen(path, opening);
   if (handle != NoFile() || GetLastError() != ERROR_ACCESS_DENIED) return handle;
-  // Many shares let nobody change lists: then the file has that of any other in the directory.
-  return TryToOpen(path, {kOwnAccess, CREATE_NEW, kOwnFlags});
+  // Many shares let nobody change lists: then the file has that of any other in the directory, and
+  // is not written if the former one has another.
+  return TryToOpen(path, for_anybody);
 }
 
 // Whether the system may do later what it does not do while somebody has a file open.

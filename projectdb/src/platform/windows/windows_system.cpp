@@ -17,6 +17,9 @@ constexpr std::wstring_view kDevicePrefix = LR"(\\.\)";
 constexpr std::wstring_view kShare = LR"(\\)";
 constexpr std::wstring_view kSharePrefix = LR"(\\?\UNC\)";
 
+// How a file or a directory is opened to ask what it is.
+constexpr Opening kToAsk{0, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS};
+
 constexpr int kTries = 12;
 constexpr std::chrono::milliseconds kShortestDelay{1};
 constexpr std::chrono::milliseconds kLongestDelay{256};
@@ -30,8 +33,9 @@ bool HasPrefix(std::wstring_view name) {
 }
 
 bool IsNameOf(const std::wstring& name, const FileStatus& file) {
-  const std::optional<FileStatus> named = StatusOf(name);
-  return named && named->IsSameFile(file);
+  const HANDLE handle = TryToOpen(name, kToAsk);
+  if (handle == NoFile()) return false;
+  return OpenFile(reinterpret_cast<OpenFile::Handle>(handle)).Status().IsSameFile(file);
 }
 
 // Empty if the system does not tell; the last error is then why.
@@ -43,6 +47,20 @@ std::wstring FinalName(const OpenFile& file) {
   std::wstring name(get(nullptr, 0), L'\0');
   if (!name.empty()) name.resize(get(name.data(), static_cast<DWORD>(name.size())));
   return name;
+}
+
+// The last error is why there is none.
+std::optional<std::wstring> FindName(const OpenFile& file) {
+  const std::wstring final_name = FinalName(file);
+  if (final_name.empty()) return std::nullopt;
+  // With a prefix, a drive alone would name the drive and not its root. Without, the system changes
+  // some names, such as those that end in a dot.
+  const FileStatus status = file.Status();
+  for (const std::wstring& name : {WithoutPrefix(final_name), final_name}) {
+    if (IsNameOf(name, status)) return name;
+  }
+  SetLastError(ERROR_FILE_NOT_FOUND);
+  return std::nullopt;
 }
 
 std::wstring FullName(const std::wstring& name) {
@@ -140,16 +158,15 @@ WIN32_FILE_ATTRIBUTE_DATA AttributesOf(const std::filesystem::path& path) {
 }
 
 std::filesystem::path FinalPath(const OpenFile& file, const std::filesystem::path& path) {
-  const std::wstring final_name = FinalName(file);
-  const DWORD error = final_name.empty() ? GetLastError() : DWORD{ERROR_FILE_NOT_FOUND};
-  if (!final_name.empty()) {
-    // With a prefix, a drive alone would name the drive and not its root. Without, the system
-    // changes some names, such as those that end in a dot.
-    const FileStatus status = file.Status();
-    for (const std::wstring& name : {WithoutPrefix(final_name), final_name}) {
-      if (IsNameOf(name, status)) return name;
-    }
+  std::optional<std::wstring> name = FindName(file);
+  // Another file may have taken its place meanwhile.
+  for (int tries_left = 3; !name && tries_left > 0; --tries_left) {
+    const HANDLE handle = TryToOpen(path, kToAsk);
+    if (handle == NoFile()) break;
+    name = FindName(OpenFile(reinterpret_cast<OpenFile::Handle>(handle)));
   }
+  if (name) return *name;
+  const DWORD error = GetLastError();
   if ((AttributesOf(path).dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return path;
   ThrowSystemFailure(error);
 }

@@ -13,7 +13,8 @@ std::filesystem::path RunningProgram() {
   return name;
 }
 
-// A name without a drive is on the current one, where all users may make directories.
+// No installation has a fixed place there: a name without a drive is on the current one, where all
+// users may make directories.
 std::filesystem::path PlaceOfInstallation(const std::string& /*name*/) { return {}; }
 
 }  // namespace kelproj
