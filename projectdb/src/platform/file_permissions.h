@@ -16,11 +16,4 @@ namespace projectdb::files {
 void CopyPermissions(const std::filesystem::path& former_path, const FileStatus& former,
                      const OpenFile& file);
 
-/// Sees to it, before a new file is written, that nobody can read it who could not read the one
-/// that it is to replace.
-///
-/// @param former_path as above
-/// @exception Failure if that cannot be
-void LimitReaders(const std::filesystem::path& former_path, const OpenFile& file);
-
 }  // namespace projectdb::files

@@ -25,18 +25,16 @@ class Directory {
   OpenFile file_;
 };
 
-/// Who may read and write a new file.
-enum class Users { kAnybody, kOwner };
-
 /// A new file that removes itself, unless it is given another name. It is locked for as long as
 /// it is temporary: one that nobody has locked was left behind by a process that was killed.
 class TemporaryFile {
  public:
   /// Creates an empty file under a name that cannot be foreseen and has no extension.
   /// @param directory outlives this object
-  /// @param users as far as the umask or the directory does not shut some out
+  /// @param former what the file is to replace, and who must not read that must not read this one
+  ///        either; null for a file that gets the permissions of any new one
   /// @exception Failure if it cannot be created
-  TemporaryFile(const Directory& directory, Users users);
+  TemporaryFile(const Directory& directory, const std::filesystem::path* former);
   ~TemporaryFile();
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
@@ -64,7 +62,7 @@ class TemporaryFile {
   /// No file yet: once this has run, the destructor cleans up after whatever fails.
   explicit TemporaryFile(const Directory& directory) : directory_(directory) {}
 
-  void Create(Users users);
+  void Create(const std::filesystem::path* former);
 
   const Directory& directory_;
   std::string name_;

@@ -63,8 +63,7 @@ void ReplaceFile(const std::string& path, const Replacement& replacement) {
   const Directory directory(target.path.parent_path());
   RemoveAbandonedFiles(directory);
   // What it is to replace may be secret.
-  TemporaryFile file(directory, target.former ? Users::kOwner : Users::kAnybody);
-  if (target.former) LimitReaders(target.path, file.file());
+  TemporaryFile file(directory, target.former ? &target.path : nullptr);
   WriteInto(file, replacement);
   const FileStatus written = file.file().Status();
   if (written.names == 0) throw Failure("the temporary file was removed");

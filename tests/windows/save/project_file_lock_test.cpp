@@ -13,6 +13,7 @@
 #include "testing/test.h"
 #include "testing/threads.h"
 #include "testing/windows/other_process.h"
+#include "testing/windows/refused_openings.h"
 
 namespace {
 
@@ -70,35 +71,17 @@ TEST_F(LockOnWindows, EmptyFileThatAProcessLeftBehind_IsTakenForTheLock) {
   EXPECT_THAT(NamesIn(directory_.path()), ElementsAre("p.xml"));
 }
 
-/// For as long as it lives, the system is about to remove each lock file, which others keep it
-/// from.
-class GoingLocks {
- public:
-  explicit GoingLocks(int error) {
-    error_ = static_cast<DWORD>(error);
-    files::FunctionsOfSystem().create_file = Open;
-  }
-  ~GoingLocks() { files::FunctionsOfSystem() = files::SystemFunctions(); }
-  GoingLocks(const GoingLocks&) = delete;
-  GoingLocks& operator=(const GoingLocks&) = delete;
-
- private:
-  static HANDLE WINAPI Open(const wchar_t* name, DWORD access, DWORD sharing,
-                            SECURITY_ATTRIBUTES* security, DWORD disposition, DWORD flags,
-                            HANDLE model) {
-    if (std::wstring(name).find(L".kel_lock_") == std::wstring::npos) {
-      return CreateFileW(name, access, sharing, security, disposition, flags, model);
-    }
-    SetLastError(error_);
-    return INVALID_HANDLE_VALUE;
-  }
-
-  static inline DWORD error_ = 0;
-};
+/// The system is about to remove each lock file, which others keep it from.
+RefusedOpenings::Refusal GoingLocks(int error) {
+  return [error](const AskedOpening& opening) -> DWORD {
+    const bool is_lock = std::wstring(opening.name).find(L".kel_lock_") != std::wstring::npos;
+    return is_lock ? static_cast<DWORD>(error) : ERROR_SUCCESS;
+  };
+}
 
 TEST_F(LockOnWindows, SaveWhileALockIsBeingRemoved_IsSaved) {
   for (const int error : {ERROR_ACCESS_DENIED, ERROR_DELETE_PENDING}) {
-    const GoingLocks locks(error);
+    const RefusedOpenings locks(GoingLocks(error));
     KelProjectDatabase database;
     database.CreateNewProjectDatabase("saved" + std::to_string(error));
     EXPECT_EQ(SaveError(database, path_), "");
@@ -108,13 +91,13 @@ TEST_F(LockOnWindows, SaveWhileALockIsBeingRemoved_IsSaved) {
 
 TEST_F(LockOnWindows, LockThatIsBeingRemovedForEver_IsRefusedAfterAWhile) {
   for (const int error : {ERROR_ACCESS_DENIED, ERROR_DELETE_PENDING}) {
-    const GoingLocks locks(error);
+    const RefusedOpenings locks(GoingLocks(error));
     EXPECT_NE(ErrorOf([&] { const ProjectFileLock lock(path_); }), "");
   }
 }
 
 TEST_F(LockOnWindows, LockThatIsDenied_IsRefusedForThatReasonWhateverTheWait) {
-  const GoingLocks locks(ERROR_ACCESS_DENIED);
+  const RefusedOpenings locks(GoingLocks(ERROR_ACCESS_DENIED));
   EXPECT_EQ(Refusal(), "Failed locking XML file " + path_ + ": " + TextOfErrno(EACCES) + "\n");
 }
 

@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -23,6 +22,7 @@
 #include "testing/temporary_directory.h"
 #include "testing/test.h"
 #include "testing/windows/known_renaming.h"
+#include "testing/windows/refused_openings.h"
 
 namespace {
 
@@ -62,13 +62,6 @@ std::vector<std::string> CallsOf(const std::function<void()>& save) {
   });
   save();
   return calls;
-}
-
-/// Lets the call of that number fail, the first being number 0.
-files::SystemCallFilter FailCallNumber(std::size_t number, DWORD error) {
-  return [=, count = std::make_shared<std::size_t>(0)](const files::SystemCall&) {
-    return (*count)++ == number ? static_cast<int>(error) : 0;
-  };
 }
 
 /// Who may do what with a file, as the system writes it.
@@ -121,28 +114,13 @@ TEST_F(SaveOnWindows, AccessList_IsThatOfTheFormerFile) {
 }
 
 /// A share whose users may change files, but not the lists of who may do so.
-class SharedWithoutLists {
- public:
-  SharedWithoutLists() { files::FunctionsOfSystem().create_file = Open; }
-  ~SharedWithoutLists() { files::FunctionsOfSystem() = files::SystemFunctions(); }
-  SharedWithoutLists(const SharedWithoutLists&) = delete;
-  SharedWithoutLists& operator=(const SharedWithoutLists&) = delete;
-
- private:
-  static HANDLE WINAPI Open(const wchar_t* name, DWORD access, DWORD sharing,
-                            SECURITY_ATTRIBUTES* security, DWORD disposition, DWORD flags,
-                            HANDLE model) {
-    if ((access & WRITE_DAC) == 0) {
-      return CreateFileW(name, access, sharing, security, disposition, flags, model);
-    }
-    SetLastError(ERROR_ACCESS_DENIED);
-    return INVALID_HANDLE_VALUE;
-  }
-};
+DWORD RefuseToChangeLists(const AskedOpening& opening) {
+  return (opening.access & WRITE_DAC) != 0 ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
+}
 
 TEST_F(SaveOnWindows, ListsThatNobodyMayChange_FileWithThatOfItsDirectoryIsSaved) {
   const std::wstring list = AccessListOf(path_);
-  const SharedWithoutLists share;
+  const RefusedOpenings share(RefuseToChangeLists);
   EXPECT_EQ(Save(), "");
   EXPECT_TRUE(IsSaved());
   EXPECT_EQ(AccessListOf(path_), list);
@@ -150,7 +128,7 @@ TEST_F(SaveOnWindows, ListsThatNobodyMayChange_FileWithThatOfItsDirectoryIsSaved
 
 TEST_F(SaveOnWindows, ListsThatNobodyMayChange_FileWithAnotherIsLeftAsItWas) {
   GiveToItsOwnerAlone(path_);
-  const SharedWithoutLists share;
+  const RefusedOpenings share(RefuseToChangeLists);
   bool is_written = false;
   const FilteredCalls filter([&is_written](const files::SystemCall& call) {
     is_written = is_written || std::string(call.name) == "WriteFile";
@@ -162,7 +140,7 @@ TEST_F(SaveOnWindows, ListsThatNobodyMayChange_FileWithAnotherIsLeftAsItWas) {
 }
 
 TEST_F(SaveOnWindows, ListsThatNobodyMayChange_NewFileIsMade) {
-  const SharedWithoutLists share;
+  const RefusedOpenings share(RefuseToChangeLists);
   const std::string path = directory_ / "new.xml";
   EXPECT_EQ(SaveError(database_, path), "");
   EXPECT_TRUE(std::filesystem::exists(path));
@@ -180,30 +158,6 @@ TEST_F(SaveOnWindows, DirectoryWhoseNameEndsInADot_IsNotTakenForTheOneWithout) {
   EXPECT_EQ(ReadFile(directory_ / "parts/p.xml"), "another project");
   EXPECT_NE(DeleteFileW(NativePath(dotted + R"(\p.xml)").c_str()), 0);
   EXPECT_NE(RemoveDirectoryW(NativePath(dotted).c_str()), 0);
-}
-
-TEST_F(SaveOnWindows, AnyCallFails_LeavesTheFormerFileOrTheNewOneAndNoOther) {
-  const std::vector<std::string> calls = CallsOf([&] { Save(); });
-  EXPECT_THAT(
-      std::set<std::string>(calls.begin(), calls.end()),
-      testing::IsSupersetOf({"CreateFile", "WriteFile", "FlushFileBuffers",
-                             "GetFileInformationByHandle", "BCryptGenRandom",
-                             "GetNamedSecurityInfo", "SetKernelObjectSecurity", "RenameOpenFile"}));
-  for (std::size_t number = 0; number < calls.size(); ++number) {
-    SCOPED_TRACE(std::to_string(number) + " " + calls[number]);
-    WriteFile(path_, former_);
-    std::string error;
-    {
-      const FilteredCalls filtered(FailCallNumber(number, ERROR_DISK_FULL));
-      error = Save();
-    }
-    EXPECT_EQ(IsSaved(), error.empty());
-    if (error.empty()) continue;
-    // Why the file could not be written, or that it could not be when it was tried again.
-    EXPECT_THAT(error, AnyOf(WritingError(path_, ENOSPC),
-                             WritingError(path_, "the temporary file could not be opened")));
-    ExpectUntouched();
-  }
 }
 
 TEST_F(SaveOnWindows, RenamingIsUnknown_MovesTheFileOverTheFormer) {
@@ -390,33 +344,19 @@ TEST_F(SaveOnWindows, HiddenFile_StaysHidden) {
   EXPECT_NE(GetFileAttributesW(name.c_str()) & FILE_ATTRIBUTE_HIDDEN, 0U);
 }
 
-/// For as long as it lives, no file that is hidden, or the system's, can be made anew as one that
-/// is not, as Windows has it.
-class HiddenFilesKept {
- public:
-  HiddenFilesKept() { files::FunctionsOfSystem().create_file = Open; }
-  ~HiddenFilesKept() { files::FunctionsOfSystem() = files::SystemFunctions(); }
-  HiddenFilesKept(const HiddenFilesKept&) = delete;
-  HiddenFilesKept& operator=(const HiddenFilesKept&) = delete;
-
- private:
-  static HANDLE WINAPI Open(const wchar_t* name, DWORD access, DWORD sharing,
-                            SECURITY_ATTRIBUTES* security, DWORD disposition, DWORD flags,
-                            HANDLE model) {
-    constexpr DWORD kKept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
-    const DWORD attributes = GetFileAttributesW(name);
-    const bool is_there = attributes != INVALID_FILE_ATTRIBUTES;
-    const bool is_overwritten = disposition == CREATE_ALWAYS || disposition == TRUNCATE_EXISTING;
-    if (is_there && is_overwritten && (attributes & kKept & ~flags) != 0) {
-      SetLastError(ERROR_ACCESS_DENIED);
-      return INVALID_HANDLE_VALUE;
-    }
-    return CreateFileW(name, access, sharing, security, disposition, flags, model);
-  }
-};
+/// No file that is hidden, or the system's, can be made anew as one that is not, as Windows has it.
+DWORD RefuseToShowHiddenFiles(const AskedOpening& opening) {
+  constexpr DWORD kKept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+  const DWORD attributes = GetFileAttributesW(opening.name);
+  const bool is_there = attributes != INVALID_FILE_ATTRIBUTES;
+  const bool is_overwritten =
+      opening.disposition == CREATE_ALWAYS || opening.disposition == TRUNCATE_EXISTING;
+  const bool is_shown = is_there && is_overwritten && (attributes & kKept & ~opening.flags) != 0;
+  return is_shown ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
+}
 
 TEST_F(SaveOnWindows, HiddenFile_IsExportedOverAndStaysHidden) {
-  const HiddenFilesKept kept;
+  const RefusedOpenings kept(RefuseToShowHiddenFiles);
   const std::wstring name = NativePath(path_).native();
   for (const int attribute : {FILE_ATTRIBUTE_HIDDEN, FILE_ATTRIBUTE_SYSTEM}) {
     WriteFile(path_, former_ + std::string(100000, ' '));

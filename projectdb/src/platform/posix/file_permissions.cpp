@@ -63,7 +63,4 @@ void CopyPermissions(const std::filesystem::path& former_path, const FileStatus&
   if (created.owner != former.owner) ChangeOwner(file, former.owner, kSameGroup);
 }
 
-// It was made for its owner alone.
-void LimitReaders(const std::filesystem::path& /*former_path*/, const OpenFile& /*file*/) {}
-
 }  // namespace projectdb::files

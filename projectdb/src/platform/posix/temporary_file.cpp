@@ -49,17 +49,18 @@ void Directory::Flush() const {
   if (FlushToDisk(DescriptorOf(file_)) != 0 && errno != EINVAL) ThrowSystemFailure();
 }
 
-TemporaryFile::TemporaryFile(const Directory& directory, Users users) : TemporaryFile(directory) {
+TemporaryFile::TemporaryFile(const Directory& directory, const std::filesystem::path* former)
+    : TemporaryFile(directory) {
   // Somebody who removes abandoned files may take it for one before it is locked.
   do {
-    Create(users);
+    Create(former);
   } while (file_->Status().names == 0);
 }
 
-void TemporaryFile::Create(Users users) {
+void TemporaryFile::Create(const std::filesystem::path* former) {
   constexpr mode_t kForAnybody = 0666;
   constexpr mode_t kForOwner = 0600;
-  const mode_t mode = users == Users::kAnybody ? kForAnybody : kForOwner;
+  const mode_t mode = former ? kForOwner : kForAnybody;
   name_ = UnforeseeableName();
   file_.emplace(
       RequireSuccess(CallSystem("openat", ::openat, DescriptorOf(directory_.file()), name_.c_str(),

@@ -12,6 +12,7 @@
 
 #include "platform/paths.h"
 #include "platform/temporary_name.h"
+#include "platform/windows/copied_access_list.h"
 #include "platform/windows/windows_system.h"
 
 #include <sddl.h>  // After the system's own header, without which it does not compile.
@@ -68,18 +69,15 @@ class OnlyThisUser {
   SECURITY_ATTRIBUTES attributes_ = {sizeof(SECURITY_ATTRIBUTES), nullptr, FALSE};
 };
 
-HANDLE TryToCreate(const std::filesystem::path& path, Users users) {
-  const Opening for_anybody{kOwnAccess, CREATE_NEW, kOwnFlags};
-  if (users == Users::kAnybody) return TryToOpen(path, for_anybody);
+HANDLE TryToCreate(const std::filesystem::path& path) {
+  return TryToOpen(path, {kOwnAccess, CREATE_NEW, kOwnFlags});
+}
+
+HANDLE TryToCreateForThisUser(const std::filesystem::path& path) {
   OnlyThisUser only_this_user;
-  Opening opening = for_anybody;
-  opening.access |= WRITE_DAC;
+  Opening opening{kOwnAccess | WRITE_DAC, CREATE_NEW, kOwnFlags};
   opening.security = only_this_user.get();
-  const HANDLE handle = TryToOpen(path, opening);
-  if (handle != NoFile() || GetLastError() != ERROR_ACCESS_DENIED) return handle;
-  // Many shares let nobody change lists: then the file has that of any other in the directory, and
-  // is not written if the former one has another.
-  return TryToOpen(path, for_anybody);
+  return TryToOpen(path, opening);
 }
 
 // Whether the system may do later what it does not do while somebody has a file open.
@@ -157,15 +155,21 @@ Directory::Directory(std::filesystem::path path)
 
 void Directory::Flush() const {}
 
-TemporaryFile::TemporaryFile(const Directory& directory, Users users) : TemporaryFile(directory) {
-  Create(users);
+TemporaryFile::TemporaryFile(const Directory& directory, const std::filesystem::path* former)
+    : TemporaryFile(directory) {
+  Create(former);
 }
 
-void TemporaryFile::Create(Users users) {
+void TemporaryFile::Create(const std::filesystem::path* former) {
   name_ = UnforeseeableName();
-  const HANDLE handle = TryToCreate(directory_.path() / name_, users);
+  HANDLE handle = former ? TryToCreateForThisUser(path()) : TryToCreate(path());
+  // Many shares let nobody give a file a list.
+  const bool is_denied = handle == NoFile() && GetLastError() == ERROR_ACCESS_DENIED;
+  const bool is_open_to_others = former && is_denied;
+  if (is_open_to_others) handle = TryToCreate(path());
   if (handle == NoFile()) ThrowSystemFailure();
   file_.emplace(reinterpret_cast<OpenFile::Handle>(handle));
+  if (is_open_to_others) RequireAccessList(*former, *file_);
 }
 
 TemporaryFile::~TemporaryFile() {

@@ -10,6 +10,9 @@
 
 #include <windows.h>
 
+// A function of this library, also in what is compiled together with these sources.
+#undef ReplaceFile
+
 #include "platform/open_file.h"
 #include "platform/system_calls.h"
 
