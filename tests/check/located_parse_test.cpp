@@ -9,6 +9,7 @@
 
 #include <xercesc/sax/InputSource.hpp>
 
+#include "testing/files.h"
 #include "testing/project_loading.h"
 #include "testing/test.h"
 #include "testing/xml_platform.h"

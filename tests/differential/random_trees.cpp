@@ -4,6 +4,9 @@
 
 #include <projectdb/project_db.h>
 #include <xercesc/dom/DOM.hpp>
+#include <xercesc/dom/DOMAttr.hpp>
+#include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/dom/DOMNamedNodeMap.hpp>
 #include <xercesc/dom/impl/DOMElementImpl.hpp>
 
 #include "testing/xml_tree.h"

@@ -1,8 +1,10 @@
 #include <filesystem>
 #include <functional>
+#include <stdexcept>
 
 #include <xercesc/util/IOException.hpp>
 
+#include "testing/files.h"
 #include "testing/message_recorder.h"
 #include "testing/project_differences.h"
 #include "testing/temporary_directory.h"

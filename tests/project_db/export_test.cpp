@@ -7,6 +7,7 @@
 #include <projectdb/vocabulary.h>
 
 #include "testing/clock.h"
+#include "testing/files.h"
 #include "testing/flow_processes.h"
 #include "testing/project_loading.h"
 #include "testing/test.h"

@@ -4,6 +4,7 @@
 
 #include <rapidcheck.h>
 
+#include "testing/files.h"
 #include "testing/project_loading.h"
 #include "testing/shipped_files.h"
 #include "testing/test.h"

@@ -2,14 +2,17 @@
 
 #include <ostream>
 
+#include <xercesc/dom/DOMAttr.hpp>
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMElement.hpp>
 #include <xercesc/dom/DOMImplementation.hpp>
 #include <xercesc/dom/DOMImplementationRegistry.hpp>
 #include <xercesc/dom/DOMNamedNodeMap.hpp>
 
+#include "testing/files.h"
 #include "testing/project_loading.h"
 #include "testing/test.h"
+#include "testing/xml_platform.h"
 #include "testing/xml_tree.h"
 #include "xml/dom.h"
 #include "xml/error_handler.h"

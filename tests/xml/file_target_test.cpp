@@ -3,8 +3,10 @@
 #include <xercesc/util/IOException.hpp>
 
 #include "testing/file_state.h"
+#include "testing/files.h"
 #include "testing/temporary_directory.h"
 #include "testing/test.h"
+#include "testing/xml_platform.h"
 #include "testing/xml_tree.h"
 #include "xml/file_target.h"
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include <xercesc/dom/DOM.hpp>
+#include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/framework/MemBufFormatTarget.hpp>
 
 #include "testing/test.h"

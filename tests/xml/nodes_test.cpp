@@ -6,9 +6,13 @@
 #include <vector>
 
 #include <xercesc/dom/DOM.hpp>
+#include <xercesc/dom/DOMAttr.hpp>
+#include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/dom/DOMNamedNodeMap.hpp>
 
 #include "testing/dom_document.h"
 #include "testing/test.h"
+#include "testing/xml_platform.h"
 #include "testing/xml_tree.h"
 #include "xml/dom.h"
 

@@ -8,6 +8,7 @@
 #include <xercesc/util/IOException.hpp>
 
 #include "testing/dom_document.h"
+#include "testing/files.h"
 #include "testing/temporary_directory.h"
 #include "testing/test.h"
 #include "testing/xml_tree.h"

@@ -1,5 +1,6 @@
 #include <filesystem>
 
+#include "testing/files.h"
 #include "testing/project_loading.h"
 #include "testing/test.h"
 #include "testing/xml_tree.h"

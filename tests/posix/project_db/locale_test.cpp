@@ -6,6 +6,7 @@
 #include <ostream>
 
 #include "testing/child_process.h"
+#include "testing/files.h"
 #include "testing/project_loading.h"
 #include "testing/shipped_files.h"
 #include "testing/test.h"
