@@ -107,7 +107,8 @@ bare::Project<Text> MakeBareProject(std::size_t design_files) {
     project.ips.push_back(In<Text>(IpAt(i)));
   }
   for (std::size_t i = 0; i < Parameters(design_files); ++i) {
-    project.parameters.at(ProcessAt(i)).push_back(In<Text>(ParameterAt(i)));
+    project.parameters.at(static_cast<std::size_t>(ProcessAt(i)))
+        .push_back(In<Text>(ParameterAt(i)));
   }
   return project;
 }
