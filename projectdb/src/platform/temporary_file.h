@@ -31,8 +31,8 @@ class TemporaryFile {
  public:
   /// Creates an empty file under a name that cannot be foreseen and has no extension.
   /// @param directory outlives this object
-  /// @param former what the file is to replace, and who must not read that must not read this one
-  ///        either; null for a file that gets the permissions of any new one
+  /// @param former what the file is to replace: whoever may not read that may not read this one;
+  ///        null for a file that gets the permissions of any new one
   /// @exception Failure if it cannot be created
   TemporaryFile(const Directory& directory, const std::filesystem::path* former);
   ~TemporaryFile();

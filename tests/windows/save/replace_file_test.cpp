@@ -113,6 +113,22 @@ TEST_F(SaveOnWindows, AccessList_IsThatOfTheFormerFile) {
   EXPECT_EQ(AccessListOf(path_), narrow);
 }
 
+TEST_F(SaveOnWindows, FileThatIsWritten_IsOpenToNobodyToWhomTheFormerIsNot) {
+  const std::wstring usual = AccessListOf(path_);
+  GiveToItsOwnerAlone(path_);
+  std::wstring list;
+  const FilteredCalls filter([&](const files::SystemCall& call) {
+    if (std::string(call.name) != "WriteFile") return 0;
+    for (const std::string& name : NamesIn(directory_.path())) {
+      if (name.rfind(".kel_save_", 0) == 0) list = AccessListOf(directory_ / name);
+    }
+    return 0;
+  });
+  EXPECT_EQ(Save(), "");
+  EXPECT_NE(list, L"");
+  EXPECT_NE(list, usual);
+}
+
 /// A share whose users may change files, but not the lists of who may do so.
 DWORD RefuseToChangeLists(const AskedOpening& opening) {
   return (opening.access & WRITE_DAC) != 0 ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;

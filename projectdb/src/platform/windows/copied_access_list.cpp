@@ -44,21 +44,16 @@ Descriptor ListOf(const OpenFile& file) {
 }
 
 // Nothing if there is no list, which lets everybody do anything.
-std::optional<std::string_view> EntriesOf(const Descriptor& descriptor) {
+std::optional<std::string_view> EntriesOf(PSECURITY_DESCRIPTOR descriptor) {
   BOOL is_there = FALSE;
   BOOL is_default = FALSE;
   PACL list = nullptr;
-  RequireSuccess(GetSecurityDescriptorDacl(descriptor.get(), &is_there, &list, &is_default));
+  RequireSuccess(GetSecurityDescriptorDacl(descriptor, &is_there, &list, &is_default));
   if (is_there == 0 || !list) return std::nullopt;
   ACL_SIZE_INFORMATION size{};
   RequireSuccess(GetAclInformation(list, &size, sizeof(size), AclSizeInformation));
   return std::string_view(reinterpret_cast<const char*>(list), size.AclBytesInUse)
       .substr(sizeof(*list));
-}
-
-void RequireEntries(const Descriptor& former, const OpenFile& file) {
-  const Descriptor own = ListOf(file);
-  if (own && EntriesOf(own) != EntriesOf(former)) ThrowSystemFailure(ERROR_ACCESS_DENIED);
 }
 
 // Entries that came from a directory are still known for such, as the system forgets by default.
@@ -73,6 +68,11 @@ void KeepInheritance(PSECURITY_DESCRIPTOR descriptor) {
 
 }  // namespace
 
+bool HasAccessList(const OpenFile& file, PSECURITY_DESCRIPTOR list) {
+  const Descriptor own = ListOf(file);
+  return !own || EntriesOf(own.get()) == EntriesOf(list);
+}
+
 // The list is taken as it is: other calls would add what files of the directory get by default.
 void CopyAccessList(const std::filesystem::path& former, const OpenFile& file) {
   const Descriptor list = ListOf(former);
@@ -84,13 +84,9 @@ void CopyAccessList(const std::filesystem::path& former, const OpenFile& file) {
   }
   const DWORD error = GetLastError();
   if (HasNoLists(error)) return;
-  if (error != ERROR_ACCESS_DENIED) ThrowSystemFailure(error);
-  RequireEntries(list, file);
-}
-
-void RequireAccessList(const std::filesystem::path& former, const OpenFile& file) {
-  const Descriptor list = ListOf(former);
-  if (list) RequireEntries(list, file);
+  // Where nobody may change lists, both files may have got theirs from the directory.
+  const bool may_be_there = error == ERROR_ACCESS_DENIED;
+  if (!may_be_there || !HasAccessList(file, list.get())) ThrowSystemFailure(error);
 }
 
 }  // namespace projectdb::files

@@ -63,21 +63,23 @@ class OnlyThisUser {
   OnlyThisUser(const OnlyThisUser&) = delete;
   OnlyThisUser& operator=(const OnlyThisUser&) = delete;
 
-  SECURITY_ATTRIBUTES* get() { return &attributes_; }
+  PSECURITY_DESCRIPTOR list() { return attributes_.lpSecurityDescriptor; }
+  SECURITY_ATTRIBUTES* attributes() { return &attributes_; }
 
  private:
   SECURITY_ATTRIBUTES attributes_ = {sizeof(SECURITY_ATTRIBUTES), nullptr, FALSE};
 };
 
-HANDLE TryToCreate(const std::filesystem::path& path) {
-  return TryToOpen(path, {kOwnAccess, CREATE_NEW, kOwnFlags});
-}
-
-HANDLE TryToCreateForThisUser(const std::filesystem::path& path) {
-  OnlyThisUser only_this_user;
-  Opening opening{kOwnAccess | WRITE_DAC, CREATE_NEW, kOwnFlags};
-  opening.security = only_this_user.get();
-  return TryToOpen(path, opening);
+HANDLE TryToCreate(const std::filesystem::path& path, std::optional<OnlyThisUser>& user) {
+  const Opening for_anybody{kOwnAccess, CREATE_NEW, kOwnFlags};
+  if (!user) return TryToOpen(path, for_anybody);
+  Opening for_this_user = for_anybody;
+  for_this_user.access |= WRITE_DAC;
+  for_this_user.security = user->attributes();
+  const HANDLE handle = TryToOpen(path, for_this_user);
+  // Many shares let nobody give a file a list.
+  const bool is_denied = handle == NoFile() && GetLastError() == ERROR_ACCESS_DENIED;
+  return is_denied ? TryToOpen(path, for_anybody) : handle;
 }
 
 // Whether the system may do later what it does not do while somebody has a file open.
@@ -161,15 +163,14 @@ TemporaryFile::TemporaryFile(const Directory& directory, const std::filesystem::
 }
 
 void TemporaryFile::Create(const std::filesystem::path* former) {
+  std::optional<OnlyThisUser> only_this_user;
+  if (former) only_this_user.emplace();
   name_ = UnforeseeableName();
-  HANDLE handle = former ? TryToCreateForThisUser(path()) : TryToCreate(path());
-  // Many shares let nobody give a file a list.
-  const bool is_denied = handle == NoFile() && GetLastError() == ERROR_ACCESS_DENIED;
-  const bool is_open_to_others = former && is_denied;
-  if (is_open_to_others) handle = TryToCreate(path());
+  const HANDLE handle = TryToCreate(path(), only_this_user);
   if (handle == NoFile()) ThrowSystemFailure();
   file_.emplace(reinterpret_cast<OpenFile::Handle>(handle));
-  if (is_open_to_others) RequireAccessList(*former, *file_);
+  // What others may read must have the former file's list before anything is written.
+  if (former && !HasAccessList(*file_, only_this_user->list())) CopyAccessList(*former, *file_);
 }
 
 TemporaryFile::~TemporaryFile() {

@@ -10,7 +10,8 @@
 
 #include <windows.h>
 
-// A function of this library, also in what is compiled together with these sources.
+// The header makes a macro of what is a function of this library, also for what is compiled
+// together with these sources.
 #undef ReplaceFile
 
 #include "platform/open_file.h"
