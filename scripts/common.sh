@@ -36,8 +36,8 @@ build_tree() {
   if command -v ccache >/dev/null; then
     export CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER-ccache}
   fi
-  step "Configuring build/$1" cmake --preset "$1"
-  step "Building build/$1" cmake --build --preset "$1" ${2:+--target "${@:2}"}
+  step "Configuring the preset $1" cmake --preset "$1"
+  step "Building the preset $1" cmake --build --preset "$1" ${2:+--target "${@:2}"}
 }
 
 # An apt state of its own, in a directory, with sources that a sed script derives from the
