@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <ostream>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <tuple>
@@ -156,10 +157,14 @@ TEST_P(ChangeOnWindows, FailedChangeThatCannotRemoveItsFile_LeavesItToTheNextSav
 }
 
 TEST_P(ChangeOnWindows, CallThatIsDeniedForAMoment_LeavesTheFormerFileOrTheNext) {
+  // Whoever has a file open stands in the way of these alone.
+  const std::set<std::string> deniable = {"CreateFile", "DeleteFile", "MoveFileEx",
+                                          "RenameOpenFile"};
   Prepare();
-  const std::size_t calls = ChangeCalls().size();
-  for (std::size_t number = 0; number < calls; ++number) {
-    SCOPED_TRACE(number);
+  const std::vector<std::string> calls = ChangeCalls();
+  for (std::size_t number = 0; number < calls.size(); ++number) {
+    if (deniable.count(calls[number]) == 0) continue;
+    SCOPED_TRACE(calls[number] + ", call number " + std::to_string(number));
     Prepare();
     const std::string error = ErrorWithFailingCall(number, ERROR_SHARING_VIOLATION);
     const std::string found = NameFoundIn(path_);
