@@ -27,5 +27,6 @@ file(GLOB fmt_DIR "${windows_prefix}/lib/*/cmake/fmt")
 set(PROJECTDB_HOST_DRIVE "Z:")
 find_program(PROJECTDB_WINE wine)
 if(PROJECTDB_WINE)
-  set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_CURRENT_LIST_DIR}/../scripts/run-windows-program")
+  set(CMAKE_CROSSCOMPILING_EMULATOR
+    "${CMAKE_CURRENT_LIST_DIR}/../scripts/run-windows-program" "${PROJECTDB_WINE}")
 endif()
