@@ -297,4 +297,11 @@ TEST_F(MovedInstallation, Schema_IsThatBesideTheProgram) {
   EXPECT_EQ(RunProcess({Program(), "check", PathOf("mixer.xml")}).status, 0);
 }
 
+TEST_F(MovedInstallation, NoSchemaForACommandThatTakesNone_IsTroubleAndTellsWhatToDo) {
+  if (std::filesystem::exists(KELPROJ_INSTALLED_SCHEMA)) GTEST_SKIP() << "there is one";
+  const Outcome outcome = RunProcess({Program(), "set", PathOf("mixer.xml"), "info.owner", "a"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_THAT(outcome.err, EndsWith(": install the program whole\n"));
+}
+
 }  // namespace

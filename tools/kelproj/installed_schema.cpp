@@ -20,7 +20,7 @@ std::string Absence(const fs::path& beside_program, const fs::path& of_installat
 
 }  // namespace
 
-std::string InstalledSchema() {
+std::string InstalledSchema(const std::string& advice) {
   const fs::path beside_program =
       LexicallyNormal(RunningProgram().parent_path() / PathFrom(KELPROJ_SCHEMA_FROM_PROGRAM));
   const fs::path of_installation = PlaceOfInstallation(KELPROJ_INSTALLED_SCHEMA);
@@ -28,8 +28,8 @@ std::string InstalledSchema() {
     std::error_code error;
     if (fs::exists(candidate, error)) return NameFrom(candidate);
   }
-  throw Trouble("the installed schema is " + Absence(beside_program, of_installation) +
-                ": --schema names another");
+  throw Trouble("the installed schema is " + Absence(beside_program, of_installation) + ": " +
+                advice);
 }
 
 }  // namespace kelproj

@@ -51,7 +51,7 @@ CheckedFile Check(const std::string& name, const std::string& schema,
 }
 
 std::string SchemaOf(const CheckArguments& arguments) {
-  if (!arguments.schema) return InstalledSchema();
+  if (!arguments.schema) return InstalledSchema("--schema names another");
   RequireReadable(*arguments.schema);
   return *arguments.schema;
 }
