@@ -113,20 +113,51 @@ TEST_F(SaveOnWindows, AccessList_IsThatOfTheFormerFile) {
   EXPECT_EQ(AccessListOf(path_), narrow);
 }
 
-TEST_F(SaveOnWindows, FileThatIsWritten_IsOpenToNobodyToWhomTheFormerIsNot) {
+/// Saves, and gives the list that the new file has when its content is written.
+class ListWhileWritten : public SaveOnWindows {
+ protected:
+  std::wstring SaveAndGetList() {
+    std::wstring list;
+    const FilteredCalls filter([&](const files::SystemCall& call) {
+      if (std::string(call.name) != "WriteFile") return 0;
+      for (const std::string& name : NamesIn(directory_.path())) {
+        if (name.rfind(".kel_save_", 0) == 0) list = AccessListOf(directory_ / name);
+      }
+      return 0;
+    });
+    EXPECT_EQ(Save(), "");
+    return list;
+  }
+};
+
+TEST_F(ListWhileWritten, LetsNobodyReadWhoMayNotReadTheFormerFile) {
   const std::wstring usual = AccessListOf(path_);
   GiveToItsOwnerAlone(path_);
-  std::wstring list;
-  const FilteredCalls filter([&](const files::SystemCall& call) {
-    if (std::string(call.name) != "WriteFile") return 0;
-    for (const std::string& name : NamesIn(directory_.path())) {
-      if (name.rfind(".kel_save_", 0) == 0) list = AccessListOf(directory_ / name);
-    }
-    return 0;
-  });
-  EXPECT_EQ(Save(), "");
+  const std::wstring list = SaveAndGetList();
   EXPECT_NE(list, L"");
   EXPECT_NE(list, usual);
+}
+
+/// For as long as it lives, the system makes files without the lists that they are to have.
+class ForgottenLists {
+ public:
+  ForgottenLists() { files::FunctionsOfSystem().create_file = Open; }
+  ~ForgottenLists() { files::FunctionsOfSystem() = files::SystemFunctions(); }
+  ForgottenLists(const ForgottenLists&) = delete;
+  ForgottenLists& operator=(const ForgottenLists&) = delete;
+
+ private:
+  static HANDLE WINAPI Open(const wchar_t* name, DWORD access, DWORD sharing,
+                            SECURITY_ATTRIBUTES* /*security*/, DWORD disposition, DWORD flags,
+                            HANDLE model) {
+    return CreateFileW(name, access, sharing, nullptr, disposition, flags, model);
+  }
+};
+
+TEST_F(ListWhileWritten, WhereListsOfNewFilesAreForgotten_IsThatOfTheFormerFile) {
+  GiveToItsOwnerAlone(path_);
+  const ForgottenLists forgotten;
+  EXPECT_EQ(SaveAndGetList(), AccessListOf(path_));
 }
 
 /// A share whose users may change files, but not the lists of who may do so.

@@ -77,9 +77,8 @@ HANDLE TryToCreate(const std::filesystem::path& path, std::optional<OnlyThisUser
   for_this_user.access |= WRITE_DAC;
   for_this_user.security = user->attributes();
   const HANDLE handle = TryToOpen(path, for_this_user);
-  // Many shares let nobody give a file a list.
-  const bool is_denied = handle == NoFile() && GetLastError() == ERROR_ACCESS_DENIED;
-  return is_denied ? TryToOpen(path, for_anybody) : handle;
+  // Many shares let nobody give a file a list. Whatever the reason is, the list is looked at then.
+  return handle != NoFile() ? handle : TryToOpen(path, for_anybody);
 }
 
 // Whether the system may do later what it does not do while somebody has a file open.
