@@ -12,8 +12,8 @@
 #include "testing/temporary_directory.h"
 #include "testing/test.h"
 #include "testing/threads.h"
+#include "testing/windows/answered_openings.h"
 #include "testing/windows/other_process.h"
-#include "testing/windows/refused_openings.h"
 
 namespace {
 
@@ -72,16 +72,16 @@ TEST_F(LockOnWindows, EmptyFileThatAProcessLeftBehind_IsTakenForTheLock) {
 }
 
 /// The system is about to remove each lock file, which others keep it from.
-RefusedOpenings::Refusal GoingLocks(int error) {
-  return [error](const AskedOpening& opening) -> DWORD {
-    const bool is_lock = std::wstring(opening.name).find(L".kel_lock_") != std::wstring::npos;
+AnsweredOpenings::Answer GoingLocks(int error) {
+  return Refusing([error](const AskedOpening& asked) -> DWORD {
+    const bool is_lock = std::wstring(asked.name).find(L".kel_lock_") != std::wstring::npos;
     return is_lock ? static_cast<DWORD>(error) : ERROR_SUCCESS;
-  };
+  });
 }
 
 TEST_F(LockOnWindows, SaveWhileALockIsBeingRemoved_IsSaved) {
   for (const int error : {ERROR_ACCESS_DENIED, ERROR_DELETE_PENDING}) {
-    const RefusedOpenings locks(GoingLocks(error));
+    const AnsweredOpenings locks(GoingLocks(error));
     KelProjectDatabase database;
     database.CreateNewProjectDatabase("saved" + std::to_string(error));
     EXPECT_EQ(SaveError(database, path_), "");
@@ -91,13 +91,13 @@ TEST_F(LockOnWindows, SaveWhileALockIsBeingRemoved_IsSaved) {
 
 TEST_F(LockOnWindows, LockThatIsBeingRemovedForEver_IsRefusedAfterAWhile) {
   for (const int error : {ERROR_ACCESS_DENIED, ERROR_DELETE_PENDING}) {
-    const RefusedOpenings locks(GoingLocks(error));
+    const AnsweredOpenings locks(GoingLocks(error));
     EXPECT_NE(ErrorOf([&] { const ProjectFileLock lock(path_); }), "");
   }
 }
 
 TEST_F(LockOnWindows, LockThatIsDenied_IsRefusedForThatReasonWhateverTheWait) {
-  const RefusedOpenings locks(GoingLocks(ERROR_ACCESS_DENIED));
+  const AnsweredOpenings locks(GoingLocks(ERROR_ACCESS_DENIED));
   EXPECT_EQ(Refusal(), "Failed locking XML file " + path_ + ": " + TextOfErrno(EACCES) + "\n");
 }
 

@@ -21,8 +21,8 @@
 #include "testing/shipped_files.h"
 #include "testing/temporary_directory.h"
 #include "testing/test.h"
+#include "testing/windows/answered_openings.h"
 #include "testing/windows/known_renaming.h"
-#include "testing/windows/refused_openings.h"
 
 namespace {
 
@@ -138,36 +138,26 @@ TEST_F(ListWhileWritten, LetsNobodyReadWhoMayNotReadTheFormerFile) {
   EXPECT_NE(list, usual);
 }
 
-/// For as long as it lives, the system makes files without the lists that they are to have.
-class ForgottenLists {
- public:
-  ForgottenLists() { files::FunctionsOfSystem().create_file = Open; }
-  ~ForgottenLists() { files::FunctionsOfSystem() = files::SystemFunctions(); }
-  ForgottenLists(const ForgottenLists&) = delete;
-  ForgottenLists& operator=(const ForgottenLists&) = delete;
-
- private:
-  static HANDLE WINAPI Open(const wchar_t* name, DWORD access, DWORD sharing,
-                            SECURITY_ATTRIBUTES* /*security*/, DWORD disposition, DWORD flags,
-                            HANDLE model) {
-    return CreateFileW(name, access, sharing, nullptr, disposition, flags, model);
-  }
-};
+/// The system makes files without the lists that they are to have.
+HANDLE OpenWithoutList(AskedOpening asked) {
+  asked.opening.security = nullptr;
+  return asked.Open();
+}
 
 TEST_F(ListWhileWritten, WhereListsOfNewFilesAreForgotten_IsThatOfTheFormerFile) {
   GiveToItsOwnerAlone(path_);
-  const ForgottenLists forgotten;
+  const AnsweredOpenings forgotten(OpenWithoutList);
   EXPECT_EQ(SaveAndGetList(), AccessListOf(path_));
 }
 
 /// A share whose users may change files, but not the lists of who may do so.
-DWORD RefuseToChangeLists(const AskedOpening& opening) {
-  return (opening.access & WRITE_DAC) != 0 ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
+DWORD RefuseToChangeLists(const AskedOpening& asked) {
+  return (asked.opening.access & WRITE_DAC) != 0 ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
 }
 
 TEST_F(SaveOnWindows, ListsThatNobodyMayChange_FileWithThatOfItsDirectoryIsSaved) {
   const std::wstring list = AccessListOf(path_);
-  const RefusedOpenings share(RefuseToChangeLists);
+  const AnsweredOpenings share(Refusing(RefuseToChangeLists));
   EXPECT_EQ(Save(), "");
   EXPECT_TRUE(IsSaved());
   EXPECT_EQ(AccessListOf(path_), list);
@@ -175,7 +165,7 @@ TEST_F(SaveOnWindows, ListsThatNobodyMayChange_FileWithThatOfItsDirectoryIsSaved
 
 TEST_F(SaveOnWindows, ListsThatNobodyMayChange_FileWithAnotherIsLeftAsItWas) {
   GiveToItsOwnerAlone(path_);
-  const RefusedOpenings share(RefuseToChangeLists);
+  const AnsweredOpenings share(Refusing(RefuseToChangeLists));
   bool is_written = false;
   const FilteredCalls filter([&is_written](const files::SystemCall& call) {
     is_written = is_written || std::string(call.name) == "WriteFile";
@@ -187,7 +177,7 @@ TEST_F(SaveOnWindows, ListsThatNobodyMayChange_FileWithAnotherIsLeftAsItWas) {
 }
 
 TEST_F(SaveOnWindows, ListsThatNobodyMayChange_NewFileIsMade) {
-  const RefusedOpenings share(RefuseToChangeLists);
+  const AnsweredOpenings share(Refusing(RefuseToChangeLists));
   const std::string path = directory_ / "new.xml";
   EXPECT_EQ(SaveError(database_, path), "");
   EXPECT_TRUE(std::filesystem::exists(path));
@@ -306,31 +296,25 @@ class Hoarder {
                           nullptr)),
         times_(times) {
     if (file_ == INVALID_HANDLE_VALUE) throw std::runtime_error("cannot have a file alone");
-    hoarder_ = this;
-    files::FunctionsOfSystem().create_file = Open;
   }
   ~Hoarder() {
-    files::FunctionsOfSystem() = files::SystemFunctions();
     if (times_ > 0) CloseHandle(file_);
   }
   Hoarder(const Hoarder&) = delete;
   Hoarder& operator=(const Hoarder&) = delete;
 
  private:
-  static HANDLE WINAPI Open(const wchar_t* name, DWORD access, DWORD sharing,
-                            SECURITY_ATTRIBUTES* security, DWORD disposition, DWORD flags,
-                            HANDLE model) {
-    const HANDLE file = CreateFileW(name, access, sharing, security, disposition, flags, model);
+  HANDLE Open(const AskedOpening& asked) {
+    const HANDLE file = asked.Open();
     if (file != INVALID_HANDLE_VALUE || GetLastError() != ERROR_SHARING_VIOLATION) return file;
-    if (--hoarder_->times_ == 0) CloseHandle(hoarder_->file_);
+    if (--times_ == 0) CloseHandle(file_);
     SetLastError(ERROR_SHARING_VIOLATION);
     return INVALID_HANDLE_VALUE;
   }
 
-  static inline Hoarder* hoarder_ = nullptr;
-
   HANDLE file_;
   int times_;
+  const AnsweredOpenings openings_{[this](const AskedOpening& asked) { return Open(asked); }};
 };
 
 constexpr const char* kHoarded = "others have it open and do not share it";
@@ -392,18 +376,19 @@ TEST_F(SaveOnWindows, HiddenFile_StaysHidden) {
 }
 
 /// No file that is hidden, or the system's, can be made anew as one that is not, as Windows has it.
-DWORD RefuseToShowHiddenFiles(const AskedOpening& opening) {
+DWORD RefuseToShowHiddenFiles(const AskedOpening& asked) {
   constexpr DWORD kKept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
-  const DWORD attributes = GetFileAttributesW(opening.name);
+  const DWORD attributes = GetFileAttributesW(asked.name);
   const bool is_there = attributes != INVALID_FILE_ATTRIBUTES;
-  const bool is_overwritten =
-      opening.disposition == CREATE_ALWAYS || opening.disposition == TRUNCATE_EXISTING;
-  const bool is_shown = is_there && is_overwritten && (attributes & kKept & ~opening.flags) != 0;
+  const DWORD disposition = asked.opening.disposition;
+  const bool is_overwritten = disposition == CREATE_ALWAYS || disposition == TRUNCATE_EXISTING;
+  const DWORD missing = attributes & kKept & ~asked.opening.flags;
+  const bool is_shown = is_there && is_overwritten && missing != 0;
   return is_shown ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
 }
 
 TEST_F(SaveOnWindows, HiddenFile_IsExportedOverAndStaysHidden) {
-  const RefusedOpenings kept(RefuseToShowHiddenFiles);
+  const AnsweredOpenings kept(Refusing(RefuseToShowHiddenFiles));
   const std::wstring name = NativePath(path_).native();
   for (const int attribute : {FILE_ATTRIBUTE_HIDDEN, FILE_ATTRIBUTE_SYSTEM}) {
     WriteFile(path_, former_ + std::string(100000, ' '));

@@ -1,6 +1,6 @@
 #include "platform/file_permissions.h"
 
-#include "platform/windows/copied_access_list.h"
+#include "platform/windows/access_lists.h"
 #include "platform/windows/windows_system.h"
 
 namespace projectdb::files {

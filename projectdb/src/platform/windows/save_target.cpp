@@ -23,7 +23,7 @@ void RequireReplaceable(const FileStatus& status, const std::filesystem::path& p
 
 // What a link leads to is replaced, not the link.
 std::filesystem::path WithoutLinks(const std::filesystem::path& path) {
-  const HANDLE handle = TryToOpen(path, {0, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS});
+  const HANDLE handle = TryToOpen(path, kToAsk);
   if (handle == NoFile()) ThrowSystemFailure();
   return FinalPath(OpenFile(reinterpret_cast<OpenFile::Handle>(handle)), path);
 }

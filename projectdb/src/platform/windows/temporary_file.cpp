@@ -1,6 +1,5 @@
 #include "platform/temporary_file.h"
 
-#include <array>
 #include <cstddef>
 #include <cstring>
 #include <cwchar>
@@ -12,10 +11,8 @@
 
 #include "platform/paths.h"
 #include "platform/temporary_name.h"
-#include "platform/windows/copied_access_list.h"
+#include "platform/windows/access_lists.h"
 #include "platform/windows/windows_system.h"
-
-#include <sddl.h>  // After the system's own header, without which it does not compile.
 
 namespace projectdb::files {
 namespace {
@@ -24,59 +21,15 @@ constexpr DWORD kOwnAccess = GENERIC_READ | GENERIC_WRITE | DELETE;
 // Renaming writes through too, so that nothing is left to flush.
 constexpr DWORD kOwnFlags = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_WRITE_THROUGH;
 
-struct CloseToken {
-  using pointer = HANDLE;
-  void operator()(HANDLE token) const { CloseSystemHandle(token); }
-};
-
-// The user that this process runs as, in the form in which lists name users.
-std::wstring NameOfUser() {
-  HANDLE handle = nullptr;
-  RequireSuccess(CallSystem("OpenProcessToken", ::OpenProcessToken, GetCurrentProcess(),
-                            DWORD{TOKEN_QUERY}, &handle));
-  const std::unique_ptr<HANDLE, CloseToken> token(handle);
-  alignas(TOKEN_USER) std::array<std::byte, sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE> memory;
-  DWORD size = 0;
-  RequireSuccess(CallSystem("GetTokenInformation", ::GetTokenInformation, handle, TokenUser,
-                            LPVOID{memory.data()}, static_cast<DWORD>(memory.size()), &size));
-  wchar_t* text = nullptr;
-  RequireSuccess(CallSystem("ConvertSidToStringSid", ::ConvertSidToStringSidW,
-                            reinterpret_cast<TOKEN_USER*>(memory.data())->User.Sid, &text));
-  const std::unique_ptr<wchar_t, FreeLocal> name(text);
-  return text;
-}
-
-/// A list that lets nobody do anything but this user, whom another machine may know by another
-/// name: there he is the owner.
-class OnlyThisUser {
- public:
-  OnlyThisUser() {
-    constexpr wchar_t kOwner[] = L"S-1-3-4";
-    const std::wstring list =
-        L"D:P(A;;FA;;;" + NameOfUser() + L")(A;;FA;;;" + std::wstring(kOwner) + L")";
-    RequireSuccess(CallSystem("ConvertStringSecurityDescriptorToSecurityDescriptor",
-                              ::ConvertStringSecurityDescriptorToSecurityDescriptorW, list.c_str(),
-                              DWORD{SDDL_REVISION_1}, &attributes_.lpSecurityDescriptor,
-                              PULONG{nullptr}));
-  }
-  ~OnlyThisUser() { LocalFree(attributes_.lpSecurityDescriptor); }
-  OnlyThisUser(const OnlyThisUser&) = delete;
-  OnlyThisUser& operator=(const OnlyThisUser&) = delete;
-
-  PSECURITY_DESCRIPTOR list() { return attributes_.lpSecurityDescriptor; }
-  SECURITY_ATTRIBUTES* attributes() { return &attributes_; }
-
- private:
-  SECURITY_ATTRIBUTES attributes_ = {sizeof(SECURITY_ATTRIBUTES), nullptr, FALSE};
-};
-
-HANDLE TryToCreate(const std::filesystem::path& path, std::optional<OnlyThisUser>& user) {
+// For anybody if there is no list.
+HANDLE TryToCreate(const std::filesystem::path& path, const SecurityDescriptor& list) {
   const Opening for_anybody{kOwnAccess, CREATE_NEW, kOwnFlags};
-  if (!user) return TryToOpen(path, for_anybody);
-  Opening for_this_user = for_anybody;
-  for_this_user.access |= WRITE_DAC;
-  for_this_user.security = user->attributes();
-  const HANDLE handle = TryToOpen(path, for_this_user);
+  if (!list) return TryToOpen(path, for_anybody);
+  SECURITY_ATTRIBUTES security{sizeof(SECURITY_ATTRIBUTES), list.get(), FALSE};
+  Opening with_list = for_anybody;
+  with_list.access |= WRITE_DAC;
+  with_list.security = &security;
+  const HANDLE handle = TryToOpen(path, with_list);
   // Many shares let nobody give a file a list. Whatever the reason is, the list is looked at then.
   return handle != NoFile() ? handle : TryToOpen(path, for_anybody);
 }
@@ -102,9 +55,7 @@ BOOL RenameOpenFile(HANDLE file, const wchar_t* path, bool replaces) {
 
 // Older systems, and file systems of other kinds, do not know that way.
 bool IsUnknownWay(DWORD error) {
-  return error == ERROR_INVALID_PARAMETER || error == ERROR_INVALID_LEVEL ||
-         error == ERROR_NOT_SUPPORTED || error == ERROR_INVALID_FUNCTION ||
-         error == ERROR_CALL_NOT_IMPLEMENTED;
+  return error == ERROR_INVALID_PARAMETER || error == ERROR_INVALID_LEVEL || IsUnsupported(error);
 }
 
 // Denied while the former file is open to anybody.
@@ -162,14 +113,13 @@ TemporaryFile::TemporaryFile(const Directory& directory, const std::filesystem::
 }
 
 void TemporaryFile::Create(const std::filesystem::path* former) {
-  std::optional<OnlyThisUser> only_this_user;
-  if (former) only_this_user.emplace();
+  const SecurityDescriptor list = former ? ListOfThisUserAlone() : nullptr;
   name_ = UnforeseeableName();
-  const HANDLE handle = TryToCreate(path(), only_this_user);
+  const HANDLE handle = TryToCreate(path(), list);
   if (handle == NoFile()) ThrowSystemFailure();
   file_.emplace(reinterpret_cast<OpenFile::Handle>(handle));
   // What others may read must have the former file's list before anything is written.
-  if (former && !HasAccessList(*file_, only_this_user->list())) CopyAccessList(*former, *file_);
+  if (former && !HasAccessList(*file_, list)) CopyAccessList(*former, *file_);
 }
 
 TemporaryFile::~TemporaryFile() {

@@ -17,9 +17,6 @@ constexpr std::wstring_view kDevicePrefix = LR"(\\.\)";
 constexpr std::wstring_view kShare = LR"(\\)";
 constexpr std::wstring_view kSharePrefix = LR"(\\?\UNC\)";
 
-// How a file or a directory is opened to ask what it is.
-constexpr Opening kToAsk{0, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS};
-
 constexpr int kTries = 12;
 constexpr std::chrono::milliseconds kShortestDelay{1};
 constexpr std::chrono::milliseconds kLongestDelay{256};
@@ -96,6 +93,11 @@ bool IsMissing(DWORD error) {
   return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND ||
          error == ERROR_INVALID_NAME || error == ERROR_BAD_NETPATH || error == ERROR_BAD_NET_NAME ||
          error == ERROR_INVALID_DRIVE || error == ERROR_NOT_READY;
+}
+
+bool IsUnsupported(DWORD error) {
+  return error == ERROR_NOT_SUPPORTED || error == ERROR_INVALID_FUNCTION ||
+         error == ERROR_CALL_NOT_IMPLEMENTED;
 }
 
 bool IsInUse(DWORD error) {

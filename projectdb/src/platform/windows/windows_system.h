@@ -46,6 +46,9 @@ inline SystemFunctions& FunctionsOfSystem() {
   return functions;
 }
 
+/// Whether an error says that the system, or the file system, does not know what is asked for.
+bool IsUnsupported(DWORD error);
+
 /// Whether an error says that others have a file open and do not share it.
 bool IsInUse(DWORD error);
 
@@ -123,6 +126,9 @@ struct Opening {
   DWORD sharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
   SECURITY_ATTRIBUTES* security = nullptr;
 };
+
+/// How a file or a directory is opened to ask what it is.
+inline constexpr Opening kToAsk{0, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS};
 
 /// @return NoFile() if it cannot be opened; the last error is then why
 HANDLE TryToOpen(const std::filesystem::path& path, const Opening& opening);
