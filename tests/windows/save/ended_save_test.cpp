@@ -2,7 +2,6 @@
 #include <filesystem>
 #include <iterator>
 #include <map>
-#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -14,8 +13,8 @@
 #include "testing/saves.h"
 #include "testing/temporary_directory.h"
 #include "testing/test.h"
-#include "testing/windows/known_renaming.h"
 #include "testing/windows/other_process.h"
+#include "testing/windows/system_renaming.h"
 #include "tests/save/file_changes.h"
 
 namespace {
@@ -46,8 +45,7 @@ TEST_F(PartThatIsEnded, DISABLED_ChangesAFile) {
   const std::size_t blank = choice.find(' ');
   const EndedChange& ended = kEndedChanges[std::stoul(choice)];
   const std::size_t number = std::stoul(choice.substr(blank));
-  std::optional<KnownRenaming> renaming;
-  if (ended.knows_renaming) renaming.emplace();
+  const SystemRenaming renaming(ended.knows_renaming);
   std::size_t count = 0;
   const FilteredCalls filter([&](const files::SystemCall&) {
     if (count++ == number) TerminateProcess(GetCurrentProcess(), kEndedStatus);

@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <ostream>
 #include <set>
 #include <stdexcept>
@@ -20,7 +19,7 @@
 #include "testing/saves.h"
 #include "testing/temporary_directory.h"
 #include "testing/test.h"
-#include "testing/windows/known_renaming.h"
+#include "testing/windows/system_renaming.h"
 #include "testing/xml_platform.h"
 #include "tests/save/file_changes.h"
 
@@ -38,11 +37,8 @@ constexpr const char* kAbandonedName = ".kel_save_0123456789abcdef0123456789abcd
 /// of open files and where it does not.
 class ChangeOnWindows : public testing::TestWithParam<std::tuple<FileChange, bool>> {
  protected:
-  ChangeOnWindows() {
-    if (std::get<bool>(GetParam())) renaming_.emplace();
-  }
-
-  const FileChange& change() const { return std::get<FileChange>(GetParam()); }
+  static const FileChange& change() { return std::get<FileChange>(GetParam()); }
+  static bool is_renaming_known() { return std::get<bool>(GetParam()); }
 
   void Prepare() {
     std::filesystem::remove(path_);
@@ -96,7 +92,7 @@ class ChangeOnWindows : public testing::TestWithParam<std::tuple<FileChange, boo
   const std::string path_ = directory_ / "p.xml";
   const std::string former_ = FormatProjectFile(ProjectOfName("former"));
   ProjectFileVersion version_;
-  std::optional<KnownRenaming> renaming_;
+  const SystemRenaming renaming_{is_renaming_known()};
 };
 
 INSTANTIATE_TEST_SUITE_P(Changes, ChangeOnWindows,
@@ -116,7 +112,7 @@ TEST_P(ChangeOnWindows, CallThatFails_LeavesTheFormerFileOrTheNextAndATellingErr
   if (change().has_former) {
     EXPECT_THAT(calls, testing::IsSupersetOf({"GetNamedSecurityInfo", "SetKernelObjectSecurity"}));
   }
-  const std::string naming_name = renaming_ ? "RenameOpenFile" : "MoveFileEx";
+  const std::string naming_name = is_renaming_known() ? "RenameOpenFile" : "MoveFileEx";
   const auto naming = std::find(calls.begin(), calls.end(), naming_name);
   ASSERT_NE(naming, calls.end());
   int errors = 0;

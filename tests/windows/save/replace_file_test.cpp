@@ -22,7 +22,7 @@
 #include "testing/temporary_directory.h"
 #include "testing/test.h"
 #include "testing/windows/answered_openings.h"
-#include "testing/windows/known_renaming.h"
+#include "testing/windows/system_renaming.h"
 
 namespace {
 
@@ -222,7 +222,7 @@ class RenamingSave : public SaveOnWindows {
     return calls;
   }
 
-  const KnownRenaming renaming_;
+  const SystemRenaming renaming_{true};
 };
 
 TEST_F(RenamingSave, FormerFile_IsReplacedByTheRenamingAlone) {

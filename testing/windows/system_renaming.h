@@ -12,16 +12,17 @@
 
 namespace test_support {
 
-/// For as long as it lives, the system knows the renaming of open files that came with Windows 10:
-/// the former way of renaming answers, if the new one is asked for as the system wants it.
-class KnownRenaming {
+/// For as long as it lives, the system knows the renaming of open files that came with Windows 10,
+/// or does not, whichever system it is. Where it does, the former way of renaming answers, if the
+/// new one is asked for as the system wants it.
+class SystemRenaming {
  public:
-  KnownRenaming() {
-    projectdb::files::FunctionsOfSystem().set_file_information = SetFileInformation;
+  explicit SystemRenaming(bool is_known) {
+    projectdb::files::FunctionsOfSystem().set_file_information = is_known ? Rename : Refuse;
   }
-  ~KnownRenaming() { projectdb::files::FunctionsOfSystem() = projectdb::files::SystemFunctions(); }
-  KnownRenaming(const KnownRenaming&) = delete;
-  KnownRenaming& operator=(const KnownRenaming&) = delete;
+  ~SystemRenaming() { projectdb::files::FunctionsOfSystem() = projectdb::files::SystemFunctions(); }
+  SystemRenaming(const SystemRenaming&) = delete;
+  SystemRenaming& operator=(const SystemRenaming&) = delete;
 
  private:
   static constexpr int kRenameInfo = 3;
@@ -29,8 +30,15 @@ class KnownRenaming {
   static constexpr DWORD kReplaceIfExists = 1;
   static constexpr DWORD kPosixSemantics = 2;
 
-  static BOOL WINAPI SetFileInformation(HANDLE file, FILE_INFO_BY_HANDLE_CLASS kind, void* data,
-                                        DWORD size) {
+  static BOOL WINAPI Refuse(HANDLE file, FILE_INFO_BY_HANDLE_CLASS kind, void* data, DWORD size) {
+    if (static_cast<int>(kind) != kRenameInfoEx) {
+      return SetFileInformationByHandle(file, kind, data, size);
+    }
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return FALSE;
+  }
+
+  static BOOL WINAPI Rename(HANDLE file, FILE_INFO_BY_HANDLE_CLASS kind, void* data, DWORD size) {
     if (static_cast<int>(kind) != kRenameInfoEx) {
       return SetFileInformationByHandle(file, kind, data, size);
     }
