@@ -170,6 +170,11 @@ TEST_F(Merge, EmptyBase_IsAProjectWithNothing) {
   EXPECT_EQ(Differences("ours.xml", "out.xml"), "+ constraint.sdc[0]: pins.sdc\n");
 }
 
+TEST_F(Merge, NoFileAsBase_IsAProjectWithNothing) {
+  EXPECT_EQ(Run({"merge", "/dev/null", "ours.xml", "theirs.xml", "-o", "out.xml"}), Done());
+  EXPECT_EQ(Differences("ours.xml", "out.xml"), "");
+}
+
 /// Gives each file its own stamps.
 class MergeOfStamps : public Merge {
  protected:

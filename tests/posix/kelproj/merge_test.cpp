@@ -16,9 +16,4 @@ TEST_F(Merge, OutputThatCannotBeWritten_IsTrouble) {
             Failed("the directory " + Directory() + " may not be written"));
 }
 
-TEST_F(Merge, NullDeviceAsBase_IsAProjectWithNothing) {
-  EXPECT_EQ(Run({"merge", "/dev/null", "ours.xml", "theirs.xml", "-o", "out.xml"}), Done());
-  EXPECT_EQ(Differences("ours.xml", "out.xml"), "");
-}
-
 }  // namespace

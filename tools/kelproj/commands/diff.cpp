@@ -8,6 +8,7 @@
 #include "commands/asking.h"
 #include "json.h"
 #include "places.h"
+#include "platform/file_names.h"
 #include "stored_project.h"
 
 namespace kelproj {
@@ -28,11 +29,8 @@ struct Comparison {
   std::vector<ProjectDifference> differences;
 };
 
-// What git gives in place of a file that is not there.
-constexpr char kNoFile[] = "/dev/null";
-
 ProjectContents Contents(const std::string& file, const Console& console) {
-  if (file == kNoFile) return {};
+  if (IsNoFile(file)) return {};
   return ReadProject(file, console);
 }
 
@@ -42,8 +40,8 @@ Comparison Compare(const Side& before, const Side& after, const Console& console
       projectdb::CompareProjects(Contents(before.file, console), Contents(after.file, console))};
   // Without a file there are no empty values either.
   for (ProjectDifference& difference : comparison.differences) {
-    if (before.file == kNoFile) difference.before.reset();
-    if (after.file == kNoFile) difference.after.reset();
+    if (IsNoFile(before.file)) difference.before.reset();
+    if (IsNoFile(after.file)) difference.after.reset();
   }
   return comparison;
 }
@@ -104,7 +102,7 @@ std::optional<GitCall> CallOfGit(const std::vector<std::string>& operands) {
 }
 
 Side SideOf(const std::string& path, const std::string& file) {
-  return {file == kNoFile ? kNoFile : path, file};
+  return {IsNoFile(file) ? "/dev/null" : path, file};
 }
 
 void CompareForGit(const GitCall& call, const Console& console, bool json) {

@@ -57,6 +57,7 @@ std::string NothingIsMerged(const MergeArguments& arguments) {
 // What loads of the base is enough. A part that does not load counts as one that the base lacks, so
 // that no side has removed it.
 ProjectContents BaseOf(const Input& input, const std::string& consequence, const Console& console) {
+  if (IsNoFile(input.file)) return {};
   const std::string bytes = ReadFile(input.file, input.name);
   if (bytes.empty()) return {};
   ProjectFile read = projectdb::ParseProjectFile(bytes, "");

@@ -12,6 +12,10 @@ std::filesystem::path PathFrom(const std::string& name);
 /// Whether the name is the same file from every directory.
 bool IsAbsolute(const std::string& name);
 
+/// Whether the name is what git gives in place of a file that is not there: the device with nothing
+/// in it.
+bool IsNoFile(const std::string& name);
+
 /// The name of a path, its parts parted by slashes.
 std::string NameFrom(const std::filesystem::path& path);
 

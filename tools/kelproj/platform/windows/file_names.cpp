@@ -1,5 +1,7 @@
 #include "platform/file_names.h"
 
+#include <cstring>
+
 #include "platform/windows/shares.h"
 #include "platform/windows/texts.h"
 
@@ -17,6 +19,11 @@ std::filesystem::path PathFrom(const std::string& name) {
 bool IsAbsolute(const std::string& name) {
   const std::filesystem::path path = PathFrom(name);
   return IsOnShare(path) || path.is_absolute();
+}
+
+// The shell of git for Windows passes its own name of the device on as that of the system.
+bool IsNoFile(const std::string& name) {
+  return name == "/dev/null" || _stricmp(name.c_str(), "nul") == 0;
 }
 
 // Stored so, a name is the same file on every system.
