@@ -57,6 +57,16 @@ TEST_F(LockOnWindows, LockedFile_IsReplacedByItsHolderAndStaysLocked) {
   EXPECT_NE(Refusal(), "");
 }
 
+TEST_F(LockOnWindows, NameOf245Characters_IsTheLongestThatIsLocked) {
+  for (const std::size_t size : {245U, 246U}) {
+    const std::string path = directory_ / (std::string(size - 4, 'n') + ".xml");
+    std::filesystem::copy_file(NativePath(path_), NativePath(path));
+    const std::string refusal =
+        "Failed locking XML file " + path + ": " + TextOfErrno(ENAMETOOLONG) + "\n";
+    EXPECT_EQ(ErrorOf([&] { const ProjectFileLock lock(path); }), size > 245 ? refusal : "");
+  }
+}
+
 TEST_F(LockOnWindows, FileOfTheLocksNameThatIsNoLock_IsRefusedAndStays) {
   const std::string other = directory_ / ".kel_lock_p.xml";
   WriteFile(other, "precious");

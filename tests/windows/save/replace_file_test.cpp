@@ -183,6 +183,12 @@ TEST_F(SaveOnWindows, ListsThatNobodyMayChange_NewFileIsMade) {
   EXPECT_TRUE(std::filesystem::exists(path));
 }
 
+TEST_F(SaveOnWindows, NameThatTheSystemForbids_IsCalledSo) {
+  const std::string path = directory_ / "a?b.xml";
+  EXPECT_EQ(SaveError(database_, path), WritingError(path, "no file can have that name"));
+  EXPECT_THAT(NamesIn(directory_.path()), ElementsAre("p.xml"));
+}
+
 TEST_F(SaveOnWindows, DirectoryWhoseNameEndsInADot_IsNotTakenForTheOneWithout) {
   const std::string parent =
       R"(\\?\)" + std::filesystem::absolute(directory_.path()).make_preferred().string();

@@ -1,6 +1,7 @@
 #include "platform/locking.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <filesystem>
 #include <thread>
 
@@ -15,6 +16,8 @@ constexpr std::chrono::milliseconds kShortestPause{1};
 constexpr std::chrono::milliseconds kLongestPause{50};
 // A second of pauses: a lock that was given back is gone by then.
 constexpr int kMostDenials = 24;
+
+constexpr std::size_t kLongestName = 255;
 
 // The system lets nobody replace a file that is open to somebody else, as a locked one would be.
 // Beside it is another, which is there for as long as somebody has the lock.
@@ -64,6 +67,9 @@ HANDLE TryToLock(const std::filesystem::path& lock_path) {
 std::unique_ptr<OpenFile> LockFile(const std::string& path,
                                    std::optional<LockClock::time_point> end) {
   const std::filesystem::path lock_path = LockPath(path, end);
+  if (lock_path.filename().native().size() > kLongestName) {
+    ThrowSystemFailure(std::errc::filename_too_long);
+  }
   RequireNothingElse(lock_path);
   std::chrono::milliseconds pause = kShortestPause;
   int denials = 0;

@@ -72,6 +72,8 @@ std::wstring FullName(const std::wstring& name) {
 void ThrowSystemFailure(DWORD error) {
   if (error == ERROR_FILENAME_EXCED_RANGE) ThrowSystemFailure(std::errc::filename_too_long);
   if (error == ERROR_CANT_RESOLVE_FILENAME) ThrowTooManyLinks();
+  // In the standard's words it would be a missing file, which nobody could make.
+  if (error == ERROR_INVALID_NAME) throw Failure("no file can have that name");
   // In the standard's words it would be a denied permission, which nobody could give.
   if (IsInUse(error)) throw Failure("others have it open and do not share it");
   const int number = static_cast<int>(error);
