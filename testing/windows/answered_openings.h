@@ -29,9 +29,7 @@ class AnsweredOpenings {
     answer_ = std::move(answer);
     projectdb::files::FunctionsOfSystem().create_file = Open;
   }
-  ~AnsweredOpenings() {
-    projectdb::files::FunctionsOfSystem() = projectdb::files::SystemFunctions();
-  }
+  ~AnsweredOpenings() { projectdb::files::FunctionsOfSystem().create_file = CreateFileW; }
   AnsweredOpenings(const AnsweredOpenings&) = delete;
   AnsweredOpenings& operator=(const AnsweredOpenings&) = delete;
 

@@ -20,7 +20,9 @@ class SystemRenaming {
   explicit SystemRenaming(bool is_known) {
     projectdb::files::FunctionsOfSystem().set_file_information = is_known ? Rename : Refuse;
   }
-  ~SystemRenaming() { projectdb::files::FunctionsOfSystem() = projectdb::files::SystemFunctions(); }
+  ~SystemRenaming() {
+    projectdb::files::FunctionsOfSystem().set_file_information = SetFileInformationByHandle;
+  }
   SystemRenaming(const SystemRenaming&) = delete;
   SystemRenaming& operator=(const SystemRenaming&) = delete;
 
@@ -30,26 +32,21 @@ class SystemRenaming {
   static constexpr DWORD kReplaceIfExists = 1;
   static constexpr DWORD kPosixSemantics = 2;
 
-  static BOOL WINAPI Refuse(HANDLE file, FILE_INFO_BY_HANDLE_CLASS kind, void* data, DWORD size) {
-    if (static_cast<int>(kind) != kRenameInfoEx) {
-      return SetFileInformationByHandle(file, kind, data, size);
-    }
+  static BOOL WINAPI Refuse(HANDLE, FILE_INFO_BY_HANDLE_CLASS, void*, DWORD) {
     SetLastError(ERROR_INVALID_PARAMETER);
     return FALSE;
   }
 
   static BOOL WINAPI Rename(HANDLE file, FILE_INFO_BY_HANDLE_CLASS kind, void* data, DWORD size) {
-    if (static_cast<int>(kind) != kRenameInfoEx) {
-      return SetFileInformationByHandle(file, kind, data, size);
-    }
     // The system takes so many bytes for the name, and what stands in for it goes to a zero.
     std::vector<std::byte> former(size + sizeof(wchar_t));
     std::memcpy(former.data(), data, size);
     auto& information = *reinterpret_cast<FILE_RENAME_INFO*>(former.data());
     const std::size_t name_begin = offsetof(FILE_RENAME_INFO, FileName);
     const DWORD flags = information.Flags;
-    if ((flags & ~kReplaceIfExists) != kPosixSemantics || information.RootDirectory != nullptr ||
-        information.FileNameLength == 0 || name_begin + information.FileNameLength > size) {
+    if (static_cast<int>(kind) != kRenameInfoEx || (flags & ~kReplaceIfExists) != kPosixSemantics ||
+        information.RootDirectory != nullptr || information.FileNameLength == 0 ||
+        name_begin + information.FileNameLength > size) {
       SetLastError(ERROR_BAD_LENGTH);
       return FALSE;
     }

@@ -86,7 +86,9 @@ class SaveThroughDanglingLink : public testing::Test {
     WriteFile(link_, "the link");
     database_.CreateNewProjectDatabase("next");
   }
-  ~SaveThroughDanglingLink() override { files::FunctionsOfSystem() = files::SystemFunctions(); }
+  ~SaveThroughDanglingLink() override {
+    files::FunctionsOfSystem().control_device = DeviceIoControl;
+  }
 
   std::string Save() const {
     const FilteredCalls filter(FailCall("CreateFile", 1, ERROR_FILE_NOT_FOUND));

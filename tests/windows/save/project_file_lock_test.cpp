@@ -57,14 +57,39 @@ TEST_F(LockOnWindows, LockedFile_IsReplacedByItsHolderAndStaysLocked) {
   EXPECT_NE(Refusal(), "");
 }
 
-TEST_F(LockOnWindows, NameOf245Characters_IsTheLongestThatIsLocked) {
-  for (const std::size_t size : {245U, 246U}) {
-    const std::string path = directory_ / (std::string(size - 4, 'n') + ".xml");
-    std::filesystem::copy_file(NativePath(path_), NativePath(path));
-    const std::string refusal =
-        "Failed locking XML file " + path + ": " + TextOfErrno(ENAMETOOLONG) + "\n";
-    EXPECT_EQ(ErrorOf([&] { const ProjectFileLock lock(path); }), size > 245 ? refusal : "");
+/// A project in a file whose name is so long.
+class LongName : public testing::Test {
+ protected:
+  explicit LongName(std::size_t size) : path_(directory_ / (std::string(size - 4, 'n') + ".xml")) {
+    database_.CreateNewProjectDatabase("soc");
+    EXPECT_EQ(SaveError(database_, path_), "");
   }
+  ~LongName() override { DeleteFileW(files::SystemName(NativePath(path_)).c_str()); }
+
+  const TemporaryDirectory directory_;
+  const std::string path_;
+  KelProjectDatabase database_;
+};
+
+struct NameOf245Characters : LongName {
+  NameOf245Characters() : LongName(245) {}
+};
+
+TEST_F(NameOf245Characters, CanBeLocked) {
+  EXPECT_EQ(ErrorOf([&] { const ProjectFileLock lock(path_); }), "");
+}
+
+struct NameOf246Characters : LongName {
+  NameOf246Characters() : LongName(246) {}
+};
+
+TEST_F(NameOf246Characters, IsTooLongForALock) {
+  EXPECT_EQ(ErrorOf([&] { const ProjectFileLock lock(path_); }),
+            "Failed locking XML file " + path_ + ": " + TextOfErrno(ENAMETOOLONG) + "\n");
+}
+
+TEST_F(NameOf246Characters, IsSavedAgainWithoutALock) {
+  EXPECT_EQ(SaveError(database_, path_), "");
 }
 
 TEST_F(LockOnWindows, FileOfTheLocksNameThatIsNoLock_IsRefusedAndStays) {

@@ -283,6 +283,7 @@ TEST_F(SaveOnWindows, FileIsOpenToOthersForAMoment_IsSaved) {
 }
 
 TEST_F(SaveOnWindows, FileIsOpenToOthersWhoDoNotLetItGo_IsLeftAsItWas) {
+  const SystemRenaming renaming(false);
   const std::wstring name = NativePath(path_).native();
   const HANDLE open =
       CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
@@ -326,31 +327,31 @@ class Hoarder {
 constexpr const char* kHoarded = "others have it open and do not share it";
 
 TEST_F(SaveOnWindows, FileThatOthersHaveAloneForAMoment_IsUpdated) {
-  const Hoarder hoarder(path_, 3);
+  Hoarder hoarder(path_, 3);
   EXPECT_TRUE(
       UpdateProjectFile(path_, [](ProjectContents& contents) { contents.project_name = "next"; }));
   EXPECT_TRUE(IsSaved());
 }
 
 TEST_F(SaveOnWindows, FileThatOthersHaveAloneForAMoment_IsRead) {
-  const Hoarder hoarder(path_, 3);
+  Hoarder hoarder(path_, 3);
   EXPECT_THAT(ReadProjectFile(path_, "").problems, IsEmpty());
 }
 
 TEST_F(SaveOnWindows, FileThatOthersHaveAloneForAMoment_IsLoaded) {
-  const Hoarder hoarder(path_, 3);
+  Hoarder hoarder(path_, 3);
   KelProjectDatabase loaded;
   EXPECT_TRUE(loaded.LoadProjectData(path_, ""));
 }
 
 TEST_F(SaveOnWindows, FileThatOthersHaveAloneForAMoment_IsExported) {
-  const Hoarder hoarder(path_, 3);
+  Hoarder hoarder(path_, 3);
   database_.ExportProjectData(path_);
   EXPECT_TRUE(IsSaved());
 }
 
 TEST_F(SaveOnWindows, FileThatOthersHaveAlone_IsRefusedForThatReason) {
-  const Hoarder hoarder(path_, 1000);
+  Hoarder hoarder(path_, 1000);
   EXPECT_EQ(ErrorOf([&] { const ProjectFileLock lock(path_); }),
             "Failed locking XML file " + path_ + ": " + kHoarded + "\n");
   const std::vector<FileProblem> problems = ReadProjectFile(path_, "").problems;
@@ -360,7 +361,7 @@ TEST_F(SaveOnWindows, FileThatOthersHaveAlone_IsRefusedForThatReason) {
 
 TEST_F(SaveOnWindows, SaveOverAFileThatOthersHaveAlone_IsRefusedForThatReason) {
   {
-    const Hoarder hoarder(path_, 1000);
+    Hoarder hoarder(path_, 1000);
     EXPECT_EQ(Save(), WritingError(path_, kHoarded));
   }
   ExpectUntouched();

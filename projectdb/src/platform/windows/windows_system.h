@@ -21,7 +21,7 @@
 namespace projectdb::files {
 
 /// @exception Failure with the system's reason, that of the last failed call by default, in the
-///            words that other systems have for it
+///            words that other systems have for it, or its own where those would mislead
 [[noreturn]] void ThrowSystemFailure(DWORD error = GetLastError());
 
 [[noreturn]] void ThrowSystemFailure(std::errc error);
