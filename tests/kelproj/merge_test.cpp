@@ -171,8 +171,9 @@ TEST_F(Merge, EmptyBase_IsAProjectWithNothing) {
 }
 
 TEST_F(Merge, NoFileAsBase_IsAProjectWithNothing) {
-  EXPECT_EQ(Run({"merge", "/dev/null", "ours.xml", "theirs.xml", "-o", "out.xml"}), Done());
-  EXPECT_EQ(Differences("ours.xml", "out.xml"), "");
+  Change({"set", "theirs.xml", "device.device", "Q8R60"});
+  EXPECT_EQ(Run({"merge", "/dev/null", "ours.xml", "theirs.xml", "-o", "out.xml"}),
+            (Outcome{1, "", Conflict("out.xml", "device.device: \"\" / Q8R25 / Q8R60\n")}));
 }
 
 /// Gives each file its own stamps.

@@ -21,8 +21,9 @@ TEST_P(NullDevice, GivenByGit_IsShownAsOnEverySystem) {
 }
 
 TEST_P(NullDevice, IsNoFileAsBaseOfAMerge) {
-  EXPECT_EQ(Run({"merge", GetParam(), "ours.xml", "theirs.xml", "-o", "out.xml"}), Done());
-  EXPECT_EQ(Differences("ours.xml", "out.xml"), "");
+  Change({"set", "theirs.xml", "device.device", "Q8R60"});
+  EXPECT_EQ(Run({"merge", GetParam(), "ours.xml", "theirs.xml", "-o", "out.xml"}),
+            (Outcome{1, "", Conflict("out.xml", "device.device: \"\" / Q8R25 / Q8R60\n")}));
 }
 
 INSTANTIATE_TEST_SUITE_P(Names, NullDevice, testing::Values("nul", "NUL"));

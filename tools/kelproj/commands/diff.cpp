@@ -102,7 +102,7 @@ std::optional<GitCall> CallOfGit(const std::vector<std::string>& operands) {
 }
 
 Side SideOf(const std::string& path, const std::string& file) {
-  return {IsNoFile(file) ? "/dev/null" : path, file};
+  return {IsNoFile(file) ? kNoFile : path, file};
 }
 
 void CompareForGit(const GitCall& call, const Console& console, bool json) {

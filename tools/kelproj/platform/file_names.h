@@ -12,8 +12,10 @@ std::filesystem::path PathFrom(const std::string& name);
 /// Whether the name is the same file from every directory.
 bool IsAbsolute(const std::string& name);
 
-/// Whether the name is what git gives in place of a file that is not there: the device with nothing
-/// in it.
+/// What git gives in place of a file that is not there: the device with nothing in it.
+inline constexpr char kNoFile[] = "/dev/null";
+
+/// Whether the name is kNoFile, or what the system calls that device.
 bool IsNoFile(const std::string& name);
 
 /// The name of a path, its parts parted by slashes.

@@ -6,7 +6,7 @@ std::filesystem::path PathFrom(const std::string& name) { return name; }
 
 bool IsAbsolute(const std::string& name) { return PathFrom(name).is_absolute(); }
 
-bool IsNoFile(const std::string& name) { return name == "/dev/null"; }
+bool IsNoFile(const std::string& name) { return name == kNoFile; }
 
 std::string NameFrom(const std::filesystem::path& path) { return path.string(); }
 

@@ -21,9 +21,9 @@ bool IsAbsolute(const std::string& name) {
   return IsOnShare(path) || path.is_absolute();
 }
 
-// The shell of git for Windows passes its own name of the device on as that of the system.
+// The shell of git for Windows passes the name that git gives on as that of the system.
 bool IsNoFile(const std::string& name) {
-  return name == "/dev/null" || _stricmp(name.c_str(), "nul") == 0;
+  return name == kNoFile || _stricmp(name.c_str(), "nul") == 0;
 }
 
 // Stored so, a name is the same file on every system.
