@@ -130,10 +130,13 @@ const std::string kEnvironment =
     "export HOME=$PWD GIT_CONFIG_NOSYSTEM=1 GIT_AUTHOR_NAME=Zoe GIT_AUTHOR_EMAIL=zoe@kel.example "
     "GIT_COMMITTER_NAME=Zoe GIT_COMMITTER_EMAIL=zoe@kel.example";
 
+/// Who types one command after the other stands where the next one is meant.
+const std::string kStaysThere = "[ \"$PWD\" = \"$HOME\" ] || echo 'It leaves the directory.'";
+
 /// All that a command prints, in order.
 std::string OutputOf(const std::string& command, const std::filesystem::path& directory) {
-  const std::string script =
-      "cd '" + directory.string() + "' && " + kEnvironment + " && { " + command + "\n} 2>&1";
+  const std::string script = "cd '" + directory.string() + "' && " + kEnvironment + " && { " +
+                             command + "\n} 2>&1\n" + kStaysThere;
   const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(script.c_str(), "r"), pclose);
   std::string output;
   for (int byte = 0; pipe && (byte = std::fgetc(pipe.get())) != EOF;) {
