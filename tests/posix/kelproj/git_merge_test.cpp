@@ -279,6 +279,14 @@ TEST_F(GitProject, WhatIsCommitted_IsCanonicalAndWithoutStamps) {
             RunGit({"show", "HEAD:blinker.xml"}).out);
 }
 
+TEST_F(GitProject, FileWithErrors_IsCommittedAsItIsAfterAMessage) {
+  Write("blinker.xml", "<broken");
+  const Outcome added = RunGit({"add", "blinker.xml"});
+  EXPECT_EQ(added.status, 0);
+  EXPECT_THAT(added.err, HasSubstr("blinker.xml has errors"));
+  EXPECT_EQ(RunGit({"show", ":blinker.xml"}), Printed("<broken"));
+}
+
 /// Saves of the same content in other bytes.
 class GitSave : public GitProject {
  protected:

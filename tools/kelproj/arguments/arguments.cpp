@@ -32,7 +32,7 @@ has is also meant by its name as it is stored, unless the project has the file
 of that name from where you stand.
 
 A change is saved so that the project file is the former one or the new one,
-whole, at every moment. A file that does not load whole is never written. The
+whole, at every moment. A file with errors is written with --force alone. The
 file is written anew from the project alone: comments, a security section and
 what "kelproj check" warns of are not kept.
 

@@ -22,7 +22,8 @@ Example:
 
 constexpr char kCheckHelp[] =
     R"(Each problem takes one line, FILE:LINE:COLUMN: SEVERITY: MESSAGE, without the
-line and column where they are not known. A file with an error does not load.
+line and column where they are not known. A file with an error breaks the
+format: it may not load whole, and is not changed without --force.
 The status is 1 if there is an error, with --strict also if there is a warning.
 Of a file without errors the contents are looked at too; each warning of them
 names its place by a dotted key:

@@ -34,7 +34,8 @@ no content leaves nothing to commit.
 The files are written into .gitattributes at the top of the working tree, to be
 committed; the drivers, by the place where this program lies, are written into
 the configuration of the repository, which each clone has its own of, or with
---global into that of the user. Without the drivers git takes the files as text.
+--global into that of the user. Without the drivers git takes the files as text,
+and with them a file that has errors is committed as it is, after a message.
 A FILE that is not there and has one of *?[ in it is a pattern as .gitattributes
 knows them, from where you stand: '**/soc_*.xml'. It may fit no file yet, with a
 warning. Done twice it changes nothing; do it again when this program has moved.
