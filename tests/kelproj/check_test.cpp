@@ -45,6 +45,14 @@ TEST_F(Check, Problem_IsToldWithItsPlaceAndTheAnswerIsNoForAnError) {
   }
 }
 
+TEST_F(Check, ControlCharactersInAProblem_DoNotReachATerminal) {
+  Write("mixer.xml", R"(<?xml version="1.1"?>
+<project><debugger><param name="cable" value="usb" value_type="&#x1b;[31m&#x9b;"/></debugger></project>)");
+  const std::string shown = Run({"check", "mixer.xml"}).out;
+  EXPECT_THAT(shown, HasSubstr("\"\\x1b[31m\\x9b\" is not a type"));
+  EXPECT_THAT(shown, Not(HasSubstr("\x1b")));
+}
+
 TEST_F(Check, Schema_TakesThePlaceOfTheInstalledOne) {
   Write("mixer.xml", UnknownType());
   Write("any.xsd", kAnySchema);

@@ -92,6 +92,12 @@ TEST_F(Diff, BrokenOrMissingFile_IsTroubleWhicheverItIs) {
   }
 }
 
+TEST_F(Diff, ControlCharacters_DoNotReachATerminal) {
+  Write("b.xml", R"(<?xml version="1.1"?>
+<p name="a&#x1b;[31m b&#x9b;31m"/>)");
+  EXPECT_THAT(Compare().out, HasSubstr("+ name: a\\x1b[31m b\\x9b31m\n"));
+}
+
 TEST_F(Diff, NoFile_IsAProjectWithNothing) {
   const Outcome outcome = Run({"diff", "/dev/null", "a.xml"});
   EXPECT_EQ(outcome.status, 1);

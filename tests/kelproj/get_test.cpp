@@ -30,6 +30,11 @@ TEST_F(Get, Sample_PrintsTheValueOrAnswersNo) {
   }
 }
 
+TEST_F(Get, ControlCharactersInAMessage_DoNotReachATerminal) {
+  EXPECT_EQ(Run({"get", "\x1b[31m\xC2\x9B.xml", "name"}),
+            Failed("\\x1b[31m\\x9b.xml does not exist"));
+}
+
 TEST_F(Get, EmptyPropertyAndMapThatIsNotThere_PrintAnEmptyLineAndAnswerNo) {
   MakeProject();
   EXPECT_EQ(Run({"get", "blinker.xml", "device.timing_model"}), Printed("\n"));

@@ -57,39 +57,41 @@ TEST_F(LockOnWindows, LockedFile_IsReplacedByItsHolderAndStaysLocked) {
   EXPECT_NE(Refusal(), "");
 }
 
-/// A project in a file whose name is so long.
-class LongName : public testing::Test {
- protected:
+/// A project in a file whose name has so many characters.
+class LongName {
+ public:
   explicit LongName(std::size_t size) : path_(directory_ / (std::string(size - 4, 'n') + ".xml")) {
     database_.CreateNewProjectDatabase("soc");
-    EXPECT_EQ(SaveError(database_, path_), "");
+    EXPECT_EQ(Save(), "");
   }
-  ~LongName() override { DeleteFileW(files::SystemName(NativePath(path_)).c_str()); }
+  ~LongName() { DeleteFileW(files::SystemName(NativePath(path_)).c_str()); }
+  LongName(const LongName&) = delete;
+  LongName& operator=(const LongName&) = delete;
 
+  std::string Save() const { return SaveError(database_, path_); }
+
+  std::string Lock() const {
+    return ErrorOf([&] { const ProjectFileLock lock(path_); });
+  }
+
+  const std::string& path() const { return path_; }
+
+ private:
   const TemporaryDirectory directory_;
   const std::string path_;
   KelProjectDatabase database_;
 };
 
-struct NameOf245Characters : LongName {
-  NameOf245Characters() : LongName(245) {}
-};
+TEST(LongNameOnWindows, Of245Characters_IsLocked) { EXPECT_EQ(LongName(245).Lock(), ""); }
 
-TEST_F(NameOf245Characters, CanBeLocked) {
-  EXPECT_EQ(ErrorOf([&] { const ProjectFileLock lock(path_); }), "");
+TEST(LongNameOnWindows, Of246Characters_IsTooLongForALock) {
+  const LongName name(246);
+  EXPECT_EQ(name.Lock(),
+            "Failed locking XML file " + name.path() + ": " + TextOfErrno(ENAMETOOLONG) + "\n");
 }
 
-struct NameOf246Characters : LongName {
-  NameOf246Characters() : LongName(246) {}
-};
-
-TEST_F(NameOf246Characters, IsTooLongForALock) {
-  EXPECT_EQ(ErrorOf([&] { const ProjectFileLock lock(path_); }),
-            "Failed locking XML file " + path_ + ": " + TextOfErrno(ENAMETOOLONG) + "\n");
-}
-
-TEST_F(NameOf246Characters, IsSavedAgainWithoutALock) {
-  EXPECT_EQ(SaveError(database_, path_), "");
+TEST(LongNameOnWindows, Of246Characters_IsSavedAgainWithoutALock) {
+  EXPECT_EQ(LongName(246).Save(), "");
 }
 
 TEST_F(LockOnWindows, FileOfTheLocksNameThatIsNoLock_IsRefusedAndStays) {
